@@ -1,0 +1,103 @@
+#include "platform/files.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace ovd::platform {
+
+namespace fs = std::filesystem;
+
+std::string joinPath(const std::string& folder, const std::string& name) {
+    if (folder.empty() || folder.back() == '/') return folder + name;
+    return folder + "/" + name;
+}
+
+bool fileExists(const std::string& path) {
+    std::error_code ec;
+    return fs::is_regular_file(path, ec);
+}
+
+bool folderExists(const std::string& path) {
+    std::error_code ec;
+    return fs::is_directory(path, ec);
+}
+
+bool createFolder(const std::string& path) {
+    std::error_code ec;
+    fs::create_directories(path, ec);
+    return folderExists(path);
+}
+
+std::optional<std::uintmax_t> fileSize(const std::string& path) {
+    std::error_code ec;
+    const auto size = fs::file_size(path, ec);
+    if (ec) return std::nullopt;
+    return size;
+}
+
+std::optional<std::string> readWholeFile(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) return std::nullopt;
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+namespace {
+bool writeWithMode(const std::string& path, const std::string& text, mode_t mode,
+                   bool forceMode) {
+    const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, mode);
+    if (fd < 0) return false;
+    if (forceMode) ::fchmod(fd, mode);
+    std::size_t done = 0;
+    bool ok = true;
+    while (done < text.size()) {
+        const ssize_t n = ::write(fd, text.data() + done, text.size() - done);
+        if (n < 0) {
+            ok = false;
+            break;
+        }
+        done += static_cast<std::size_t>(n);
+    }
+    if (::close(fd) != 0) ok = false;
+    return ok;
+}
+}  // namespace
+
+bool writeWholeFile(const std::string& path, const std::string& text) {
+    return writeWithMode(path, text, 0666, false);
+}
+
+bool writePrivateFile(const std::string& path, const std::string& text) {
+    return writeWithMode(path, text, 0600, true);
+}
+
+std::string defaultDataFolder() {
+    const char* xdg = std::getenv("XDG_DATA_HOME");
+    if (xdg != nullptr && *xdg == '/') return joinPath(xdg, "orvane-voice-desk");
+    const char* home = std::getenv("HOME");
+    const std::string base = (home != nullptr && *home != '\0') ? home : "/tmp";
+    return joinPath(base, ".local/share/orvane-voice-desk");
+}
+
+std::string programShareFolder() {
+    std::error_code ec;
+    const fs::path exe = fs::read_symlink("/proc/self/exe", ec);
+    if (ec) return {};
+    const fs::path installed = exe.parent_path().parent_path() / "share" / "orvane-voice-desk";
+    if (fs::is_directory(installed, ec)) return installed.string();
+#ifdef OVD_SOURCE_ASSETS
+    // Run from the build tree: the shipped files are still in the sources.
+    return OVD_SOURCE_ASSETS;
+#else
+    return installed.string();
+#endif
+}
+
+}  // namespace ovd::platform

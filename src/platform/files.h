@@ -1,0 +1,34 @@
+#pragma once
+// File and folder helpers in the station's terms: paths joined with the separator
+// rule the settings files use, whole-file reads and writes, and the folders where
+// the station keeps its data and finds its own shipped files.
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace ovd::platform {
+
+// folder + "/" + name, the "/" added only when the folder does not already end in one.
+std::string joinPath(const std::string& folder, const std::string& name);
+
+bool fileExists(const std::string& path);
+bool folderExists(const std::string& path);
+// Creates the folder and its parents; false when it can't be made.
+bool createFolder(const std::string& path);
+std::optional<std::uintmax_t> fileSize(const std::string& path);
+
+std::optional<std::string> readWholeFile(const std::string& path);
+// Replaces the file with the text; false (with errno left set) when it can't be written.
+bool writeWholeFile(const std::string& path, const std::string& text);
+// Same, and the file is created readable and writable by its owner only.
+bool writePrivateFile(const std::string& path, const std::string& text);
+
+// $XDG_DATA_HOME/orvane-voice-desk, else ~/.local/share/orvane-voice-desk.
+std::string defaultDataFolder();
+
+// The installed share folder of the programs (prompt sounds, Button.cfg, the
+// first DigitalRecorder.cfg), found next to the executable.
+std::string programShareFolder();
+
+}  // namespace ovd::platform

@@ -1,0 +1,64 @@
+#include "platform/system_queries.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "platform/files.h"
+#include "platform/text.h"
+
+namespace ovd::platform {
+
+namespace fs = std::filesystem;
+
+std::vector<std::string> processNames() {
+    std::vector<std::string> names;
+    std::error_code ec;
+    for (const auto& entry : fs::directory_iterator("/proc", ec)) {
+        const std::string pid = entry.path().filename().string();
+        if (pid.empty() || pid.find_first_not_of("0123456789") != std::string::npos) continue;
+        if (auto comm = readWholeFile(entry.path().string() + "/comm")) {
+            names.push_back(trim(*comm));
+        }
+    }
+    return names;
+}
+
+bool ProcessRunning(const std::string& name) {
+    std::string wanted = name;
+    if (wanted.size() > 4 && equalsIgnoreCase(wanted.substr(wanted.size() - 4), ".exe")) {
+        wanted.resize(wanted.size() - 4);
+    }
+    // The kernel keeps at most 15 characters of a process name.
+    if (wanted.size() > 15) wanted.resize(15);
+    for (const std::string& running : processNames()) {
+        if (equalsIgnoreCase(running, wanted)) return true;
+    }
+    return false;
+}
+
+std::optional<std::uint64_t> freeDiskBytes(const std::string& path) {
+    struct statvfs info {};
+    std::string probe = path;
+    std::error_code ec;
+    // A folder that does not exist yet is judged by the nearest one that does.
+    while (!probe.empty() && !fs::exists(probe, ec)) {
+        probe = fs::path(probe).parent_path().string();
+    }
+    if (probe.empty()) probe = "/";
+    if (::statvfs(probe.c_str(), &info) != 0) return std::nullopt;
+    return static_cast<std::uint64_t>(info.f_bavail) * info.f_frsize;
+}
+
+bool FileAvailable(const std::string& path) {
+    const int fd = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+    if (fd < 0) return false;
+    const bool free = ::flock(fd, LOCK_EX | LOCK_NB) == 0;
+    ::close(fd);  // closing releases the lock we just took
+    return free;
+}
+
+}  // namespace ovd::platform
