@@ -1,0 +1,33 @@
+#pragma once
+// The line grammar of DigitalRecorder.cfg. Writing: text in double quotes with no
+// escaping, integers in plain decimal, yes/no as "#TRUE#" or "#FALSE#", a
+// variant in the form of what it holds (nothing at all when it holds nothing),
+// fields separated by single commas, the record ended by CR LF.
+// Reading is forgiving in the way the file has always been read: a quoted field
+// ends at the next quote, an unquoted one at the next comma or line end, and a
+// field that does not fit its kind leaves the setting as it was.
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "settings/settings_record.h"
+
+namespace ovd::settings {
+
+struct RecordToken {
+    std::string text;
+    bool quoted = false;
+};
+
+// Splits the file's content into fields.
+std::vector<RecordToken> tokenizeRecord(std::string_view content);
+
+// Takes the fields onto the record in order; fields past the end of the tokens,
+// and fields whose text does not fit their kind, keep their former values.
+void applyRecord(SettingsRecord& record, const std::vector<RecordToken>& tokens);
+
+// The whole record as one line, CR LF included.
+std::string formatRecord(const SettingsRecord& record);
+
+}  // namespace ovd::settings
