@@ -13,7 +13,11 @@ std::string formatNumber(double number) {
     if (std::isfinite(number) && std::floor(number) == number && std::fabs(number) < 1e15) {
         std::snprintf(buffer, sizeof buffer, "%lld", static_cast<long long>(number));
     } else {
-        std::snprintf(buffer, sizeof buffer, "%.15g", number);
+        // The shortest form that reads back to the same number.
+        for (int digits = 15; digits <= 17; ++digits) {
+            std::snprintf(buffer, sizeof buffer, "%.*g", digits, number);
+            if (std::strtod(buffer, nullptr) == number) break;
+        }
     }
     return buffer;
 }
