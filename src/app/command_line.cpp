@@ -1,0 +1,60 @@
+#include "app/command_line.h"
+
+namespace ovd::app {
+
+namespace {
+std::string withoutQuotes(std::string name) {
+    if (name.size() >= 2 && name.front() == '"' && name.back() == '"') {
+        return name.substr(1, name.size() - 2);
+    }
+    return name;
+}
+}  // namespace
+
+StationOptions parseCommandLine(const std::vector<std::string>& arguments) {
+    StationOptions options;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& argument = arguments[i];
+        const auto takeValue = [&](std::string& into) {
+            if (i + 1 >= arguments.size()) {
+                options.error = argument + " needs a value";
+                return;
+            }
+            into = arguments[++i];
+        };
+        if (argument == "--help" || argument == "-h") {
+            options.showHelp = true;
+        } else if (argument == "--version") {
+            options.showVersion = true;
+        } else if (argument == "--headless") {
+            options.headless = true;
+        } else if (argument == "--data-folder") {
+            takeValue(options.dataFolder);
+        } else if (argument == "--answers") {
+            takeValue(options.answersFile);
+        } else if (argument.rfind("--", 0) == 0) {
+            options.error = "unknown option " + argument;
+        } else if (options.fileName.empty()) {
+            options.fileName = withoutQuotes(argument);
+        } else {
+            options.error = "only one file name can be given";
+        }
+        if (!options.error.empty()) break;
+    }
+    return options;
+}
+
+std::string usageText(const std::string& program) {
+    return "Usage: " + program + " [options] [file]\n"
+           "Orvane Voice Desk: a hands-free digital dictation station.\n\n"
+           "  --data-folder DIR  settings, databases and event logs (default\n"
+           "                     $XDG_DATA_HOME/orvane-voice-desk)\n"
+           "  --headless         run without a window; message boxes take their\n"
+           "                     default button and are written to the event log\n"
+           "  --answers FILE     headless answers, one \"text fragment => answer\" a line\n"
+           "  --version          print the version and stop\n"
+           "  --help             print this text and stop\n"
+           "  file               a recording to dictate into\n";
+}
+
+}  // namespace ovd::app

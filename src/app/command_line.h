@@ -1,0 +1,23 @@
+#pragma once
+// The station's command line: options, and at most one file name to dictate into,
+// with or without double quotes around it.
+
+#include <string>
+#include <vector>
+
+namespace ovd::app {
+
+struct StationOptions {
+    bool showHelp = false;
+    bool showVersion = false;
+    bool headless = false;
+    std::string dataFolder;   // empty: the default data folder
+    std::string answersFile;  // headless answers to message boxes
+    std::string fileName;     // the file named on the command line, quotes removed
+    std::string error;        // set when the command line can't be used
+};
+
+StationOptions parseCommandLine(const std::vector<std::string>& arguments);
+std::string usageText(const std::string& program);
+
+}  // namespace ovd::app
