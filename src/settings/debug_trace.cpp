@@ -78,4 +78,10 @@ void DebugTrace::DumpGlobals(const GlobalsSnapshot& snapshot) {
     for (const std::string& line : formatGlobalsDump(snapshot)) DebugPrint(line);
 }
 
+void DebugTrace::openForSupport(platform::Prompts& prompts, const GlobalsSnapshot& snapshot) {
+    DebugOn = true;
+    prompts.showMessage("Button clicked!");
+    DumpGlobals(snapshot);
+}
+
 }  // namespace ovd::settings

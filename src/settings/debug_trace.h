@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/event_loop.h"
+#include "platform/prompts.h"
 #include "platform/timer.h"
 #include "settings/settings_record.h"
 
@@ -39,8 +40,10 @@ public:
     // One line "[" + time + "] " + text. While DebugOn is false the line is kept
     // silently; while it is true the trace window is asked to show.
     void DebugPrint(const std::string& text);
-    // Switches the trace on (the double click support uses) and writes the dump.
+    // Switches the trace on and writes the dump.
     void DumpGlobals(const GlobalsSnapshot& snapshot);
+    // The double click support staff use on the status caption: confirms, then dumps.
+    void openForSupport(platform::Prompts& prompts, const GlobalsSnapshot& snapshot);
 
     bool DebugOn = false;
     // Called when the trace window should show itself with the new text.

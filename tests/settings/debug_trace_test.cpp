@@ -4,6 +4,7 @@
 
 #include "platform/timer.h"
 #include "settings/debug_trace.h"
+#include "support/scripted_prompts.h"
 #include "support/virtual_event_loop.h"
 
 namespace ovd::settings {
@@ -50,7 +51,9 @@ TEST(DebugTraceTest, LinesAreTimeStampedAndTheWindowShowsOnlyWhileSwitchedOn) {
 
     trace.DebugPrint("quiet");
     EXPECT_EQ(shown, 0);
-    trace.DumpGlobals({});
+    testing::ScriptedPrompts prompts;
+    trace.openForSupport(prompts, {});
+    EXPECT_EQ(prompts.texts(), std::vector<std::string>{"Button clicked!"});
     EXPECT_TRUE(trace.DebugOn);
     EXPECT_GT(shown, 0);
     EXPECT_EQ(trace.lines().size(), 3u) << "only the most recent lines are kept";
