@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -76,6 +77,14 @@ bool writeWholeFile(const std::string& path, const std::string& text) {
 
 bool writePrivateFile(const std::string& path, const std::string& text) {
     return writeWithMode(path, text, 0600, true);
+}
+
+bool replaceFile(const std::string& path, const std::string& text, bool ownerOnly) {
+    const std::string fresh = path + "." + std::to_string(::getpid()) + ".new";
+    const bool written = writeWithMode(fresh, text, ownerOnly ? 0600 : 0666, ownerOnly);
+    if (written && std::rename(fresh.c_str(), path.c_str()) == 0) return true;
+    std::remove(fresh.c_str());
+    return false;
 }
 
 std::string defaultDataFolder() {

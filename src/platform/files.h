@@ -23,6 +23,10 @@ std::optional<std::string> readWholeFile(const std::string& path);
 bool writeWholeFile(const std::string& path, const std::string& text);
 // Same, and the file is created readable and writable by its owner only.
 bool writePrivateFile(const std::string& path, const std::string& text);
+// Writes the text beside the file and moves it over the file, so that a crash in the
+// middle of a write leaves the old file rather than half of a new one. The scratch
+// name carries the process id, so the station and its companion never share one.
+bool replaceFile(const std::string& path, const std::string& text, bool ownerOnly = false);
 
 // $XDG_DATA_HOME/orvane-voice-desk, else ~/.local/share/orvane-voice-desk.
 std::string defaultDataFolder();

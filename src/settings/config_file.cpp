@@ -1,7 +1,5 @@
 #include "settings/config_file.h"
 
-#include <cstdio>
-
 #include "platform/files.h"
 #include "settings/record_grammar.h"
 
@@ -32,14 +30,8 @@ void ConfigFile::ReadConfig() {
 void ConfigFile::WriteConfig() {
     if (record.Port == 0) record.Port = 1;
     ++writeCount_;
-    // Written beside the old file and moved over it, so that a crash in the middle
-    // of a write leaves the previous record rather than a short one.
-    const std::string fresh = path_ + ".new";
-    if (platform::writeWholeFile(fresh, formatRecord(record))) {
-        std::rename(fresh.c_str(), path_.c_str());
-    } else {
-        std::remove(fresh.c_str());
-    }
+    // A failed write is let be: the settings stay in force in memory.
+    (void)platform::replaceFile(path_, formatRecord(record));
 }
 
 void ConfigFile::ResetRecorderState(const std::function<void()>& clearWorkingState) {

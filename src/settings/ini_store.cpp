@@ -1,8 +1,6 @@
 #include "settings/ini_store.h"
 
-#include <unistd.h>
 
-#include <cstdio>
 
 #include "platform/files.h"
 #include "platform/text.h"
@@ -170,16 +168,7 @@ IniDocument IniStore::load() const {
 }
 
 bool IniStore::save(const IniDocument& document) const {
-    // Written beside the file and moved over it, so that a crash in the middle of a
-    // write leaves the old file rather than half of a new one. The process id keeps
-    // the station and its companion sender from sharing the scratch file.
-    const std::string fresh = path_ + "." + std::to_string(::getpid()) + ".new";
-    const std::string text = document.serialise();
-    const bool written = access_ == FileAccess::OwnerOnly ? platform::writePrivateFile(fresh, text)
-                                                          : platform::writeWholeFile(fresh, text);
-    if (written && std::rename(fresh.c_str(), path_.c_str()) == 0) return true;
-    std::remove(fresh.c_str());
-    return false;
+    return platform::replaceFile(path_, document.serialise(), access_ == FileAccess::OwnerOnly);
 }
 
 std::string IniStore::ReadKey(std::string_view section, std::string_view key) const {
