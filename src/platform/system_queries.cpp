@@ -41,14 +41,12 @@ bool ProcessRunning(const std::string& name) {
 }
 
 std::optional<std::uint64_t> freeDiskBytes(const std::string& path) {
-    struct statvfs info {};
-    std::string probe = path;
     std::error_code ec;
+    fs::path probe(path);
     // A folder that does not exist yet is judged by the nearest one that does.
-    while (!probe.empty() && !fs::exists(probe, ec)) {
-        probe = fs::path(probe).parent_path().string();
-    }
-    if (probe.empty()) probe = "/";
+    while (!probe.empty() && !fs::exists(probe, ec)) probe = probe.parent_path();
+    if (probe.empty()) probe = fs::current_path(ec);
+    struct statvfs info {};
     if (::statvfs(probe.c_str(), &info) != 0) return std::nullopt;
     return static_cast<std::uint64_t>(info.f_bavail) * info.f_frsize;
 }
