@@ -7,6 +7,9 @@ packages=(
     build-essential cmake ninja-build pkg-config git
     qt6-base-dev libgl-dev
     libsqlite3-dev sqlite3
+    libsndfile1-dev libavcodec-dev libavformat-dev libavutil-dev libswresample-dev
+    libpulse-dev pulseaudio pulseaudio-utils
+    espeak-ng sox libsox-fmt-all ffmpeg lame
     libgtest-dev libgmock-dev
     clang libclang-rt-14-dev
     xvfb xauth x11-apps imagemagick
