@@ -1,0 +1,170 @@
+#include "engine/wave_editor.h"
+
+#include <algorithm>
+
+namespace ovd::engine {
+
+namespace {
+constexpr int kSyncMs = 500;  // the work file is on disk within a second, whatever happens
+constexpr int kFeedMs = 20;
+constexpr std::size_t kUndoDepth = 100;
+}  // namespace
+
+WaveEditor::WaveEditor(platform::EventLoop& loop, AudioBackend& backend,
+                       std::shared_ptr<Clipboard> clipboard, std::string name)
+    : loop_(loop),
+      backend_(backend),
+      clipboard_(std::move(clipboard)),
+      name_(std::move(name)),
+      syncTimer_(loop, name_ + ".sync", kSyncMs),
+      feedTimer_(loop, name_ + ".feed", kFeedMs) {
+    syncTimer_.setOnTick([this] { syncTick(); });
+    feedTimer_.setOnTick([this] { feedTick(); });
+}
+
+WaveEditor::~WaveEditor() {
+    *alive_ = false;
+    Stop();
+    finishSaving();
+    Close();
+}
+
+SampleCount WaveEditor::clampToDocument(SampleCount position) const {
+    return std::clamp<SampleCount>(position, 0, document_.length());
+}
+
+void WaveEditor::viewChanged() {
+    if (onViewChange) onViewChange();
+}
+
+void WaveEditor::setCursorPosition(SampleCount position) {
+    cursor_ = clampToDocument(position);
+    viewChanged();
+}
+
+void WaveEditor::setSelectionActive(bool active) {
+    selectionActive_ = active;
+    viewChanged();
+}
+
+void WaveEditor::setSelectionStart(SampleCount position) {
+    selectionStart_ = clampToDocument(position);
+    viewChanged();
+}
+
+void WaveEditor::setSelectionEnd(SampleCount position) {
+    selectionEnd_ = clampToDocument(position);
+    viewChanged();
+}
+
+void WaveEditor::emitBlock(BlockOperationEvent::Phase phase, const std::string& operation,
+                           SampleCount position, SampleCount range) {
+    if (onBlockOperation) onBlockOperation({phase, operation, position, range});
+}
+
+void WaveEditor::rememberForUndo() {
+    undo_.push_back({document_.pieces(), cursor_});
+    if (undo_.size() > kUndoDepth) undo_.erase(undo_.begin());
+    redo_.clear();
+}
+
+void WaveEditor::restore(const Snapshot& snapshot) {
+    document_.replaceAll(snapshot.pieces);
+    cursor_ = clampToDocument(snapshot.cursor);
+    selectionActive_ = false;
+    selectionStart_ = selectionEnd_ = cursor_;
+    viewChanged();
+}
+
+EngineResult WaveEditor::Undo() {
+    if (state_ != EditorState::Stopped) return EngineResult::failure("stop first");
+    if (undo_.empty()) return EngineResult::failure("nothing to undo");
+    redo_.push_back({document_.pieces(), cursor_});
+    restore(undo_.back());
+    undo_.pop_back();
+    return EngineResult::success();
+}
+
+EngineResult WaveEditor::Redo() {
+    if (state_ != EditorState::Stopped) return EngineResult::failure("stop first");
+    if (redo_.empty()) return EngineResult::failure("nothing to redo");
+    undo_.push_back({document_.pieces(), cursor_});
+    restore(redo_.back());
+    redo_.pop_back();
+    return EngineResult::success();
+}
+
+EngineResult WaveEditor::Copy() {
+    if (!workFile_) return EngineResult::failure("no document");
+    const SampleCount from = std::min(selectionStart_, selectionEnd_);
+    const SampleCount to = std::max(selectionStart_, selectionEnd_);
+    if (!selectionActive_ || from == to) return EngineResult::failure("nothing is selected");
+    clipboard_->format = document_.format();
+    clipboard_->pieces = document_.slice(from, to);
+    return EngineResult::success();
+}
+
+EngineResult WaveEditor::Cut() {
+    if (state_ != EditorState::Stopped) return EngineResult::failure("stop first");
+    if (EngineResult copied = Copy(); !copied) return copied;
+    rememberForUndo();
+    const SampleCount from = std::min(selectionStart_, selectionEnd_);
+    document_.remove(from, std::max(selectionStart_, selectionEnd_));
+    cursor_ = from;
+    selectionActive_ = false;
+    selectionStart_ = selectionEnd_ = from;
+    viewChanged();
+    return EngineResult::success();
+}
+
+void WaveEditor::insertPieces(SampleCount at, const PieceList& pieces) {
+    SampleCount added = 0;
+    for (const Piece& piece : pieces) added += piece.length;
+    if (selectionActive_ && selectionStart_ != selectionEnd_) {
+        at = std::min(selectionStart_, selectionEnd_);
+        document_.remove(at, std::max(selectionStart_, selectionEnd_));
+    }
+    document_.insert(at, pieces);
+    cursor_ = at + added;
+    selectionActive_ = false;
+    selectionStart_ = selectionEnd_ = cursor_;
+    viewChanged();
+}
+
+EngineResult WaveEditor::Paste() {
+    if (state_ != EditorState::Stopped) return EngineResult::failure("stop first");
+    if (!workFile_) return EngineResult::failure("no document");
+    if (clipboard_->empty()) return EngineResult::failure("the clipboard is empty");
+    if (!(clipboard_->format == document_.format())) {
+        return EngineResult::failure("the clipboard holds audio of another rate or channel count");
+    }
+    SampleCount range = 0;
+    for (const Piece& piece : clipboard_->pieces) range += piece.length;
+    emitBlock(BlockOperationEvent::Phase::Start, "Pasting", 0, range);
+    rememberForUndo();
+    insertPieces(cursor_, clipboard_->pieces);
+    if (formatName_.empty()) formatName_ = "PCM";
+    emitBlock(BlockOperationEvent::Phase::End, "Pasting", range, range);
+    return EngineResult::success();
+}
+
+EngineResult WaveEditor::PasteFile(const std::string& path) {
+    if (state_ != EditorState::Stopped) return EngineResult::failure("stop first");
+    if (!workFile_) return EngineResult::failure("no document");
+    PieceList added;
+    if (EngineResult appended = appendFile(path, "Pasting File", added); !appended) return appended;
+    rememberForUndo();
+    selectionActive_ = false;
+    insertPieces(cursor_, added);
+    if (formatName_.empty()) formatName_ = "PCM";
+    return EngineResult::success();
+}
+
+void WaveEditor::syncTick() {
+    if (!workFile_) return;
+    const SampleCount frames = workFile_->frames();
+    if (frames == syncedFrames_) return;
+    if (workFile_->flush()) syncedFrames_ = frames;
+}
+
+}  // namespace ovd::engine

@@ -1,0 +1,144 @@
+#pragma once
+// The station's wave editor: a document of 16-bit frames in a work file, edited
+// as a list of pieces, recorded and played through an audio backend, saved in any
+// recording format on a thread of its own.
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "engine/audio_backend.h"
+#include "engine/audio_document.h"
+#include "engine/audio_editor.h"
+#include "engine/clipboard.h"
+#include "platform/event_loop.h"
+#include "platform/timer.h"
+
+namespace ovd::engine {
+
+class WaveEditor : public AudioEditor {
+public:
+    WaveEditor(platform::EventLoop& loop, AudioBackend& backend,
+               std::shared_ptr<Clipboard> clipboard, std::string name);
+    ~WaveEditor() override;
+
+    [[nodiscard]] SampleCount Length() const override { return document_.length(); }
+    [[nodiscard]] SampleCount CursorPosition() const override { return cursor_; }
+    void setCursorPosition(SampleCount position) override;
+    [[nodiscard]] bool SelectionActive() const override { return selectionActive_; }
+    void setSelectionActive(bool active) override;
+    [[nodiscard]] SampleCount SelectionStart() const override { return selectionStart_; }
+    void setSelectionStart(SampleCount position) override;
+    [[nodiscard]] SampleCount SelectionEnd() const override { return selectionEnd_; }
+    void setSelectionEnd(SampleCount position) override;
+    [[nodiscard]] SampleCount ZoomStart() const override { return 0; }
+    [[nodiscard]] SampleCount ZoomEnd() const override { return document_.length(); }
+    void setViewValue(int value) override { viewValue_ = value; }
+
+    [[nodiscard]] int SamplesPerSecond() const override { return document_.format().sampleRate; }
+    [[nodiscard]] int Channels() const override { return document_.format().channels; }
+    [[nodiscard]] std::string FormatName() const override { return formatName_; }
+    void setComment(const std::string& comment) override { comment_ = comment; }
+
+    DeviceList& RecordingDevices() override { return backend_.recordingDevices(); }
+    DeviceList& PlaybackDevices() override { return backend_.playbackDevices(); }
+
+    void chooseFormat(const TargetFormat& format) override { chosen_ = format; }
+    [[nodiscard]] const TargetFormat& chosenFormat() const override { return chosen_; }
+
+    [[nodiscard]] std::string TempFileName() const override;
+    void setTempFileName(const std::string& folderOrPath) override;
+
+    EngineResult Open(const std::string& path) override;
+    EngineResult New(int samplesPerSecond, int channels) override;
+    EngineResult SaveAs(const std::string& path) override;
+    void Close() override;
+
+    EngineResult Play(int mode = 0) override;
+    EngineResult Record() override;
+    void Stop() override;
+    void Pause() override;
+    void Continue() override;
+    [[nodiscard]] int State() const override { return static_cast<int>(state_); }
+
+    EngineResult Undo() override;
+    EngineResult Redo() override;
+    EngineResult Copy() override;
+    EngineResult Cut() override;
+    EngineResult Paste() override;
+    EngineResult PasteFile(const std::string& path) override;
+
+    // The outcome of the last save, once it has finished; empty when it worked.
+    [[nodiscard]] std::string lastSaveError() const { return lastSaveError_; }
+    [[nodiscard]] bool saving() const { return saving_.load(); }
+    // Waits for a running save to end (the station's exit).
+    void finishSaving();
+    [[nodiscard]] bool hasDocument() const { return workFile_ != nullptr; }
+
+private:
+    struct Snapshot {
+        PieceList pieces;
+        SampleCount cursor = 0;
+    };
+    EngineResult startDocument(const PcmFormat& format);
+    EngineResult appendFile(const std::string& path, const char* operation, PieceList& added);
+    void rememberForUndo();
+    void restore(const Snapshot& snapshot);
+    void insertPieces(SampleCount at, const PieceList& pieces);
+    void viewChanged();
+    void emitBlock(BlockOperationEvent::Phase phase, const std::string& operation, SampleCount position,
+                   SampleCount range);
+    void syncTick();
+    void feedTick();
+    void onCaptured(const std::int16_t* frames, std::size_t frameCount);
+    void stopPlaying();
+    void stopRecording();
+    [[nodiscard]] SampleCount clampToDocument(SampleCount position) const;
+
+    platform::EventLoop& loop_;
+    AudioBackend& backend_;
+    std::shared_ptr<Clipboard> clipboard_;
+    std::string name_;
+    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+
+    std::string tempFolder_;
+    std::shared_ptr<WorkFile> workFile_;
+    AudioDocument document_;
+    std::string formatName_;
+    std::string comment_;
+    TargetFormat chosen_;
+    int viewValue_ = 0;
+
+    SampleCount cursor_ = 0;
+    bool selectionActive_ = false;
+    SampleCount selectionStart_ = 0;
+    SampleCount selectionEnd_ = 0;
+
+    std::vector<Snapshot> undo_;
+    std::vector<Snapshot> redo_;
+
+    EditorState state_ = EditorState::Stopped;
+    platform::Timer syncTimer_;
+    platform::Timer feedTimer_;
+    SampleCount syncedFrames_ = 0;
+
+    // Recording.
+    std::size_t recordingPiece_ = 0;
+    // Playing.
+    std::unique_ptr<PlaybackStream> stream_;
+    int playMode_ = 0;
+    SampleCount playFrom_ = 0;
+    SampleCount playTo_ = 0;
+    SampleCount fed_ = 0;          // frames handed to the stream since the play began
+    SampleCount feedPosition_ = 0; // document position of the next frame to hand over
+
+    // Saving.
+    std::thread saveThread_;
+    std::atomic<bool> saving_{false};
+    std::string lastSaveError_;
+    unsigned workFilesMade_ = 0;
+};
+
+}  // namespace ovd::engine

@@ -1,0 +1,59 @@
+#pragma once
+// The file a document's audio lives in while it is edited: a WAV file of 16-bit
+// frames in the Temp folder, only ever appended to. Its header is brought up to
+// date and the data synced at every flush, so a station that is killed leaves a
+// file the recovery can open, short of at most the audio since the last flush.
+// The document refers to ranges of it; an edit never rewrites it.
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "engine/audio_backend.h"
+#include "engine/engine_result.h"
+
+namespace ovd::engine {
+
+class WorkFile {
+public:
+    // Creates the file (replacing any of that name) with an empty data chunk.
+    static std::shared_ptr<WorkFile> create(const std::string& path, const PcmFormat& format,
+                                            std::string& error);
+    ~WorkFile();
+    WorkFile(const WorkFile&) = delete;
+    WorkFile& operator=(const WorkFile&) = delete;
+
+    [[nodiscard]] const std::string& path() const { return path_; }
+    [[nodiscard]] const PcmFormat& format() const { return format_; }
+    [[nodiscard]] SampleCount frames() const;
+
+    // Adds frames at the end; returns the frame index they start at.
+    SampleCount append(const std::int16_t* frames, std::size_t frameCount);
+    // Writes what is buffered, updates the header and syncs the data to disk.
+    EngineResult flush();
+    // Reads frames from any thread; frames past the end read as nothing (returns fewer).
+    std::size_t read(SampleCount start, std::int16_t* out, std::size_t frameCount) const;
+
+    // Deletes the file from the folder; readers that still hold it keep their audio.
+    void removeFromDisk();
+
+    static constexpr std::size_t kHeaderBytes = 44;
+
+private:
+    WorkFile(std::string path, int fd, const PcmFormat& format);
+    EngineResult writeBuffered();
+    EngineResult writeHeader();
+
+    std::string path_;
+    int fd_;
+    PcmFormat format_;
+    std::size_t frameBytes_;
+    mutable std::mutex mutex_;
+    SampleCount framesOnDisk_ = 0;
+    std::vector<std::int16_t> pending_;  // appended, not yet written
+    bool removed_ = false;
+};
+
+}  // namespace ovd::engine
