@@ -8,6 +8,5 @@ int main(int argc, char** argv) {
     // gtest takes its own flags out first; Qt gets the rest (such as -platform).
     ::testing::InitGoogleTest(&argc, argv);
     QApplication app(argc, argv);
-    QApplication::setApplicationDisplayName(QStringLiteral("Orvane Voice Desk"));
     return RUN_ALL_TESTS();
 }

@@ -5,9 +5,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QEventLoop>
-#include <QPointer>
 #include <QTimer>
-#include <QWidget>
 
 #include <chrono>
 #include <functional>
@@ -17,63 +15,40 @@ namespace ovd::ui::testing {
 // Runs events until the condition holds or the deadline passes; says which.
 inline bool runUntil(const std::function<bool()>& condition,
                      std::chrono::milliseconds deadline = std::chrono::seconds(10)) {
-    if (condition()) return true;
     QEventLoop loop;
     QTimer poll;
-    poll.setInterval(5);
     QObject::connect(&poll, &QTimer::timeout, &loop, [&] {
         if (condition()) loop.quit();
     });
     QTimer::singleShot(deadline, &loop, &QEventLoop::quit);
-    poll.start();
-    loop.exec();
+    poll.start(5);
+    if (!condition()) loop.exec();
     return condition();
 }
 
-inline void runFor(std::chrono::milliseconds duration) {
-    QEventLoop loop;
-    QTimer::singleShot(duration, &loop, &QEventLoop::quit);
-    loop.exec();
-}
-
-// Answers the next modal window from the loop that window's exec() runs: the act
-// gets the window once it is up. A window of another kind, or one the act leaves
-// open, is closed so that a failing test fails instead of hanging.
+// Runs `ask`, answering the modal window it opens with `act` from the loop that
+// window's exec() runs; says whether a window of the expected kind came up. One of
+// another kind, or one the act leaves open, is rejected a while later so that a
+// failing test fails instead of hanging (a key press may still be clicking a button).
 template <typename Window>
-class ModalAnswer {
-public:
-    explicit ModalAnswer(std::function<void(Window&)> act) : act_(std::move(act)) {
-        poll_.setInterval(5);
-        QObject::connect(&poll_, &QTimer::timeout, [this] { tryAnswer(); });
-        poll_.start();
-    }
-
-    [[nodiscard]] bool answered() const { return answered_; }
-
-private:
-    void tryAnswer() {
-        QWidget* modal = QApplication::activeModalWidget();
+bool answering(const std::function<void(Window&)>& act, const std::function<void()>& ask) {
+    bool answered = false;
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, [&] {
+        auto* modal = qobject_cast<QDialog*>(QApplication::activeModalWidget());
         if (modal == nullptr || !modal->isVisible()) return;
-        poll_.stop();
-        QPointer<QWidget> shown = modal;
+        poll.stop();
         if (auto* window = dynamic_cast<Window*>(modal)) {
-            act_(*window);
-            answered_ = true;
+            act(*window);
+            answered = true;
         }
-        QTimer::singleShot(std::chrono::seconds(2), [shown] {
-            if (!shown || !shown->isVisible()) return;
-            // close() alone may be refused, as a Yes/No box refuses it.
-            if (auto* dialog = qobject_cast<QDialog*>(shown.data())) {
-                dialog->done(QDialog::Rejected);
-            } else {
-                shown->close();
-            }
+        QTimer::singleShot(std::chrono::seconds(2), modal, [modal] {
+            if (modal->isVisible()) modal->done(QDialog::Rejected);
         });
-    }
-
-    std::function<void(Window&)> act_;
-    QTimer poll_;
-    bool answered_ = false;
-};
+    });
+    poll.start(5);
+    ask();
+    return answered;
+}
 
 }  // namespace ovd::ui::testing
