@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "platform/files.h"
@@ -21,20 +22,21 @@ namespace {
 using testing::ScriptedPrompts;
 using testing::TempFolder;
 
-std::set<std::string> foldersIn(const std::string& folder) {
-    std::set<std::string> names;
-    std::error_code ec;
-    for (const auto& entry : std::filesystem::directory_iterator(folder, ec)) {
-        if (entry.is_directory()) names.insert(entry.path().filename().string());
-    }
-    return names;
+unsigned modeOf(const std::string& path) {
+    struct stat info {};
+    return ::stat(path.c_str(), &info) == 0 ? info.st_mode & 0777U : 0U;
 }
 
-TEST(CompanyRecords, LoadClientsFollowsTheCompanyNameLines) {
+// A data folder with its records, and the boxes they show.
+class CompanyRecordsTest : public ::testing::Test {
+  protected:
     TempFolder folder;
-    const CompanyRecords records(folder.path());
-    EXPECT_EQ(records.LoadClients().HowMany, 0) << "no file";
+    CompanyRecords records{folder.path()};
+    ScriptedPrompts prompts;
+};
 
+TEST_F(CompanyRecordsTest, LoadClientsFollowsTheCompanyNameLines) {
+    EXPECT_EQ(records.LoadClients().HowMany, 0) << "no file";
     ASSERT_TRUE(platform::writeWholeFile(records.clientsPath(), "; nothing here yet\r\n"));
     EXPECT_EQ(records.LoadClients().HowMany, 0) << "no sections";
 
@@ -52,19 +54,13 @@ TEST(CompanyRecords, LoadClientsFollowsTheCompanyNameLines) {
     EXPECT_EQ(list.encryptKeys, (std::vector<std::string>{"n-key", "", ""}));
 }
 
-TEST(CompanyRecords, CreateClientFoldersMakesSixFoldersPerTranscriber) {
-    TempFolder folder;
-    const CompanyRecords records(folder.path());
-    records.CreateClientFolders();
-    EXPECT_TRUE(foldersIn(records.fileFoldersPath()).empty()) << "no transcribers";
-
+TEST_F(CompanyRecordsTest, CreateClientFoldersMakesSixFoldersPerTranscriber) {
     ASSERT_TRUE(platform::writeWholeFile(records.clientsPath(),
                                          "[Acme]\r\nCompanyName=Acme\r\n"
                                          "[North/South]\r\nCompanyName=North/South\r\n"
                                          "[Beta Co]\r\nCompanyName=Beta Co\r\n"));
     records.CreateClientFolders();
     records.CreateClientFolders();  // a second run finds them all there
-
     std::set<std::string> expected;
     for (const char* name : {"Acme", "Beta Co"}) {
         for (const char* suffix : {" _EMAILScan", " _EMAILOutputRenamed", " _FTPScan",
@@ -73,13 +69,15 @@ TEST(CompanyRecords, CreateClientFoldersMakesSixFoldersPerTranscriber) {
         }
     }
     // The name that can't be a folder name makes no folders, and its record stays.
-    EXPECT_EQ(foldersIn(records.fileFoldersPath()), expected);
+    std::set<std::string> made;
+    for (const auto& entry : std::filesystem::directory_iterator(records.fileFoldersPath())) {
+        if (entry.is_directory()) made.insert(entry.path().filename().string());
+    }
+    EXPECT_EQ(made, expected);
     EXPECT_EQ(records.LoadClients().HowMany, 3);
 }
 
-TEST(CompanyRecords, OurEmailsAreTheEmailLinesInFileOrder) {
-    TempFolder folder;
-    const CompanyRecords records(folder.path());
+TEST_F(CompanyRecordsTest, OurEmailsAreTheEmailLinesInFileOrder) {
     ASSERT_TRUE(platform::writeWholeFile(records.ourCompanyPath(),
                                          "[Company]\r\nEmail2=two@example\r\nName=Ann\r\n"
                                          "Email1=one@example=x\r\nEmail5=\r\n"));
@@ -87,76 +85,48 @@ TEST(CompanyRecords, OurEmailsAreTheEmailLinesInFileOrder) {
               (std::vector<std::string>{"two@example", "one@example=x", ""}));
 }
 
-TEST(CompanyRecords, DefaultFtpClientNeedsTheClientsFile) {
-    TempFolder folder;
-    const CompanyRecords records(folder.path());
+TEST_F(CompanyRecordsTest, DefaultFtpClientNeedsTheClientsFileAndBothStayTheOwners) {
     ASSERT_TRUE(records.defaults().WriteKey("DefaultFTPClient", "DefaultFTP", "North Typing"));
     EXPECT_EQ(records.defaultFtpClient(), "");
     ASSERT_TRUE(records.clients().WriteKey("North Typing", "CompanyName", "North Typing"));
     EXPECT_EQ(records.defaultFtpClient(), "North Typing");
+    EXPECT_EQ(modeOf(records.defaultsPath()), 0600U);
+    EXPECT_EQ(modeOf(records.clientsPath()), 0600U);
 }
 
-TEST(CompanyRecords, SavingOurCompanyAsksForTheRequiredFieldsInTurn) {
-    const OurCompanyFields full{"Acme", "Ann Lee", "1 Main St", "Springfield",
-                                "IL",   "62701",   "555-0100",  "s3cret"};
-    struct Case {
-        std::string OurCompanyFields::*emptied;
-        const char* message;
-    };
-    const std::vector<Case> cases = {
+TEST_F(CompanyRecordsTest, SavingOurCompanyTellsTheMissingFieldOrSavesForTheOwnerOnly) {
+    const std::vector<std::pair<std::string OurCompanyFields::*, const char*>> cases = {
         {&OurCompanyFields::CompanyName, "Company Name must be entered to Save record"},
         {&OurCompanyFields::Name, "Name must be entered to Save record"},
         {&OurCompanyFields::EncryptKey, "An ecryption key needs to be entered.  Please re-enter"},
+        // Last, as the one that saves: the zip code is not required.
+        {&OurCompanyFields::Zip,
+         "Thank You... All required fields have been entered --- Company Information saved"},
     };
-    for (const auto& c : cases) {
-        TempFolder folder;
-        const CompanyRecords records(folder.path());
-        ScriptedPrompts prompts;
-        OurCompanyFields fields = full;
-        fields.*(c.emptied) = "";
-        EXPECT_FALSE(saveOurCompanyInformation(records, fields, prompts)) << c.message;
-        EXPECT_EQ(prompts.texts(), std::vector<std::string>{c.message});
-        EXPECT_FALSE(platform::fileExists(records.ourCompanyPath())) << c.message;
+    for (const auto& [emptied, message] : cases) {
+        OurCompanyFields fields{"Acme", "Ann Lee", "1 Main St", "Springfield",
+                                "IL",   "62701",   "555-0100",  "s3cret"};
+        fields.*emptied = "";
+        prompts.clear();
+        const bool saves = emptied == &OurCompanyFields::Zip;
+        EXPECT_EQ(saveOurCompanyInformation(records, fields, prompts), saves) << message;
+        EXPECT_EQ(prompts.texts(), std::vector<std::string>{message});
+        EXPECT_EQ(platform::fileExists(records.ourCompanyPath()), saves) << message;
     }
-
-    TempFolder folder;
-    const CompanyRecords records(folder.path());
-    ScriptedPrompts prompts;
-    OurCompanyFields fields = full;
-    fields.Zip.clear();
-    EXPECT_TRUE(saveOurCompanyInformation(records, fields, prompts));
-    EXPECT_EQ(prompts.texts(),
-              std::vector<std::string>{"Thank You... All required fields have "
-                                       "been entered --- Company Information saved"});
     EXPECT_EQ(platform::readWholeFile(records.ourCompanyPath()),
               "[Company]\r\nCompanyName=Acme\r\nName=Ann Lee\r\nAddress=1 Main St\r\n"
               "City=Springfield\r\nSt=IL\r\nZip=\r\nPhone=555-0100\r\n\r\n"
               "[Key]\r\nEncryptKey=s3cret\r\n");
-    struct stat info {};
-    ASSERT_EQ(::stat(records.ourCompanyPath().c_str(), &info), 0);
-    EXPECT_EQ(info.st_mode & 0777U, 0600U);
+    EXPECT_EQ(modeOf(records.ourCompanyPath()), 0600U);
 }
 
-TEST(CompanyRecords, HelpIndexFillsEveryMissingKeyWithItsDefault) {
-    TempFolder folder;
-    const CompanyRecords records(folder.path());
-    ScriptedPrompts prompts;
-    const HelpEntry defaults{"", "<UNKNOWN>", "Root", "False", ""};
-
-    const HelpIndex none = readHelpIndex(records, prompts);
-    EXPECT_EQ(none.Entries, 1);
-    EXPECT_EQ(none.ListWidth, 225);
-    EXPECT_EQ(none.FormTitle, "Help");
-    EXPECT_EQ(none.items, std::vector<HelpEntry>{defaults});
-
-    ASSERT_TRUE(platform::writeWholeFile(records.helpPath(),
-                                         "[General]\r\nEntries=2\r\nForm Title=Station Help\r\n"
-                                         "[1]\r\nListItem=Pedals\r\nNode=True\r\nKey=pedals\r\n"));
-    const HelpIndex two = readHelpIndex(records, prompts);
-    EXPECT_EQ(two.ListWidth, 225);
-    EXPECT_EQ(two.FormTitle, "Station Help");
-    EXPECT_EQ(two.items, (std::vector<HelpEntry>{{"Pedals", "<UNKNOWN>", "Root", "True", "pedals"},
-                                                 defaults}));
+TEST_F(CompanyRecordsTest, HelpIndexFillsEveryMissingKeyWithItsDefault) {
+    ASSERT_TRUE(
+        platform::writeWholeFile(records.helpPath(), "[1]\r\nListItem=Pedals\r\nKey=pedals\r\n"));
+    const HelpIndex help = readHelpIndex(records, prompts);
+    const std::vector<HelpEntry> items = {{"Pedals", "<UNKNOWN>", "Root", "False", "pedals"}};
+    EXPECT_EQ(std::tie(help.Entries, help.ListWidth, help.FormTitle, help.items),
+              std::make_tuple(1, 225, "Help", items));
     EXPECT_TRUE(prompts.transcript().empty());
 }
 
