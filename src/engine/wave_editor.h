@@ -76,6 +76,10 @@ public:
     // Waits for a running save to end (the station's exit).
     void finishSaving();
     [[nodiscard]] bool hasDocument() const { return workFile_ != nullptr; }
+    // The document's frames from a position on, for the waveform view and checks.
+    std::size_t readFrames(SampleCount position, std::int16_t* out, std::size_t frameCount) const {
+        return document_.read(position, out, frameCount);
+    }
 
 private:
     struct Snapshot {
