@@ -1,8 +1,9 @@
 #pragma once
 // Audio files in and out: reading any recording format into 16-bit frames, and
 // writing frames in a chosen format, resampled and remixed as the format needs.
-// WAV, RAW, VOX and GSM ("DSP") and MP3 go through the sound-file library; MP2
-// and WMA through the codec library. Nothing of either library shows here.
+// WAV, RAW, VOX and GSM ("DSP") are written by the sound-file library; MP3, MP2
+// and WMA by the codec library. Reading tries the sound-file library first.
+// Nothing of either library shows here.
 
 #include <cstdint>
 #include <functional>
@@ -43,7 +44,8 @@ using ProgressCallback = std::function<bool(double fraction)>;
 EngineResult encodeFile(PcmSource& source, const std::string& path, const TargetFormat& target,
                         const std::string& comment, const ProgressCallback& progress = {});
 
-// Length of an audio file in milliseconds, or -1 when it can't be read.
-std::int64_t fileLengthMilliseconds(const std::string& path);
+// Length of an audio file in milliseconds, or -1 when it can't be read. RAW and
+// VOX files need the hint, as for AudioFileReader::open.
+std::int64_t fileLengthMilliseconds(const std::string& path, const TargetFormat* hint = nullptr);
 
 }  // namespace ovd::engine

@@ -1,0 +1,56 @@
+#pragma once
+// Inside the codecs: the two libraries behind encodeFile and AudioFileReader,
+// and writing into a target file the caller has already locked. Nothing of
+// either library shows here.
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "engine/codecs.h"
+
+namespace ovd::engine {
+
+// One encoding: audio already at the rate and channels the format is written at.
+struct EncodeJob {
+    PcmSource& pcm;
+    const TargetFormat& target;
+    const std::string& comment;
+    // Called after every block written; false means the user gave up.
+    std::function<bool()> keepGoing;
+};
+
+inline constexpr const char* kCancelledText = "cancelled";
+
+// WAV, VOX, RAW and DSP, written through fd (open, locked and empty).
+EngineResult encodeWithSndfile(const EncodeJob& job, int fd, const std::string& path);
+// MP3, MP2 and WMA, written to path; the caller holds the lock on another descriptor.
+EngineResult encodeWithFfmpeg(const EncodeJob& job, const std::string& path);
+
+// The rate and channels a format is written at, for audio given in `source`:
+// what the user chose, brought to what the codec can carry.
+PcmFormat encodedPcmFormat(const TargetFormat& target, const PcmFormat& source);
+
+// Files with a header the sound-file library knows (WAV, MP3, GSM in WAV...).
+std::unique_ptr<AudioFileReader> openWithSndfile(const std::string& path, std::string& error);
+// Headerless files: VOX ADPCM or RAW samples laid out as `layout` says.
+std::unique_ptr<AudioFileReader> openHeaderless(const std::string& path, FormatWord kind,
+                                                const TargetFormat& layout, std::string& error);
+// Everything the codec library can demultiplex (MP2, WMA...).
+std::unique_ptr<AudioFileReader> openWithFfmpeg(const std::string& path, std::string& error);
+
+// The codec library's words for one of its error codes.
+std::string ffmpegErrorText(int code);
+
+// Writes the source into an open file descriptor the caller has locked with
+// flock(LOCK_EX); the lock stays the caller's. On failure or cancel the file is
+// emptied and unlinked from path before this returns.
+EngineResult encodeIntoLockedFile(PcmSource& source, int fd, const std::string& path,
+                                  const TargetFormat& target, const std::string& comment,
+                                  const ProgressCallback& progress);
+
+// Opens path for writing and takes an exclusive lock at once; -1 with the reason
+// when it can't be opened or somebody else holds it.
+int openLockedForWriting(const std::string& path, std::string& error);
+
+}  // namespace ovd::engine
