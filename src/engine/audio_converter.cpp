@@ -1,0 +1,114 @@
+#include "engine/audio_converter.h"
+
+#include <unistd.h>
+
+#include <cmath>
+
+#include "engine/codec_backends.h"
+
+namespace ovd::engine {
+
+namespace {
+
+struct Job {
+    std::string sourcePath;
+    std::optional<TargetFormat> hint;
+    std::string targetPath;
+    TargetFormat target;
+    std::string comment;
+};
+
+}  // namespace
+
+AudioConverter::AudioConverter(platform::EventLoop& loop) : loop_(loop) {}
+
+AudioConverter::~AudioConverter() {
+    alive_->store(false);
+    cancel();
+    waitUntilDone();
+}
+
+void AudioConverter::setSource(const std::string& path, std::optional<TargetFormat> hint) {
+    sourcePath_ = path;
+    sourceHint_ = std::move(hint);
+    givenSource_.reset();
+}
+
+void AudioConverter::setSource(std::unique_ptr<PcmSource> source) {
+    sourcePath_.clear();
+    sourceHint_.reset();
+    givenSource_ = std::move(source);
+}
+
+void AudioConverter::setTarget(const std::string& path, const TargetFormat& format) {
+    targetPath_ = path;
+    target_ = format;
+    targetSet_ = true;
+}
+
+void AudioConverter::setComment(const std::string& comment) { comment_ = comment; }
+
+void AudioConverter::setOnComplete(Completion onComplete) { onComplete_ = std::move(onComplete); }
+
+std::string AudioConverter::error() const {
+    const std::lock_guard lock(errorMutex_);
+    return error_;
+}
+
+void AudioConverter::cancel() { cancelled_.store(true); }
+
+void AudioConverter::waitUntilDone() {
+    if (worker_.joinable()) worker_.join();
+}
+
+EngineResult AudioConverter::start() {
+    if (busy_.load()) return EngineResult::failure("a conversion is still running");
+    waitUntilDone();  // the one before has ended; its thread is collected here
+    if (!targetSet_ || targetPath_.empty()) return EngineResult::failure("no target to convert to");
+    if (sourcePath_.empty() && !givenSource_) return EngineResult::failure("no source to convert");
+    // Locked before this returns: whoever checks the target from now on finds it busy.
+    std::string lockError;
+    const int lockFd = openLockedForWriting(targetPath_, lockError);
+    if (lockFd < 0) return EngineResult::failure(lockError);
+
+    {
+        const std::lock_guard lock(errorMutex_);
+        error_.clear();
+    }
+    percent_.store(0);
+    cancelled_.store(false);
+    busy_.store(true);
+    Job job{sourcePath_, sourceHint_, targetPath_, target_, comment_};
+    worker_ = std::thread([this, lockFd, job = std::move(job), source = std::move(givenSource_),
+                           onComplete = onComplete_, alive = alive_]() mutable {
+        EngineResult result = EngineResult::success();
+        if (!source) {
+            std::string error;
+            source = AudioFileReader::open(job.sourcePath, error, job.hint ? &*job.hint : nullptr);
+            if (!source) result = EngineResult::failure(error);
+        }
+        if (source) {
+            result = encodeIntoLockedFile(*source, lockFd, job.targetPath, job.target, job.comment,
+                                          [this](double fraction) {
+                                              percent_.store(static_cast<int>(std::floor(fraction * 100.0)));
+                                              return !cancelled_.load();
+                                          });
+        } else {
+            ::unlink(job.targetPath.c_str());  // nothing was converted: no target either
+        }
+        {
+            const std::lock_guard lock(errorMutex_);
+            error_ = result ? std::string() : result.error();
+        }
+        if (result) percent_.store(100);
+        // Not busy any more before the lock goes: while busy() says true the target is never free.
+        busy_.store(false);
+        ::close(lockFd);
+        loop_.postFromAnyThread([alive, onComplete, result] {
+            if (alive->load() && onComplete) onComplete(result);
+        });
+    });
+    return EngineResult::success();
+}
+
+}  // namespace ovd::engine
