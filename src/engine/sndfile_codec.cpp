@@ -43,7 +43,7 @@ int fileFormat(const TargetFormat& target) {
     switch (target.word) {
         case FormatWord::WAV: return SF_FORMAT_WAV | wavSubtype(target.bitsPerSample);
         case FormatWord::VOX: return SF_FORMAT_RAW | SF_FORMAT_VOX_ADPCM;
-        // Headerless files are little-endian, as the recorders that read them expect.
+        // Headerless samples keep the byte order of the wave files they stand in for.
         case FormatWord::RAW: return SF_FORMAT_RAW | rawSubtype(target.raw) | SF_ENDIAN_LITTLE;
         case FormatWord::DSP: return SF_FORMAT_WAV | SF_FORMAT_GSM610;
         case FormatWord::MP3:
