@@ -1,0 +1,73 @@
+#include "engine/pulse_backend.h"
+
+#include "engine/pulse_connection.h"
+#include "engine/pulse_devices.h"
+#include "engine/pulse_streams.h"
+
+namespace ovd::engine {
+
+std::unique_ptr<PulseBackend> PulseBackend::connect(platform::EventLoop& loop, std::string& error,
+                                                    const std::string& server) {
+    std::shared_ptr<PulseConnection> connection = PulseConnection::open(server, error);
+    if (!connection) return nullptr;
+    std::unique_ptr<PulseBackend> backend(new PulseBackend(loop, std::move(connection)));
+    for (PulseDevices* devices : {backend->sources_.get(), backend->sinks_.get()}) {
+        if (EngineResult read = devices->refresh(); !read) {
+            error = read.error();
+            return nullptr;
+        }
+    }
+    return backend;
+}
+
+PulseBackend::PulseBackend(platform::EventLoop& loop, std::shared_ptr<PulseConnection> connection)
+    : loop_(loop),
+      connection_(std::move(connection)),
+      sources_(std::make_shared<PulseDevices>(connection_, DeviceDirection::Recording)),
+      sinks_(std::make_shared<PulseDevices>(connection_, DeviceDirection::Playback)),
+      prompts_(std::make_unique<PulsePrompts>(connection_)) {
+    const PulseConnection::Lock held = connection_->lock();
+    connection_->setOnChange([this](bool sinksChanged, bool sourcesChanged) {
+        if (sinksChanged) sinks_->refreshLater(loop_);
+        if (sourcesChanged) sources_->refreshLater(loop_);
+    });
+}
+
+PulseBackend::~PulseBackend() {
+    capture_.reset();
+    prompts_.reset();
+    const PulseConnection::Lock held = connection_->lock();
+    connection_->setOnChange({});
+}
+
+DeviceList& PulseBackend::recordingDevices() { return *sources_; }
+DeviceList& PulseBackend::playbackDevices() { return *sinks_; }
+
+EngineResult PulseBackend::startCapture(const PcmFormat& format, CaptureCallback deliver) {
+    stopCapture();
+    std::string error;
+    capture_ = PulseCapture::start(connection_, loop_, sources_->streamDevice(), format,
+                                   std::move(deliver), error);
+    return capture_ ? EngineResult::success() : EngineResult::failure(error);
+}
+
+void PulseBackend::stopCapture() {
+    if (!capture_) return;
+    // Moved out first: the last delivery may start another take.
+    const std::unique_ptr<PulseCapture> ending = std::move(capture_);
+    ending->stop();
+}
+
+std::unique_ptr<PlaybackStream> PulseBackend::openPlayback(const PcmFormat& format,
+                                                           std::string& error) {
+    return PulsePlayback::open(connection_, sinks_->streamDevice(), format, error);
+}
+
+void PulseBackend::playPrompt(const std::string& wavePath) {
+    const EngineResult played = prompts_->play(wavePath, sinks_->streamDevice());
+    promptError_ = played ? std::string() : played.error();
+}
+
+bool PulseBackend::promptPlaying() const { return prompts_->playing(); }
+
+}  // namespace ovd::engine

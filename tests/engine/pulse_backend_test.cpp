@@ -1,0 +1,307 @@
+// The sound-server backend against a private pulseaudio daemon: device lists and
+// their controls as the server keeps them, a tone played into the null sink and
+// recorded back from its monitor, and voice prompts that neither wait nor pile up.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <numbers>
+#include <optional>
+
+#include "engine/pulse_backend.h"
+#include "support/pulse_daemon.h"
+#include "support/real_time_event_loop.h"
+
+namespace ovd::engine {
+namespace {
+
+using std::chrono::milliseconds;
+using Steady = std::chrono::steady_clock;
+using ovd::testing::PulseDaemon;
+
+int indexOf(const DeviceList& list, const std::string& name) {
+    for (int i = 0; i < list.Count(); ++i) {
+        if (list.Name(i) == name) return i;
+    }
+    return -1;
+}
+
+std::vector<std::int16_t> sine(double hz, int rate, double seconds) {
+    std::vector<std::int16_t> samples(static_cast<std::size_t>(seconds * rate));
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        const double phase = 2.0 * std::numbers::pi * hz * static_cast<double>(i) / rate;
+        samples[i] = static_cast<std::int16_t>(std::lround(0.5 * 32767.0 * std::sin(phase)));
+    }
+    return samples;
+}
+
+// Where the sound in a take is: its length from the first to the last loud
+// sample, and its pitch from the rising zero crossings in between.
+struct Sound {
+    double seconds = 0.0;
+    double hz = 0.0;
+};
+
+Sound measure(const std::vector<std::int16_t>& take, int rate) {
+    constexpr int kLoud = 2000;
+    const auto loud = [](std::int16_t s) { return std::abs(static_cast<int>(s)) > kLoud; };
+    const auto first = std::find_if(take.begin(), take.end(), loud);
+    if (first == take.end()) return {};
+    const auto last = std::find_if(take.rbegin(), take.rend(), loud).base() - 1;
+    int rising = 0;
+    for (auto it = first + 1; it <= last; ++it) {
+        if (*(it - 1) < 0 && *it >= 0) ++rising;
+    }
+    const double span = static_cast<double>(last - first) / rate;
+    return {static_cast<double>(last - first + 1) / rate, span > 0 ? rising / span : 0.0};
+}
+
+class PulseBackendTest : public ::testing::Test {
+protected:
+    static constexpr int kTakeRate = 16000;
+
+    void SetUp() override {
+        ASSERT_TRUE(daemon_.running()) << daemon_.error();
+        std::string error;
+        backend_ = PulseBackend::connect(loop_, error);
+        ASSERT_NE(backend_, nullptr) << error;
+    }
+
+    // Records what the null sink plays, as a dictation would record a microphone.
+    void startRecordingTheSink() {
+        DeviceList& inputs = backend_->recordingDevices();
+        ASSERT_TRUE(inputs.setCurrent(indexOf(inputs, PulseDaemon::kMonitorLabel)));
+        captureStarted_ = Steady::now();
+        const EngineResult started = backend_->startCapture(
+            {kTakeRate, 1}, [this](const std::int16_t* frames, std::size_t count) {
+                if (!firstFrame_) firstFrame_ = Steady::now();
+                take_.insert(take_.end(), frames, frames + count);
+            });
+        ASSERT_TRUE(started) << started.error();
+    }
+
+    // Feeds the stream from a loop timer, as the wave editor does, until all is heard.
+    void playToTheEnd(PlaybackStream& stream, const std::vector<std::int16_t>& sound) {
+        std::size_t fed = 0;
+        SampleCount mostPlayed = 0;
+        const auto feed = [&] {
+            const std::size_t now = std::min(stream.writable(), sound.size() - fed);
+            stream.write(sound.data() + fed, now);
+            fed += now;
+            mostPlayed = std::max(mostPlayed, stream.played());
+            EXPECT_LE(stream.played(), static_cast<SampleCount>(fed)) << "heard before written";
+        };
+        feed();
+        const auto timer = loop_.startRepeating(milliseconds(10), feed);
+        const auto expected = static_cast<SampleCount>(sound.size());
+        const bool ended = loop_.runUntil([&] { return stream.played() == expected; },
+                                          milliseconds(6000));
+        loop_.stopRepeating(timer);
+        EXPECT_TRUE(ended) << "played " << stream.played() << " of " << expected << " frames";
+    }
+
+    PulseDaemon daemon_;
+    testing::RealTimeEventLoop loop_;
+    std::unique_ptr<PulseBackend> backend_;
+    std::vector<std::int16_t> take_;
+    Steady::time_point captureStarted_;
+    std::optional<Steady::time_point> firstFrame_;
+};
+
+TEST_F(PulseBackendTest, ListsShowTheServersDevicesWithTheDefaultsCurrent) {
+    DeviceList& outputs = backend_->playbackDevices();
+    DeviceList& inputs = backend_->recordingDevices();
+    const int sink = indexOf(outputs, PulseDaemon::kSinkLabel);
+    ASSERT_GE(sink, 0);
+    EXPECT_EQ(outputs.Current(), sink) << "the only sink is the server's default";
+    const int monitor = indexOf(inputs, PulseDaemon::kMonitorLabel);
+    const int sineSource = indexOf(inputs, PulseDaemon::kSineLabel);
+    ASSERT_GE(monitor, 0) << "monitor sources are kept in the recording list";
+    ASSERT_GE(sineSource, 0);
+    EXPECT_EQ(inputs.Current(), sineSource) << "the server's default, though not the first";
+    ASSERT_NE(sineSource, 0);
+
+    // Devices without ports have one source line named after themselves.
+    ASSERT_TRUE(inputs.setCurrent(monitor));
+    EXPECT_EQ(inputs.Current(), monitor);
+    EXPECT_EQ(inputs.SourceCount(), 1);
+    EXPECT_EQ(inputs.SourceCurrent(), 0);
+    EXPECT_EQ(inputs.SourceName(0), PulseDaemon::kMonitorLabel);
+    EXPECT_TRUE(inputs.HasVolume(0));
+    EXPECT_TRUE(inputs.setSourceCurrent(0));
+
+    for (DeviceList* list : {&inputs, &outputs}) {
+        EXPECT_FALSE(list->setCurrent(list->Count()));
+        EXPECT_FALSE(list->setSourceCurrent(1));
+        EXPECT_FALSE(list->setVolume(1, 100)) << "no second line";
+        EXPECT_EQ(list->Name(-1), "");
+    }
+}
+
+TEST_F(PulseBackendTest, VolumeBalanceAndMuteReachTheServerAndOtherClientsSeeThem) {
+    std::string error;
+    std::unique_ptr<PulseBackend> mixer = PulseBackend::connect(loop_, error);
+    ASSERT_NE(mixer, nullptr) << error;
+    DeviceList& outputs = backend_->playbackDevices();
+    DeviceList& seen = mixer->playbackDevices();
+    ASSERT_TRUE(outputs.setCurrent(indexOf(outputs, PulseDaemon::kSinkLabel)));
+    ASSERT_TRUE(seen.setCurrent(indexOf(seen, PulseDaemon::kSinkLabel)));
+
+    struct Case {
+        int volume;
+        int balance;
+        bool mute;
+    };
+    for (const Case& c : {Case{65535, 0, false}, Case{40000, 50, true}, Case{1, -100, false},
+                          Case{32768, 100, true}, Case{0, 0, false}, Case{20000, -37, false}}) {
+        SCOPED_TRACE("volume " + std::to_string(c.volume) + " balance " +
+                     std::to_string(c.balance));
+        ASSERT_TRUE(outputs.setVolume(0, c.volume));
+        ASSERT_TRUE(outputs.setBalance(0, c.balance));
+        ASSERT_TRUE(outputs.setMute(0, c.mute));
+        // Balance leaves the louder side at the volume; at zero there is no balance.
+        EXPECT_EQ(outputs.Volume(0), c.volume);
+        EXPECT_NEAR(outputs.Balance(0), c.volume == 0 ? 0 : c.balance, 1);
+        EXPECT_EQ(outputs.Mute(0), c.mute);
+        // The other client hears of the change from the server, on its loop.
+        const bool followed = loop_.runUntil(
+            [&] { return seen.Volume(0) == c.volume && seen.Mute(0) == c.mute; },
+            milliseconds(2000));
+        EXPECT_TRUE(followed) << "other client sees " << seen.Volume(0);
+    }
+
+    // A mono source has no balance to move.
+    DeviceList& inputs = backend_->recordingDevices();
+    ASSERT_TRUE(inputs.setCurrent(indexOf(inputs, PulseDaemon::kSineLabel)));
+    EXPECT_TRUE(inputs.setBalance(0, 60));
+    EXPECT_EQ(inputs.Balance(0), 0);
+    ASSERT_TRUE(inputs.setVolume(0, 12345));
+    EXPECT_EQ(inputs.Volume(0), 12345);
+}
+
+TEST_F(PulseBackendTest, ToneRecordedFromTheSinkKeepsItsLengthAndPitch) {
+    constexpr int kPlayRate = 22050;
+    constexpr double kSeconds = 2.0;
+    startRecordingTheSink();
+    std::string error;
+    const std::unique_ptr<PlaybackStream> stream = backend_->openPlayback({kPlayRate, 1}, error);
+    ASSERT_NE(stream, nullptr) << error;
+
+    const Steady::time_point playStarted = Steady::now();
+    playToTheEnd(*stream, sine(PulseDaemon::kSineHz, kPlayRate, kSeconds));
+    const double playSeconds = std::chrono::duration<double>(Steady::now() - playStarted).count();
+    loop_.runFor(milliseconds(300));  // the sink's own latency
+    backend_->stopCapture();
+    const double captureSeconds =
+        std::chrono::duration<double>(Steady::now() - captureStarted_).count();
+
+    ASSERT_TRUE(firstFrame_.has_value()) << "nothing was captured";
+    std::printf("first captured frame after %.1f ms; tone played in %.3f s\n",
+                std::chrono::duration<double, std::milli>(*firstFrame_ - captureStarted_).count(),
+                playSeconds);
+    const Sound heard = measure(take_, kTakeRate);
+    EXPECT_NEAR(heard.seconds, kSeconds, kSeconds * 0.05);
+    EXPECT_NEAR(heard.hz, PulseDaemon::kSineHz, PulseDaemon::kSineHz * 0.02);
+    // Nothing lost or doubled between the sound thread and the loop.
+    EXPECT_NEAR(static_cast<double>(take_.size()) / kTakeRate, captureSeconds,
+                captureSeconds * 0.05);
+
+    const std::size_t kept = take_.size();
+    loop_.runFor(milliseconds(100));
+    EXPECT_EQ(take_.size(), kept) << "frames delivered after stopCapture";
+}
+
+TEST_F(PulseBackendTest, ClipsShorterThanTheBufferAreStillPlayedToTheirEnd) {
+    for (const double seconds : {0.02, 0.1, 0.5}) {
+        SCOPED_TRACE(seconds);
+        std::string error;
+        const std::unique_ptr<PlaybackStream> stream = backend_->openPlayback({8000, 2}, error);
+        ASSERT_NE(stream, nullptr) << error;
+        std::vector<std::int16_t> stereo;
+        for (const std::int16_t s : sine(300, 8000, seconds)) stereo.insert(stereo.end(), {s, s});
+        std::size_t fed = 0;
+        while (fed < stereo.size() / 2) {
+            const std::size_t now = std::min(stream->writable(), stereo.size() / 2 - fed);
+            stream->write(stereo.data() + 2 * fed, now);
+            fed += now;
+            loop_.runFor(milliseconds(10));
+        }
+        EXPECT_TRUE(loop_.runUntil([&] { return stream->played() == SampleCount(fed); },
+                                   milliseconds(2000)))
+            << "played " << stream->played() << " of " << fed;
+    }
+}
+
+TEST_F(PulseBackendTest, PausedPlaybackHoldsItsPositionAndGoesOnWhenResumed) {
+    std::string error;
+    const std::unique_ptr<PlaybackStream> stream = backend_->openPlayback({16000, 1}, error);
+    ASSERT_NE(stream, nullptr) << error;
+    const std::vector<std::int16_t> sound = sine(500, 16000, 0.15);  // about the buffer's size
+    stream->write(sound.data(), std::min(stream->writable(), sound.size()));
+    loop_.runFor(milliseconds(60));
+    stream->setPaused(true);
+    loop_.runFor(milliseconds(50));
+    const SampleCount held = stream->played();
+    loop_.runFor(milliseconds(300));
+    EXPECT_NEAR(static_cast<double>(stream->played()), static_cast<double>(held), 16000 * 0.01);
+    EXPECT_LT(held, 16000 * 0.15) << "a paused stream is not played out";
+    stream->setPaused(false);
+    EXPECT_TRUE(loop_.runUntil([&] { return stream->played() > held + 400; }, milliseconds(1000)));
+}
+
+TEST_F(PulseBackendTest, PromptsDoNotWaitAndANewOneCutsOffTheOneBefore) {
+    const std::string folder = std::string(OVD_TEST_ASSETS) + "/prompts/";
+    startRecordingTheSink();
+    loop_.runFor(milliseconds(200));
+
+    const Steady::time_point asked = Steady::now();
+    backend_->playPrompt(folder + "FileSent1MSG.WAV");  // about two seconds long
+    const double returnedMs =
+        std::chrono::duration<double, std::milli>(Steady::now() - asked).count();
+    std::printf("playPrompt returned after %.1f ms\n", returnedMs);
+    EXPECT_LT(returnedMs, 500.0);
+    EXPECT_EQ(backend_->promptError(), "");
+    EXPECT_TRUE(backend_->promptPlaying());
+
+    loop_.runFor(milliseconds(400));
+    backend_->playPrompt(folder + "beep2.wav");
+    EXPECT_TRUE(loop_.runUntil([&] { return !backend_->promptPlaying(); }, milliseconds(3000)))
+        << "a prompt that has sounded is let go";
+    loop_.runFor(milliseconds(300));
+    backend_->stopCapture();
+    // The spoken prompt was cut at 0.4 s, then 0.2 s of beep: far from its two seconds.
+    const Sound heard = measure(take_, kTakeRate);
+    EXPECT_GT(heard.seconds, 0.4);
+    EXPECT_LT(heard.seconds, 1.0);
+
+    backend_->playPrompt(folder + "NoSuchPrompt.wav");
+    EXPECT_NE(backend_->promptError().find("NoSuchPrompt.wav"), std::string::npos);
+    EXPECT_FALSE(backend_->promptPlaying());
+}
+
+TEST_F(PulseBackendTest, FormatsTheServerCannotTakeAreRefusedWithAReason) {
+    for (const PcmFormat format : {PcmFormat{0, 1}, PcmFormat{16000, 0}, PcmFormat{-8000, 2}}) {
+        std::string error;
+        EXPECT_EQ(backend_->openPlayback(format, error), nullptr);
+        EXPECT_NE(error, "");
+        const EngineResult started = backend_->startCapture(format, [](auto*, std::size_t) {});
+        EXPECT_FALSE(started);
+        EXPECT_NE(started.error(), "");
+    }
+}
+
+TEST(PulseBackendConnectTest, NoServerMeansNoBackendAndAReasonQuickly) {
+    testing::RealTimeEventLoop loop;
+    std::string error;
+    const Steady::time_point asked = Steady::now();
+    EXPECT_EQ(PulseBackend::connect(loop, error, "unix:/nonexistent/ovd-no-server"), nullptr);
+    EXPECT_NE(error.find("sound server"), std::string::npos) << error;
+    EXPECT_LT(Steady::now() - asked, std::chrono::seconds(3));
+}
+
+}  // namespace
+}  // namespace ovd::engine
