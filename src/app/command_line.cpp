@@ -32,6 +32,13 @@ StationOptions parseCommandLine(const std::vector<std::string>& arguments) {
             takeValue(options.dataFolder);
         } else if (argument == "--answers") {
             takeValue(options.answersFile);
+        } else if (argument == "--audio") {
+            takeValue(options.audio);
+            if (options.audio != "auto" && options.audio != "pulse" && options.audio != "virtual") {
+                options.error = "--audio takes auto, pulse or virtual";
+            }
+        } else if (argument == "--virtual-input") {
+            takeValue(options.virtualInput);
         } else if (argument.rfind("--", 0) == 0) {
             options.error = "unknown option " + argument;
         } else if (options.fileName.empty()) {
@@ -52,6 +59,9 @@ std::string usageText(const std::string& program) {
            "  --headless         run without a window; message boxes take their\n"
            "                     default button and are written to the event log\n"
            "  --answers FILE     headless answers, one \"text fragment => answer\" a line\n"
+           "  --audio WHICH      auto (the sound server when one answers, else virtual),\n"
+           "                     pulse, or virtual (a tone or a file in, nothing out)\n"
+           "  --virtual-input F  a WAV file the virtual microphone plays in a loop\n"
            "  --version          print the version and stop\n"
            "  --help             print this text and stop\n"
            "  file               a recording to dictate into\n";

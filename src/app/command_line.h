@@ -13,6 +13,8 @@ struct StationOptions {
     bool headless = false;
     std::string dataFolder;   // empty: the default data folder
     std::string answersFile;  // headless answers to message boxes
+    std::string audio = "auto";  // "auto", "pulse" or "virtual"
+    std::string virtualInput;    // a WAV file for the virtual microphone
     std::string fileName;     // the file named on the command line, quotes removed
     std::string error;        // set when the command line can't be used
 };

@@ -10,6 +10,8 @@
 #include <vector>
 
 #include "app/command_line.h"
+#include "engine/backend_choice.h"
+#include "engine/wave_editor.h"
 #include "platform/files.h"
 #include "platform/headless_prompts.h"
 #include "platform/termination_signals.h"
@@ -107,6 +109,28 @@ int main(int argc, char** argv) {
         return 1;
     }
     eventLog.start();
+
+    auto sound = ovd::engine::openAudioBackend(
+        ovd::engine::parseBackendChoice(options.audio).value_or(ovd::engine::BackendChoice::Automatic),
+        loop, options.virtualInput);
+    eventLog.trace(sound.logLine);
+    if (!sound.backend) {
+        std::cerr << "orvane-voice-desk: " << sound.logLine << '\n';
+        prompts->showMessage(sound.logLine, ovd::settings::kProductTitle,
+                             ovd::platform::Severity::Critical);
+        eventLog.SaveEventLog();
+        return 1;
+    }
+    // The file under dictation and the scratch take of inserts and overwrites,
+    // sharing one clipboard; their work files lie in Temp under the recordings.
+    auto clipboard = std::make_shared<ovd::engine::Clipboard>();
+    ovd::engine::WaveEditor AudioEditor1(loop, *sound.backend, clipboard, "AudioEditor1");
+    ovd::engine::WaveEditor AudioEditor21(loop, *sound.backend, clipboard, "AudioEditor21");
+    const std::string temporaryFolder =
+        ovd::platform::joinPath(config.record.CaptureFilePath.toText(), "Temp");
+    ovd::platform::createFolder(temporaryFolder);
+    AudioEditor1.setTempFileName(temporaryFolder);
+    AudioEditor21.setTempFileName(temporaryFolder);
 
     std::unique_ptr<ovd::ui::StationWindow> window;
     if (!options.headless) {
