@@ -129,8 +129,8 @@ void PulseConnection::wake() { pa_threaded_mainloop_signal(mainloop_, 0); }
 
 bool PulseConnection::finish(pa_operation* operation) {
     if (operation == nullptr) return false;
-    const bool finished =
-        waitUntil([operation] { return pa_operation_get_state(operation) != PA_OPERATION_RUNNING; });
+    const bool finished = waitUntil(
+        [operation] { return pa_operation_get_state(operation) != PA_OPERATION_RUNNING; });
     if (!finished) pa_operation_cancel(operation);
     const bool completed = pa_operation_get_state(operation) == PA_OPERATION_DONE;
     pa_operation_unref(operation);

@@ -56,9 +56,8 @@ PulseDevices::Device deviceFrom(const Info& info) {
     for (std::uint32_t i = 0; i < info.n_ports; ++i) {
         device.portNames.emplace_back(info.ports[i]->name);
         const char* description = info.ports[i]->description;
-        device.portLabels.emplace_back(description != nullptr && *description != '\0'
-                                           ? description
-                                           : info.ports[i]->name);
+        device.portLabels.emplace_back(
+            description != nullptr && *description != '\0' ? description : info.ports[i]->name);
         if (info.ports[i] == info.active_port) device.activePort = static_cast<int>(i);
     }
     for (std::uint8_t c = 0; c < info.volume.channels; ++c) {
@@ -217,8 +216,8 @@ EngineResult PulseDevices::setSourceCurrent(int index) {
                 return direction_ == DeviceDirection::Playback
                            ? pa_context_set_sink_port_by_index(context, serverIndex, port.c_str(),
                                                                done, outcome)
-                           : pa_context_set_source_port_by_index(context, serverIndex,
-                                                                 port.c_str(), done, outcome);
+                           : pa_context_set_source_port_by_index(context, serverIndex, port.c_str(),
+                                                                 done, outcome);
             });
         if (!set) return set;
     }
@@ -281,15 +280,15 @@ EngineResult PulseDevices::applyVolumes(const Device& device,
     {
         const PulseConnection::Lock held = connection_->lock();
         pa_context* context = connection_->context();
-        EngineResult set = connection_->call(
-            "setting the volume of " + device.label,
-            [&](PulseConnection::SuccessCallback done, void* outcome) {
-                return direction_ == DeviceDirection::Playback
-                           ? pa_context_set_sink_volume_by_index(context, serverIndex, &values,
-                                                                 done, outcome)
-                           : pa_context_set_source_volume_by_index(context, serverIndex, &values,
-                                                                   done, outcome);
-            });
+        EngineResult set =
+            connection_->call("setting the volume of " + device.label,
+                              [&](PulseConnection::SuccessCallback done, void* outcome) {
+                                  return direction_ == DeviceDirection::Playback
+                                             ? pa_context_set_sink_volume_by_index(
+                                                   context, serverIndex, &values, done, outcome)
+                                             : pa_context_set_source_volume_by_index(
+                                                   context, serverIndex, &values, done, outcome);
+                              });
         if (!set) return set;
     }
     return refresh();
@@ -313,8 +312,8 @@ EngineResult PulseDevices::setMute(int index, bool mute) {
                 return direction_ == DeviceDirection::Playback
                            ? pa_context_set_sink_mute_by_index(context, serverIndex, mute ? 1 : 0,
                                                                done, outcome)
-                           : pa_context_set_source_mute_by_index(context, serverIndex,
-                                                                 mute ? 1 : 0, done, outcome);
+                           : pa_context_set_source_mute_by_index(context, serverIndex, mute ? 1 : 0,
+                                                                 done, outcome);
             });
         if (!set) return set;
     }

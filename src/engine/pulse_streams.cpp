@@ -97,8 +97,8 @@ void CaptureHandover::deliver() {
 std::unique_ptr<PulseCapture> PulseCapture::start(std::shared_ptr<PulseConnection> connection,
                                                   platform::EventLoop& loop,
                                                   const std::string& device,
-                                                  const PcmFormat& format,
-                                                  CaptureCallback deliver, std::string& error) {
+                                                  const PcmFormat& format, CaptureCallback deliver,
+                                                  std::string& error) {
     const pa_sample_spec spec = sampleSpec(format);
     if (pa_sample_spec_valid(&spec) == 0) {
         error = "sound server: unusable recording format";
@@ -125,8 +125,8 @@ std::unique_ptr<PulseCapture> PulseCapture::start(std::shared_ptr<PulseConnectio
     if (pa_stream_connect_record(capture->stream_, deviceOrDefault(device), &buffer,
                                  PA_STREAM_ADJUST_LATENCY) < 0 ||
         !waitUntilReady(*connection, capture->stream_)) {
-        error = connection->failure("recording from " + (device.empty() ? "the default device"
-                                                                         : device))
+        error = connection
+                    ->failure("recording from " + (device.empty() ? "the default device" : device))
                     .error();
         releaseStream(capture->stream_);
         return nullptr;
@@ -181,14 +181,12 @@ std::unique_ptr<PulsePlayback> PulsePlayback::open(std::shared_ptr<PulseConnecti
     buffer.prebuf = static_cast<std::uint32_t>(-1);
     buffer.minreq = static_cast<std::uint32_t>(-1);
     buffer.fragsize = static_cast<std::uint32_t>(-1);
-    const auto flags = static_cast<pa_stream_flags_t>(
-        PA_STREAM_INTERPOLATE_TIMING | PA_STREAM_AUTO_TIMING_UPDATE | PA_STREAM_ADJUST_LATENCY);
-    if (pa_stream_connect_playback(playback->stream_, deviceOrDefault(device), &buffer, flags,
-                                   nullptr, nullptr) < 0 ||
+    if (pa_stream_connect_playback(playback->stream_, deviceOrDefault(device), &buffer,
+                                   PA_STREAM_ADJUST_LATENCY, nullptr, nullptr) < 0 ||
         !waitUntilReady(*connection, playback->stream_)) {
-        error = connection->failure("playing on " + (device.empty() ? "the default device"
-                                                                    : device))
-                    .error();
+        error =
+            connection->failure("playing on " + (device.empty() ? "the default device" : device))
+                .error();
         releaseStream(playback->stream_);
         return nullptr;
     }
@@ -197,6 +195,10 @@ std::unique_ptr<PulsePlayback> PulsePlayback::open(std::shared_ptr<PulseConnecti
 
 PulsePlayback::~PulsePlayback() {
     const PulseConnection::Lock held = connection_->lock();
+    if (timingUpdate_ != nullptr) {
+        pa_operation_cancel(timingUpdate_);
+        pa_operation_unref(timingUpdate_);
+    }
     releaseStream(stream_);
 }
 
@@ -223,19 +225,38 @@ SampleCount PulsePlayback::played() const {
     const PulseConnection::Lock held = connection_->lock();
     const auto written = static_cast<SampleCount>(writtenBytes_ / frameBytes(format_));
     // Once the server has run dry at the end of what was written, all of it has
-    // gone to the speaker, whatever the smoothed clock still says.
+    // gone to the speaker.
     const std::int64_t dryAt = pa_stream_get_underflow_index(stream_);
     if (writtenBytes_ > 0 && dryAt >= 0 && static_cast<std::uint64_t>(dryAt) >= writtenBytes_) {
         lastPlayed_ = written;
         return written;
     }
-    pa_usec_t heard = 0;
-    if (pa_stream_get_time(stream_, &heard) == 0) {
-        const auto byClock = static_cast<SampleCount>(
-            heard * static_cast<pa_usec_t>(format_.sampleRate) / 1'000'000);
-        lastPlayed_ = std::max(lastPlayed_, std::min(written, byClock));
+    // The position comes from the server's own count of what the sink has taken,
+    // less what the sink still holds, asked for afresh at each call. (The
+    // library's interpolating clock is not used: it runs on while the server is
+    // still waiting to fill its buffer, before anything sounds.)
+    if (timingUpdate_ == nullptr) {
+        timingUpdate_ =
+            pa_stream_update_timing_info(stream_, &PulsePlayback::onTimingUpdate, &timingUpdate_);
+    }
+    if (const pa_timing_info* timing = pa_stream_get_timing_info(stream_);
+        timing != nullptr && timing->read_index_corrupt == 0) {
+        pa_sample_spec spec = sampleSpec(format_);
+        const std::int64_t inSink =
+            static_cast<std::int64_t>(pa_usec_to_bytes(timing->sink_usec, &spec));
+        const std::int64_t heard = std::max<std::int64_t>(0, timing->read_index - inSink);
+        const auto frames =
+            static_cast<SampleCount>(static_cast<std::uint64_t>(heard) / frameBytes(format_));
+        lastPlayed_ = std::max(lastPlayed_, std::min(written, frames));
     }
     return lastPlayed_;
+}
+
+void PulsePlayback::onTimingUpdate(pa_stream*, int, void* pending) {
+    auto*& update = *static_cast<pa_operation**>(pending);
+    if (update == nullptr) return;
+    pa_operation_unref(update);
+    update = nullptr;
 }
 
 void PulsePlayback::setPaused(bool paused) {

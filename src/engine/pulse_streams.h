@@ -22,9 +22,11 @@ class PulseConnection;
 // thread appends and asks for one delivery; however many fragments arrive before
 // the loop gets to it, they go out together and in order.
 class CaptureHandover : public std::enable_shared_from_this<CaptureHandover> {
-public:
+  public:
     CaptureHandover(platform::EventLoop& loop, int channels, CaptureCallback deliver)
-        : loop_(loop), channels_(static_cast<std::size_t>(channels)), deliver_(std::move(deliver)) {}
+        : loop_(loop),
+          channels_(static_cast<std::size_t>(channels)),
+          deliver_(std::move(deliver)) {}
 
     // Sound thread: samples (or, with null samples, a gap of silence) to hand over.
     void push(const std::int16_t* samples, std::size_t sampleCount);
@@ -33,7 +35,7 @@ public:
     // Loop thread: nothing more is delivered, even what is still on its way.
     void close() { deliver_ = nullptr; }
 
-private:
+  private:
     platform::EventLoop& loop_;
     const std::size_t channels_;
     CaptureCallback deliver_;  // touched on the loop thread only
@@ -43,12 +45,11 @@ private:
 };
 
 class PulseCapture {
-public:
+  public:
     // Records from device (empty: the server's default) at low latency; frames
     // reach deliver on the loop's thread. Null, with the reason, on failure.
     static std::unique_ptr<PulseCapture> start(std::shared_ptr<PulseConnection> connection,
-                                               platform::EventLoop& loop,
-                                               const std::string& device,
+                                               platform::EventLoop& loop, const std::string& device,
                                                const PcmFormat& format, CaptureCallback deliver,
                                                std::string& error);
     ~PulseCapture();
@@ -58,7 +59,7 @@ public:
     // Ends the stream and delivers what had already arrived; nothing comes after.
     void stop();
 
-private:
+  private:
     PulseCapture(std::shared_ptr<PulseConnection> connection,
                  std::shared_ptr<CaptureHandover> handover)
         : connection_(std::move(connection)), handover_(std::move(handover)) {}
@@ -70,10 +71,10 @@ private:
 };
 
 class PulsePlayback : public PlaybackStream {
-public:
+  public:
     static std::unique_ptr<PulsePlayback> open(std::shared_ptr<PulseConnection> connection,
-                                               const std::string& device,
-                                               const PcmFormat& format, std::string& error);
+                                               const std::string& device, const PcmFormat& format,
+                                               std::string& error);
     ~PulsePlayback() override;
     PulsePlayback(const PulsePlayback&) = delete;
     PulsePlayback& operator=(const PulsePlayback&) = delete;
@@ -83,21 +84,24 @@ public:
     [[nodiscard]] SampleCount played() const override;
     void setPaused(bool paused) override;
 
-private:
+  private:
     PulsePlayback(std::shared_ptr<PulseConnection> connection, const PcmFormat& format)
         : connection_(std::move(connection)), format_(format) {}
     void startPlaying();  // with the lock held: play what is queued, full buffer or not
+    static void onTimingUpdate(pa_stream* stream, int success, void* pending);
 
     std::shared_ptr<PulseConnection> connection_;
     PcmFormat format_;
     pa_stream* stream_ = nullptr;
     std::uint64_t writtenBytes_ = 0;
-    mutable SampleCount lastPlayed_ = 0;  // the server's clock is smoothed; ours never runs back
+    // Pausing takes back what the sink held; the position shown never runs back.
+    mutable SampleCount lastPlayed_ = 0;
+    mutable pa_operation* timingUpdate_ = nullptr;  // a position asked for and not yet in
 };
 
 // At most one prompt sounds at a time: a new one cuts off the one before.
 class PulsePrompts {
-public:
+  public:
     explicit PulsePrompts(std::shared_ptr<PulseConnection> connection)
         : connection_(std::move(connection)) {}
     ~PulsePrompts();
@@ -109,7 +113,7 @@ public:
     EngineResult play(const std::string& wavePath, const std::string& device);
     [[nodiscard]] bool playing() const;
 
-private:
+  private:
     static void onState(pa_stream* stream, void* self);
     static void onDrained(pa_stream* stream, int success, void* self);
     void cutOff();  // with the connection's lock held

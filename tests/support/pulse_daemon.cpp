@@ -28,7 +28,8 @@ constexpr auto kStopTimeout = std::chrono::seconds(3);
 
 std::optional<std::string> swapEnvironment(const char* name, const std::string& value) {
     const char* old = std::getenv(name);
-    std::optional<std::string> saved = old != nullptr ? std::optional<std::string>(old) : std::nullopt;
+    std::optional<std::string> saved =
+        old != nullptr ? std::optional<std::string>(old) : std::nullopt;
     ::setenv(name, value.c_str(), 1);
     return saved;
 }
@@ -49,8 +50,8 @@ std::vector<std::string> daemonEnvironment(const std::string& folder) {
         const std::string text = *entry;
         const std::string name = text.substr(0, text.find('='));
         if (name.rfind("PULSE_", 0) == 0 || name.rfind("XDG_", 0) == 0 ||
-            name.rfind("LC_", 0) == 0 || name == "HOME" || name == "LANG" ||
-            name == "DISPLAY" || name == "DBUS_SESSION_BUS_ADDRESS") {
+            name.rfind("LC_", 0) == 0 || name == "HOME" || name == "LANG" || name == "DISPLAY" ||
+            name == "DBUS_SESSION_BUS_ADDRESS") {
             continue;
         }
         result.push_back(text);
@@ -131,13 +132,18 @@ void PulseDaemon::start() {
                           << "suspend-sink " << kSinkName << " 0\n"
                           << "load-module module-native-protocol-unix socket=" << socket_
                           << " auth-anonymous=1\n";
-    std::vector<std::string> arguments{
-        "pulseaudio",           "-n",
-        "--daemonize=no",       "--exit-idle-time=-1",
-        "--disallow-exit",      "--use-pid-file=no",
-        "--system=false",       "--realtime=no",
-        "--high-priority=no",   "--log-target=stderr",
-        "-F",                   script};
+    std::vector<std::string> arguments{"pulseaudio",
+                                       "-n",
+                                       "--daemonize=no",
+                                       "--exit-idle-time=-1",
+                                       "--disallow-exit",
+                                       "--use-pid-file=no",
+                                       "--system=false",
+                                       "--realtime=no",
+                                       "--high-priority=no",
+                                       "--log-target=stderr",
+                                       "-F",
+                                       script};
     std::vector<std::string> environment = daemonEnvironment(folder_.path());
     std::vector<char*> argv = pointers(arguments);
     std::vector<char*> envp = pointers(environment);
@@ -173,8 +179,8 @@ void PulseDaemon::start() {
             return;
         }
         if (Clock::now() > deadline) {
-            error_ = "pulse daemon: no answer on " + socket_ + " within 10 seconds; its log:\n" +
-                     log();
+            error_ =
+                "pulse daemon: no answer on " + socket_ + " within 10 seconds; its log:\n" + log();
             stop();
             return;
         }

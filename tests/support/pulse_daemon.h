@@ -12,16 +12,17 @@
 //
 // A daemon that does not start is a test failure, with its own words in error().
 
+#include <sys/types.h>
+
 #include <optional>
 #include <string>
-#include <sys/types.h>
 
 #include "support/temp_folder.h"
 
 namespace ovd::testing {
 
 class PulseDaemon {
-public:
+  public:
     static constexpr const char* kSinkName = "ovd_test_sink";
     static constexpr const char* kSinkLabel = "OvdTestSink";
     static constexpr const char* kMonitorLabel = "Monitor of OvdTestSink";
@@ -43,7 +44,7 @@ public:
     // What the daemon has written so far.
     [[nodiscard]] std::string log() const;
 
-private:
+  private:
     void start();
     bool answers() const;
     void stop();

@@ -23,7 +23,7 @@ platform::WallClock::time_point RealTimeEventLoop::now() const {
 }
 
 platform::EventLoop::Handle RealTimeEventLoop::startRepeating(Milliseconds interval,
-                                                               Callback tick) {
+                                                              Callback tick) {
     if (interval < Milliseconds(1)) interval = Milliseconds(1);
     const Handle handle = nextHandle_++;
     timers_[handle] = {interval, Steady::now() + interval, std::move(tick)};
@@ -33,7 +33,7 @@ platform::EventLoop::Handle RealTimeEventLoop::startRepeating(Milliseconds inter
 void RealTimeEventLoop::stopRepeating(Handle handle) { timers_.erase(handle); }
 
 platform::EventLoop::Handle RealTimeEventLoop::watchFd(int fd, platform::FdEvent event,
-                                                        Callback ready) {
+                                                       Callback ready) {
     const Handle handle = nextHandle_++;
     watches_[handle] = {fd, event, std::move(ready)};
     return handle;
@@ -76,10 +76,9 @@ void RealTimeEventLoop::runOnce(Steady::time_point deadline) {
     std::vector<pollfd> fds{{wakeFd_, POLLIN, 0}};
     std::vector<Handle> handles;
     for (const auto& [handle, watch] : watches_) {
-        fds.push_back({watch.fd,
-                       static_cast<short>(watch.event == platform::FdEvent::Readable ? POLLIN
-                                                                                     : POLLOUT),
-                       0});
+        fds.push_back(
+            {watch.fd,
+             static_cast<short>(watch.event == platform::FdEvent::Readable ? POLLIN : POLLOUT), 0});
         handles.push_back(handle);
     }
     const auto waitMs = std::chrono::ceil<Milliseconds>(wakeAt - Steady::now()).count();
