@@ -20,7 +20,7 @@ class PulseDevices;
 class PulsePrompts;
 
 class PulseBackend : public AudioBackend {
-  public:
+public:
     // Connects to the sound server (server empty: the usual lookup, PULSE_SERVER
     // first) and reads its devices. Null, with the reason, when no server answers
     // within two seconds: the station then records on the virtual backend.
@@ -49,7 +49,7 @@ class PulseBackend : public AudioBackend {
     // True until the last prompt has sounded to its end (or was cut off).
     [[nodiscard]] bool promptPlaying() const;
 
-  private:
+private:
     PulseBackend(platform::EventLoop& loop, std::shared_ptr<PulseConnection> connection);
 
     platform::EventLoop& loop_;

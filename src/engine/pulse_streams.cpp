@@ -134,15 +134,22 @@ std::unique_ptr<PulseCapture> PulseCapture::start(std::shared_ptr<PulseConnectio
     return capture;
 }
 
-PulseCapture::~PulseCapture() { stop(); }
+PulseCapture::~PulseCapture() {
+    // Whoever receives the take may be gone already: nothing more is delivered.
+    handover_->close();
+    endStream();
+}
 
 void PulseCapture::stop() {
-    if (stream_ != nullptr) {
-        const PulseConnection::Lock held = connection_->lock();
-        releaseStream(stream_);
-    }
+    endStream();
     handover_->deliver();
     handover_->close();
+}
+
+void PulseCapture::endStream() {
+    if (stream_ == nullptr) return;
+    const PulseConnection::Lock held = connection_->lock();
+    releaseStream(stream_);
 }
 
 void PulseCapture::onReadable(pa_stream* stream, std::size_t, void* self) {

@@ -62,7 +62,7 @@ Sound measure(const std::vector<std::int16_t>& take, int rate) {
 }
 
 class PulseBackendTest : public ::testing::Test {
-  protected:
+protected:
     static constexpr int kTakeRate = 16000;
 
     void SetUp() override {
@@ -331,6 +331,32 @@ TEST_F(PulseBackendTest, FormatsTheServerCannotTakeAreRefusedWithAReason) {
         EXPECT_FALSE(started);
         EXPECT_NE(started.error(), "");
     }
+}
+
+TEST_F(PulseBackendTest, AServerThatGoesAwayTurnsCallsIntoFailuresWithoutHanging) {
+    startRecordingTheSink();
+    std::string error;
+    const std::unique_ptr<PlaybackStream> stream = backend_->openPlayback({16000, 1}, error);
+    ASSERT_NE(stream, nullptr) << error;
+    const std::vector<std::int16_t> sound = sine(500, 16000, 0.1);
+    stream->write(sound.data(), std::min(stream->writable(), sound.size()));
+    loop_.runFor(milliseconds(50));
+
+    daemon_.stop();
+    const Steady::time_point gone = Steady::now();
+    loop_.runFor(milliseconds(100));
+    EXPECT_EQ(stream->writable(), 0U);
+    stream->write(sound.data(), sound.size());
+    EXPECT_LE(stream->played(), SampleCount(sound.size()));
+    stream->setPaused(true);
+    EXPECT_FALSE(backend_->playbackDevices().setVolume(0, 1000));
+    backend_->stopCapture();
+    EXPECT_FALSE(backend_->startCapture({kTakeRate, 1}, [](auto*, std::size_t) {}));
+    EXPECT_EQ(backend_->openPlayback({kTakeRate, 1}, error), nullptr);
+    EXPECT_NE(error, "");
+    backend_->playPrompt(std::string(OVD_TEST_ASSETS) + "/prompts/beep2.wav");
+    EXPECT_NE(backend_->promptError(), "");
+    EXPECT_LT(Steady::now() - gone, std::chrono::seconds(2)) << "nothing waited for an answer";
 }
 
 TEST(PulseBackendConnectTest, NoServerMeansNoBackendAndAReasonQuickly) {

@@ -90,6 +90,7 @@ PulseDaemon::PulseDaemon() {
     server_ = "unix:" + socket_;
     start();
     if (!running()) return;
+    environmentSet_ = true;
     savedServer_ = swapEnvironment("PULSE_SERVER", server_);
     // The client side too keeps its cookie and settings in the folder, not in our home.
     savedCookie_ = swapEnvironment("PULSE_COOKIE", folder_.file("cookie"));
@@ -99,7 +100,7 @@ PulseDaemon::PulseDaemon() {
 
 PulseDaemon::~PulseDaemon() {
     stop();
-    if (running()) {
+    if (environmentSet_) {
         restoreEnvironment("PULSE_SERVER", savedServer_);
         restoreEnvironment("PULSE_COOKIE", savedCookie_);
         restoreEnvironment("PULSE_CLIENTCONFIG", savedClientConfig_);

@@ -22,7 +22,7 @@
 namespace ovd::testing {
 
 class PulseDaemon {
-  public:
+public:
     static constexpr const char* kSinkName = "ovd_test_sink";
     static constexpr const char* kSinkLabel = "OvdTestSink";
     static constexpr const char* kMonitorLabel = "Monitor of OvdTestSink";
@@ -37,23 +37,25 @@ class PulseDaemon {
     PulseDaemon(const PulseDaemon&) = delete;
     PulseDaemon& operator=(const PulseDaemon&) = delete;
 
-    [[nodiscard]] bool running() const { return error_.empty(); }
+    [[nodiscard]] bool running() const { return pid_ > 0; }
     [[nodiscard]] const std::string& error() const { return error_; }
     // "unix:" and the socket's path, as PULSE_SERVER takes it.
     [[nodiscard]] const std::string& server() const { return server_; }
     // What the daemon has written so far.
     [[nodiscard]] std::string log() const;
+    // Ends the daemon now: to its clients, a sound server that went away.
+    void stop();
 
-  private:
+private:
     void start();
     bool answers() const;
-    void stop();
 
     TempFolder folder_;
     std::string socket_;
     std::string server_;
     std::string error_;
     pid_t pid_ = -1;
+    bool environmentSet_ = false;
     std::optional<std::string> savedServer_;
     std::optional<std::string> savedCookie_;
     std::optional<std::string> savedClientConfig_;
