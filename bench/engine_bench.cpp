@@ -12,9 +12,12 @@
 #include <fstream>
 #include <string>
 
+#include "engine/pulse_backend.h"
 #include "engine/virtual_backend.h"
 #include "engine/wave_editor.h"
 #include "platform/system_queries.h"
+#include "support/pulse_daemon.h"
+#include "support/real_time_event_loop.h"
 #include "support/virtual_event_loop.h"
 
 namespace {
@@ -64,11 +67,41 @@ double timedCommand(const std::string& command) {
     return secondsSince(start);
 }
 
+// From Record to the first captured sample, through a private sound server.
+void measureCaptureStart(const std::string& folder) {
+    testing::PulseDaemon daemon;
+    if (!daemon.running()) {
+        std::printf("Record to first sample (sound server): not measured: %s\n", daemon.error().c_str());
+        return;
+    }
+    testing::RealTimeEventLoop loop;
+    std::string error;
+    auto backend = engine::PulseBackend::connect(loop, error);
+    if (!backend) {
+        std::printf("Record to first sample (sound server): not measured: %s\n", error.c_str());
+        return;
+    }
+    engine::WaveEditor editor(loop, *backend, std::make_shared<engine::Clipboard>(), "latency");
+    editor.setTempFileName(folder);
+    for (int round = 0; round < 3; ++round) {
+        if (!editor.New(kRate, 1).ok()) return;
+        const auto start = Clock::now();
+        if (!editor.Record().ok()) return;
+        loop.runUntil([&] { return editor.Length() > 0; }, platform::Milliseconds(3000));
+        std::printf("Record to first sample (sound server), take %d: %.1f ms\n", round + 1,
+                    secondsSince(start) * 1e3);
+        editor.Stop();
+    }
+    editor.Close();
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     const std::string folder = argc > 1 ? argv[1] : std::filesystem::temp_directory_path().string() + "/ovd-bench";
     std::filesystem::create_directories(folder);
+    measureCaptureStart(folder);
+
     testing::VirtualEventLoop loop;
     engine::VirtualBackend backend(loop, {});
     auto clipboard = std::make_shared<engine::Clipboard>();
