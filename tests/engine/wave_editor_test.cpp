@@ -136,6 +136,15 @@ TEST_F(WaveEditorTest, TheTwoEditorsShareOneClipboardEvenAfterTheSourceIsClosed)
     EXPECT_EQ(dictation.Length(), kRate + static_cast<SampleCount>(take.size()));
     EXPECT_EQ(frames(dictation, kRate / 2, static_cast<SampleCount>(take.size())), take);
 
+    // An overwrite: the scratch take replaces the selected stretch, same length in, same out.
+    const SampleCount before = dictation.Length();
+    dictation.setSelectionStart(0);
+    dictation.setSelectionEnd(static_cast<SampleCount>(take.size()));
+    dictation.setSelectionActive(true);
+    ASSERT_TRUE(dictation.Paste().ok());
+    EXPECT_EQ(dictation.Length(), before);
+    EXPECT_EQ(frames(dictation, 0, static_cast<SampleCount>(take.size())), take);
+
     WaveEditor stereo{loop, backend, clipboard, "other"};
     stereo.setTempFileName(folder.path());
     ASSERT_TRUE(stereo.New(kRate, 2).ok());
