@@ -56,6 +56,8 @@ public:
 
     // Plays a short wave file without waiting for it; a prompt cuts off the one before.
     virtual void playPrompt(const std::string& wavePath) = 0;
+    // True while the last prompt is still sounding (the delivery waits on it a while).
+    [[nodiscard]] virtual bool promptPlaying() const = 0;
 };
 
 }  // namespace ovd::engine

@@ -47,7 +47,7 @@ public:
     // Why the last prompt did not sound; empty when it did.
     [[nodiscard]] const std::string& promptError() const { return promptError_; }
     // True until the last prompt has sounded to its end (or was cut off).
-    [[nodiscard]] bool promptPlaying() const;
+    [[nodiscard]] bool promptPlaying() const override;
 
 private:
     PulseBackend(platform::EventLoop& loop, std::shared_ptr<PulseConnection> connection);

@@ -188,6 +188,12 @@ std::unique_ptr<PlaybackStream> VirtualBackend::openPlayback(const PcmFormat& fo
     return std::make_unique<Stream>(*this, format);
 }
 
-void VirtualBackend::playPrompt(const std::string& wavePath) { prompts_.push_back(wavePath); }
+void VirtualBackend::playPrompt(const std::string& wavePath) {
+    prompts_.push_back(wavePath);
+    const std::int64_t milliseconds = fileLengthMilliseconds(wavePath);
+    promptEnds_ = loop_.now() + platform::Milliseconds(std::max<std::int64_t>(0, milliseconds));
+}
+
+bool VirtualBackend::promptPlaying() const { return loop_.now() < promptEnds_; }
 
 }  // namespace ovd::engine

@@ -32,6 +32,8 @@ public:
     void stopCapture() override;
     std::unique_ptr<PlaybackStream> openPlayback(const PcmFormat& format, std::string& error) override;
     void playPrompt(const std::string& wavePath) override;
+    // As long as the prompt file lasts, on the loop's clock.
+    [[nodiscard]] bool promptPlaying() const override;
 
     // What the virtual output received, kept for tests (all streams, in order).
     [[nodiscard]] const std::vector<std::int16_t>& playedSamples() const { return played_; }
@@ -57,6 +59,7 @@ private:
     std::size_t inputPosition_ = 0;
     std::vector<std::int16_t> played_;
     std::vector<std::string> prompts_;
+    platform::WallClock::time_point promptEnds_{};
 };
 
 }  // namespace ovd::engine

@@ -27,6 +27,11 @@ TEST(PromptPlayerTest, PlaysOnlyWhileSwitchedOnAndEveryNamedPromptShips) {
         EXPECT_EQ(player.LastVoicePrompt(), folder + "/" + name);
     }
     EXPECT_EQ(backend.promptsPlayed().size(), 9u);
+
+    player.PlayPrompt("FileSent2MSG.WAV", true);
+    EXPECT_TRUE(backend.promptPlaying());
+    loop.advance(platform::Milliseconds(5000));
+    EXPECT_FALSE(backend.promptPlaying()) << "a spoken prompt lasts a second or two";
 }
 
 }  // namespace
