@@ -31,6 +31,22 @@ std::size_t readPieces(const PieceList& pieces, std::size_t& index, SampleCount&
 }
 }  // namespace
 
+std::optional<PieceList> piecesAddedTo(const PieceList& before, const PieceList& now) {
+    if (now.size() < before.size()) return std::nullopt;
+    PieceList added;
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        const Piece& was = before[i];
+        const Piece& is = now[i];
+        const bool last = i + 1 == before.size();
+        if (is.file != was.file || is.start != was.start) return std::nullopt;
+        if (is.length == was.length) continue;
+        if (!last || is.length < was.length) return std::nullopt;
+        added.push_back({is.file, is.start + was.length, is.length - was.length});
+    }
+    added.insert(added.end(), now.begin() + static_cast<std::ptrdiff_t>(before.size()), now.end());
+    return added;
+}
+
 void AudioDocument::recount() {
     length_ = 0;
     for (const Piece& piece : pieces_) length_ += piece.length;

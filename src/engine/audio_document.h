@@ -5,6 +5,7 @@
 // audio cut or copied from a closed editor stays readable.
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "engine/codecs.h"
@@ -19,6 +20,11 @@ struct Piece {
 };
 
 using PieceList = std::vector<Piece>;
+
+// What `now` holds beyond `before` when the document only grew at its end since
+// it was `before` (its last piece may have grown, as a take being recorded does);
+// none when it was changed anywhere else.
+std::optional<PieceList> piecesAddedTo(const PieceList& before, const PieceList& now);
 
 class AudioDocument {
 public:

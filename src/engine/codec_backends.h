@@ -3,6 +3,7 @@
 // and writing into a target file the caller has already locked. Nothing of
 // either library shows here.
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -24,8 +25,33 @@ inline constexpr const char* kCancelledText = "cancelled";
 
 // WAV, VOX, RAW and DSP, written through fd (open, locked and empty).
 EngineResult encodeWithSndfile(const EncodeJob& job, int fd, const std::string& path);
-// MP3, MP2 and WMA, written to path; the caller holds the lock on another descriptor.
-EngineResult encodeWithFfmpeg(const EncodeJob& job, const std::string& path);
+// MP3, MP2 and WMA, written through fd (open, locked and empty).
+EngineResult encodeWithFfmpeg(const EncodeJob& job, int fd, const std::string& path);
+
+// A file written a block at a time, from audio already at the rate and channels
+// it is written at. It writes through a descriptor it does not own.
+class EncodedStream {
+public:
+    virtual ~EncodedStream() = default;
+    virtual EngineResult write(const std::int16_t* frames, std::size_t frameCount) = 0;
+    // Frames given in the file's own layout are put at the end of the file by
+    // `copy`, through the descriptor it is handed; only where copiesFrames().
+    [[nodiscard]] virtual bool copiesFrames() const { return false; }
+    virtual EngineResult appendCopied(SampleCount frameCount, const std::function<EngineResult(int fd)>& copy);
+    // Everything complete so far is in the file, and the file's header says so.
+    virtual EngineResult sync() = 0;
+    // What the codec still held goes in; the file is whole.
+    virtual EngineResult finish() = 0;
+};
+
+// 16-bit PCM in a wave file with the comment in its LIST chunk.
+std::unique_ptr<EncodedStream> openWaveStream(int fd, const std::string& path, const PcmFormat& format,
+                                              const std::string& comment, std::string& error);
+// MP3 or MP2 through the codec library. An MP3 stream rewrites its Info frame at
+// every sync, so readers that trust it find every frame written so far.
+std::unique_ptr<EncodedStream> openFfmpegStream(int fd, const std::string& path, const TargetFormat& target,
+                                                const PcmFormat& format, const std::string& comment,
+                                                std::string& error);
 
 // The rate and channels a format is written at, for audio given in `source`:
 // what the user chose, brought to what the codec can carry.

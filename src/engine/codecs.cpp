@@ -105,7 +105,7 @@ EngineResult encodeIntoLockedFile(PcmSource& source, int fd, const std::string& 
         const double fraction = total > 0 ? static_cast<double>(pcm->sourceFramesRead()) / static_cast<double>(total) : 1.0;
         return progress(std::min(fraction, 1.0));
     }};
-    EngineResult result = throughFfmpeg(target.word) ? encodeWithFfmpeg(job, path)
+    EngineResult result = throughFfmpeg(target.word) ? encodeWithFfmpeg(job, fd, path)
                                                      : encodeWithSndfile(job, fd, path);
     if (result && !pcm->error().empty()) result = EngineResult::failure(pcm->error());
     // A dictation counts as saved once it would survive a power cut.

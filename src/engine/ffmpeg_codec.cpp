@@ -5,16 +5,23 @@
 // to hold it (32 kbit at 16 kHz): without it every reader hears the encoder's
 // start-up and padding, a tenth of a second more than was dictated.
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdlib>
+#include <optional>
 #include <vector>
 
 #include "engine/codec_backends.h"
+#include "engine/mp3_info_frame.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
+#include <libavformat/avio.h>
 #include <libavutil/channel_layout.h>
 #include <libavutil/dict.h>
 #include <libavutil/error.h>
@@ -46,10 +53,7 @@ Recipe recipeFor(FormatWord word) {
 }
 
 struct OutputCloser {
-    void operator()(AVFormatContext* context) const {
-        if (context->pb) avio_closep(&context->pb);
-        avformat_free_context(context);
-    }
+    void operator()(AVFormatContext* context) const { avformat_free_context(context); }
 };
 struct CodecCloser {
     void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
@@ -114,17 +118,81 @@ void fillFrame(AVFrame* frame, const std::int16_t* samples, int frameCount, int 
     }
 }
 
-class Encoder {
-public:
-    Encoder(const EncodeJob& job, const std::string& path) : job_(job), path_(path) {}
+constexpr int kIoBufferBytes = 64 * 1024;
+// A decoder gives out the second half of a frame's sound only with the next
+// frame: until the stream goes on, that much at its end counts as padding.
+constexpr int kDecoderDelaySamples = 529;
 
-    EngineResult run() {
-        if (EngineResult opened = open(); !opened) return opened;
-        if (EngineResult fed = feed(); !fed) return fed;
+struct IoCloser {
+    void operator()(AVIOContext* io) const {
+        av_freep(&io->buffer);
+        avio_context_free(&io);
+    }
+};
+
+// One encoding into a file descriptor: the whole file at once, or a file that
+// grows a stretch at a time (growing), synced between stretches.
+class FfmpegStream final : public EncodedStream {
+public:
+    FfmpegStream(int fd, const std::string& path, const TargetFormat& target, const PcmFormat& pcm,
+                 const std::string& comment, bool growing)
+        : fd_(fd), path_(path), target_(target), pcm_(pcm), comment_(comment), growing_(growing) {}
+
+    EngineResult open() {
+        if (EngineResult prepared = prepare(); !prepared) return prepared;
+        frame_.reset(av_frame_alloc());
+        packet_.reset(av_packet_alloc());
+        if (!frame_ || !packet_) return EngineResult::failure("out of memory preparing " + path_);
+        const int code = avformat_write_header(output_.get(), nullptr);
+        if (code < 0) return failure("can't write the header of", code);
+        if (growing_ && target_.word == FormatWord::MP3) return findInfoFrame();
+        return EngineResult::success();
+    }
+
+    EngineResult write(const std::int16_t* samples, std::size_t frameCount) override {
+        const auto width = static_cast<std::size_t>(pcm_.channels);
+        queued_.insert(queued_.end(), samples, samples + frameCount * width);
+        // The encoder takes whole frames: the rest waits for the next block.
+        std::size_t sent = 0;
+        while (queued_.size() - sent >= frameSize_ * width) {
+            if (EngineResult done = sendFrames(queued_.data() + sent, frameSize_); !done) return done;
+            sent += frameSize_ * width;
+        }
+        queued_.erase(queued_.begin(), queued_.begin() + static_cast<std::ptrdiff_t>(sent));
+        return EngineResult::success();
+    }
+
+    EngineResult sync() override {
+        avio_flush(io_.get());
+        if (io_->error < 0) return failure("can't write", io_->error);
+        if (!info_) return EngineResult::success();
+        Mp3Tally tally = tally_;
+        // The encoder's start-up as the muxer counts it: what it reports less the decoder's delay.
+        tally.startPadding = std::max(codec_->initial_padding - kDecoderDelaySamples, 0);
+        tally.endPadding = kDecoderDelaySamples;
+        const std::vector<std::uint8_t> frame = info_->describing(tally);
+        const auto written = ::pwrite(fd_, frame.data(), frame.size(), static_cast<off_t>(info_->offset()));
+        if (written != static_cast<ssize_t>(frame.size())) {
+            return failure("can't write the Info frame of", AVERROR(written < 0 ? errno : EIO));
+        }
+        return EngineResult::success();
+    }
+
+    EngineResult finish() override {
+        const auto width = static_cast<std::size_t>(pcm_.channels);
+        if (!queued_.empty()) {
+            const bool takesAnySize = (codec_->codec->capabilities &
+                                       (AV_CODEC_CAP_VARIABLE_FRAME_SIZE | AV_CODEC_CAP_SMALL_LAST_FRAME)) != 0;
+            // An encoder that takes whole frames only gets a last one ending in silence.
+            if (!takesAnySize) queued_.resize(frameSize_ * width, 0);
+            if (EngineResult sent = sendFrames(queued_.data(), queued_.size() / width); !sent) return sent;
+            queued_.clear();
+        }
         if (EngineResult drained = send(nullptr); !drained) return drained;
         const int code = av_write_trailer(output_.get());
         if (code < 0) return failure("can't finish", code);
-        avio_closep(&output_->pb);
+        avio_flush(io_.get());
+        if (io_->error < 0) return failure("can't write", io_->error);
         return EngineResult::success();
     }
 
@@ -133,16 +201,38 @@ private:
         return EngineResult::failure(what + " " + path_ + ": " + ffmpegErrorText(code));
     }
 
-    EngineResult open() {
-        const Recipe recipe = recipeFor(job_.target.word);
+    static int writeToFile(void* opaque, std::uint8_t* data, int size) {
+        const int fd = static_cast<FfmpegStream*>(opaque)->fd_;
+        int done = 0;
+        while (done < size) {
+            const ssize_t n = ::write(fd, data + done, static_cast<std::size_t>(size - done));
+            if (n < 0 && errno == EINTR) continue;
+            if (n <= 0) return AVERROR(n < 0 ? errno : EIO);
+            done += static_cast<int>(n);
+        }
+        return done;
+    }
+
+    static std::int64_t seekInFile(void* opaque, std::int64_t offset, int whence) {
+        const int fd = static_cast<FfmpegStream*>(opaque)->fd_;
+        whence &= ~AVSEEK_FORCE;
+        if (whence == AVSEEK_SIZE) {
+            struct stat status {};
+            return ::fstat(fd, &status) == 0 ? static_cast<std::int64_t>(status.st_size) : AVERROR(errno);
+        }
+        const off_t at = ::lseek(fd, static_cast<off_t>(offset), whence);
+        return at < 0 ? AVERROR(errno) : static_cast<std::int64_t>(at);
+    }
+
+    EngineResult prepare() {
+        const Recipe recipe = recipeFor(target_.word);
         const AVCodec* codec = avcodec_find_encoder_by_name(recipe.encoder);
-        if (!codec) return EngineResult::failure("the codec library has no " + formatWordText(job_.target.word) + " encoder");
+        if (!codec) return EngineResult::failure("the codec library has no " + formatWordText(target_.word) + " encoder");
         AVFormatContext* output = nullptr;
         int code = avformat_alloc_output_context2(&output, nullptr, recipe.muxer, path_.c_str());
         if (code < 0 || !output) return failure("can't prepare", code);
         output_.reset(output);
 
-        const PcmFormat pcm = job_.pcm.format();
         codec_.reset(avcodec_alloc_context3(codec));
         if (!codec_) return EngineResult::failure("out of memory preparing " + path_);
         codec_->sample_fmt = AV_SAMPLE_FMT_NONE;
@@ -153,15 +243,16 @@ private:
             }
         }
         if (codec_->sample_fmt == AV_SAMPLE_FMT_NONE) {
-            return EngineResult::failure("the " + formatWordText(job_.target.word) + " encoder takes no usable sample format");
+            return EngineResult::failure("the " + formatWordText(target_.word) + " encoder takes no usable sample format");
         }
-        codec_->sample_rate = pcm.sampleRate;
-        av_channel_layout_default(&codec_->ch_layout, pcm.channels);
-        codec_->bit_rate = encoderBitRate(job_.target, pcm.sampleRate);
-        codec_->time_base = AVRational{1, pcm.sampleRate};
+        codec_->sample_rate = pcm_.sampleRate;
+        av_channel_layout_default(&codec_->ch_layout, pcm_.channels);
+        codec_->bit_rate = encoderBitRate(target_, pcm_.sampleRate);
+        codec_->time_base = AVRational{1, pcm_.sampleRate};
         if (output_->oformat->flags & AVFMT_GLOBALHEADER) codec_->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
         code = avcodec_open2(codec_.get(), codec, nullptr);
-        if (code < 0) return failure("can't start the " + formatWordText(job_.target.word) + " encoder for", code);
+        if (code < 0) return failure("can't start the " + formatWordText(target_.word) + " encoder for", code);
+        frameSize_ = static_cast<std::size_t>(codec_->frame_size > 0 ? codec_->frame_size : 1152);
 
         stream_ = avformat_new_stream(output_.get(), nullptr);
         if (!stream_) return EngineResult::failure("out of memory preparing " + path_);
@@ -169,51 +260,38 @@ private:
         if (code < 0) return failure("can't prepare", code);
         stream_->time_base = codec_->time_base;
         // MP3 keeps it in its ID3 tag, ASF in its description; a plain MP2 stream has nowhere.
-        if (!job_.comment.empty()) av_dict_set(&output_->metadata, "comment", job_.comment.c_str(), 0);
+        if (!comment_.empty()) av_dict_set(&output_->metadata, "comment", comment_.c_str(), 0);
 
-        code = avio_open(&output_->pb, path_.c_str(), AVIO_FLAG_WRITE);
-        if (code < 0) return failure("can't write", code);
-        code = avformat_write_header(output_.get(), nullptr);
-        if (code < 0) return failure("can't write the header of", code);
-
-        frame_.reset(av_frame_alloc());
-        packet_.reset(av_packet_alloc());
-        if (!frame_ || !packet_) return EngineResult::failure("out of memory preparing " + path_);
-        return EngineResult::success();
-    }
-
-    // Reads the source a block at a time and hands the encoder whole frames.
-    EngineResult feed() {
-        const int channels = job_.pcm.format().channels;
-        const auto width = static_cast<std::size_t>(channels);
-        const bool takesAnySize = (codec_->codec->capabilities &
-                                   (AV_CODEC_CAP_VARIABLE_FRAME_SIZE | AV_CODEC_CAP_SMALL_LAST_FRAME)) != 0;
-        const auto frameSize = static_cast<std::size_t>(codec_->frame_size > 0 ? codec_->frame_size : 1152);
-        std::vector<std::int16_t> block(kBlockFrames * width);
-        std::vector<std::int16_t> queued;
-        std::size_t queuedStart = 0;  // in samples
-        bool ended = false;
-        while (!ended) {
-            const std::size_t got = job_.pcm.read(block.data(), kBlockFrames);
-            ended = got == 0;
-            queued.erase(queued.begin(), queued.begin() + static_cast<std::ptrdiff_t>(queuedStart));
-            queuedStart = 0;
-            queued.insert(queued.end(), block.begin(), block.begin() + static_cast<std::ptrdiff_t>(got * width));
-            if (ended && queued.size() % (frameSize * width) != 0 && !takesAnySize) {
-                // The encoder takes whole frames only: the last one ends in silence.
-                queued.resize((queued.size() / (frameSize * width) + 1) * frameSize * width, 0);
-            }
-            while (queued.size() - queuedStart >= (ended ? width : frameSize * width)) {
-                const std::size_t frames = std::min(frameSize, (queued.size() - queuedStart) / width);
-                if (EngineResult sent = sendFrames(queued.data() + queuedStart, frames, channels); !sent) return sent;
-                queuedStart += frames * width;
-            }
-            if (!ended && !job_.keepGoing()) return EngineResult::failure(kCancelledText);
+        // Written through our own descriptor, which carries the caller's lock (or
+        // stays open for the next stretch of a growing file).
+        auto* buffer = static_cast<std::uint8_t*>(av_malloc(kIoBufferBytes));
+        if (!buffer) return EngineResult::failure("out of memory preparing " + path_);
+        io_.reset(avio_alloc_context(buffer, kIoBufferBytes, 1, this, nullptr, &writeToFile, &seekInFile));
+        if (!io_) {
+            av_free(buffer);
+            return EngineResult::failure("out of memory preparing " + path_);
         }
+        output_->pb = io_.get();
+        output_->flags |= AVFMT_FLAG_CUSTOM_IO;
         return EngineResult::success();
     }
 
-    EngineResult sendFrames(const std::int16_t* samples, std::size_t frameCount, int channels) {
+    // The Info frame the muxer put behind the ID3 tag, to be brought up to date at each sync.
+    EngineResult findInfoFrame() {
+        avio_flush(io_.get());
+        if (io_->error < 0) return failure("can't write", io_->error);
+        const std::int64_t headerBytes = avio_tell(io_.get());
+        std::vector<std::uint8_t> head(static_cast<std::size_t>(std::max<std::int64_t>(headerBytes, 0)));
+        const ssize_t got = ::pread(fd_, head.data(), head.size(), 0);
+        if (got != static_cast<ssize_t>(head.size())) {
+            return failure("can't read back the header of", AVERROR(got < 0 ? errno : EIO));
+        }
+        info_ = Mp3InfoFrame::find(head.data(), head.size());
+        if (!info_) return EngineResult::failure("no Info frame at the head of " + path_ + " to keep its length in");
+        return EngineResult::success();
+    }
+
+    EngineResult sendFrames(const std::int16_t* samples, std::size_t frameCount) {
         av_frame_unref(frame_.get());
         frame_->format = codec_->sample_fmt;
         frame_->sample_rate = codec_->sample_rate;
@@ -221,7 +299,7 @@ private:
         int code = av_channel_layout_copy(&frame_->ch_layout, &codec_->ch_layout);
         if (code >= 0) code = av_frame_get_buffer(frame_.get(), 0);
         if (code < 0) return failure("out of memory writing", code);
-        fillFrame(frame_.get(), samples, frame_->nb_samples, channels);
+        fillFrame(frame_.get(), samples, frame_->nb_samples, pcm_.channels);
         frame_->pts = nextPts_;
         nextPts_ += frame_->nb_samples;
         return send(frame_.get());
@@ -235,21 +313,45 @@ private:
             code = avcodec_receive_packet(codec_.get(), packet_.get());
             if (code == AVERROR(EAGAIN) || code == AVERROR_EOF) return EngineResult::success();
             if (code < 0) return failure("can't encode", code);
+            if (info_) count(*packet_);
             av_packet_rescale_ts(packet_.get(), codec_->time_base, stream_->time_base);
             packet_->stream_index = stream_->index;
-            code = av_interleaved_write_frame(output_.get(), packet_.get());
+            code = av_write_frame(output_.get(), packet_.get());
+            av_packet_unref(packet_.get());
             if (code < 0) return failure("can't write", code);
         }
     }
 
-    const EncodeJob& job_;
-    const std::string& path_;
+    void count(const AVPacket& packet) {
+        const auto size = static_cast<std::size_t>(packet.size);
+        ++tally_.frames;
+        tally_.bytes += size;
+        tally_.crc = mp3Crc16(tally_.crc, packet.data, size);
+        if (size >= 3) {
+            const int bitrateIndex = packet.data[2] >> 4;
+            if (firstBitrateIndex_ < 0) firstBitrateIndex_ = bitrateIndex;
+            if (bitrateIndex != firstBitrateIndex_) tally_.constantBitRate = false;
+        }
+    }
+
+    const int fd_;
+    const std::string path_;
+    const TargetFormat target_;
+    const PcmFormat pcm_;
+    const std::string comment_;
+    const bool growing_;
+    std::unique_ptr<AVIOContext, IoCloser> io_;  // outlives the muxer that writes through it
     std::unique_ptr<AVFormatContext, OutputCloser> output_;
     std::unique_ptr<AVCodecContext, CodecCloser> codec_;
     std::unique_ptr<AVFrame, FrameCloser> frame_;
     std::unique_ptr<AVPacket, PacketCloser> packet_;
     AVStream* stream_ = nullptr;
+    std::size_t frameSize_ = 1152;
+    std::vector<std::int16_t> queued_;
     std::int64_t nextPts_ = 0;
+    std::optional<Mp3InfoFrame> info_;
+    Mp3Tally tally_;
+    int firstBitrateIndex_ = -1;
 };
 
 }  // namespace
@@ -260,8 +362,27 @@ std::string ffmpegErrorText(int code) {
     return text;
 }
 
-EngineResult encodeWithFfmpeg(const EncodeJob& job, const std::string& path) {
-    return Encoder(job, path).run();
+EngineResult encodeWithFfmpeg(const EncodeJob& job, int fd, const std::string& path) {
+    const PcmFormat pcm = job.pcm.format();
+    FfmpegStream stream(fd, path, job.target, pcm, job.comment, false);
+    if (EngineResult opened = stream.open(); !opened) return opened;
+    std::vector<std::int16_t> block(kBlockFrames * static_cast<std::size_t>(pcm.channels));
+    while (const std::size_t got = job.pcm.read(block.data(), kBlockFrames)) {
+        if (EngineResult written = stream.write(block.data(), got); !written) return written;
+        if (!job.keepGoing()) return EngineResult::failure(kCancelledText);
+    }
+    return stream.finish();
+}
+
+std::unique_ptr<EncodedStream> openFfmpegStream(int fd, const std::string& path, const TargetFormat& target,
+                                                const PcmFormat& format, const std::string& comment,
+                                                std::string& error) {
+    auto stream = std::make_unique<FfmpegStream>(fd, path, target, format, comment, true);
+    if (EngineResult opened = stream->open(); !opened) {
+        error = opened.error();
+        return nullptr;
+    }
+    return stream;
 }
 
 }  // namespace ovd::engine

@@ -2,9 +2,19 @@
 // The station's wave editor: a document of 16-bit frames in a work file, edited
 // as a list of pieces, recorded and played through an audio backend, saved in any
 // recording format on a thread of its own.
+//
+// Saving the same take to the same file again, as the dictation does every few
+// seconds while it records, adds only what is new when the take only grew since:
+// the file stays open with its encoder between saves. Such a file is whole but
+// for what the encoder still holds (a fifth of a second or so of the end), which
+// goes in when the document is closed, saved elsewhere or edited before its next
+// save, or at finishSavedFile(). The dictation closes a letter before it
+// delivers it, and finishes the saved file before it copies it elsewhere.
 
 #include <atomic>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -13,6 +23,7 @@
 #include "engine/audio_document.h"
 #include "engine/audio_editor.h"
 #include "engine/clipboard.h"
+#include "engine/stream_encoder.h"
 #include "platform/event_loop.h"
 #include "platform/timer.h"
 
@@ -75,6 +86,10 @@ public:
     [[nodiscard]] bool saving() const { return saving_.load(); }
     // Waits for a running save to end (the station's exit).
     void finishSaving();
+    // Waits for a running save, then completes the file the saves have been
+    // adding to with what its encoder still held; the next save encodes the whole
+    // document again.
+    void finishSavedFile();
     [[nodiscard]] bool hasDocument() const { return workFile_ != nullptr; }
     // The document's frames from a position on, for the waveform view and checks.
     std::size_t readFrames(SampleCount position, std::int16_t* out, std::size_t frameCount) const {
@@ -86,6 +101,27 @@ private:
         PieceList pieces;
         SampleCount cursor = 0;
     };
+    // The file the last save wrote, still open so the next save can add to it.
+    struct SaveSession {
+        std::string path;
+        TargetFormat target;
+        std::string comment;
+        PcmFormat format;
+        PieceList saved;  // the document as the file holds it
+        std::unique_ptr<StreamEncoder> encoder;
+    };
+    // One save, as the save thread carries it out.
+    struct SaveJob {
+        std::string path;
+        TargetFormat target;
+        std::string comment;
+        PcmFormat format;
+        PieceList pieces;                 // the whole document
+        std::optional<PieceList> added;   // set when the job adds these to the session's file
+        int lockFd = -1;
+        bool existedBefore = false;
+    };
+    using SaveProgress = std::function<void(SampleCount done)>;
     EngineResult startDocument(const PcmFormat& format);
     EngineResult appendFile(const std::string& path, const char* operation, PieceList& added);
     void rememberForUndo();
@@ -94,6 +130,8 @@ private:
     void viewChanged();
     void emitBlock(BlockOperationEvent::Phase phase, const std::string& operation, SampleCount position,
                    SampleCount range);
+    EngineResult saveWhole(const SaveJob& job, const SaveProgress& progress);
+    EngineResult addToSavedFile(const SaveJob& job, const SaveProgress& progress);
     void syncTick();
     void feedTick();
     void onCaptured(const std::int16_t* frames, std::size_t frameCount);
@@ -143,6 +181,8 @@ private:
     std::atomic<bool> saving_{false};
     std::string lastSaveError_;
     unsigned workFilesMade_ = 0;
+    // Touched by the save thread while it runs, by the loop's thread once it is joined.
+    std::unique_ptr<SaveSession> session_;
 };
 
 }  // namespace ovd::engine

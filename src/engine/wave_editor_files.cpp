@@ -1,17 +1,11 @@
-// Documents and files: new, open, close and save, the work file's life, and
-// bringing whole files into a document.
+// Documents and files: new, open and close, the work file's life, and bringing
+// whole files into a document.
 
-#include <fcntl.h>
-#include <sys/file.h>
 #include <unistd.h>
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <vector>
 
-#include "engine/codecs.h"
 #include "engine/wave_editor.h"
 #include "platform/files.h"
 
@@ -99,6 +93,8 @@ EngineResult WaveEditor::Open(const std::string& path) {
 
 void WaveEditor::Close() {
     Stop();
+    // The saved file is completed before the document goes.
+    finishSavedFile();
     syncTimer_.setEnabled(false);
     if (workFile_) {
         // The document was saved or given up by the dictation: its work file goes.
@@ -112,62 +108,6 @@ void WaveEditor::Close() {
     redo_.clear();
     cursor_ = selectionStart_ = selectionEnd_ = 0;
     selectionActive_ = false;
-}
-
-void WaveEditor::finishSaving() {
-    if (saveThread_.joinable()) saveThread_.join();
-}
-
-EngineResult WaveEditor::SaveAs(const std::string& path) {
-    if (!workFile_) return EngineResult::failure("no document to save");
-    finishSaving();
-    // The file is locked before this call returns, so whoever waits for it to be
-    // free waits for this save, not for the one before it.
-    const bool existedBefore = platform::fileExists(path);
-    const int lockFd = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
-    if (lockFd < 0) return EngineResult::failure("can't write " + path + ": " + std::strerror(errno));
-    if (::flock(lockFd, LOCK_EX | LOCK_NB) != 0) {
-        ::close(lockFd);
-        return EngineResult::failure(path + " is in use");
-    }
-    syncTick();
-    auto source = std::make_shared<DocumentSource>(document_.format(), document_.pieces());
-    const TargetFormat target = chosen_;
-    const std::string comment = comment_;
-    const SampleCount range = source->frames();
-    const std::shared_ptr<bool> alive = alive_;
-    emitBlock(BlockOperationEvent::Phase::Start, "Saving", 0, range);
-    saving_ = true;
-    lastSaveError_.clear();
-    saveThread_ = std::thread([this, alive, source, target, comment, range, path, lockFd, existedBefore] {
-        // Written beside the target and moved over it at the end: until then the
-        // locked old file stands, after it the complete new one.
-        const std::string partial = path + ".partial";
-        EngineResult result = encodeFile(*source, partial, target, comment, [&](double fraction) {
-            loop_.postFromAnyThread([this, alive, fraction, range] {
-                if (*alive) {
-                    emitBlock(BlockOperationEvent::Phase::Progress, "Saving",
-                              static_cast<SampleCount>(fraction * static_cast<double>(range)), range);
-                }
-            });
-            return true;
-        });
-        if (result && std::rename(partial.c_str(), path.c_str()) != 0) {
-            result = EngineResult::failure("can't replace " + path + ": " + std::strerror(errno));
-            std::remove(partial.c_str());
-        }
-        // A failed first save leaves no empty file behind to be mistaken for a dictation.
-        if (!result && !existedBefore) std::remove(path.c_str());
-        ::close(lockFd);
-        const std::string error = result ? std::string() : result.error();
-        loop_.postFromAnyThread([this, alive, error, range] {
-            if (!*alive) return;
-            lastSaveError_ = error;
-            emitBlock(BlockOperationEvent::Phase::End, "Saving", range, range);
-        });
-        saving_ = false;
-    });
-    return EngineResult::success();
 }
 
 }  // namespace ovd::engine

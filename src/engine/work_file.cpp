@@ -4,9 +4,10 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstring>
+
+#include "engine/wave_header.h"
 
 namespace ovd::engine {
 
@@ -14,36 +15,53 @@ namespace {
 
 constexpr std::size_t kPendingLimitSamples = 64 * 1024;
 
-void putU32(std::uint8_t* at, std::uint32_t value) {
-    for (int i = 0; i < 4; ++i) at[i] = static_cast<std::uint8_t>(value >> (8 * i));
-}
-void putU16(std::uint8_t* at, std::uint16_t value) {
-    at[0] = static_cast<std::uint8_t>(value);
-    at[1] = static_cast<std::uint8_t>(value >> 8);
-}
-
-std::array<std::uint8_t, WorkFile::kHeaderBytes> waveHeader(const PcmFormat& format,
-                                                             std::uint64_t dataBytes) {
-    // A WAV header can't count past 4 GiB; a longer take stays readable up to there.
-    const auto data = static_cast<std::uint32_t>(std::min<std::uint64_t>(dataBytes, 0xFFFFFFFFu - 36));
-    std::array<std::uint8_t, WorkFile::kHeaderBytes> header{};
-    std::memcpy(header.data(), "RIFF", 4);
-    putU32(header.data() + 4, 36 + data);
-    std::memcpy(header.data() + 8, "WAVEfmt ", 8);
-    putU32(header.data() + 16, 16);
-    putU16(header.data() + 20, 1);  // PCM
-    putU16(header.data() + 22, static_cast<std::uint16_t>(format.channels));
-    putU32(header.data() + 24, static_cast<std::uint32_t>(format.sampleRate));
-    const auto blockAlign = static_cast<std::uint16_t>(format.channels * 2);
-    putU32(header.data() + 28, static_cast<std::uint32_t>(format.sampleRate) * blockAlign);
-    putU16(header.data() + 32, blockAlign);
-    putU16(header.data() + 34, 16);
-    std::memcpy(header.data() + 36, "data", 4);
-    putU32(header.data() + 40, data);
-    return header;
-}
-
 std::string systemError(const std::string& what) { return what + ": " + std::strerror(errno); }
+
+bool writeAll(int fd, const void* data, std::size_t bytes) {
+    const auto* at = static_cast<const char*>(data);
+    while (bytes > 0) {
+        const ssize_t n = ::write(fd, at, bytes);
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) return false;
+        at += n;
+        bytes -= static_cast<std::size_t>(n);
+    }
+    return true;
+}
+
+// Bytes from one file to another's file position: inside the kernel where the
+// two file systems allow it, through a buffer where they don't.
+bool copyBytes(int from, off_t offset, int to, std::uint64_t bytes) {
+    bool inKernel = true;
+    std::vector<char> buffer;
+    while (bytes > 0) {
+        if (inKernel) {
+            loff_t in = offset;
+            const ssize_t n = ::copy_file_range(from, &in, to, nullptr, bytes, 0);
+            if (n < 0 && errno == EINTR) continue;
+            if (n > 0) {
+                offset += n;
+                bytes -= static_cast<std::uint64_t>(n);
+                continue;
+            }
+            // Across file systems, or one that does not take part (some report
+            // nothing copied rather than an error): the plain way.
+            if (n < 0 && errno != EXDEV && errno != EINVAL && errno != ENOSYS && errno != EOPNOTSUPP &&
+                errno != EBADF) {
+                return false;
+            }
+            inKernel = false;
+            buffer.resize(1 << 20);
+        }
+        const ssize_t got = ::pread(from, buffer.data(), std::min<std::uint64_t>(bytes, buffer.size()), offset);
+        if (got < 0 && errno == EINTR) continue;
+        if (got <= 0) return false;
+        if (!writeAll(to, buffer.data(), static_cast<std::size_t>(got))) return false;
+        offset += got;
+        bytes -= static_cast<std::uint64_t>(got);
+    }
+    return true;
+}
 
 }  // namespace
 
@@ -126,7 +144,7 @@ EngineResult WorkFile::writeHeader() {
         const std::lock_guard lock(mutex_);
         dataBytes = static_cast<std::uint64_t>(framesOnDisk_) * frameBytes_;
     }
-    const auto header = waveHeader(format_, dataBytes);
+    const auto header = pcmWaveHeader(format_, "", dataBytes);
     if (::pwrite(fd_, header.data(), header.size(), 0) != static_cast<ssize_t>(header.size())) {
         return EngineResult::failure(systemError("can't write the work file's header " + path_));
     }
@@ -163,6 +181,45 @@ std::size_t WorkFile::read(SampleCount start, std::int16_t* out, std::size_t fra
         delivered += fromMemory;
     }
     return delivered;
+}
+
+EngineResult WorkFile::copyTo(int fd, SampleCount start, SampleCount frameCount) const {
+    const auto channels = static_cast<std::size_t>(format_.channels);
+    std::vector<std::int16_t> fromMemory;
+    while (frameCount > 0) {
+        SampleCount onDisk = 0;
+        SampleCount count = 0;
+        {
+            // Frames on disk never change, so only the look at where the disk ends
+            // and the copy out of memory need the lock; the recording goes on meanwhile.
+            const std::lock_guard lock(mutex_);
+            onDisk = framesOnDisk_;
+            if (start >= onDisk) {
+                const auto inMemory = static_cast<SampleCount>(pending_.size() / channels);
+                const SampleCount index = start - onDisk;
+                count = std::clamp<SampleCount>(inMemory - index, 0, frameCount);
+                if (count == 0) {
+                    count = frameCount;
+                    fromMemory.assign(static_cast<std::size_t>(count) * channels, 0);
+                } else {
+                    const auto first = pending_.begin() + static_cast<std::ptrdiff_t>(static_cast<std::size_t>(index) * channels);
+                    fromMemory.assign(first, first + static_cast<std::ptrdiff_t>(static_cast<std::size_t>(count) * channels));
+                }
+            }
+        }
+        bool copied = false;
+        if (start < onDisk) {
+            count = std::min(frameCount, onDisk - start);
+            const auto offset = static_cast<off_t>(kHeaderBytes + static_cast<std::size_t>(start) * frameBytes_);
+            copied = copyBytes(fd_, offset, fd, static_cast<std::uint64_t>(count) * frameBytes_);
+        } else {
+            copied = writeAll(fd, fromMemory.data(), fromMemory.size() * sizeof(std::int16_t));
+        }
+        if (!copied) return EngineResult::failure(systemError("can't copy from the work file " + path_));
+        start += count;
+        frameCount -= count;
+    }
+    return EngineResult::success();
 }
 
 void WorkFile::removeFromDisk() {

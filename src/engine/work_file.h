@@ -35,6 +35,11 @@ public:
     EngineResult flush();
     // Reads frames from any thread; frames past the end read as nothing (returns fewer).
     std::size_t read(SampleCount start, std::int16_t* out, std::size_t frameCount) const;
+    // Writes frames to fd at its file position, from any thread: what is on disk
+    // is copied inside the kernel where the file systems allow, so saving an hour
+    // as a wave file costs what copying the file costs. Frames past the end (a
+    // failed write) go out as silence, as they read.
+    EngineResult copyTo(int fd, SampleCount start, SampleCount frameCount) const;
 
     // Deletes the file from the folder; readers that still hold it keep their audio.
     void removeFromDisk();

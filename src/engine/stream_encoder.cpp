@@ -1,0 +1,239 @@
+#include "engine/stream_encoder.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <bit>
+#include <cerrno>
+#include <cstring>
+
+#include "engine/codec_backends.h"
+#include "engine/resampler.h"
+#include "engine/wave_header.h"
+
+namespace ovd::engine {
+
+namespace {
+
+std::string systemError(const std::string& what) { return what + ": " + std::strerror(errno); }
+
+bool writeAll(int fd, const void* data, std::size_t bytes) {
+    const auto* at = static_cast<const char*>(data);
+    while (bytes > 0) {
+        const ssize_t n = ::write(fd, at, bytes);
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) return false;
+        at += n;
+        bytes -= static_cast<std::size_t>(n);
+    }
+    return true;
+}
+
+// 16-bit frames behind a header that is brought up to date at every sync.
+class WaveStream final : public EncodedStream {
+  public:
+    static_assert(std::endian::native == std::endian::little,
+                  "wave data are written as the samples lie in memory");
+
+    WaveStream(int fd, const std::string& path, const PcmFormat& format, const std::string& comment)
+        : fd_(fd),
+          path_(path),
+          format_(format),
+          comment_(comment),
+          frameBytes_(static_cast<std::size_t>(format.channels) * sizeof(std::int16_t)) {}
+
+    EngineResult open() {
+        const std::vector<std::uint8_t> header = pcmWaveHeader(format_, comment_, 0);
+        if (!writeAll(fd_, header.data(), header.size()))
+            return EngineResult::failure(systemError("can't write " + path_));
+        return EngineResult::success();
+    }
+
+    EngineResult write(const std::int16_t* frames, std::size_t frameCount) override {
+        if (!writeAll(fd_, frames, frameCount * frameBytes_))
+            return EngineResult::failure(systemError("can't write " + path_));
+        dataBytes_ += frameCount * frameBytes_;
+        return EngineResult::success();
+    }
+
+    [[nodiscard]] bool copiesFrames() const override { return true; }
+
+    EngineResult appendCopied(SampleCount frameCount,
+                              const std::function<EngineResult(int fd)>& copy) override {
+        if (EngineResult copied = copy(fd_); !copied) return copied;
+        dataBytes_ += static_cast<std::uint64_t>(frameCount) * frameBytes_;
+        return EngineResult::success();
+    }
+
+    EngineResult sync() override {
+        const std::vector<std::uint8_t> header = pcmWaveHeader(format_, comment_, dataBytes_);
+        if (::pwrite(fd_, header.data(), header.size(), 0) != static_cast<ssize_t>(header.size())) {
+            return EngineResult::failure(systemError("can't write the header of " + path_));
+        }
+        return EngineResult::success();
+    }
+
+    EngineResult finish() override { return sync(); }
+
+  private:
+    const int fd_;
+    const std::string path_;
+    const PcmFormat format_;
+    const std::string comment_;
+    const std::size_t frameBytes_;
+    std::uint64_t dataBytes_ = 0;
+};
+
+}  // namespace
+
+EngineResult EncodedStream::appendCopied(SampleCount, const std::function<EngineResult(int)>&) {
+    return EngineResult::failure("this format can't take frames as they are");
+}
+
+std::unique_ptr<EncodedStream> openWaveStream(int fd, const std::string& path,
+                                              const PcmFormat& format, const std::string& comment,
+                                              std::string& error) {
+    auto stream = std::make_unique<WaveStream>(fd, path, format, comment);
+    if (EngineResult opened = stream->open(); !opened) {
+        error = opened.error();
+        return nullptr;
+    }
+    return stream;
+}
+
+bool StreamEncoder::supports(const TargetFormat& target) {
+    switch (target.word) {
+        case FormatWord::WAV:
+            // The other widths go through the sound-file library, whole.
+            return target.bitsPerSample != 8 && target.bitsPerSample != 24 &&
+                   target.bitsPerSample != 32;
+        case FormatWord::MP3:
+        case FormatWord::MP2:
+            return true;
+        case FormatWord::WMA:  // its header counts what follows, so it can't grow
+        case FormatWord::VOX:
+        case FormatWord::RAW:
+        case FormatWord::DSP:
+            return false;
+    }
+    return false;
+}
+
+StreamEncoder::StreamEncoder(int fd, const PcmFormat& source, const PcmFormat& encoded)
+    : fd_(fd), source_(source), encoded_(encoded) {}
+
+StreamEncoder::~StreamEncoder() {
+    stream_.reset();
+    ::close(fd_);
+}
+
+std::unique_ptr<StreamEncoder> StreamEncoder::open(int fd, const std::string& path,
+                                                   const TargetFormat& target,
+                                                   const PcmFormat& source,
+                                                   const std::string& comment, std::string& error) {
+    const PcmFormat encoded = encodedPcmFormat(target, source);
+    std::unique_ptr<StreamEncoder> encoder(new StreamEncoder(fd, source, encoded));
+    if (!supports(target) || source.sampleRate <= 0 || source.channels < 1) {
+        error = "a " + formatWordText(target.word) + " file can't be written a stretch at a time";
+        return nullptr;
+    }
+    if (source.sampleRate != encoded.sampleRate) {
+        encoder->resampler_ =
+            Resampler::create(source.sampleRate, encoded.sampleRate, encoded.channels, error);
+        if (!encoder->resampler_) return nullptr;
+    }
+    encoder->stream_ = target.word == FormatWord::WAV
+                           ? openWaveStream(fd, path, encoded, comment, error)
+                           : openFfmpegStream(fd, path, target, encoded, comment, error);
+    if (!encoder->stream_) return nullptr;
+    return encoder;
+}
+
+bool StreamEncoder::copiesSourceFrames() const {
+    return stream_->copiesFrames() && source_ == encoded_;
+}
+
+EngineResult StreamEncoder::appendCopied(SampleCount frameCount,
+                                         const std::function<EngineResult(int)>& copy) {
+    if (!copiesSourceFrames()) return EngineResult::failure("the file takes converted frames only");
+    if (EngineResult copied = stream_->appendCopied(frameCount, copy); !copied) return copied;
+    sourceFrames_ += frameCount;
+    encodedFrames_ += frameCount;
+    return EngineResult::success();
+}
+
+EngineResult StreamEncoder::writeEncoded(const std::int16_t* frames, std::size_t frameCount) {
+    encodedFrames_ += static_cast<SampleCount>(frameCount);
+    return stream_->write(frames, frameCount);
+}
+
+EngineResult StreamEncoder::write(const std::int16_t* frames, std::size_t frameCount) {
+    sourceFrames_ += static_cast<SampleCount>(frameCount);
+    const std::int16_t* remixed = frames;
+    if (source_.channels != encoded_.channels) {
+        remixed_.resize(frameCount * static_cast<std::size_t>(encoded_.channels));
+        remixChannels(frames, frameCount, source_.channels, encoded_.channels, remixed_.data());
+        remixed = remixed_.data();
+    }
+    if (!resampler_) return writeEncoded(remixed, frameCount);
+    converted_.clear();
+    std::string error;
+    if (!resampler_->convert(remixed, frameCount, converted_, error))
+        return EngineResult::failure(error);
+    return writeEncoded(converted_.data(),
+                        converted_.size() / static_cast<std::size_t>(encoded_.channels));
+}
+
+EngineResult StreamEncoder::sync() {
+    if (EngineResult synced = stream_->sync(); !synced) return synced;
+    return persist();
+}
+
+EngineResult StreamEncoder::persist() {
+    // A dictation counts as saved once it would survive a power cut.
+    struct stat status {};
+    if (::fsync(fd_) != 0 || ::fstat(fd_, &status) != 0)
+        return EngineResult::failure(systemError("can't sync the saved file"));
+    syncedBytes_ = status.st_size;
+    return EngineResult::success();
+}
+
+EngineResult StreamEncoder::finish() {
+    if (finished_) return EngineResult::success();
+    finished_ = true;
+    if (resampler_) {
+        converted_.clear();
+        std::string error;
+        if (!resampler_->convert(nullptr, 0, converted_, error))
+            return EngineResult::failure(error);
+        // A converted take lasts exactly as long as the original: the converter's
+        // rounding at the end is cut off or filled with silence.
+        const auto width = static_cast<std::size_t>(encoded_.channels);
+        const auto expected = static_cast<SampleCount>(
+            static_cast<long double>(sourceFrames_) * encoded_.sampleRate / source_.sampleRate +
+            0.5L);
+        const SampleCount missing = std::max<SampleCount>(expected - encodedFrames_, 0);
+        converted_.resize(static_cast<std::size_t>(missing) * width, 0);
+        if (EngineResult written = writeEncoded(converted_.data(), converted_.size() / width);
+            !written)
+            return written;
+    }
+    if (EngineResult finished = stream_->finish(); !finished) return finished;
+    return persist();
+}
+
+void StreamEncoder::rollBack() {
+    if (::ftruncate(fd_, syncedBytes_) != 0 || ::lseek(fd_, syncedBytes_, SEEK_SET) < 0) {
+        // Nothing more to do: the file keeps the extra bytes behind what its header counts.
+    }
+}
+
+bool StreamEncoder::sameFileAs(int fd) const {
+    struct stat mine {};
+    struct stat theirs {};
+    return ::fstat(fd_, &mine) == 0 && ::fstat(fd, &theirs) == 0 && mine.st_dev == theirs.st_dev &&
+           mine.st_ino == theirs.st_ino;
+}
+
+}  // namespace ovd::engine
