@@ -1,21 +1,32 @@
 #include "engine/wave_header.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace ovd::engine {
 
 namespace {
 
-void putU32(std::vector<std::uint8_t>& out, std::uint32_t value) {
-    for (int i = 0; i < 4; ++i) out.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
-}
-void putU16(std::vector<std::uint8_t>& out, std::uint16_t value) {
-    out.push_back(static_cast<std::uint8_t>(value));
-    out.push_back(static_cast<std::uint8_t>(value >> 8));
-}
-void putTag(std::vector<std::uint8_t>& out, const char* tag) {
-    out.insert(out.end(), tag, tag + 4);
-}
+// Writes little-endian fields and chunk tags one after the other.
+class HeaderWriter {
+public:
+    explicit HeaderWriter(std::vector<std::uint8_t>& out) : at_(out.data()) {}
+    void u32(std::uint32_t value) {
+        for (int i = 0; i < 4; ++i) *at_++ = static_cast<std::uint8_t>(value >> (8 * i));
+    }
+    void u16(std::uint16_t value) {
+        *at_++ = static_cast<std::uint8_t>(value);
+        *at_++ = static_cast<std::uint8_t>(value >> 8);
+    }
+    void bytes(const void* data, std::size_t size) {
+        std::memcpy(at_, data, size);
+        at_ += size;
+    }
+    void tag(const char* name) { bytes(name, 4); }
+
+private:
+    std::uint8_t* at_;
+};
 
 }  // namespace
 
@@ -25,34 +36,35 @@ std::vector<std::uint8_t> pcmWaveHeader(const PcmFormat& format, const std::stri
     // length, the pad counted in the chunk's size, as the sound-file library does.
     const std::size_t commentBytes = comment.empty() ? 0 : (comment.size() + 2) & ~std::size_t{1};
     const std::size_t listBytes = comment.empty() ? 0 : 8 + 4 + 8 + commentBytes;
-    const auto data = static_cast<std::uint32_t>(
-        std::min<std::uint64_t>(dataBytes, 0xFFFFFFFFu - 36 - listBytes));
+    const auto data =
+        static_cast<std::uint32_t>(std::min<std::uint64_t>(dataBytes, 0xFFFFFFFFu - 36 - listBytes));
 
-    std::vector<std::uint8_t> out;
-    out.reserve(44 + listBytes);
-    putTag(out, "RIFF");
-    putU32(out, static_cast<std::uint32_t>(36 + listBytes) + data);
-    putTag(out, "WAVE");
-    putTag(out, "fmt ");
-    putU32(out, 16);
-    putU16(out, 1);  // PCM
-    putU16(out, static_cast<std::uint16_t>(format.channels));
-    putU32(out, static_cast<std::uint32_t>(format.sampleRate));
+    std::vector<std::uint8_t> out(44 + listBytes, 0);
+    HeaderWriter write(out);
+    write.tag("RIFF");
+    write.u32(static_cast<std::uint32_t>(36 + listBytes) + data);
+    write.tag("WAVE");
+    write.tag("fmt ");
+    write.u32(16);
+    write.u16(1);  // PCM
+    write.u16(static_cast<std::uint16_t>(format.channels));
+    write.u32(static_cast<std::uint32_t>(format.sampleRate));
     const auto blockAlign = static_cast<std::uint16_t>(format.channels * 2);
-    putU32(out, static_cast<std::uint32_t>(format.sampleRate) * blockAlign);
-    putU16(out, blockAlign);
-    putU16(out, 16);
+    write.u32(static_cast<std::uint32_t>(format.sampleRate) * blockAlign);
+    write.u16(blockAlign);
+    write.u16(16);
     if (!comment.empty()) {
-        putTag(out, "LIST");
-        putU32(out, static_cast<std::uint32_t>(listBytes - 8));
-        putTag(out, "INFO");
-        putTag(out, "ICMT");
-        putU32(out, static_cast<std::uint32_t>(commentBytes));
-        out.insert(out.end(), comment.begin(), comment.end());
-        out.resize(out.size() + commentBytes - comment.size(), 0);
+        write.tag("LIST");
+        write.u32(static_cast<std::uint32_t>(listBytes - 8));
+        write.tag("INFO");
+        write.tag("ICMT");
+        write.u32(static_cast<std::uint32_t>(commentBytes));
+        write.bytes(comment.data(), comment.size());
+        const std::uint8_t zeros[2] = {0, 0};
+        write.bytes(zeros, commentBytes - comment.size());
     }
-    putTag(out, "data");
-    putU32(out, data);
+    write.tag("data");
+    write.u32(data);
     return out;
 }
 
