@@ -32,7 +32,7 @@ bool writeAll(int fd, const void* data, std::size_t bytes) {
 
 // 16-bit frames behind a header that is brought up to date at every sync.
 class WaveStream final : public EncodedStream {
-  public:
+public:
     static_assert(std::endian::native == std::endian::little,
                   "wave data are written as the samples lie in memory");
 
@@ -76,7 +76,7 @@ class WaveStream final : public EncodedStream {
 
     EngineResult finish() override { return sync(); }
 
-  private:
+private:
     const int fd_;
     const std::string path_;
     const PcmFormat format_;

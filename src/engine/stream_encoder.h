@@ -19,7 +19,7 @@ class EncodedStream;
 class Resampler;
 
 class StreamEncoder {
-  public:
+public:
     [[nodiscard]] static bool supports(const TargetFormat& target);
     // Starts the file in fd (open for reading and writing, empty); the encoder owns
     // the descriptor from here on, and closes it when it can't start. It never
@@ -52,7 +52,7 @@ class StreamEncoder {
     // Whether fd is open on this same file, whatever its name has become since.
     [[nodiscard]] bool sameFileAs(int fd) const;
 
-  private:
+private:
     StreamEncoder(int fd, const PcmFormat& source, const PcmFormat& encoded);
     EngineResult writeEncoded(const std::int16_t* frames, std::size_t frameCount);
     EngineResult persist();

@@ -31,7 +31,7 @@ constexpr const char* kComment = "Dr Brown, letter 7";
 
 // Frames held in memory, read front to back.
 class FramesSource : public PcmSource {
-  public:
+public:
     FramesSource(PcmFormat format, std::vector<std::int16_t> frames)
         : format_(format), frames_(std::move(frames)) {}
     [[nodiscard]] PcmFormat format() const override { return format_; }
@@ -45,7 +45,7 @@ class FramesSource : public PcmSource {
         return take;
     }
 
-  private:
+private:
     PcmFormat format_;
     std::vector<std::int16_t> frames_;
     std::size_t position_ = 0;
@@ -71,7 +71,7 @@ std::size_t framesFfmpegHears(const std::string& path) {
 }
 
 class GrowingSaveTest : public ::testing::Test {
-  protected:
+protected:
     GrowingSaveTest() {
         dictation.setTempFileName(folder.path() + "/Temp");
         scratch.setTempFileName(folder.path() + "/Temp");
