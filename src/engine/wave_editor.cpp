@@ -135,14 +135,17 @@ EngineResult WaveEditor::Paste() {
     if (state_ != EditorState::Stopped) return EngineResult::failure("stop first");
     if (!workFile_) return EngineResult::failure("no document");
     if (clipboard_->empty()) return EngineResult::failure("the clipboard is empty");
+    PieceList pieces = clipboard_->pieces;
     if (!(clipboard_->format == document_.format())) {
-        return EngineResult::failure("the clipboard holds audio of another rate or channel count");
+        // Cut at another rate or channel count: converted into this document's work file.
+        DocumentSource source(clipboard_->format, clipboard_->pieces);
+        if (EngineResult converted = appendSource(source, "Pasting", pieces); !converted) return converted;
     }
     SampleCount range = 0;
-    for (const Piece& piece : clipboard_->pieces) range += piece.length;
+    for (const Piece& piece : pieces) range += piece.length;
     emitBlock(BlockOperationEvent::Phase::Start, "Pasting", 0, range);
     rememberForUndo();
-    insertPieces(cursor_, clipboard_->pieces);
+    insertPieces(cursor_, pieces);
     if (formatName_.empty()) formatName_ = "PCM";
     emitBlock(BlockOperationEvent::Phase::End, "Pasting", range, range);
     return EngineResult::success();

@@ -124,6 +124,8 @@ private:
     using SaveProgress = std::function<void(SampleCount done)>;
     EngineResult startDocument(const PcmFormat& format);
     EngineResult appendFile(const std::string& path, const char* operation, PieceList& added);
+    // Copies audio into the work file, converted to the document's rate and channels.
+    EngineResult appendSource(PcmSource& source, const char* operation, PieceList& added);
     void rememberForUndo();
     void restore(const Snapshot& snapshot);
     void insertPieces(SampleCount at, const PieceList& pieces);

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <vector>
 
+#include "engine/resampler.h"
 #include "engine/wave_editor.h"
 #include "platform/files.h"
 
@@ -50,31 +51,43 @@ EngineResult WaveEditor::New(int samplesPerSecond, int channels) {
     return startDocument({samplesPerSecond, channels});
 }
 
-EngineResult WaveEditor::appendFile(const std::string& path, const char* operation, PieceList& added) {
-    std::string error;
-    TargetFormat hint = chosen_;
-    auto reader = AudioFileReader::open(path, error, &hint);
-    if (!reader) return EngineResult::failure(error);
-    if (workFile_ && !(reader->format() == document_.format())) {
-        return EngineResult::failure(path + " is not at the document's rate and channels");
+EngineResult WaveEditor::appendSource(PcmSource& source, const char* operation, PieceList& added) {
+    // Audio of another rate or channel count is brought to the document's on the way in.
+    std::unique_ptr<ConvertingSource> converted;
+    PcmSource* input = &source;
+    if (!(source.format() == document_.format())) {
+        std::string error;
+        converted = ConvertingSource::create(source, document_.format(), error);
+        if (!converted) return EngineResult::failure(error);
+        input = converted.get();
     }
-    if (!workFile_) {
-        if (EngineResult started = startDocument(reader->format()); !started) return started;
-    }
-    const SampleCount range = reader->frames();
+    const SampleCount range = input->frames();
     emitBlock(BlockOperationEvent::Phase::Start, operation, 0, range);
     const SampleCount first = workFile_->frames();
-    std::vector<std::int16_t> block(kCopyFrames * static_cast<std::size_t>(reader->format().channels));
+    std::vector<std::int16_t> block(kCopyFrames * static_cast<std::size_t>(document_.format().channels));
     SampleCount copied = 0;
-    while (const std::size_t got = reader->read(block.data(), kCopyFrames)) {
+    while (const std::size_t got = input->read(block.data(), kCopyFrames)) {
         workFile_->append(block.data(), got);
         copied += static_cast<SampleCount>(got);
         emitBlock(BlockOperationEvent::Phase::Progress, operation, copied, range);
     }
     emitBlock(BlockOperationEvent::Phase::End, operation, copied, range);
+    if (converted && !converted->error().empty()) return EngineResult::failure(converted->error());
     added = {Piece{workFile_, first, copied}};
-    if (formatName_.empty()) formatName_ = reader->formatName();
     syncTick();
+    return EngineResult::success();
+}
+
+EngineResult WaveEditor::appendFile(const std::string& path, const char* operation, PieceList& added) {
+    std::string error;
+    TargetFormat hint = chosen_;
+    auto reader = AudioFileReader::open(path, error, &hint);
+    if (!reader) return EngineResult::failure(error);
+    if (!workFile_) {
+        if (EngineResult started = startDocument(reader->format()); !started) return started;
+    }
+    if (EngineResult appended = appendSource(*reader, operation, added); !appended) return appended;
+    if (formatName_.empty()) formatName_ = reader->formatName();
     return EngineResult::success();
 }
 

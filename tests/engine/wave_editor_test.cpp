@@ -147,8 +147,10 @@ TEST_F(WaveEditorTest, TheTwoEditorsShareOneClipboardEvenAfterTheSourceIsClosed)
 
     WaveEditor stereo{loop, backend, clipboard, "other"};
     stereo.setTempFileName(folder.path());
-    ASSERT_TRUE(stereo.New(kRate, 2).ok());
-    EXPECT_FALSE(stereo.Paste().ok()) << "mono audio can't go into a stereo document as it is";
+    ASSERT_TRUE(stereo.New(2 * kRate, 2).ok());
+    ASSERT_TRUE(stereo.Paste().ok()) << "audio of another format is converted on the way in";
+    EXPECT_EQ(stereo.Length(), 2 * static_cast<SampleCount>(take.size()));
+    EXPECT_EQ(stereo.Channels(), 2);
 }
 
 TEST_F(WaveEditorTest, PlayingFollowsTheClockPausesAndStopsAtTheEnd) {
