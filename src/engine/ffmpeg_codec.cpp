@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "engine/codec_backends.h"
+#include "engine/ffmpeg_handles.h"
 #include "engine/mp3_info_frame.h"
 
 extern "C" {
@@ -54,15 +55,6 @@ Recipe recipeFor(FormatWord word) {
 
 struct OutputCloser {
     void operator()(AVFormatContext* context) const { avformat_free_context(context); }
-};
-struct CodecCloser {
-    void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
-};
-struct FrameCloser {
-    void operator()(AVFrame* frame) const { av_frame_free(&frame); }
-};
-struct PacketCloser {
-    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
 };
 
 // The nearest allowed rate; halfway between two, the higher.
@@ -342,9 +334,9 @@ private:
     const bool growing_;
     std::unique_ptr<AVIOContext, IoCloser> io_;  // outlives the muxer that writes through it
     std::unique_ptr<AVFormatContext, OutputCloser> output_;
-    std::unique_ptr<AVCodecContext, CodecCloser> codec_;
-    std::unique_ptr<AVFrame, FrameCloser> frame_;
-    std::unique_ptr<AVPacket, PacketCloser> packet_;
+    CodecHandle codec_;
+    FrameHandle frame_;
+    PacketHandle packet_;
     AVStream* stream_ = nullptr;
     std::size_t frameSize_ = 1152;
     std::vector<std::int16_t> queued_;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "engine/codec_backends.h"
+#include "engine/ffmpeg_handles.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -21,15 +22,6 @@ namespace {
 
 struct InputCloser {
     void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
-};
-struct CodecCloser {
-    void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
-};
-struct FrameCloser {
-    void operator()(AVFrame* frame) const { av_frame_free(&frame); }
-};
-struct PacketCloser {
-    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
 };
 struct ResamplerCloser {
     void operator()(SwrContext* context) const { swr_free(&context); }
@@ -209,9 +201,9 @@ private:
     }
 
     std::unique_ptr<AVFormatContext, InputCloser> input_;
-    std::unique_ptr<AVCodecContext, CodecCloser> decoder_;
-    std::unique_ptr<AVFrame, FrameCloser> frame_;
-    std::unique_ptr<AVPacket, PacketCloser> packet_;
+    CodecHandle decoder_;
+    FrameHandle frame_;
+    PacketHandle packet_;
     std::unique_ptr<SwrContext, ResamplerCloser> converter_;
     int stream_ = -1;
     PcmFormat format_;
