@@ -81,6 +81,10 @@ public:
     EngineResult Paste() override;
     EngineResult PasteFile(const std::string& path) override;
 
+    // Brings the whole document to another rate and channel count (the "convert
+    // sample type" choice). The document gets a new work file; undo starts afresh.
+    EngineResult ConvertSampleType(int samplesPerSecond, int channels);
+
     // The outcome of the last save, once it has finished; empty when it worked.
     [[nodiscard]] std::string lastSaveError() const { return lastSaveError_; }
     [[nodiscard]] bool saving() const { return saving_.load(); }

@@ -3,6 +3,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <vector>
 
@@ -49,6 +50,28 @@ EngineResult WaveEditor::New(int samplesPerSecond, int channels) {
         return EngineResult::failure("a new document needs a rate and one or two channels");
     }
     return startDocument({samplesPerSecond, channels});
+}
+
+EngineResult WaveEditor::ConvertSampleType(int samplesPerSecond, int channels) {
+    if (state_ != EditorState::Stopped) return EngineResult::failure("stop first");
+    if (!workFile_) return EngineResult::failure("no document");
+    if (samplesPerSecond <= 0 || channels < 1 || channels > 2) {
+        return EngineResult::failure("a document needs a rate and one or two channels");
+    }
+    const PcmFormat from = document_.format();
+    if (from == PcmFormat{samplesPerSecond, channels}) return EngineResult::success();
+    // The old pieces keep the old work file readable while the new one is filled.
+    DocumentSource old(from, document_.pieces());
+    const std::string name = formatName_;
+    const double cursorSeconds = static_cast<double>(cursor_) / from.sampleRate;
+    if (EngineResult started = startDocument({samplesPerSecond, channels}); !started) return started;
+    PieceList converted;
+    if (EngineResult appended = appendSource(old, "Converting", converted); !appended) return appended;
+    document_.replaceAll(converted);
+    formatName_ = name;
+    cursor_ = std::min(document_.length(), static_cast<SampleCount>(cursorSeconds * samplesPerSecond));
+    viewChanged();
+    return EngineResult::success();
 }
 
 EngineResult WaveEditor::appendSource(PcmSource& source, const char* operation, PieceList& added) {

@@ -153,6 +153,23 @@ TEST_F(WaveEditorTest, TheTwoEditorsShareOneClipboardEvenAfterTheSourceIsClosed)
     EXPECT_EQ(stereo.Channels(), 2);
 }
 
+TEST_F(WaveEditorTest, ConvertingTheSampleTypeKeepsTheTimeAndTheCursorsPlace) {
+    ASSERT_TRUE(dictation.New(kRate, 1).ok());
+    recordFor(dictation, 2000);
+    dictation.setCursorPosition(kRate);
+    const std::string oldWorkFile = dictation.TempFileName();
+
+    ASSERT_TRUE(dictation.ConvertSampleType(8000, 2).ok());
+
+    EXPECT_EQ(dictation.SamplesPerSecond(), 8000);
+    EXPECT_EQ(dictation.Channels(), 2);
+    EXPECT_EQ(dictation.Length(), 2 * 8000);
+    EXPECT_EQ(dictation.CursorPosition(), 8000);
+    EXPECT_EQ(dictation.FormatName(), "PCM");
+    EXPECT_NE(dictation.TempFileName(), oldWorkFile);
+    EXPECT_FALSE(platform::fileExists(oldWorkFile));
+}
+
 TEST_F(WaveEditorTest, PlayingFollowsTheClockPausesAndStopsAtTheEnd) {
     ASSERT_TRUE(dictation.New(kRate, 1).ok());
     recordFor(dictation, 1000);
