@@ -112,7 +112,7 @@ private:
             return av_rescale_q(stream.duration, stream.time_base, perFrame);
         }
         if (input_->duration != AV_NOPTS_VALUE && input_->duration > 0) {
-            return av_rescale_q(input_->duration, AV_TIME_BASE_Q, perFrame);
+            return av_rescale_q(input_->duration, AVRational{1, AV_TIME_BASE}, perFrame);
         }
         return 0;
     }
