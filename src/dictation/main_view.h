@@ -1,0 +1,49 @@
+#pragma once
+// The main window as data: every caption, label, lamp and button state the
+// dictation writes, named after the control that shows it. The window renders
+// this; tests read it. The core never touches a widget.
+
+#include <string>
+
+#include "dictation/transport_rules.h"
+
+namespace ovd::dictation {
+
+struct MainView {
+    // The window's caption: the title, " - " and the state text.
+    std::string caption;
+    std::string Label40;   // the status line ("File Is Ready to be Recorded"...)
+    std::string lblReady;  // the file label: the file's name without folder
+    std::string lblMode;
+    std::string Lbl4Pos;   // the desk unit's switch position
+    std::string lblOnAir = "STAND BY";
+    bool lblOnAirVisible = false;
+    std::string Label43;
+    std::string Label24;
+    std::string Label37;   // name of a long operation
+    std::string statusPanel1;  // the full file name
+    std::string statusPanel2;  // the file's size
+
+    TransportBar MMControl1;
+    bool cmdEOL = false;
+    bool Command1 = false;
+    bool Command2 = false;
+    bool cmdOVR = false;
+    bool Command3 = true;
+    bool Image5 = false;  // lamps
+    bool Image6 = false;
+
+    int ctSlide1 = 0;  // 0 to 100
+    bool ctSlide1Enabled = true;
+    std::string timeElapsed = "00:00:00";
+    std::string timeRemaining = "00:00:00";
+    bool formatOptionsEnabled = true;  // Option2 and Option3 are locked during a take
+    bool frameSpeakerEnabled = true;
+    bool audioFrameEnabled = true;
+    std::string cboName;  // the speaker shown
+
+    // Counts every change, so the window redraws only when something moved.
+    unsigned long revision = 0;
+};
+
+}  // namespace ovd::dictation
