@@ -26,7 +26,9 @@ WaveEditor::~WaveEditor() {
     *alive_ = false;
     Stop();
     finishSaving();
-    Close();
+    // A document nobody closed was neither saved nor given up: its work file stays
+    // for the recovery at the next start.
+    dropDocument(false);
 }
 
 SampleCount WaveEditor::clampToDocument(SampleCount position) const {

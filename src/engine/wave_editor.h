@@ -127,6 +127,7 @@ private:
     };
     using SaveProgress = std::function<void(SampleCount done)>;
     EngineResult startDocument(const PcmFormat& format);
+    void dropDocument(bool removeWorkFile);
     EngineResult appendFile(const std::string& path, const char* operation, PieceList& added);
     // Copies audio into the work file, converted to the document's rate and channels.
     EngineResult appendSource(PcmSource& source, const char* operation, PieceList& added);

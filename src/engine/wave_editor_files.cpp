@@ -127,15 +127,17 @@ EngineResult WaveEditor::Open(const std::string& path) {
     return EngineResult::success();
 }
 
-void WaveEditor::Close() {
+void WaveEditor::Close() { dropDocument(true); }
+
+void WaveEditor::dropDocument(bool removeWorkFile) {
     Stop();
     // The saved file is completed before the document goes.
     finishSavedFile();
     syncTimer_.setEnabled(false);
     if (workFile_) {
-        // The document was saved or given up by the dictation: its work file goes.
-        // Audio still on the clipboard stays readable through the open file.
-        workFile_->removeFromDisk();
+        // Closed, the document was saved or given up by the dictation: its work file
+        // goes. Audio still on the clipboard stays readable through the open file.
+        if (removeWorkFile) workFile_->removeFromDisk();
         workFile_.reset();
     }
     document_ = AudioDocument();

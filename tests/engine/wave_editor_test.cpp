@@ -76,6 +76,17 @@ TEST_F(WaveEditorTest, ATakeGrowsWithTheClockAndLeavesAReadableWorkFile) {
 
     dictation.Close();
     EXPECT_FALSE(platform::fileExists(workFile)) << "a closed document's work file goes";
+
+    std::string leftBehind;
+    {
+        WaveEditor unclosed{loop, backend, clipboard, "unclosed"};
+        unclosed.setTempFileName(folder.path() + "/Temp");
+        ASSERT_TRUE(unclosed.New(kRate, 1).ok());
+        recordFor(unclosed, 500);
+        leftBehind = unclosed.TempFileName();
+    }
+    EXPECT_EQ(platform::fileSize(leftBehind).value_or(0), WorkFile::kHeaderBytes + kRate)
+        << "an editor that goes without a Close leaves its take for the recovery";
 }
 
 TEST_F(WaveEditorTest, RecordingInsertsAtTheCursorAndReplacesASelection) {
