@@ -240,7 +240,8 @@ void FileNaming::announce() {
         ++view_.revision;
     }
     state_.FileSaveError = false;
-    log_.trace(std::string("CaseNew-FileSaveError =: ") + (state_.FileSaveError ? "True" : "False"));
+    log_.trace(std::string("CaseNew-FileSaveError =: ") +
+               (state_.FileSaveError ? "True" : "False"));
     log_.trace("LOADED New File: " + state_.Filename + " Procedure - CreateFileName");
 }
 
@@ -250,8 +251,8 @@ void FileNaming::askBeforeOverwriting() {
         config_.record.SuppressWarnings) {
         return;
     }
-    const bool overwrite = prompts_.askYesNo(kOverwriteQuestion, settings::kProductTitle,
-                                             platform::Answer::No);
+    const bool overwrite =
+        prompts_.askYesNo(kOverwriteQuestion, settings::kProductTitle, platform::Answer::No);
     if (overwrite) {
         state_.Response = kResponseYes;
         state_.WhichBut = "New";

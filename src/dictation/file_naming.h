@@ -38,7 +38,7 @@ inline constexpr int kChooseForNew = 3;
 // transport, the engine's format step, the save timer, the file dialog and the
 // peer link. The station implements it; the naming never sees those parts.
 class NamingHooks {
-public:
+  public:
     virtual ~NamingHooks() = default;
 
     // Closes whatever is loaded, as the close routine does.
@@ -74,7 +74,7 @@ std::string withPriorityMarker(const std::string& filename);
 void addPriorityMarker(DictationState& state);
 
 class FileNaming {
-public:
+  public:
     FileNaming(DictationState& state, MainView& view, settings::ConfigFile& config,
                settings::EventLog& log, platform::Prompts& prompts,
                const platform::EventLoop& clock, settings::SpeakersTable& speakers,
@@ -97,7 +97,7 @@ public:
     [[nodiscard]] const std::vector<std::string>& dictatorNames() const { return names_; }
     [[nodiscard]] const std::vector<std::int32_t>& dictatorSeqNos() const { return seqNos_; }
 
-private:
+  private:
     void consumeNumber();
     void setCurrentFormatType();
     // The name without folder or extension; nothing when the number is too wide.
