@@ -259,7 +259,7 @@ void FileNaming::askBeforeOverwriting() {
         state_.UserSelectedNo = false;
         return;
     }
-    state_.Response = "7";
+    state_.Response = kResponseNo;
     state_.flgNewToRecord = false;
     state_.Filename.clear();
     state_.UserSelectedNo = true;

@@ -29,8 +29,9 @@ inline constexpr const char* kBarCodePrompt = "Enter bar code.";
 inline constexpr const char* kBarCodeTitle = "End Of File Name";
 inline constexpr const char* kOverwriteQuestion = "Overwrite existing file?";
 inline constexpr const char* kPriorityMarker = "-PRIORITY.";
-// The answer the collision question leaves in Response for Yes.
+// The answers the collision question leaves in Response.
 inline constexpr const char* kResponseYes = "6";
+inline constexpr const char* kResponseNo = "7";
 // The mode of the file dialog that picks the name of a new file.
 inline constexpr int kChooseForNew = 3;
 
