@@ -1,0 +1,43 @@
+#pragma once
+// A pedal edge as the device layers hand it on: which pedal ("LEFT", "MIDDLE",
+// "RIGHT") and which way ("DOWN", "UP"), per kind of device. The dispatcher that
+// turns edges into command words implements this.
+
+#include <string>
+
+namespace ovd::devices {
+
+inline constexpr const char* kLeft = "LEFT";
+inline constexpr const char* kMiddle = "MIDDLE";
+inline constexpr const char* kRight = "RIGHT";
+inline constexpr const char* kDown = "DOWN";
+inline constexpr const char* kUp = "UP";
+
+class PedalEventSink {
+public:
+    virtual ~PedalEventSink() = default;
+    virtual void PedalEventSER(const std::string& pedal, const std::string& direction) = 0;
+    virtual void PedalEventUSB(const std::string& pedal, const std::string& direction) = 0;
+    virtual void PedalEventGAME(const std::string& pedal, const std::string& direction) = 0;
+};
+
+// The press state every pedal kind keeps: true from an accepted press to its release.
+struct PedalHits {
+    bool LEFTSERPEDALHit = false;
+    bool MIDSERPEDALHit = false;
+    bool RIGHTSERPEDALHit = false;
+    bool RIGHTSERPEDALUpHit = false;
+    bool LEFTUSBPEDALHit = false;
+    bool MIDUSBPEDALHit = false;
+    bool RIGHTUSBPEDALHit = false;
+    bool LEFTGAMEPEDALHit = false;
+    bool MIDGAMEPEDALHit = false;
+    bool RIGHTGAMEPEDALHit = false;
+    bool LEFTQDUPEDALHit = false;
+    bool MIDQDUPEDALHit = false;
+    bool RIGHTQDUPEDALHit = false;
+    // Set by every accepted control event; shown in the support dump only.
+    bool HandSetHitNotHit = false;
+};
+
+}  // namespace ovd::devices
