@@ -1,0 +1,106 @@
+#pragma once
+// The serial pedals as the main window offers them: switched on and off in the
+// foot pedal menu, the port chosen in the COM port menu, opened at start when the
+// user chose serial pedals, and closed at exit. Owns the port and the decoder; the
+// window renders the check marks from here.
+
+#include <array>
+#include <optional>
+#include <string>
+
+#include "devices/pedal_events.h"
+#include "devices/serial_pedal_decoder.h"
+#include "devices/serial_port.h"
+#include "dictation/dictation_state.h"
+#include "platform/event_loop.h"
+#include "platform/prompts.h"
+#include "platform/timer.h"
+#include "settings/config_file.h"
+
+namespace ovd::devices {
+
+inline constexpr const char* kComPortNotAvailableMessage =
+    "COM Port not currently available - Configure COM Port and Restart Program or Select "
+    "another COM Port.";
+inline constexpr const char* kComPortErrorTitle = "COM Port Error";
+inline constexpr const char* kComPortInUseMessage =
+    "   COM Port in Use!    Please select another COM Port and Restart Program";
+inline constexpr const char* kUsbPedalsNeedNoComPort =
+    "Your pedals are designed to plug into the USB port on your PC. Therefore, the COM Port "
+    "selections shown here are not needed.";
+inline constexpr const char* kGamePortPedalsNeedNoComPort =
+    "Your pedals are designed to plug into the Game Port (Joystick connector) on your PC. "
+    "Therefore, the COM Port selections shown here are not needed.";
+
+// What the serial pedals need of the main window and of the other pedal kinds.
+class SerialPedalsHost {
+public:
+    virtual ~SerialPedalsHost() = default;
+    [[nodiscard]] virtual bool USBPedals() const = 0;
+    [[nodiscard]] virtual bool GamePortPedals() const = 0;
+    // FormLoading or PedalsBusy.
+    [[nodiscard]] virtual bool pedalInputSilenced() const = 0;
+    // Serial, USB and game port pedals exclude one another: mnuUSBFootPedals and
+    // mnuGAMEFootPedals lose their check marks.
+    virtual void uncheckOtherFootPedalMenus() = 0;
+    // frmConfigSERFootPedals, modally.
+    virtual void showConfigSERFootPedals() = 0;
+    virtual void clearLabel17() = 0;
+    // A port change takes effect at the next start: the program ends here.
+    virtual void endProgram() = 0;
+};
+
+class SerialPedals {
+public:
+    static constexpr int kPortCount = 8;
+
+    SerialPedals(settings::ConfigFile& config, platform::Prompts& prompts,
+                 platform::EventLoop& loop, PedalEventSink& sink, PedalHits& hits,
+                 dictation::DictationState& dictation, platform::Timer& timSERStepBACK,
+                 SerialPedalsHost& host);
+
+    void OpenSerialPedals();
+    void CloseSerialPedals();
+    void ReopenSerialPort(int oldPort);
+    void mnuComPortItem(int index);
+    void mnuSERFootPedals();
+    // The port's receive event; also run once by hand when the port opens.
+    void OnComm();
+
+    // The check marks the window renders.
+    [[nodiscard]] bool mnuSERFootPedalsChecked() const { return serMenuChecked_; }
+    // At load from UserSelectSerial, and when another pedal kind is switched on.
+    void setMnuSERFootPedalsChecked(bool checked) { serMenuChecked_ = checked; }
+    [[nodiscard]] bool mnuComPortItemChecked(int index) const;
+
+    [[nodiscard]] bool PortINUse() const { return PortINUse_; }
+    [[nodiscard]] bool PortOpen() const { return port_.isOpen(); }
+    // The last refusal of the port, with the system's words; for the log.
+    [[nodiscard]] const std::optional<SerialError>& lastPortError() const { return lastError_; }
+    [[nodiscard]] const SerialPedalDecoder& decoder() const { return decoder_; }
+    [[nodiscard]] SerialPort& port() { return port_; }
+
+private:
+    [[nodiscard]] std::string programTitle() const;
+    void checkPortItem(int port);
+    // Opens the device of Port; the refusal when it fails.
+    std::optional<SerialError> openDevice();
+    // Opens the device of Port and resets the pedal; the refusal when it fails.
+    std::optional<SerialError> openAndReset();
+    // The port change question; true when the program is ending.
+    bool portChangeEndsProgram(int oldPort, const std::string& title);
+    // The answer of the port menus to a refusal of the port.
+    void reportPortError(const SerialError& error, int oldPort);
+
+    settings::ConfigFile& config_;
+    platform::Prompts& prompts_;
+    SerialPedalsHost& host_;
+    SerialPort port_;
+    SerialPedalDecoder decoder_;
+    bool PortINUse_ = false;
+    bool serMenuChecked_ = false;
+    std::array<bool, kPortCount> portItemChecked_{};
+    std::optional<SerialError> lastError_;
+};
+
+}  // namespace ovd::devices

@@ -1,0 +1,175 @@
+#include "devices/serial_port.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/ioctl.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <thread>
+
+#include "settings/ini_store.h"
+
+namespace ovd::devices {
+
+namespace {
+
+// Long enough for the pedal to notice its power gone; the device needs some
+// milliseconds, no more.
+constexpr std::chrono::milliseconds kLineSettleTime{10};
+// A serial control's receive buffer; bytes beyond it are lost, as they would be
+// on the wire.
+constexpr std::size_t kReceiveBufferSize = 1024;
+
+SerialError errorFromErrno(int error, const std::string& what) {
+    SerialError result;
+    switch (error) {
+        case ENOENT:
+        case ENODEV:
+        case ENXIO:
+        case ENOTDIR:
+            result.kind = SerialFault::NotAvailable;
+            break;
+        default:
+            result.kind = SerialFault::InUse;
+            break;
+    }
+    result.text = what + ": " + std::strerror(error);
+    return result;
+}
+
+bool configureRaw1200(int fd) {
+    termios tty{};
+    if (::tcgetattr(fd, &tty) != 0) return false;
+    ::cfmakeraw(&tty);
+    ::cfsetispeed(&tty, B1200);
+    ::cfsetospeed(&tty, B1200);
+    tty.c_cflag &= ~static_cast<tcflag_t>(CSIZE | PARENB | CSTOPB | CRTSCTS);
+    tty.c_cflag |= CS8 | CLOCAL | CREAD;
+    tty.c_iflag &= ~static_cast<tcflag_t>(IXON | IXOFF | IXANY);
+    // With O_NONBLOCK this makes an empty read say "try again", so that a read of
+    // nothing is told apart from a line that hung up.
+    tty.c_cc[VMIN] = 1;
+    tty.c_cc[VTIME] = 0;
+    return ::tcsetattr(fd, TCSANOW, &tty) == 0;
+}
+
+}  // namespace
+
+std::string serialDevicePath(const std::string& dataFolder, int port) {
+    if (port < 1 || port > 8) return {};
+    const settings::IniStore store(dataFolder + "/" + kSerialPortsFileName);
+    const std::string key = "COM" + std::to_string(port);
+    if (auto named = store.readValue(kSerialPortsSection, key); named && !named->empty()) {
+        return *named;
+    }
+    return "/dev/ttyS" + std::to_string(port - 1);
+}
+
+SerialPort::SerialPort(platform::EventLoop& loop) : loop_(loop) {}
+
+SerialPort::~SerialPort() { close(); }
+
+std::optional<SerialError> SerialPort::open(const std::string& devicePath) {
+    if (isOpen()) return SerialError{SerialFault::InUse, devicePath + ": port already open"};
+    if (devicePath.empty()) return SerialError{SerialFault::NotAvailable, "no device for the port"};
+
+    const int fd = ::open(devicePath.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) return errorFromErrno(errno, devicePath);
+    if (!::isatty(fd)) {
+        ::close(fd);
+        return SerialError{SerialFault::NotAvailable, devicePath + ": not a serial device"};
+    }
+    // A port belongs to one program at a time, as a serial port always has.
+    if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
+        const int error = errno;
+        ::close(fd);
+        return SerialError{SerialFault::InUse,
+                           devicePath + ": " + std::strerror(error == EWOULDBLOCK ? EBUSY : error)};
+    }
+    if (!configureRaw1200(fd)) {
+        const int error = errno;
+        ::close(fd);
+        return errorFromErrno(error, devicePath);
+    }
+    fd_ = fd;
+    devicePath_ = devicePath;
+    buffer_.clear();
+    watch_ = loop_.watchFd(fd_, platform::FdEvent::Readable, [this] { onReadable(); });
+    return std::nullopt;
+}
+
+void SerialPort::close() {
+    if (!isOpen()) return;
+    if (watch_) loop_.unwatchFd(*watch_);
+    watch_.reset();
+    ::close(fd_);
+    fd_ = -1;
+    buffer_.clear();
+}
+
+void SerialPort::setRtsDtr(bool raised) {
+    if (!isOpen()) return;
+    int lines = TIOCM_RTS | TIOCM_DTR;
+    // A refusal is no failure: see the header.
+    (void)::ioctl(fd_, raised ? TIOCMBIS : TIOCMBIC, &lines);
+}
+
+void SerialPort::resetPedal() {
+    setRtsDtr(false);
+    std::this_thread::sleep_for(kLineSettleTime);
+    setRtsDtr(true);
+    std::this_thread::sleep_for(kLineSettleTime);
+}
+
+bool SerialPort::fillBuffer() {
+    if (!isOpen()) return false;
+    bool gotSome = false;
+    std::uint8_t chunk[256];
+    for (;;) {
+        const ssize_t count = ::read(fd_, chunk, sizeof chunk);
+        if (count > 0) {
+            for (ssize_t i = 0; i < count && buffer_.size() < kReceiveBufferSize; ++i) {
+                buffer_.push_back(chunk[i]);
+            }
+            gotSome = true;
+            continue;
+        }
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) return gotSome;
+        // End of file or a hard error: the device went away. Stop watching so the
+        // loop doesn't spin on a line that stays readable; the port stays open
+        // until closed.
+        if (watch_) loop_.unwatchFd(*watch_);
+        watch_.reset();
+        return gotSome;
+    }
+}
+
+void SerialPort::onReadable() {
+    if (fillBuffer() && onReceive_) onReceive_();
+}
+
+std::optional<std::uint8_t> SerialPort::readByte() {
+    if (buffer_.empty()) fillBuffer();
+    if (buffer_.empty()) return std::nullopt;
+    const std::uint8_t byte = buffer_.front();
+    buffer_.pop_front();
+    return byte;
+}
+
+bool SerialPort::modemLine(int bit) const {
+    if (!isOpen()) return false;
+    int lines = 0;
+    if (::ioctl(fd_, TIOCMGET, &lines) != 0) return false;
+    return (lines & bit) != 0;
+}
+
+bool SerialPort::CDHolding() { return modemLine(TIOCM_CAR); }
+bool SerialPort::DSRHolding() { return modemLine(TIOCM_DSR); }
+bool SerialPort::CTSHolding() { return modemLine(TIOCM_CTS); }
+
+}  // namespace ovd::devices

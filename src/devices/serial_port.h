@@ -1,0 +1,88 @@
+#pragma once
+// The serial port the pedal hangs on: a tty opened raw at 1200 baud, 8 data bits,
+// no parity, one stop bit and no flow control. The pedal draws its power from RTS
+// and DTR, and dropping both for a moment resets it. Bytes are taken from the tty
+// on the station's loop into the port's own receive buffer, and the receive
+// callback runs whenever new ones came in; the handler then reads them one by one
+// and may leave some for the next time, as a serial control's buffer allows.
+//
+// COM1 to COM8 are device paths named in SerialPorts.ini in the data folder, so a
+// USB adapter or a pty can stand for a port.
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "devices/serial_pedal_decoder.h"
+#include "platform/event_loop.h"
+
+namespace ovd::devices {
+
+inline constexpr const char* kSerialPortsFileName = "SerialPorts.ini";
+inline constexpr const char* kSerialPortsSection = "Ports";
+
+// The device path of COM<port>: the "COM<port>" key of SerialPorts.ini when it is
+// set, else /dev/ttyS<port - 1>. A port outside 1 to 8 names no device.
+[[nodiscard]] std::string serialDevicePath(const std::string& dataFolder, int port);
+
+// What can go wrong with the port, in the kinds the port menus answer to.
+enum class SerialFault {
+    NotAvailable,  // no such device
+    NotOpen,       // an operation on a port that is not open
+    InUse,         // busy, no permission, or any other refusal
+};
+
+struct SerialError {
+    SerialFault kind = SerialFault::InUse;
+    std::string text;  // the system's own words, for the log
+};
+
+class SerialPort : public SerialByteSource {
+public:
+    explicit SerialPort(platform::EventLoop& loop);
+    ~SerialPort() override;
+    SerialPort(const SerialPort&) = delete;
+    SerialPort& operator=(const SerialPort&) = delete;
+
+    void setOnReceive(std::function<void()> onReceive) { onReceive_ = std::move(onReceive); }
+
+    // Opens the device for this process alone. Opening an open port is refused as
+    // in use.
+    [[nodiscard]] std::optional<SerialError> open(const std::string& devicePath);
+    // Nothing happens on a closed port.
+    void close();
+    [[nodiscard]] bool isOpen() const { return fd_ >= 0; }
+    [[nodiscard]] const std::string& devicePath() const { return devicePath_; }
+
+    // RTS and DTR together. A port that refuses the lines (a pty does) is used as
+    // it is: a pedal that needs no power from them still works.
+    void setRtsDtr(bool raised);
+    // The pedal's reset and power-up: lines off, a short wait, on, the same wait.
+    // The wait blocks on purpose: the reset must not be cut into by other events.
+    void resetPedal();
+
+    std::optional<std::uint8_t> readByte() override;
+    [[nodiscard]] bool CDHolding() override;
+    [[nodiscard]] bool DSRHolding() override;
+    [[nodiscard]] bool CTSHolding() override;
+
+    // Bytes taken from the tty and not yet read.
+    [[nodiscard]] std::size_t waiting() const { return buffer_.size(); }
+
+private:
+    // Takes what the tty holds into the buffer; true when something new came.
+    bool fillBuffer();
+    void onReadable();
+    [[nodiscard]] bool modemLine(int bit) const;
+
+    platform::EventLoop& loop_;
+    std::function<void()> onReceive_;
+    int fd_ = -1;
+    std::string devicePath_;
+    std::optional<platform::EventLoop::Handle> watch_;
+    std::deque<std::uint8_t> buffer_;
+};
+
+}  // namespace ovd::devices

@@ -1,0 +1,269 @@
+// The serial pedals on a real tty: a pty stands for the COM port and the test
+// plays the pedal by writing to its master side.
+
+#include "devices/serial_pedals.h"
+
+#include <fcntl.h>
+#include <termios.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "support/scripted_prompts.h"
+#include "support/temp_folder.h"
+#include "support/virtual_event_loop.h"
+
+namespace ovd::devices {
+namespace {
+
+using platform::Answer;
+using platform::Milliseconds;
+
+class PseudoTerminal {
+public:
+    PseudoTerminal() {
+        master_ = ::posix_openpt(O_RDWR | O_NOCTTY);
+        if (master_ >= 0 && ::grantpt(master_) == 0 && ::unlockpt(master_) == 0) {
+            slavePath_ = ::ptsname(master_);
+        }
+    }
+    ~PseudoTerminal() {
+        if (master_ >= 0) ::close(master_);
+    }
+    PseudoTerminal(const PseudoTerminal&) = delete;
+    PseudoTerminal& operator=(const PseudoTerminal&) = delete;
+
+    [[nodiscard]] const std::string& slavePath() const { return slavePath_; }
+    // The byte reaches the slave side a moment after the write, not at once.
+    void send(std::uint8_t byte) const {
+        ASSERT_EQ(::write(master_, &byte, 1), 1);
+        ::tcdrain(master_);
+        ::usleep(20000);
+    }
+
+private:
+    int master_ = -1;
+    std::string slavePath_;
+};
+
+struct EdgeLog : PedalEventSink {
+    std::vector<std::string> edges;
+    void PedalEventSER(const std::string& pedal, const std::string& direction) override {
+        edges.push_back(pedal + " " + direction);
+    }
+    void PedalEventUSB(const std::string&, const std::string&) override {}
+    void PedalEventGAME(const std::string&, const std::string&) override {}
+};
+
+struct FakeHost : SerialPedalsHost {
+    bool usb = false, game = false;
+    int othersUnchecked = 0, configShown = 0, label17Cleared = 0, endings = 0;
+    bool USBPedals() const override { return usb; }
+    bool GamePortPedals() const override { return game; }
+    bool pedalInputSilenced() const override { return false; }
+    void uncheckOtherFootPedalMenus() override { ++othersUnchecked; }
+    void showConfigSERFootPedals() override { ++configShown; }
+    void clearLabel17() override { ++label17Cleared; }
+    void endProgram() override { ++endings; }
+};
+
+struct Station {
+    testing::TempFolder folder;
+    testing::VirtualEventLoop loop;
+    testing::ScriptedPrompts prompts;
+    settings::ConfigFile config{folder.path()};
+    dictation::DictationState dictation;
+    PedalHits hits;
+    EdgeLog sink;
+    FakeHost host;
+    platform::Timer timSERStepBACK{loop, "timSERStepBACK"};
+    SerialPedals pedals{config, prompts, loop, sink, hits, dictation, timSERStepBACK, host};
+
+    Station() { config.record.HandsFreeEdition = true; }
+    void namePorts(const std::string& lines) const {
+        std::ofstream(folder.file(kSerialPortsFileName)) << "[Ports]\r\n" << lines;
+    }
+    [[nodiscard]] int checkedPortItem() const {
+        int checked = -1;
+        for (int i = 0; i < SerialPedals::kPortCount; ++i) {
+            if (pedals.mnuComPortItemChecked(i)) checked = checked < 0 ? i : 99;
+        }
+        return checked;
+    }
+};
+
+TEST(SerialPortsIniTest, PortNumbersNameDevices) {
+    testing::TempFolder folder;
+    std::ofstream(folder.file(kSerialPortsFileName))
+        << "[ports]\r\ncom2=/dev/ttyUSB0\r\nCOM3=\r\n";
+    const std::vector<std::pair<int, std::string>> cases = {
+        {1, "/dev/ttyS0"}, {2, "/dev/ttyUSB0"}, {3, "/dev/ttyS2"}, {8, "/dev/ttyS7"},
+        {0, ""},           {9, ""}};
+    for (const auto& [port, path] : cases) {
+        EXPECT_EQ(serialDevicePath(folder.path(), port), path) << port;
+    }
+    testing::TempFolder empty;
+    EXPECT_EQ(serialDevicePath(empty.path(), 4), "/dev/ttyS3");
+}
+
+TEST(SerialPedalsTest, PedalOnAPtyGivesEdgesOnTheLoop) {
+    PseudoTerminal pty;
+    ASSERT_FALSE(pty.slavePath().empty());
+    Station station;
+    station.namePorts("COM3=" + pty.slavePath() + "\r\n");
+    station.config.record.Port = 3;
+    station.pedals.OpenSerialPedals();
+    ASSERT_TRUE(station.pedals.PortOpen());
+    EXPECT_FALSE(station.pedals.PortINUse());
+    EXPECT_EQ(station.checkedPortItem(), 2);
+    EXPECT_EQ(station.host.label17Cleared, 1);
+
+    pty.send(0x81);
+    station.loop.advance(Milliseconds(20));
+    EXPECT_EQ(station.sink.edges, std::vector<std::string>{"LEFT DOWN"});
+    EXPECT_TRUE(station.hits.LEFTSERPEDALHit);
+
+    station.timSERStepBACK.setEnabled(true);
+    pty.send(0x87);
+    station.loop.advance(Milliseconds(20));
+    EXPECT_EQ(station.sink.edges, (std::vector<std::string>{"LEFT DOWN", "LEFT UP"}));
+    EXPECT_FALSE(station.timSERStepBACK.Enabled());
+
+    station.pedals.CloseSerialPedals();
+    EXPECT_FALSE(station.pedals.PortOpen());
+    pty.send(0x84);
+    station.loop.advance(Milliseconds(20));
+    EXPECT_EQ(station.sink.edges.size(), 2U);
+}
+
+TEST(SerialPedalsTest, MissingDeviceInThePortMenuRestoresTheOldPort) {
+    Station station;
+    station.namePorts("COM2=" + station.folder.file("no-such-tty") + "\r\n");
+    station.config.record.Port = 1;
+    station.prompts.answerNext(Answer::Cancel);
+    station.pedals.mnuComPortItem(1);
+
+    const auto& shown = station.prompts.transcript();
+    ASSERT_EQ(shown.size(), 2U);
+    EXPECT_EQ(shown[0].title, "Orvane Voice Desk Settngs");
+    EXPECT_EQ(shown[0].text,
+              "You have made a port change. The Orvane Voice Desk program will now exit, so "
+              "that the COM port change can take effect");
+    EXPECT_EQ(shown[0].buttons, platform::Buttons::OkCancel);
+    EXPECT_EQ(shown[1].title, "COM Port Error");
+    EXPECT_EQ(shown[1].text, kComPortNotAvailableMessage);
+    EXPECT_EQ(station.checkedPortItem(), 0);
+    EXPECT_FALSE(station.pedals.PortOpen());
+    EXPECT_EQ(station.host.endings, 0);
+    ASSERT_TRUE(station.pedals.lastPortError().has_value());
+    EXPECT_NE(station.pedals.lastPortError()->text.find("no-such-tty"), std::string::npos);
+}
+
+TEST(SerialPedalsTest, PortChangeAcceptedEndsTheProgramWithTheEditionsWords) {
+    for (const bool handsFree : {true, false}) {
+        Station station;
+        station.config.record.HandsFreeEdition = handsFree;
+        station.config.record.Port = 1;
+        station.prompts.answerNext(Answer::Ok);
+        const int writesBefore = station.config.writeCount();
+        station.pedals.mnuComPortItem(4);
+        ASSERT_EQ(station.prompts.transcript().size(), 1U);
+        const auto& asked = station.prompts.transcript()[0];
+        EXPECT_EQ(asked.title, handsFree ? "Orvane Voice Desk Settngs"
+                                         : "Orvane Station Recorder COM Port Settings");
+        EXPECT_NE(asked.text.find(handsFree ? "The Orvane Voice Desk program"
+                                            : "The Orvane Station Recorder program"),
+                  std::string::npos);
+        EXPECT_EQ(station.config.record.Port, 5);
+        EXPECT_EQ(station.host.endings, 1);
+        EXPECT_EQ(station.config.writeCount(), writesBefore + 1);
+        EXPECT_FALSE(station.pedals.PortOpen());
+    }
+}
+
+TEST(SerialPedalsTest, SamePortAsksNothingAndReopens) {
+    PseudoTerminal pty;
+    Station station;
+    station.namePorts("COM2=" + pty.slavePath() + "\r\n");
+    station.config.record.Port = 2;
+    station.pedals.mnuComPortItem(1);
+    EXPECT_TRUE(station.prompts.transcript().empty());
+    EXPECT_TRUE(station.pedals.PortOpen());
+    EXPECT_EQ(station.host.label17Cleared, 1);
+    EXPECT_GE(station.config.writeCount(), 1);
+}
+
+TEST(SerialPedalsTest, PortHeldByAnotherStationIsInUse) {
+    PseudoTerminal pty;
+    Station first;
+    first.namePorts("COM1=" + pty.slavePath() + "\r\n");
+    first.config.record.Port = 1;
+    first.pedals.OpenSerialPedals();
+    ASSERT_TRUE(first.pedals.PortOpen());
+
+    Station second;
+    second.namePorts("COM1=" + pty.slavePath() + "\r\n");
+    second.config.record.Port = 1;
+    second.pedals.mnuComPortItem(0);
+    ASSERT_EQ(second.prompts.texts(), std::vector<std::string>{kComPortInUseMessage});
+    EXPECT_EQ(second.prompts.transcript()[0].title, "Orvane Voice Desk");
+    EXPECT_EQ(second.config.writeCount(), 1);
+
+    // At start the refusal is silent and the foot pedal menu tries again later.
+    second.pedals.OpenSerialPedals();
+    EXPECT_TRUE(second.pedals.PortINUse());
+    EXPECT_EQ(second.prompts.transcript().size(), 1U);
+    first.pedals.CloseSerialPedals();
+    second.pedals.setMnuSERFootPedalsChecked(true);
+    second.pedals.mnuSERFootPedals();
+    EXPECT_FALSE(second.pedals.PortINUse());
+    EXPECT_TRUE(second.pedals.PortOpen());
+    EXPECT_FALSE(second.pedals.mnuSERFootPedalsChecked());
+}
+
+TEST(SerialPedalsTest, OtherPedalKindsNeedNoComPort) {
+    struct Case {
+        bool usb, game;
+        const char* text;
+    };
+    for (const Case c : {Case{true, false, kUsbPedalsNeedNoComPort},
+                         Case{true, true, kGamePortPedalsNeedNoComPort},
+                         Case{false, true, kGamePortPedalsNeedNoComPort}}) {
+        Station station;
+        station.host.usb = c.usb;
+        station.host.game = c.game;
+        station.config.record.Port = 1;
+        station.pedals.mnuComPortItem(3);
+        EXPECT_EQ(station.prompts.texts(), std::vector<std::string>{c.text});
+        EXPECT_EQ(station.config.record.Port, 1);
+        EXPECT_EQ(station.config.writeCount(), 0);
+    }
+}
+
+TEST(SerialPedalsTest, FootPedalMenuSwitchesSerialPedalsOnAndOff) {
+    PseudoTerminal pty;
+    Station station;
+    station.namePorts("COM1=" + pty.slavePath() + "\r\n");
+    station.config.record.Port = 1;
+
+    station.pedals.mnuSERFootPedals();
+    EXPECT_TRUE(station.pedals.mnuSERFootPedalsChecked());
+    EXPECT_TRUE(station.config.record.UserSelectSerial);
+    EXPECT_EQ(station.host.othersUnchecked, 1);
+    EXPECT_EQ(station.host.configShown, 1);
+    EXPECT_TRUE(station.pedals.PortOpen());
+    EXPECT_EQ(station.config.writeCount(), 1);
+
+    station.pedals.mnuSERFootPedals();
+    EXPECT_FALSE(station.pedals.mnuSERFootPedalsChecked());
+    EXPECT_FALSE(station.config.record.UserSelectSerial);
+    EXPECT_FALSE(station.pedals.PortOpen());
+    EXPECT_EQ(station.config.writeCount(), 2);
+}
+
+}  // namespace
+}  // namespace ovd::devices
