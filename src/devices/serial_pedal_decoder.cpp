@@ -46,11 +46,10 @@ void SerialPedalDecoder::OnComm(SerialByteSource& port) {
         } else {
             SerInput[i].clear();
         }
-        // An empty read keeps the slot's old code and it is acted on again; kept so
-        // on purpose, as the pedal's users have always had it.
+        // Kept on purpose: an empty read leaves the slot's old code, which is acted on again.
         if (!actOn(SerCode[i])) return;
     }
-    // An eleventh byte of a burst is read and dropped; kept as the pedal always had it.
+    // Kept on purpose: an eleventh byte of a burst is read and dropped.
     (void)port.readByte();
 }
 
@@ -111,8 +110,7 @@ bool SerialPedalDecoder::actOn(std::int16_t code) {
         hits_.RIGHTSERPEDALUpHit = false;
         press(right);
     }
-    // The right pedal's release tests its own Up flag, not its Hit flag as the
-    // others do; kept on purpose, the pedal's users rely on how it behaves.
+    // Kept on purpose: the right pedal's release tests its Up flag, not its Hit flag.
     if (code == kSerReleased && LastSerCode == kSerRightPressed && !hits_.RIGHTSERPEDALUpHit) {
         release(right);
         hits_.RIGHTSERPEDALHit = false;
