@@ -5,9 +5,9 @@
 namespace ovd::devices {
 
 SerialPedalDecoder::SerialPedalDecoder(const settings::SettingsRecord& record,
-                                       const dictation::DictationState& dictation,
-                                       PedalHits& hits, PedalEventSink& sink,
-                                       SerialPedalHooks hooks, SerialPedalOptions options)
+                                       const dictation::DictationState& dictation, PedalHits& hits,
+                                       PedalEventSink& sink, SerialPedalHooks hooks,
+                                       SerialPedalOptions options)
     : record_(record),
       dictation_(dictation),
       hits_(hits),
@@ -29,9 +29,7 @@ void SerialPedalDecoder::press(const char* pedal) {
     sink_.PedalEventSER(pedal, kDown);
 }
 
-void SerialPedalDecoder::release(const char* pedal) {
-    sink_.PedalEventSER(pedal, kUp);
-}
+void SerialPedalDecoder::release(const char* pedal) { sink_.PedalEventSER(pedal, kUp); }
 
 void SerialPedalDecoder::OnComm(SerialByteSource& port) {
     if (hooks_.silenced && hooks_.silenced()) return;

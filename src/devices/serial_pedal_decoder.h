@@ -31,7 +31,7 @@ inline constexpr std::int16_t kSerAfterMiddleRelease = 139;
 
 // Where the handler reads from: the port's receive buffer and its modem lines.
 class SerialByteSource {
-public:
+  public:
     virtual ~SerialByteSource() = default;
     // One waiting byte, or nothing when none is there.
     virtual std::optional<std::uint8_t> readByte() = 0;
@@ -48,20 +48,24 @@ struct SerialPedalHooks {
     std::function<void()> stopStepBack;
 };
 
-// Two switches no setting or dialog reaches: the station leaves both false from
-// start to end. Their branches are kept, and the tests switch them on.
+// Two switches no setting or dialog reaches. Their branches are kept, and only the
+// tests switch them on.
 struct SerialPedalOptions {
-    bool PedalSwap = false;     // left and right exchanged
-    bool NOSMARTPEDAL = false;  // pedals wired to the CD, DSR and CTS lines
+    // Left and right exchanged; kept false on purpose, the station never swaps.
+    bool PedalSwap = false;
+    // Pedals read from the CD, DSR and CTS lines; kept false on purpose, so that reading stands
+    // idle.
+    bool NOSMARTPEDAL = false;
 };
 
 class SerialPedalDecoder {
-public:
+  public:
     static constexpr int kSlots = 10;
 
     SerialPedalDecoder(const settings::SettingsRecord& record,
                        const dictation::DictationState& dictation, PedalHits& hits,
-                       PedalEventSink& sink, SerialPedalHooks hooks, SerialPedalOptions options = {});
+                       PedalEventSink& sink, SerialPedalHooks hooks,
+                       SerialPedalOptions options = {});
 
     // The port's receive event: reads up to ten bytes and acts on each slot.
     void OnComm(SerialByteSource& port);
@@ -71,7 +75,7 @@ public:
     [[nodiscard]] std::int16_t lastSerCode() const { return LastSerCode; }
     [[nodiscard]] const std::array<std::int16_t, kSlots>& serCodes() const { return SerCode; }
 
-private:
+  private:
     // A press that would break into a running insert or overwrite is lost; false
     // tells the handler to leave at once.
     [[nodiscard]] bool pressAllowed() const;

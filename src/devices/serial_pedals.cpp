@@ -10,16 +10,16 @@ constexpr int kDrainReads = 10;
 
 SerialPedals::SerialPedals(settings::ConfigFile& config, platform::Prompts& prompts,
                            platform::EventLoop& loop, PedalEventSink& sink, PedalHits& hits,
-                           dictation::DictationState& dictation,
-                           platform::Timer& timSERStepBACK, SerialPedalsHost& host)
+                           dictation::DictationState& dictation, platform::Timer& timSERStepBACK,
+                           SerialPedalsHost& host)
     : config_(config),
       prompts_(prompts),
       host_(host),
       port_(loop),
       // PedalSwap and NOSMARTPEDAL stay false: no setting reaches them, the branches are kept.
       decoder_(config.record, dictation, hits, sink,
-               SerialPedalHooks{[&host] { return host.pedalInputSilenced(); },
-                                [&timSERStepBACK] { timSERStepBACK.setEnabled(false); }}) {
+               SerialPedalHooks{[&h = host] { return h.pedalInputSilenced(); },
+                                [&t = timSERStepBACK] { t.setEnabled(false); }}) {
     port_.setOnReceive([this] { OnComm(); });
 }
 
@@ -33,7 +33,8 @@ bool SerialPedals::mnuComPortItemChecked(int index) const {
 }
 
 void SerialPedals::checkPortItem(int port) {
-    for (int i = 0; i < kPortCount; ++i) portItemChecked_[static_cast<std::size_t>(i)] = (i == port - 1);
+    for (int i = 0; i < kPortCount; ++i)
+        portItemChecked_[static_cast<std::size_t>(i)] = (i == port - 1);
 }
 
 std::optional<SerialError> SerialPedals::openDevice() {

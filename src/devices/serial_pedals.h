@@ -34,7 +34,7 @@ inline constexpr const char* kGamePortPedalsNeedNoComPort =
 
 // What the serial pedals need of the main window and of the other pedal kinds.
 class SerialPedalsHost {
-public:
+  public:
     virtual ~SerialPedalsHost() = default;
     [[nodiscard]] virtual bool USBPedals() const = 0;
     [[nodiscard]] virtual bool GamePortPedals() const = 0;
@@ -51,7 +51,7 @@ public:
 };
 
 class SerialPedals {
-public:
+  public:
     static constexpr int kPortCount = 8;
 
     SerialPedals(settings::ConfigFile& config, platform::Prompts& prompts,
@@ -80,7 +80,7 @@ public:
     [[nodiscard]] const SerialPedalDecoder& decoder() const { return decoder_; }
     [[nodiscard]] SerialPort& port() { return port_; }
 
-private:
+  private:
     [[nodiscard]] std::string programTitle() const;
     void checkPortItem(int port);
     // Opens the device of Port; the refusal when it fails.

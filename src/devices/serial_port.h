@@ -40,7 +40,7 @@ struct SerialError {
 };
 
 class SerialPort : public SerialByteSource {
-public:
+  public:
     explicit SerialPort(platform::EventLoop& loop);
     ~SerialPort() override;
     SerialPort(const SerialPort&) = delete;
@@ -71,7 +71,7 @@ public:
     // Bytes taken from the tty and not yet read.
     [[nodiscard]] std::size_t waiting() const { return buffer_.size(); }
 
-private:
+  private:
     // Takes what the tty holds into the buffer; true when something new came.
     bool fillBuffer();
     void onReadable();

@@ -4,9 +4,9 @@
 #include "devices/serial_pedals.h"
 
 #include <fcntl.h>
-#include <termios.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <fstream>
@@ -24,7 +24,7 @@ using platform::Answer;
 using platform::Milliseconds;
 
 class PseudoTerminal {
-public:
+  public:
     PseudoTerminal() {
         master_ = ::posix_openpt(O_RDWR | O_NOCTTY);
         if (master_ >= 0 && ::grantpt(master_) == 0 && ::unlockpt(master_) == 0) {
@@ -45,7 +45,7 @@ public:
         ::usleep(20000);
     }
 
-private:
+  private:
     int master_ = -1;
     std::string slavePath_;
 };
@@ -98,11 +98,10 @@ struct Station {
 
 TEST(SerialPortsIniTest, PortNumbersNameDevices) {
     testing::TempFolder folder;
-    std::ofstream(folder.file(kSerialPortsFileName))
-        << "[ports]\r\ncom2=/dev/ttyUSB0\r\nCOM3=\r\n";
-    const std::vector<std::pair<int, std::string>> cases = {
-        {1, "/dev/ttyS0"}, {2, "/dev/ttyUSB0"}, {3, "/dev/ttyS2"}, {8, "/dev/ttyS7"},
-        {0, ""},           {9, ""}};
+    std::ofstream(folder.file(kSerialPortsFileName)) << "[ports]\r\ncom2=/dev/ttyUSB0\r\nCOM3=\r\n";
+    const std::vector<std::pair<int, std::string>> cases = {{1, "/dev/ttyS0"}, {2, "/dev/ttyUSB0"},
+                                                            {3, "/dev/ttyS2"}, {8, "/dev/ttyS7"},
+                                                            {0, ""},           {9, ""}};
     for (const auto& [port, path] : cases) {
         EXPECT_EQ(serialDevicePath(folder.path(), port), path) << port;
     }
