@@ -139,6 +139,27 @@ TEST(SerialPedalsTest, PedalOnAPtyGivesEdgesOnTheLoop) {
     EXPECT_EQ(station.sink.edges.size(), 2U);
 }
 
+TEST(SerialPedalsTest, BytesLeftByTheGuardWaitForTheNextArrival) {
+    PseudoTerminal pty;
+    Station station;
+    station.namePorts("COM1=" + pty.slavePath() + "\r\n");
+    station.config.record.Port = 1;
+    station.pedals.OpenSerialPedals();
+    station.dictation.DoingInsertUpdate = true;
+    pty.send(0x84);
+    pty.send(0x81);
+    station.loop.advance(Milliseconds(20));
+    EXPECT_TRUE(station.sink.edges.empty());
+    EXPECT_EQ(station.pedals.port().waiting(), 1U);
+
+    station.dictation.DoingInsertUpdate = false;
+    station.loop.advance(Milliseconds(20));
+    EXPECT_TRUE(station.sink.edges.empty());
+    pty.send(0x87);
+    station.loop.advance(Milliseconds(20));
+    EXPECT_EQ(station.sink.edges, (std::vector<std::string>{"LEFT DOWN", "LEFT UP"}));
+}
+
 TEST(SerialPedalsTest, MissingDeviceInThePortMenuRestoresTheOldPort) {
     Station station;
     station.namePorts("COM2=" + station.folder.file("no-such-tty") + "\r\n");
