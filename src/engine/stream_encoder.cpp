@@ -11,24 +11,14 @@
 #include "engine/codec_backends.h"
 #include "engine/resampler.h"
 #include "engine/wave_header.h"
+#include "platform/files.h"
 
 namespace ovd::engine {
 
+using platform::systemError;
+using platform::writeAll;
+
 namespace {
-
-std::string systemError(const std::string& what) { return what + ": " + std::strerror(errno); }
-
-bool writeAll(int fd, const void* data, std::size_t bytes) {
-    const auto* at = static_cast<const char*>(data);
-    while (bytes > 0) {
-        const ssize_t n = ::write(fd, at, bytes);
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) return false;
-        at += n;
-        bytes -= static_cast<std::size_t>(n);
-    }
-    return true;
-}
 
 // 16-bit frames behind a header that is brought up to date at every sync.
 class WaveStream final : public EncodedStream {

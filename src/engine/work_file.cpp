@@ -8,26 +8,16 @@
 #include <cstring>
 
 #include "engine/wave_header.h"
+#include "platform/files.h"
 
 namespace ovd::engine {
+
+using platform::systemError;
+using platform::writeAll;
 
 namespace {
 
 constexpr std::size_t kPendingLimitSamples = 64 * 1024;
-
-std::string systemError(const std::string& what) { return what + ": " + std::strerror(errno); }
-
-bool writeAll(int fd, const void* data, std::size_t bytes) {
-    const auto* at = static_cast<const char*>(data);
-    while (bytes > 0) {
-        const ssize_t n = ::write(fd, at, bytes);
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) return false;
-        at += n;
-        bytes -= static_cast<std::size_t>(n);
-    }
-    return true;
-}
 
 // Bytes from one file to another's file position: inside the kernel where the
 // two file systems allow it, through a buffer where they don't.

@@ -4,7 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -13,6 +15,20 @@
 namespace ovd::platform {
 
 namespace fs = std::filesystem;
+
+bool writeAll(int fd, const void* data, std::size_t bytes) {
+    const auto* at = static_cast<const char*>(data);
+    while (bytes > 0) {
+        const ssize_t n = ::write(fd, at, bytes);
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) return false;
+        at += n;
+        bytes -= static_cast<std::size_t>(n);
+    }
+    return true;
+}
+
+std::string systemError(const std::string& what) { return what + ": " + std::strerror(errno); }
 
 std::string joinPath(const std::string& folder, const std::string& name) {
     if (folder.empty() || folder.back() == '/') return folder + name;
@@ -56,16 +72,7 @@ bool writeWithMode(const std::string& path, const std::string& text, mode_t mode
     const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, mode);
     if (fd < 0) return false;
     if (forceMode) ::fchmod(fd, mode);
-    std::size_t done = 0;
-    bool ok = true;
-    while (done < text.size()) {
-        const ssize_t n = ::write(fd, text.data() + done, text.size() - done);
-        if (n < 0) {
-            ok = false;
-            break;
-        }
-        done += static_cast<std::size_t>(n);
-    }
+    bool ok = writeAll(fd, text.data(), text.size());
     if (::close(fd) != 0) ok = false;
     return ok;
 }

@@ -3,11 +3,17 @@
 // rule the settings files use, whole-file reads and writes, and the folders where
 // the station keeps its data and finds its own shipped files.
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 
 namespace ovd::platform {
+
+// Writes every byte to the descriptor, going on after interruptions; false on an error.
+bool writeAll(int fd, const void* data, std::size_t bytes);
+// what + ": " + the text of the last system error.
+std::string systemError(const std::string& what);
 
 // folder + "/" + name, the "/" added only when the folder does not already end in one.
 std::string joinPath(const std::string& folder, const std::string& name);
