@@ -122,11 +122,11 @@ void UsbPedalReader::readReady() {
     for (;;) {
         const ssize_t got = ::read(fd_, buffer.data(), buffer.size());
         if (got > 0) {
-            std::vector<std::uint8_t> report;
             // A device that numbers no reports gets number 0 in front, so that every
             // report starts with its number as the pedal logic expects.
-            if (!numberedReports_) report.push_back(0);
-            report.insert(report.end(), buffer.begin(), buffer.begin() + got);
+            const std::size_t offset = numberedReports_ ? 0 : 1;
+            std::vector<std::uint8_t> report(offset + static_cast<std::size_t>(got), 0);
+            std::copy_n(buffer.begin(), got, report.begin() + static_cast<std::ptrdiff_t>(offset));
             if (reports_.size() == kKeptReports) reports_.pop_front();
             reports_.push_back(std::move(report));
             continue;
