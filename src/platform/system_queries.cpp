@@ -51,6 +51,40 @@ std::optional<std::uint64_t> freeDiskBytes(const std::string& path) {
     return static_cast<std::uint64_t>(info.f_bavail) * info.f_frsize;
 }
 
+std::uint64_t folderBytes(const std::string& folder) {
+    // Asked several times a second while recording, so each folder is walked on its
+    // own: one that vanishes or can't be read mid-walk costs its own bytes, not the
+    // rest of the count.
+    std::uint64_t total = 0;
+    std::vector<fs::path> pending{fs::path(folder)};
+    std::error_code ec;
+    while (!pending.empty()) {
+        const fs::path current = std::move(pending.back());
+        pending.pop_back();
+        fs::directory_iterator it(current, fs::directory_options::skip_permission_denied, ec);
+        for (; !ec && it != fs::directory_iterator(); it.increment(ec)) {
+            // The type from the folder listing itself, without following a link.
+            const fs::file_type type = it->symlink_status(ec).type();
+            if (ec) {
+                ec.clear();
+                continue;
+            }
+            if (type == fs::file_type::directory) {
+                pending.push_back(it->path());
+            } else if (type == fs::file_type::regular) {
+                const std::uintmax_t bytes = it->file_size(ec);
+                if (ec) {
+                    ec.clear();  // gone since it was listed
+                    continue;
+                }
+                total += bytes;
+            }
+        }
+        ec.clear();
+    }
+    return total;
+}
+
 bool FileAvailable(const std::string& path) {
     const int fd = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
     if (fd < 0) return false;

@@ -48,5 +48,23 @@ TEST(FreeDiskBytesTest, AFolderNotYetMadeIsJudgedByItsParent) {
     EXPECT_NEAR(static_cast<double>(*below), static_cast<double>(*here), 64.0 * 1024 * 1024);
 }
 
+TEST(FolderBytesTest, CountsFilesInEveryFolderBelowButNotThroughLinks) {
+    testing::TempFolder folder;
+    EXPECT_EQ(folderBytes(folder.file("Recordings")), 0u) << "missing";
+
+    ASSERT_TRUE(createFolder(folder.file("Recordings/Temp/Part")));
+    ASSERT_TRUE(writeWholeFile(folder.file("Recordings/Letter 1.wav"), std::string(1000, 'a')));
+    ASSERT_TRUE(writeWholeFile(folder.file("Recordings/Temp/chunk"), std::string(200, 'b')));
+    ASSERT_TRUE(writeWholeFile(folder.file("Recordings/Temp/Part/tail"), std::string(30, 'c')));
+    ASSERT_TRUE(writeWholeFile(folder.file("Elsewhere.wav"), std::string(5000, 'd')));
+    // Links to a file and to a folder outside would double the count if followed.
+    const std::string outside = folder.file("Elsewhere.wav");
+    ASSERT_EQ(::symlink(outside.c_str(), folder.file("Recordings/link.wav").c_str()), 0);
+    ASSERT_EQ(::symlink(folder.path().c_str(), folder.file("Recordings/Temp/up").c_str()), 0);
+
+    EXPECT_EQ(folderBytes(folder.file("Recordings")), 1230u);
+    EXPECT_EQ(folderBytes(folder.file("Recordings/Temp/")), 230u);
+}
+
 }  // namespace
 }  // namespace ovd::platform
