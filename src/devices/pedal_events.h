@@ -5,6 +5,8 @@
 
 #include <string>
 
+#include "dictation/pedal_hits.h"
+
 namespace ovd::devices {
 
 inline constexpr const char* kLeft = "LEFT";
@@ -21,23 +23,6 @@ public:
     virtual void PedalEventGAME(const std::string& pedal, const std::string& direction) = 0;
 };
 
-// The press state every pedal kind keeps: true from an accepted press to its release.
-struct PedalHits {
-    bool LEFTSERPEDALHit = false;
-    bool MIDSERPEDALHit = false;
-    bool RIGHTSERPEDALHit = false;
-    bool RIGHTSERPEDALUpHit = false;
-    bool LEFTUSBPEDALHit = false;
-    bool MIDUSBPEDALHit = false;
-    bool RIGHTUSBPEDALHit = false;
-    bool LEFTGAMEPEDALHit = false;
-    bool MIDGAMEPEDALHit = false;
-    bool RIGHTGAMEPEDALHit = false;
-    bool LEFTQDUPEDALHit = false;
-    bool MIDQDUPEDALHit = false;
-    bool RIGHTQDUPEDALHit = false;
-    // Set by every accepted control event; shown in the support dump only.
-    bool HandSetHitNotHit = false;
-};
+using dictation::PedalHits;
 
 }  // namespace ovd::devices

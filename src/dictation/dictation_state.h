@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "platform/event_loop.h"
@@ -49,6 +50,17 @@ struct DictationState {
     bool PriorityOn = false;
     bool PRERECORDED = false;
     bool Once = false;
+    // Every Stop also saves ("enhanced crash protection"): loaded from the
+    // settings, and dropped for the rest of the run when a take left no work file.
+    bool FileSaveAtStop = false;
+    bool FileKilled = false;
+    bool UserClose = false;
+    bool TCPClose = false;
+    bool BackClickKeyFirstTime = false;
+    bool CheckingKey = false;  // cleared with the rest, set by nothing
+    // A routine the pedals must not enter is half done (the end of an overwrite,
+    // the start of a file named from outside).
+    bool PedalsBusy = false;
 
     // The current action word: "New", "Record", "Stop", "Play"...
     std::string WhichBut;
@@ -57,6 +69,26 @@ struct DictationState {
     std::string CommandFileName;
     std::string CurrentFormatType;
     std::string Response;
+    std::string NextString;
+
+    // The desk unit's switch: the last four positions, newest first, and the
+    // label as it was when the last command came in.
+    std::string FirstSwitchPosition;
+    std::string SecondSwitchPosition;
+    std::string ThirdSwitchPosition;
+    std::string FourthSwitchPosition;
+    std::string RememberLastSwitchLabel;
+    std::string CurrentButtonSelected;
+    std::string WAITINGFORButtonSelected;
+    std::string StatusMessage;
+
+    // Saving: the engine's work file and its length (none when there is no
+    // work file), and the names around a save.
+    std::string NewTempFile;
+    std::optional<std::int64_t> NewTempFileLength;
+    std::string SaveFileName;
+    std::string SaveOldFileName;
+    std::string SaveNCTTempFileName;
 
     std::int32_t iTotalSecFile = 0;
     std::int32_t iCurSecond = 0;
@@ -64,11 +96,19 @@ struct DictationState {
     std::int32_t Positionfromslide = 0;
     std::int64_t SaveCurrentPosition = 0;
     std::int32_t DictatorSeqNo = 0;
+    std::int32_t PreviousNextFile = 0;  // how far back in the recent files the desk unit went
 
     // Names of the engine's last three work files.
     std::array<std::string, 3> LastThreeNCTTmps;
     platform::WallClock::time_point StartTime{};
     platform::WallClock::time_point EndTime{};
+
+    void clearSwitchPositions() {
+        FirstSwitchPosition.clear();
+        SecondSwitchPosition.clear();
+        ThirdSwitchPosition.clear();
+        FourthSwitchPosition.clear();
+    }
 };
 
 }  // namespace ovd::dictation

@@ -18,8 +18,9 @@ struct MainView {
     std::string Lbl4Pos;   // the desk unit's switch position
     std::string lblOnAir = "STAND BY";
     bool lblOnAirVisible = false;
-    std::string Label43;
-    std::string Label24;
+    bool Label40Warning = false;  // the disk-full warning shows in red
+    std::string Label43;  // the file's size
+    std::string Label24;  // "Time Remaining"
     std::string Label37;   // name of a long operation
     std::string statusPanel1;  // the full file name
     std::string statusPanel2;  // the file's size
@@ -35,11 +36,19 @@ struct MainView {
 
     int ctSlide1 = 0;  // 0 to 100
     bool ctSlide1Enabled = true;
+    // "Time Elapsed": the hours, minutes and seconds captions.
     std::string timeElapsed = "00:00:00";
-    std::string timeRemaining = "00:00:00";
     bool formatOptionsEnabled = true;  // Option2 and Option3 are locked during a take
     bool frameSpeakerEnabled = true;
     bool audioFrameEnabled = true;
+    bool audioFrameVisible = true;
+    bool lblBusyVisible = false;
+    bool transportLabelsVisible = false;  // "Play", "Stop"... under the bar
+    bool ButtonEx1Visible = false;  // ends an insert
+    bool ButtonEx2Visible = false;  // ends an append
+    bool mnuScanConvertEnabled = true;
+    bool busyPointer = false;
+    std::string txtStepAmt;
     std::string cboName;  // the speaker shown
 
     // Counts every change, so the window redraws only when something moved.

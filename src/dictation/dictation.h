@@ -1,0 +1,254 @@
+#pragma once
+// The one dictation of a station: the transport routines every button, menu,
+// pedal and peer order ends in, the timers that keep the screen in step with the
+// engine, insert and overwrite through the scratch editor, and the way a take
+// reaches a file on disk. Everything runs on the loop's thread; the screen is
+// written into MainView and never touched directly.
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "dictation/dictation_state.h"
+#include "dictation/file_naming.h"
+#include "dictation/main_view.h"
+#include "dictation/pedal_hits.h"
+#include "dictation/peer_notices.h"
+#include "dictation/recent_files.h"
+#include "engine/audio_editor.h"
+#include "engine/prompt_player.h"
+#include "platform/event_loop.h"
+#include "platform/prompts.h"
+#include "platform/timer.h"
+#include "settings/config_file.h"
+#include "settings/event_log.h"
+#include "settings/passwords_tables.h"
+
+namespace ovd::dictation {
+
+// The desk unit's switch texts.
+inline constexpr const char* kSwitchDictate = "4 Position Switch STATUS: DICTATE";
+inline constexpr const char* kSwitchListen = "4 Position Switch STATUS: LISTEN";
+inline constexpr const char* kSwitchStop = "4 Position Switch STATUS: STOP";
+inline constexpr const char* kSwitchStepBack = "4 Position Switch STATUS: STEPBACK";
+inline constexpr const char* kSwitchPlain = "4 Position Switch";
+inline constexpr const char* kDeskUnitMissing = "QDU Device NOT CONNECTED";
+
+inline constexpr const char* kReadyText = "Ready to Create New File or Load a File";
+inline constexpr const char* kReadyAfterSave = "Ready to Create File or Load File";
+inline constexpr const char* kSaveErrorText = "File Save Error!!";
+inline constexpr const char* kSaveQuestion = "File Needs to be Saved. Would you like to do this?";
+inline constexpr const char* kDiskSpaceQuestion =
+    "You may not have enough disk space to save file. Would you like change the default "
+    "file location in order to have enough disk space to continue working?";
+inline constexpr const char* kMoveSwitchToRecord =
+    "Please move the 4 Position Switch on the Quadrant Desk Unit to the RECORD position.";
+
+// A work file below this many bytes holds nothing worth keeping.
+inline constexpr std::int64_t kMinimumRecordedBytes = 30311;
+// A file to open below this many bytes has never been recorded on.
+inline constexpr std::int64_t kMinimumOpenBytes = 1025;
+
+// The timSave interval a SAVEEVERY value gives: a quarter, half, three quarters
+// or all of the longest interval the station's timers ever allowed; 0 off. Any
+// other value leaves the interval as it was (nothing returned).
+std::optional<int> saveIntervalFor(std::int16_t SAVEEVERY);
+
+// The application title the caption starts with.
+std::string applicationTitle(bool handsFreeEdition);
+
+// "hh:mm:ss" of whole seconds, each part two digits.
+std::string clockText(std::int32_t seconds);
+
+// What the dictation needs around it. The station wires these.
+struct DictationParts {
+    platform::EventLoop& loop;
+    settings::ConfigFile& config;
+    settings::EventLog& log;
+    platform::Prompts& prompts;
+    engine::AudioEditor& AudioEditor1;   // the file under dictation
+    engine::AudioEditor& AudioEditor21;  // the scratch take of an insert or overwrite
+    engine::PromptPlayer& voice;
+    settings::SpeakersTable& speakers;
+    PeerNotices& peer;
+    std::string dataFolder;
+};
+
+class Dictation : private NamingHooks {
+public:
+    explicit Dictation(DictationParts parts);
+    ~Dictation() override;
+    Dictation(const Dictation&) = delete;
+    Dictation& operator=(const Dictation&) = delete;
+
+    // The screen as the station starts: no file, timers as loaded.
+    void start();
+
+    DictationState state;
+    MainView view;
+    PedalHits hits;
+    FileNaming naming;
+    RecentFiles recent;
+
+    // Calls the dictation makes upward, into the switch model and the end of
+    // letter, which live above it. Unset: nothing happens.
+    std::function<void(const std::string&)> switchCommand;
+    // The view model changed; the window redraws.
+    std::function<void()> onViewChanged;
+
+    // ---- The transport routines ----
+    void SetParam(const std::string& action);
+    void ResetRecorderState() override;
+    void CaseNew();
+    void CaseNewFileName();
+    void CaseOpen();
+    void CaseRecord();
+    void CaseStop();
+    void CasePlay(const std::string& from);
+    void CasePlayLooped();
+    void CasePlayToEnd();
+    void CasePause(const std::string& from);
+    void CaseContinue();
+    void CasePauseStop();
+    void CaseBeginning();
+    void CaseEnd();
+    void CaseStepForward();
+    void CaseStepBackward();
+    void CaseThreeSeconds();
+    void CaseLastThreeSecondsCon();
+    void CaseCopy();
+    void CaseCut();
+    void CasePaste();
+    void CaseUndo();
+    void CaseRedo();
+    void CaseInsSilence();
+    void CaseInsertAppend();
+    void CasePlayRec();
+    void CaseSave();
+    void CaseSaveAs();
+    void CaseClose() override;
+    void CaseDefault();
+    void TurnOffTimers();
+
+    // ---- Routes: what the window's controls and the devices call ----
+    void MMControl1_PlayClick();
+    void MMControl1_RecordClick();
+    void MMControl1_StopClick();
+    void MMControl1_PauseClick();
+    void MMControl1_PrevClick();
+    void MMControl1_NextClick();
+    void MMControl1_BackClick();
+    void MMControl1_StepClick();
+    void Image2_Click();   // new
+    void Image3_Click();   // open
+    void Image4_Click();   // save
+    void Image7_Click();   // factory formats
+    void Image10_Click();  // close
+    void mnclose_Click();
+    void mnuSaveAs_Click();
+    void Command1_Click();  // add comments to the beginning
+    void Command2_Click();  // insert at the current position
+    void cmdOVR_Click();    // overwrite at the current position
+    void Command3_Click();  // the last three seconds
+    void ButtonEx1_Click(); // end of an insert
+    void ButtonEx2_Click(); // end of an append
+    void cmdEOL_Click();
+    void Toolbar1_ButtonClick(const std::string& key);
+    // The form's right-click menu.
+    void mnuInsertBeginning_Click();
+    void mnuAppendEnd_Click();
+    void mnuLastThreeContinue_Click();
+    void OpenMyList(const std::string& path);
+    void txtStepAmt_Change(const std::string& text);
+
+    // ---- Position and recording ----
+    void StepForward();
+    void StepBackward();
+    void LastThreeSecondsContinue();
+    void OverWriteFileOK(const std::string& from);
+    void AcutallyInsert();
+    void ctSlide1_MouseDown();
+    void ctSlide1_Change(int value);
+    void ctSlide1_MouseUp(int value);
+    // Rescales the times to the engine's figures when nothing else moves them.
+    void AdjustNCTTimeDisplay();
+
+    // ---- Saving and closing ----
+    void SaveFile();
+    void SaveFileAs();
+    void Manip_Files();
+    void TempFileNameFileLength();
+    void OpenFile();
+    void PlayPrompt(const std::string& name);
+
+    // ---- Timers, under their names ----
+    platform::Timer timCurPos;
+    platform::Timer timRecord;
+    platform::Timer timLight;
+    platform::Timer timSave;
+    platform::Timer timLastThreeSecondsCon;
+    platform::Timer timsync;
+    platform::Timer Reader;  // where a desk unit link polls; no tick of its own
+
+    void timCurPos_Timer();
+    void timRecord_Timer();
+    void timLight_Timer();
+    void timSave_Timer();
+    void timLastThreeSeconds_Timer();
+    void timsync_Timer();
+
+    // Seconds of a length in samples of the document under dictation.
+    [[nodiscard]] std::int32_t secondsOf(std::int64_t samples) const;
+    // The samples of one second of the document (its length over its seconds).
+    [[nodiscard]] double samplesPerSecond() const;
+
+private:
+    // NamingHooks
+    void prepareFormat(const engine::FormatGroup& group) override;
+    void startSaveTimer() override;
+    std::optional<std::string> ChooseFileName(int mode) override;
+    std::string sendLoaded(const std::string& baseName) override;
+    void tellPeerNewFileRefused() override;
+
+    // Shows the refusal when a take runs; true when the routine must stop.
+    bool refusedWhileRecording(const std::string& tag);
+    void setBar(BarAfter after);
+    void applyEOLRule();
+    void setRecordButtons(bool enabled);
+    void setLamps(bool on);
+    void setFileLabels(const std::string& text);
+    void showFileName();
+    void refreshSeconds();
+    void totalSecondsFromEngine();
+    void etprocess(const std::string& from);
+    void barByPosition();
+    bool deskUnitAllowsTake();
+    [[nodiscard]] bool positionAllowsScratchTake() const;
+    void beginScratchTake(engine::SampleCount at, bool showEndButton);
+    void takeScratchAudio();
+    void closeScratchTake(const std::string& waitTag);
+    void finishPendingInsertOrAppend();
+    void rotateWorkFileNames();
+    void closeByUserOrPeer(const std::string& logLine, const std::string& waitTag);
+    void notifyPeer(const std::string& message, const std::string& waitTag);
+    void waitTraced(double seconds, const std::string& tag);
+    void trace(const std::string& line);
+    [[nodiscard]] std::string sizeText() const;
+    [[nodiscard]] std::string temporaryFolder() const;
+    void waitUntilFileIsFree();
+    void makeRoomToSave();
+    void changed();
+
+    platform::EventLoop& loop_;
+    settings::ConfigFile& config_;
+    settings::EventLog& log_;
+    platform::Prompts& prompts_;
+    engine::AudioEditor& AudioEditor1;
+    engine::AudioEditor& AudioEditor21;
+    engine::PromptPlayer& voice_;
+    PeerNotices& peer_;
+    platform::WallClock::time_point startedAt_;
+};
+
+}  // namespace ovd::dictation

@@ -1,0 +1,306 @@
+// The running half of a dictation: the timers that keep the screen in step
+// with the engine, the checks made during a take, stepping, the position
+// slider and the last three seconds.
+
+#include <cstdio>
+
+#include "dictation/dictation.h"
+#include "platform/system_queries.h"
+
+namespace ovd::dictation {
+
+namespace {
+
+std::string baseNameOf(const std::string& path) {
+    std::string name = path.substr(path.find_last_of('/') + 1);
+    const auto dot = name.find_last_of('.');
+    return dot == std::string::npos ? name : name.substr(0, dot);
+}
+
+constexpr int kStopped = static_cast<int>(engine::EditorState::Stopped);
+constexpr int kPlaying = static_cast<int>(engine::EditorState::Playing);
+constexpr int kRecording = static_cast<int>(engine::EditorState::Recording);
+constexpr int kPaused = static_cast<int>(engine::EditorState::Paused);
+
+}  // namespace
+
+void Dictation::timCurPos_Timer() {
+    if (!Reader.Enabled()) Reader.setEnabled(true);
+    state.SaveCurrentPosition = AudioEditor1.CursorPosition();
+    // The engine stops by itself when playback reaches the end; that end still
+    // counts as the end of the playback below.
+    const bool playedToEnd =
+        state.flgPlay && state.SaveCurrentPosition >= AudioEditor1.Length();
+    const int engineState = AudioEditor1.State();
+    if (engineState == kStopped) {
+        state.flgPlay = false;
+        state.Recordingstatus = false;
+    }
+    if (!state.Recordingstatus) {
+        if (state.JustOpened && state.iTotalSecFile > 0) {
+            view.lblBusyVisible = false;
+            view.audioFrameVisible = true;
+        }
+        view.statusPanel2 = sizeText();
+    }
+    if (!state.RecordingstatusPaused && !state.Recordingstatus) totalSecondsFromEngine();
+    refreshSeconds();
+    if (engineState == kRecording) view.ctSlide1 = state.percentrun;  // the slider stays put
+    if ((state.flgPlay || playedToEnd) && AudioEditor1.CursorPosition() >= AudioEditor1.Length()) {
+        state.flgPlay = false;
+        state.PlayedOnce = false;
+        CaseEnd();
+    }
+    view.timeElapsed = clockText(state.iCurSecond);
+    etprocess("timCurPos_Timer");
+
+    timRecord.setInterval(49);
+    if (!state.Recordingstatus) {
+        state.Once = false;
+        timRecord.setEnabled(false);
+        timLight.setEnabled(false);
+        setLamps(false);
+        if (!state.RecordingstatusPaused) view.formatOptionsEnabled = true;
+        view.lblOnAirVisible = state.RecordingstatusPaused;
+        if (state.RecordingstatusPaused) view.lblOnAir = "STAND BY";
+    } else {
+        timRecord.setEnabled(true);
+        timLight.setEnabled(true);
+        if (!state.Once) {
+            state.StartTime = loop_.now();
+            state.Once = true;
+        }
+        view.lblOnAirVisible = true;
+    }
+    if (!state.flgfileOpen1) AdjustNCTTimeDisplay();
+}
+
+void Dictation::timRecord_Timer() {
+    state.EndTime = loop_.now();
+    view.audioFrameEnabled = false;
+    view.frameSpeakerEnabled = false;
+    const bool scratchTake = state.DoingInsertUpdate || state.OverWriteFile;
+    if (!scratchTake && state.Recordingstatus) {
+        const auto take =
+            std::chrono::duration_cast<std::chrono::seconds>(state.EndTime - state.StartTime);
+        state.iCurSecond = state.iTotalSecFile = static_cast<std::int32_t>(take.count());
+    } else if (scratchTake) {
+        totalSecondsFromEngine();
+        state.iCurSecond = state.iTotalSecFile;
+    } else {
+        state.iTotalSecFile = secondsOf(AudioEditor1.Length());
+    }
+    view.timeElapsed = clockText(state.iCurSecond);
+    setRecordButtons(false);
+    view.ctSlide1Enabled = false;
+    etprocess("timRecord_Timer");
+
+    // The disk check: the take must keep room for three times what the work
+    // files already hold, so that the save at the end still fits.
+    const std::string recordings = config_.record.CaptureFilePath.toText();
+    const std::uint64_t free = platform::freeDiskBytes(recordings).value_or(0);
+    const std::uint64_t workBytes = platform::folderBytes(temporaryFolder());
+    if (workBytes * 3 < free) {
+        view.Label40 = "Recording";
+        view.Label40Warning = false;
+        changed();
+        return;
+    }
+    view.Label40 = "Warning -- Number of Free Bytes : " + std::to_string(free);
+    view.Label40Warning = true;
+    changed();
+    trace(state.Filename + " Disk Full Warning during Recording");
+    const std::string name = state.Filename;
+    if (config_.record.DFStopRec) Image10_Click();
+    notifyPeer("DiskErr_" + baseNameOf(name), " -68");
+}
+
+void Dictation::timLight_Timer() {
+    // The lamps take turns, so the take shows from across the room.
+    const bool first = !view.Image5;
+    view.Image5 = first;
+    view.Image6 = !first;
+    view.lblOnAir = "ON AIR";
+    view.lblOnAirVisible = true;
+    changed();
+}
+
+void Dictation::timSave_Timer() {
+    if (!state.JustOpened) {
+        // The first take of a new file lives in the work file until its first Stop.
+        Manip_Files();
+        return;
+    }
+    AudioEditor1.setComment("OVDESK");
+    addPriorityMarker(state);
+    if (auto saved = AudioEditor1.SaveAs(state.Filename); !saved) {
+        trace("Periodic save of " + state.Filename + " failed: " + saved.error());
+    }
+    Manip_Files();
+}
+
+void Dictation::timsync_Timer() {
+    timsync.setEnabled(false);
+    timLight_Timer();
+    timLight.setEnabled(true);
+    if (config_.record.VoicePrompts) {
+        PlayPrompt("beep2.wav");
+    } else {
+        // A take opens with this sound even with prompts off; the setting is not touched.
+        voice_.PlayPrompt("Speak.wav", true);
+    }
+}
+
+void Dictation::rotateWorkFileNames() {
+    const std::string current = AudioEditor1.TempFileName();
+    if (current.empty()) return;
+    auto& names = state.LastThreeNCTTmps;
+    if (!names[0].empty() && names[0] != current && names[1] != current && names[2] != current) {
+        std::remove(names[0].c_str());
+    }
+    names[0] = names[1];
+    names[1] = names[2];
+    names[2] = current;
+}
+
+void Dictation::ctSlide1_MouseDown() {
+    if (state.Recordingstatus) return;
+    state.JustOpened = true;
+    timCurPos.setEnabled(false);
+}
+
+void Dictation::ctSlide1_Change(int value) {
+    view.ctSlide1 = value;
+    state.iCurSecond = static_cast<std::int32_t>(value / 100.0 * state.iTotalSecFile);
+    state.Positionfromslide = state.iCurSecond;
+    etprocess("ctSlide1_Change");
+}
+
+void Dictation::ctSlide1_MouseUp(int value) {
+    if (state.Recordingstatus) return;
+    state.ManuallyMovedctSlide = true;
+    const int engineState = AudioEditor1.State();
+    if (state.JustOpened && state.flgfileOpen1) {
+        AudioEditor1.setCursorPosition(
+            static_cast<engine::SampleCount>(static_cast<double>(AudioEditor1.Length()) / 100.0 * value));
+        if (engineState == kPlaying) (void)AudioEditor1.Play();
+        if (engineState == kPaused) AudioEditor1.Pause();
+    }
+    if (AudioEditor1.State() == kStopped && value == 100) {
+        view.Command2 = false;
+        view.cmdOVR = false;
+        AudioEditor1.setCursorPosition(AudioEditor1.Length());
+    }
+    timCurPos.setEnabled(true);
+    changed();
+}
+
+void Dictation::txtStepAmt_Change(const std::string& text) {
+    if (text.empty()) {
+        view.txtStepAmt = std::to_string(config_.record.StepAmt);
+        changed();
+        return;
+    }
+    int seconds = 0;
+    if (std::sscanf(text.c_str(), "%d", &seconds) != 1 || seconds < 0 || seconds > 32767) return;
+    view.txtStepAmt = text;
+    config_.record.StepAmt = static_cast<std::int16_t>(seconds);
+    config_.WriteConfig();
+}
+
+void Dictation::StepForward() {
+    state.SecondSwitchPosition = "STEPFORWARD";
+    state.ManuallyMovedctSlide = true;
+    AudioEditor1.Stop();
+    totalSecondsFromEngine();
+    const double step = config_.record.StepAmt * samplesPerSecond();
+    const auto target = AudioEditor1.CursorPosition() + static_cast<engine::SampleCount>(step);
+    AudioEditor1.setCursorPosition(target);
+    AudioEditor1.setSelectionEnd(target);
+    if (view.caption.find("File is Playing") != std::string::npos) CasePlay("StepForward");
+}
+
+void Dictation::StepBackward() {
+    AudioEditor1.setSelectionStart(AudioEditor1.CursorPosition());
+    state.ManuallyMovedctSlide = true;
+    AudioEditor1.Stop();
+    totalSecondsFromEngine();
+    const double step = config_.record.StepAmt * samplesPerSecond();
+    const auto target = AudioEditor1.CursorPosition() - static_cast<engine::SampleCount>(step);
+    AudioEditor1.setCursorPosition(target);
+    AudioEditor1.setSelectionEnd(target);
+}
+
+void Dictation::CaseThreeSeconds() {
+    if (!state.flgfileOpen1) return;
+    state.ManuallyMovedctSlide = true;
+    AudioEditor1.Stop();
+    totalSecondsFromEngine();
+    state.iCurSecond = state.iTotalSecFile;
+    view.formatOptionsEnabled = true;
+    timRecord.setEnabled(false);
+    timSave.setEnabled(false);
+    // Under three seconds the start falls before 0; the engine takes it as it comes.
+    const auto start = static_cast<engine::SampleCount>((state.iTotalSecFile - 3) * samplesPerSecond());
+    AudioEditor1.setSelectionActive(false);
+    AudioEditor1.setSelectionStart(0);
+    AudioEditor1.setCursorPosition(start);
+    AudioEditor1.setSelectionEnd(start);
+    CasePlay("CaseThreeSeconds");
+}
+
+void Dictation::CaseLastThreeSecondsCon() {
+    trace("File Play Last Three Seconds: " + state.Filename);
+    CaseThreeSeconds();
+    CaseEnd();
+}
+
+void Dictation::LastThreeSecondsContinue() {
+    if (!state.flgfileOpen1) return;
+    timSave.setEnabled(false);
+    state.flgNewToRecord = false;
+    state.flgPlay = false;
+    state.WhichBut = "Stop";
+    waitTraced(1, " -54");
+    AudioEditor1.Stop();
+    Manip_Files();
+    waitTraced(1, " -55");
+    if (state.flgfileOpen1) {
+        totalSecondsFromEngine();
+        const auto start = AudioEditor1.Length() -
+                           static_cast<engine::SampleCount>(3 * samplesPerSecond());
+        AudioEditor1.setSelectionActive(false);
+        AudioEditor1.setCursorPosition(start);
+        AudioEditor1.Stop();
+        if (auto playing = AudioEditor1.Play(); !playing) trace("Play: " + playing.error());
+        state.flgPlay = true;
+    }
+    timLastThreeSecondsCon.setInterval(50);
+    timLastThreeSecondsCon.setEnabled(true);
+}
+
+void Dictation::timLastThreeSeconds_Timer() {
+    state.iCurSecond = secondsOf(AudioEditor1.CursorPosition());
+    if (state.iTotalSecFile - state.iCurSecond != 1) return;
+    waitTraced(1, " -52");
+    state.flgPlay = false;
+    state.flgNewToRecord = true;
+    AudioEditor1.setCursorPosition(AudioEditor1.Length());
+    AudioEditor1.setSelectionEnd(AudioEditor1.Length());
+    timLastThreeSecondsCon.setEnabled(false);
+    if (!config_.record.Last3SecsAR) return;
+    waitTraced(1, " -53");
+    if (refusedWhileRecording("timLastThreeSecondsCon")) return;
+    if (state.flgPlay) return;
+    // The author heard the last words; the take goes on at the end.
+    state.Recordingstatus = true;
+    AudioEditor1.Stop();
+    AudioEditor1.setSelectionActive(false);
+    AudioEditor1.setCursorPosition(AudioEditor1.Length());
+    state.WhichBut = "Record";
+    if (auto recording = AudioEditor1.Record(); !recording) trace("Record: " + recording.error());
+    timSave.setEnabled(true);
+    changed();
+}
+
+}  // namespace ovd::dictation

@@ -1,0 +1,345 @@
+// From the editor's work file to a finished file in the recordings folder, and
+// the closing of a file: an almost empty take is an error, the save waits
+// until the engine lets go of the file, and a disk without room is never
+// written to blindly.
+
+#include <filesystem>
+
+#include "dictation/dictation.h"
+#include "platform/files.h"
+#include "platform/system_queries.h"
+
+namespace ovd::dictation {
+
+namespace {
+
+std::string yesNo(bool value) { return value ? "True" : "False"; }
+
+std::string baseNameOf(const std::string& path) {
+    std::string name = path.substr(path.find_last_of('/') + 1);
+    const auto dot = name.find_last_of('.');
+    return dot == std::string::npos ? name : name.substr(0, dot);
+}
+
+std::string folderOf(const std::string& path) {
+    const auto slash = path.find_last_of('/');
+    return slash == std::string::npos ? std::string() : path.substr(0, slash);
+}
+
+}  // namespace
+
+void Dictation::TempFileNameFileLength() {
+    state.NewTempFile = AudioEditor1.TempFileName();
+    if (state.NewTempFile.empty()) {
+        state.NewTempFileLength.reset();
+        return;
+    }
+    const auto bytes = platform::fileSize(state.NewTempFile);
+    if (bytes) {
+        state.NewTempFileLength = static_cast<std::int64_t>(*bytes);
+    } else {
+        state.NewTempFileLength.reset();
+    }
+    state.FileSaveError = false;
+}
+
+void Dictation::Manip_Files() {
+    if (state.Filename.empty()) return;
+    view.statusPanel2 = sizeText();
+    showFileName();
+    recent.AddToMRUX(state.Filename);
+    if (state.WhichBut == "Close") timSave.setEnabled(false);
+    changed();
+}
+
+void Dictation::SaveFile() {
+    // Only every Stop with crash protection, or a save asked for by a close, an
+    // end of letter or the save icon, comes through.
+    if (!state.FileSaveAtStop && !state.SaveRequested) return;
+    state.SaveRequested = false;
+    const bool superThin = config_.record.ScreenSize == "SuperThin";
+
+    view.busyPointer = true;
+    trace("Getting Ready to Save File: " + state.Filename);
+    state.FileChanged = false;
+    state.FileSaveError = false;
+    TempFileNameFileLength();
+    trace("SaveFileProcedure-FileSaveError =: " + yesNo(state.FileSaveError));
+    timSave.setEnabled(false);
+
+    const auto saveFailed = [&](const std::string& line, const std::string& waitTag) {
+        state.FileSaveError = true;
+        state.FileChanged = false;
+        trace(line);
+        timSave.setEnabled(true);
+        view.lblReady = kReadyAfterSave;
+        view.caption = applicationTitle(config_.record.HandsFreeEdition) + " - " + kSaveErrorText;
+        if (!superThin) view.lblReady = kSaveErrorText;
+        notifyPeer("FileSaveErr_" + baseNameOf(state.Filename), waitTag);
+        view.transportLabelsVisible = true;
+        view.busyPointer = false;
+        changed();
+    };
+
+    if (!state.NewTempFileLength) {
+        saveFailed(state.Filename + " file length is none - File Save ERROR", " -70");
+        // Without a work file crash protection has nothing to protect this run.
+        state.FileSaveAtStop = false;
+        return;
+    }
+    trace("Save-NO ERROR(2) : ");
+    if (*state.NewTempFileLength < kMinimumRecordedBytes) {
+        saveFailed(state.Filename + "  File Length is :" + std::to_string(*state.NewTempFileLength) +
+                       " and is < 30311 - File Save ERROR",
+                   " -71");
+        return;
+    }
+
+    view.lblReady = superThin ? "" : "BUSY Saving File";
+    view.transportLabelsVisible = false;
+    state.FileChanged = false;
+    changed();
+    makeRoomToSave();
+
+    trace("Starting File Save : " + state.Filename);
+    AudioEditor1.setComment("OVDESK");
+    addPriorityMarker(state);
+    if (auto saved = AudioEditor1.SaveAs(state.Filename); !saved) {
+        saveFailed(state.Filename + " File Save ERROR: " + saved.error(), " -71");
+        return;
+    }
+    waitUntilFileIsFree();
+    trace("Ending File Save : " + state.Filename);
+    Manip_Files();
+    trace(state.Filename + " File Save Successfull");
+    const auto bytes = platform::fileSize(state.Filename).value_or(0);
+    trace("The File Length for file " + state.Filename + " is " + std::to_string(bytes));
+    state.SaveFileName = state.Filename;
+    timSave.setEnabled(true);
+    view.lblReady = kReadyAfterSave;
+    view.transportLabelsVisible = true;
+    view.busyPointer = false;
+    changed();
+}
+
+void Dictation::waitUntilFileIsFree() {
+    // The engine holds the file while it encodes; there is no limit, and the
+    // log shows what is waited for.
+    while (!platform::FileAvailable(state.Filename)) {
+        view.lblReady = "BUSY Saving File";
+        changed();
+        trace("Trying to File Save : " + state.Filename + " but the file is in use");
+        loop_.wait(platform::Milliseconds(100));
+    }
+}
+
+void Dictation::makeRoomToSave() {
+    const auto room = [this](std::int64_t times) {
+        const auto free = static_cast<std::int64_t>(
+            platform::freeDiskBytes(config_.record.CaptureFilePath.toText()).value_or(0));
+        return free - times * static_cast<std::int64_t>(platform::folderBytes(temporaryFolder()));
+    };
+    const std::string title = applicationTitle(config_.record.HandsFreeEdition);
+    std::int64_t left = room(2);
+    while (left < 0) {
+        const bool move = prompts_.askYesNo(kDiskSpaceQuestion, title, platform::Answer::No);
+        if (!move) {
+            trace("Disk Full Warning --- User Selected to save file in the default location .. "
+                  "User Response: 7");
+        } else {
+            trace("Disk Full Warning --- User Selected to Change file location in order to have "
+                  "enough disk space to continue working.. User Resonse: 6");
+            const auto folder = prompts_.chooseFolder({"Choose a folder with room for the recordings",
+                                                       config_.record.CaptureFilePath.toText()});
+            if (folder && !folder->empty()) {
+                config_.record.CaptureFilePath = *folder;
+                state.Filename = platform::joinPath(*folder, state.Filename.substr(
+                                                                  state.Filename.find_last_of('/') + 1));
+            }
+        }
+        config_.WriteConfig();
+        left = room(3);
+        notifyPeer("DiskErr_" + baseNameOf(state.Filename), " -72");
+    }
+}
+
+void Dictation::SaveFileAs() {
+    state.SaveOldFileName = state.Filename;
+    timSave.setEnabled(false);
+    timCurPos.setEnabled(false);
+    CaseStop();
+    if (!state.FileSaveAtStop && state.FileChanged) {
+        state.SaveRequested = true;
+        SaveFile();
+    }
+    const auto chosen = ChooseFileName(2);
+    if (!chosen) {
+        state.UserSelectedNo = false;
+        state.Filename = state.SaveOldFileName;
+        return;
+    }
+    std::error_code error;
+    std::filesystem::copy_file(state.SaveOldFileName, *chosen,
+                               std::filesystem::copy_options::overwrite_existing, error);
+    if (error) trace("Save As copy to " + *chosen + " failed: " + error.message());
+    OpenMyList(*chosen);
+    CaseEnd();
+    view.lblBusyVisible = false;
+    changed();
+}
+
+void Dictation::OpenFile() {
+    state.JustOpened = true;
+    if (!state.FromCurrentList) state.Filename = ChooseFileName(1).value_or("");
+    if (state.Filename.empty()) {
+        state.UserSelectedNo = false;
+        ResetRecorderState();
+        setFileLabels(kReadyText);
+        return;
+    }
+    const auto bytes = platform::fileSize(state.Filename);
+    if (!bytes) {
+        state.FileOpenError = true;
+        prompts_.showMessage("File does not exist. Please try again!", settings::kProductTitle);
+        return;
+    }
+    if (*bytes < static_cast<std::uintmax_t>(kMinimumOpenBytes)) {
+        prompts_.showMessage("It appears because of the file size, that this file has not been "
+                             "recorded on.  File will not be opened.",
+                             settings::kProductTitle);
+        state.Filename.clear();
+        return;
+    }
+    settings::SettingsRecord& record = config_.record;
+    record.LastFolderOpened = folderOf(state.Filename);
+    record.LastFileOpened = state.Filename.substr(state.Filename.find_last_of('/') + 1);
+    record.LastPathFileOpened = state.Filename;
+    config_.WriteConfig();
+
+    AudioEditor1.setTempFileName(temporaryFolder());
+    if (auto opened = AudioEditor1.Open(state.Filename); !opened) {
+        state.FileOpenError = true;
+        prompts_.showMessage("The file could not be opened: " + opened.error(), settings::kProductTitle);
+        return;
+    }
+    // Later saves keep the file's own format, at its own rate and channels.
+    engine::TargetFormat target = engine::FigureOutFileFormats(chosenFormatGroup(record)).target;
+    const auto dot = state.Filename.find_last_of('.');
+    if (dot != std::string::npos) {
+        std::string extension = state.Filename.substr(dot + 1);
+        for (char& c : extension) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+        if (const auto word = engine::parseFormatWord(extension)) target.word = *word;
+    }
+    target.sampleRate = AudioEditor1.SamplesPerSecond();
+    target.channels = AudioEditor1.Channels();
+    AudioEditor1.chooseFormat(target);
+    state.CurrentFormatType = engine::formatWordText(target.word);
+
+    state.iTotalSecFile = secondsOf(AudioEditor1.Length());
+    state.flgfileOpen1 = true;
+    view.statusPanel2 = sizeText();
+    showFileName();
+    changed();
+}
+
+void Dictation::CaseClose() {
+    trace("File Closed: " + state.Filename);
+    view.audioFrameEnabled = true;
+    view.frameSpeakerEnabled = true;
+    if (!state.Filename.empty()) {
+        if (!state.flgfileOpen1) {
+            ResetRecorderState();
+            state.SaveNCTTempFileName = AudioEditor1.TempFileName();
+            AudioEditor1.Close();
+            AudioEditor21.Close();
+            state.clearSwitchPositions();
+        }
+        if (!state.FileSaveAtStop && state.FileChanged) {
+            state.SaveRequested = true;
+            SaveFile();
+        }
+        if (state.FileChanged &&
+            prompts_.askYesNo(kSaveQuestion, settings::kProductTitle, platform::Answer::No)) {
+            SaveFile();
+        }
+    } else {
+        state.FileChanged = false;
+    }
+    state.PRERECORDED = false;
+    state.clearSwitchPositions();
+    view.mnuScanConvertEnabled = true;
+    ResetRecorderState();
+    state.SaveNCTTempFileName = AudioEditor1.TempFileName();
+    AudioEditor1.Close();
+    AudioEditor21.Close();
+    view.audioFrameVisible = true;
+    state.FileChanged = false;
+    state.flgPlay = false;
+    state.flgfileOpen1 = false;
+    state.flgfileOpen2 = false;
+    setFileLabels("");
+    view.statusPanel2.clear();
+    state.Filename.clear();
+    state.WhichBut = "Close";
+    state.CommandFileName.clear();
+    state.NextString.clear();
+    view.Label43.clear();
+    for (std::string& workFile : state.LastThreeNCTTmps) {
+        if (!workFile.empty() && platform::fileExists(workFile)) std::remove(workFile.c_str());
+        workFile.clear();
+    }
+    normalise(state);
+    SetParam(state.WhichBut);
+    view.transportLabelsVisible = false;
+    applyEOLRule();
+    setRecordButtons(false);
+    view.ctSlide1Enabled = false;
+    state.RecordedOnce = false;
+    view.cmdEOL = false;
+    changed();
+}
+
+void Dictation::Image10_Click() {
+    closeByUserOrPeer(state.TCPClose ? " Closing because TCP sent Msg" : " User Hit Icon to Close File",
+                      " -63");
+}
+
+void Dictation::mnclose_Click() { closeByUserOrPeer(" User selected File Menu Close", " -65"); }
+
+void Dictation::closeByUserOrPeer(const std::string& logLine, const std::string& waitTag) {
+    if (state.Filename.empty()) {
+        ResetRecorderState();
+        return;
+    }
+    trace(logLine);
+    if (!state.TCPClose) notifyPeer("UserClose_", waitTag);
+    TempFileNameFileLength();
+    if (state.NewTempFileLength && *state.NewTempFileLength < kMinimumRecordedBytes &&
+        !state.RecordedOnce) {
+        // Nothing was said worth keeping: the file goes and its number comes back.
+        state.FileSaveError = true;
+        trace("File Length to be killed is  " + std::to_string(*state.NewTempFileLength));
+        state.FileChanged = false;
+        const std::string killed = state.Filename;
+        CaseClose();
+        settings::ConfigVariant& number = config_.record.FileNameIncrementStartingNum;
+        number = number.toNumber().value_or(0.0) - 1.0;
+        config_.WriteConfig();
+        std::remove(killed.c_str());
+        state.FileKilled = true;
+        trace(" FileKilled = " + yesNo(state.FileKilled));
+        trace(" Procedure - Closed Procedure - Image10_Click");
+        state.clearSwitchPositions();
+        return;
+    }
+    config_.WriteConfig();
+    if (state.OverWriteFile) OverWriteFileOK("Image10_Click");
+    if (state.DoingAppending) ButtonEx2_Click();
+    if (state.DoingInsertUpdate) ButtonEx1_Click();
+    CaseStop();
+    CaseClose();
+    view.lblBusyVisible = false;
+    ResetRecorderState();
+}
+
+}  // namespace ovd::dictation
