@@ -1,0 +1,209 @@
+// Dictations driven through the transport bar on the virtual clock: what the
+// author sees after each press, and what the engine does.
+
+#include "dictation_fixture.h"
+
+namespace ovd::dictation::testing {
+namespace {
+
+constexpr const char* kTitle = "Orvane Voice Desk - ";
+
+TEST_F(DictationTest, NewRecordStopPlayPauseContinueToTheEnd) {
+    d().Image2_Click();
+    EXPECT_EQ(view().caption, std::string(kTitle) + "File Is Ready to be Recorded-Please hit the Record Icon");
+    EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CaseNew));
+    EXPECT_TRUE(state().flgfileOpen1);
+    EXPECT_TRUE(state().RecordingstatusPaused);
+    EXPECT_EQ(view().lblReady, "AB0002.WAV");
+    EXPECT_FALSE(view().cmdEOL);
+    EXPECT_EQ(backend.promptsPlayed().back().substr(backend.promptsPlayed().back().rfind('/') + 1),
+              "TwoBeeps.wav") << "the new file is announced even with prompts off";
+
+    d().MMControl1_RecordClick();
+    EXPECT_EQ(view().caption, std::string(kTitle) + "File is being Recorded");
+    EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CaseRecord));
+    EXPECT_FALSE(view().formatOptionsEnabled);
+    run(3000);
+    EXPECT_EQ(view().timeElapsed, "00:00:03");
+    EXPECT_EQ(view().Label40, "Recording");
+    EXPECT_EQ(view().lblOnAir, "ON AIR");
+    EXPECT_NE(view().Image5, view().Image6) << "the lamps take turns";
+
+    d().MMControl1_StopClick();
+    EXPECT_EQ(editor1.Length(), 3 * kRate);
+    EXPECT_EQ(view().caption, std::string(kTitle) + "File is in Recording Mode but is Stopped");
+    EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CaseEnd));
+    EXPECT_TRUE(view().cmdEOL) << "a recorded file waits at its end";
+    EXPECT_FALSE(state().Recordingstatus);
+    EXPECT_TRUE(state().FileChanged) << "without crash protection a Stop saves nothing";
+    EXPECT_FALSE(platform::fileExists(state().Filename));
+
+    d().MMControl1_PrevClick();
+    EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CaseBeginning));
+    EXPECT_EQ(editor1.CursorPosition(), 0);
+    d().MMControl1_PlayClick();
+    EXPECT_EQ(view().caption, std::string(kTitle) + "File is Playing");
+    EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CasePlayOrOpen));
+    run(1000);
+    EXPECT_EQ(view().timeElapsed, "00:00:01");
+
+    d().MMControl1_PauseClick();
+    EXPECT_EQ(editor1.State(), 5);
+    EXPECT_EQ(view().caption, std::string(kTitle) + "File is Paused");
+    const auto pausedAt = editor1.CursorPosition();
+    run(500);
+    EXPECT_EQ(editor1.CursorPosition(), pausedAt);
+
+    d().CaseContinue();
+    run(2500);
+    EXPECT_FALSE(state().flgPlay) << "playback ended at the end of the file";
+    EXPECT_EQ(editor1.CursorPosition(), editor1.Length());
+    EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CaseEnd));
+    EXPECT_EQ(backend.playedSamples().size(), static_cast<std::size_t>(3 * kRate));
+    EXPECT_EQ(prompts.transcript().size(), 0u);
+}
+
+TEST_F(DictationTest, StopDuringPlaybackPausesAndASecondStopEnds) {
+    dictate(2000);
+    d().MMControl1_PrevClick();
+    d().MMControl1_PlayClick();
+    run(500);
+    d().MMControl1_StopClick();
+    EXPECT_EQ(editor1.State(), 5);
+    EXPECT_TRUE(state().PausedRecording);
+    EXPECT_EQ(editor1.CursorPosition(), kRate / 2) << "the position is kept";
+
+    d().MMControl1_StopClick();
+    EXPECT_EQ(editor1.State(), 0);
+    EXPECT_EQ(editor1.CursorPosition(), editor1.Length());
+    EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CaseEnd));
+}
+
+TEST_F(DictationTest, RoutinesThatFindNothingToDoChangeNothing) {
+    view().lblMode = "Insert Mode";
+    const auto before = view().MMControl1;
+    d().CaseStop();
+    EXPECT_EQ(view().lblMode, "");
+    EXPECT_EQ(view().MMControl1, before);
+    EXPECT_EQ(state().WhichBut, "");
+
+    dictate(2000);
+    d().CaseContinue();  // after a Stop there is nothing to go on with
+    EXPECT_EQ(state().WhichBut, "Stop");
+    EXPECT_EQ(editor1.State(), 0);
+
+    d().MMControl1_PrevClick();
+    d().MMControl1_PlayClick();
+    const auto length = editor1.Length();
+    d().CaseRecord();  // while playing: nothing, and nothing shown
+    EXPECT_EQ(editor1.State(), 1);
+    EXPECT_FALSE(state().Recordingstatus);
+    EXPECT_EQ(editor1.Length(), length);
+    EXPECT_TRUE(prompts.transcript().empty());
+}
+
+TEST_F(DictationTest, EveryRefusalCarriesItsTag) {
+    config.record.Last3SecsAR = true;
+    dictate(3000);
+    const auto middle = editor1.Length() / 2;
+    const auto atTheMiddle = [&] {
+        editor1.setCursorPosition(middle);
+        view().ctSlide1 = 50;
+        view().Label40 = kDeskUnitMissing;
+    };
+    struct Case {
+        const char* tag;
+        std::function<void()> arrange;
+        std::function<void()> act;
+    };
+    const std::vector<Case> cases = {
+        {"CaseBeginning", {}, [&] { d().CaseBeginning(); }},
+        {"CaseCopy", {}, [&] { d().CaseCopy(); }},
+        {"CaseCut", {}, [&] { d().CaseCut(); }},
+        {"CaseInsertAppend", {}, [&] { d().CaseInsertAppend(); }},
+        {"CaseInsSilence", {}, [&] { d().CaseInsSilence(); }},
+        {"CaseNew", [&] { state().FileChanged = false; }, [&] { d().CaseNew(); }},
+        {"CaseOpen", {}, [&] { d().CaseOpen(); }},
+        {"CasePaste", {}, [&] { d().CasePaste(); }},
+        {"CasePlay", {}, [&] { d().CasePlay("test"); }},
+        {"CasePlayLooped", {}, [&] { d().CasePlayLooped(); }},
+        {"CasePlayToEnd", {}, [&] { d().CasePlayToEnd(); }},
+        {"CaseRecord", {}, [&] { d().CaseRecord(); }},
+        {"CaseRedo", {}, [&] { d().CaseRedo(); }},
+        {"CaseStepBackward", {}, [&] { d().CaseStepBackward(); }},
+        {"CaseStepForward", {}, [&] { d().CaseStepForward(); }},
+        {"CaseUndo", {}, [&] { d().CaseUndo(); }},
+        {"Command1", atTheMiddle, [&] { d().Command1_Click(); }},
+        {"Command1-2", [&] { atTheMiddle(); view().ctSlide1 = 0; }, [&] { d().Command1_Click(); }},
+        {"Command1-3",
+         [&] { atTheMiddle(); view().ctSlide1 = 0; state().flgfileOpen1 = false; },
+         [&] { d().Command1_Click(); }},
+        {"Command2", atTheMiddle, [&] { d().Command2_Click(); }},
+        {"Command3", {}, [&] { d().Command3_Click(); }},
+        {"cmdOVR", atTheMiddle, [&] { d().cmdOVR_Click(); }},
+        {"TurnOffTimers", {}, [&] { d().TurnOffTimers(); }},
+        {"timLastThreeSecondsCon",
+         [&] { editor1.setCursorPosition(editor1.Length() - kRate); state().iTotalSecFile = 3; },
+         [&] { d().timLastThreeSeconds_Timer(); }},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.tag);
+        state().flgfileOpen1 = true;
+        if (c.arrange) c.arrange();
+        // A take is running, as when a pedal came in during a routine's wait.
+        state().Recordingstatus = true;
+        const auto length = editor1.Length();
+        prompts.clear();
+        c.act();
+        ASSERT_EQ(prompts.texts().size(), 1u);
+        EXPECT_EQ(prompts.texts()[0], refusalText(c.tag));
+        EXPECT_TRUE(state().Recordingstatus);
+        EXPECT_EQ(editor1.Length(), length);
+        EXPECT_EQ(editor1.State(), 0);
+    }
+}
+
+TEST_F(DictationTest, APedalDuringTheNewFilesAnnouncementIsRefusedOnTheSecondPath) {
+    config.record.TCP = true;
+    peer.on = true;
+    peer.duringWait = [&] { state().Recordingstatus = true; };
+    d().Image2_Click();
+    ASSERT_FALSE(prompts.texts().empty());
+    EXPECT_EQ(prompts.texts()[0], refusalText("CaseNew-2"));
+    ASSERT_FALSE(peer.messages.empty());
+    EXPECT_EQ(peer.messages[0], "LOADED_AB0002");
+}
+
+TEST_F(DictationTest, CrashProtectionSavesAtEveryStopAndTheSaveTimerRunsOn) {
+    config.record.FileSaveAtStop = true;
+    rebuild();
+    dictate(3000);
+    ASSERT_TRUE(platform::fileExists(state().Filename));
+    EXPECT_GT(*platform::fileSize(state().Filename), 90000u);
+    EXPECT_FALSE(state().FileChanged);
+    EXPECT_TRUE(d().timSave.Enabled());
+    EXPECT_TRUE(logged(state().Filename + " File Save Successfull"));
+}
+
+TEST_F(DictationTest, AfterTheFirstStopThePeriodicSaveKeepsTheFileOneIntervalBehind) {
+    EXPECT_EQ(d().timSave.Interval(), 16192);
+    dictate(2000);
+    const std::string file = state().Filename;
+    EXPECT_FALSE(platform::fileExists(file)) << "before the save timer, only the work file holds it";
+    d().MMControl1_RecordClick();
+    run(16192);
+    ASSERT_TRUE(platform::fileExists(file));
+    d().MMControl1_StopClick();
+}
+
+TEST(SaveIntervalTest, SharesOfTheLongestIntervalAndNothingElse) {
+    EXPECT_EQ(saveIntervalFor(0), 0);
+    EXPECT_EQ(saveIntervalFor(15), 16192);
+    EXPECT_EQ(saveIntervalFor(30), 32384);
+    EXPECT_EQ(saveIntervalFor(45), 48575);
+    EXPECT_EQ(saveIntervalFor(60), 64767);
+    EXPECT_EQ(saveIntervalFor(20), std::nullopt) << "not seconds: the interval stays as it was";
+}
+
+}  // namespace
+}  // namespace ovd::dictation::testing
