@@ -226,7 +226,8 @@ private:
     bool deskUnitAllowsTake();
     [[nodiscard]] bool positionAllowsScratchTake() const;
     void beginScratchTake(engine::SampleCount at, bool showEndButton);
-    void takeScratchAudio();
+    void selectScratchTake();
+    void copyScratchTake();
     void closeScratchTake(const std::string& waitTag);
     void finishPendingInsertOrAppend();
     void rotateWorkFileNames();

@@ -130,11 +130,14 @@ void Dictation::beginScratchTake(engine::SampleCount at, bool showEndButton) {
     changed();
 }
 
-void Dictation::takeScratchAudio() {
+void Dictation::selectScratchTake() {
     AudioEditor21.Stop();
     AudioEditor21.setSelectionActive(true);
     AudioEditor21.setSelectionStart(0);
     AudioEditor21.setSelectionEnd(AudioEditor21.Length());
+}
+
+void Dictation::copyScratchTake() {
     if (auto copied = AudioEditor21.Copy(); !copied) trace("Scratch take copy: " + copied.error());
 }
 
@@ -158,7 +161,8 @@ void Dictation::closeScratchTake(const std::string& waitTag) {
 void Dictation::ButtonEx1_Click() {
     if (!state.DoingInsertUpdate) return;  // nothing in the scratch take to put in
     trace("End of Insert: " + state.Filename);
-    takeScratchAudio();
+    selectScratchTake();
+    copyScratchTake();
     // No selection in the file: the paste inserts at the cursor.
     AudioEditor1.setSelectionActive(false);
     AudioEditor1.setCursorPosition(state.SaveCurrentPosition);
@@ -172,7 +176,7 @@ void Dictation::OverWriteFileOK(const std::string& from) {
     if (!state.OverWriteFile) return;
     trace("End of Overwrite: " + state.Filename + " from " + from);
     state.PedalsBusy = true;
-    takeScratchAudio();
+    selectScratchTake();
     const engine::SampleCount start = state.SaveCurrentPosition;
     if (config_.record.OverwriteToEnd) {
         // Everything behind the start of the overwrite goes.
@@ -181,7 +185,9 @@ void Dictation::OverWriteFileOK(const std::string& from) {
         AudioEditor1.setSelectionEnd(AudioEditor1.Length());
         if (auto cut = AudioEditor1.Cut(); !cut) trace("Overwrite cut: " + cut.error());
     }
-    // The paste replaces exactly as much audio as was spoken.
+    // The clipboard is shared with the file, so the take is copied only now,
+    // after the cut. The paste replaces exactly as much audio as was spoken.
+    copyScratchTake();
     AudioEditor1.setSelectionActive(true);
     AudioEditor1.setSelectionStart(start);
     AudioEditor1.setSelectionEnd(std::min(start + AudioEditor21.Length(), AudioEditor1.Length()));
