@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "app/command_line.h"
+#include "app/station.h"
 #include "engine/backend_choice.h"
-#include "engine/wave_editor.h"
 #include "platform/files.h"
 #include "platform/headless_prompts.h"
 #include "platform/termination_signals.h"
@@ -121,16 +121,8 @@ int main(int argc, char** argv) {
         eventLog.SaveEventLog();
         return 1;
     }
-    // The file under dictation and the scratch take of inserts and overwrites,
-    // sharing one clipboard; their work files lie in Temp under the recordings.
-    auto clipboard = std::make_shared<ovd::engine::Clipboard>();
-    ovd::engine::WaveEditor AudioEditor1(loop, *sound.backend, clipboard, "AudioEditor1");
-    ovd::engine::WaveEditor AudioEditor21(loop, *sound.backend, clipboard, "AudioEditor21");
-    const std::string temporaryFolder =
-        ovd::platform::joinPath(config.record.CaptureFilePath.toText(), "Temp");
-    ovd::platform::createFolder(temporaryFolder);
-    AudioEditor1.setTempFileName(temporaryFolder);
-    AudioEditor21.setTempFileName(temporaryFolder);
+    ovd::app::Station station({loop, config, eventLog, *prompts, *sound.backend, dataFolder,
+                               ovd::platform::joinPath(ovd::platform::programShareFolder(), "prompts")});
 
     std::unique_ptr<ovd::ui::StationWindow> window;
     if (!options.headless) {
@@ -146,7 +138,9 @@ int main(int argc, char** argv) {
             if (terminationSignals.take() != 0) QCoreApplication::quit();
         });
     }
+    station.start();
     const int status = QCoreApplication::exec();
+    station.shutDown();
     window.reset();
     endInOrder(config, eventLog);
     return status;
