@@ -183,7 +183,7 @@ void PedalDispatcher::stepBackTick(platform::Timer& timer, const std::function<b
     state_.HitTwice = false;
     commands_.pushSwitchPosition(kStepBackStatus);
     commands_.SwitchAction("STEPBACK");
-    StepBackRequest = false;
+    state_.StepBackRequest = false;
     // Asked again after the step: the step pumps events, and the pedal may be up by now.
     if (!pedalHeld()) timer.setEnabled(false);
 }

@@ -85,7 +85,6 @@ public:
     void stepBackTick(platform::Timer& timer, const std::function<bool()>& pedalHeld);
     [[nodiscard]] bool serialPedalHeld() const;
 
-    bool StepBackRequest = false;
     // The USB reader tells whether one of its pedals is down.
     std::function<bool()> usbPedalHeld;
 

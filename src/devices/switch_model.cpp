@@ -134,7 +134,7 @@ void SwitchModel::stepBack() {
     shown();
     pushSwitchPosition(kSwitchStepBack);
     SwitchAction("STEPBACK");
-    *StepBackRequest_ = false;
+    d_.state.StepBackRequest = false;
 }
 
 void SwitchModel::listen() {
@@ -323,7 +323,7 @@ void SwitchModel::SwitchAction(const std::string& word) {
             return;
         }
         state_.StatusMessage.clear();
-        *StepBackRequest_ = true;
+        d_.state.StepBackRequest = true;
         d_.StepBackward();
         // Playing starts where the step left the cursor: "Backs up N seconds/Listen".
         d_.CasePlay("StepBackwardKey");
@@ -333,10 +333,10 @@ void SwitchModel::SwitchAction(const std::string& word) {
         if (bar.Play) d_.MMControl1_PlayClick();
     } else if (word == "STOP") {
         // The stop that ends a step back only ends the step; playing goes on.
-        if (!*StepBackRequest_) {
+        if (!d_.state.StepBackRequest) {
             if (bar.Stop) StopClick();
         } else {
-            *StepBackRequest_ = false;
+            d_.state.StepBackRequest = false;
         }
         UpdateEOLButton();
     } else if (word == "DICTATE") {

@@ -78,8 +78,6 @@ class SwitchModel : public TransportCommands {
     // A step back is running. The dispatcher's step-back repeat clears its own
     // flag after each step; the station points this model at that flag so the
     // two agree.
-    void shareStepBackRequest(bool& flag) { StepBackRequest_ = &flag; }
-    [[nodiscard]] bool StepBackRequest() const { return *StepBackRequest_; }
 
   private:
     void stepBack();
@@ -124,8 +122,6 @@ class SwitchModel : public TransportCommands {
     const ButtonMessages& messages_;
     LetterActions& letters_;
 
-    bool ownStepBackRequest_ = false;
-    bool* StepBackRequest_ = &ownStepBackRequest_;
     std::array<bool, 8> BUTHit_{};
 };
 

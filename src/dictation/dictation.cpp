@@ -102,6 +102,7 @@ void Dictation::ResetRecorderState() {
         fresh.DictatorSeqNo = state.DictatorSeqNo;
         fresh.LastThreeNCTTmps = state.LastThreeNCTTmps;
         fresh.PriorityOn = state.PriorityOn;
+        fresh.PreviousNextFile = state.PreviousNextFile;
         state = std::move(fresh);
         view.lblReady.clear();
         view.statusPanel1.clear();

@@ -61,6 +61,9 @@ struct DictationState {
     // A routine the pedals must not enter is half done (the end of an overwrite,
     // the start of a file named from outside).
     bool PedalsBusy = false;
+    // A step back of the listen pedal or the switch is under way; the next stop
+    // then only ends it.
+    bool StepBackRequest = false;
 
     // The current action word: "New", "Record", "Stop", "Play"...
     std::string WhichBut;

@@ -169,7 +169,6 @@ TEST_F(SwitchModelTest, AStopAfterAPedalStepBackStopsAtOnce) {
     platform::Timer ser{loop, "timSERStepBACK"}, usb{loop, "timUSBStepBACK"},
         game{loop, "timGAMEStepBACK"};
     PedalDispatcher dispatcher{config.record, state(), view(), d().hits, *model, {ser, usb, game}};
-    model->shareStepBackRequest(dispatcher.StepBackRequest);
     dictate(4000);
 
     d().hits.LEFTSERPEDALHit = true;
