@@ -121,8 +121,10 @@ int main(int argc, char** argv) {
         eventLog.SaveEventLog();
         return 1;
     }
+    const std::string programFolder = ovd::platform::programShareFolder();
     ovd::app::Station station({loop, config, eventLog, *prompts, *sound.backend, dataFolder,
-                               ovd::platform::joinPath(ovd::platform::programShareFolder(), "prompts")});
+                               ovd::platform::joinPath(programFolder, "prompts"), programFolder});
+    station.onExit = [] { QCoreApplication::quit(); };
 
     std::unique_ptr<ovd::ui::StationWindow> window;
     if (!options.headless) {

@@ -11,6 +11,7 @@ Station::Station(StationParts parts)
       AudioEditor21(parts_.loop, parts_.sound, clipboard_, "AudioEditor21"),
       voice_(parts_.sound, parts_.promptFolder),
       speakers_(parts_.dataFolder),
+      delivery_(parts_.log),
       tmCommand(parts_.loop, "tmCommand", 10) {
     // Work files of both editors lie in Temp under the recordings.
     const std::string temporaryFolder =
@@ -21,6 +22,16 @@ Station::Station(StationParts parts)
     dictation_ = std::make_unique<dictation::Dictation>(dictation::DictationParts{
         parts_.loop, parts_.config, parts_.log, parts_.prompts, AudioEditor1, AudioEditor21, voice_,
         speakers_, peer_, parts_.dataFolder});
+    endOfLetter_ = std::make_unique<devices::EndOfLetter>(*dictation_, parts_.config, parts_.log,
+                                                          parts_.loop, voice_, delivery_);
+    handsFree_ = std::make_unique<devices::HandsFree>(devices::HandsFreeParts{
+        *dictation_, AudioEditor1, parts_.config, parts_.log, parts_.prompts, parts_.loop, peer_,
+        *endOfLetter_, platform::joinPath(parts_.programFolder, "Button.cfg"), {}});
+    const auto exit = [this] {
+        if (onExit) onExit();
+    };
+    endOfLetter_->onExit = exit;
+    handsFree_->onEndProgram = exit;
     tmCommand.setOnTick([this] { tmCommand_Timer(); });
 }
 
@@ -32,6 +43,7 @@ void Station::start() {
                          parts_.config.record.TCPIP);
     }
     dictation_->start();
+    handsFree_->start();
     if (parts_.config.record.QDUDisconnected) {
         dictation_->view.Label40 = dictation::kDeskUnitMissing;
         tmCommand.setEnabled(true);
@@ -52,6 +64,7 @@ void Station::shutDown() {
     tmCommand.setEnabled(false);
     dictation::Dictation& d = *dictation_;
     if (!d.state.Filename.empty()) d.Image10_Click();
+    handsFree_->stop();
 }
 
 }  // namespace ovd::app

@@ -3,9 +3,12 @@
 // editors, the voice prompts, the speaker list and the dictation, and wires
 // them together. It holds no dictation logic of its own.
 
+#include <functional>
 #include <memory>
 #include <string>
 
+#include "devices/end_of_letter.h"
+#include "devices/hands_free.h"
 #include "dictation/dictation.h"
 #include "engine/audio_backend.h"
 #include "engine/clipboard.h"
@@ -28,6 +31,30 @@ public:
     bool send(const std::string&, const std::string&) override { return false; }
 };
 
+// Delivery is not part of this build either: a finished letter stays in the
+// recordings folder, and the log says so.
+class DeliveryUnavailable : public devices::LetterDelivery {
+public:
+    explicit DeliveryUnavailable(settings::EventLog& log) : log_(log) {}
+    void deliver(const std::string& path) override {
+        log_.trace("Delivery is not part of this build; the letter stays at " + path);
+    }
+    void destinationNotTried(int destination, const std::string& notice) override {
+        log_.trace("Destination " + std::to_string(destination) + " not tried: " + notice);
+    }
+    void sendToDestination(int destination, const std::string& path,
+                           const devices::SendWording&) override {
+        log_.trace("Delivery is not part of this build; " + path + " was not sent to destination " +
+                   std::to_string(destination));
+    }
+    void stageForSending(devices::Staging, const std::string& path) override {
+        log_.trace("Delivery is not part of this build; " + path + " was not staged");
+    }
+
+private:
+    settings::EventLog& log_;
+};
+
 struct StationParts {
     platform::EventLoop& loop;
     settings::ConfigFile& config;
@@ -36,6 +63,7 @@ struct StationParts {
     engine::AudioBackend& sound;
     std::string dataFolder;
     std::string promptFolder;  // the prompt sounds of the program's folder
+    std::string programFolder;  // Button.cfg
 };
 
 class Station {
@@ -52,6 +80,10 @@ public:
     void shutDown();
 
     dictation::Dictation& dictation() { return *dictation_; }
+    devices::HandsFree& handsFree() { return *handsFree_; }
+
+    // Ends the program in order: the exit at end of letter, a port change.
+    std::function<void()> onExit;
 
 private:
     void tmCommand_Timer();
@@ -64,6 +96,9 @@ private:
     settings::SpeakersTable speakers_;
     PeerLinkUnavailable peer_;
     std::unique_ptr<dictation::Dictation> dictation_;
+    DeliveryUnavailable delivery_;
+    std::unique_ptr<devices::EndOfLetter> endOfLetter_;
+    std::unique_ptr<devices::HandsFree> handsFree_;
     platform::Timer tmCommand;
 };
 

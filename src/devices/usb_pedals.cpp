@@ -22,10 +22,10 @@ std::int32_t numberAfterHash(const std::string& description) {
 
 UsbPedals::UsbPedals(settings::ConfigFile& config, platform::Prompts& prompts,
                      platform::EventLoop& loop, PedalEventSink& sink, PedalHits& hits,
-                     dictation::DictationState& state, HidrawRoots roots)
+                     dictation::DictationState& state, platform::Timer& timUSBStepBACK,
+                     HidrawRoots roots)
     : TmrHIDRead(loop, "TmrHIDRead", kPedalPollMs),
       TmrHIDReadNew(loop, "TmrHIDReadNew", kPedalPollMs),
-      timUSBStepBACK(loop, "timUSBStepBACK"),
       decoder(sink, hits, config.record, state),
       reader(loop, std::move(roots)),
       config_(config),
@@ -34,8 +34,8 @@ UsbPedals::UsbPedals(settings::ConfigFile& config, platform::Prompts& prompts,
       state_(state) {
     TmrHIDRead.setOnTick([this] { ReadHIDWatch(); });
     TmrHIDReadNew.setOnTick([this] { ReadPIE(); });
-    timUSBStepBACK.setOnTick([this] { stepBackTick(); });
-    decoder.stopStepBack = [this] { timUSBStepBACK.setEnabled(false); };
+    // A release ends the step-back repeat at once; the dispatcher runs its ticks.
+    decoder.stopStepBack = [&timUSBStepBACK] { timUSBStepBACK.setEnabled(false); };
     decoder.onMiddleDown = [this] { traceMiddleDown(); };
 }
 
@@ -155,20 +155,6 @@ void UsbPedals::closeHIDWatch() {
 
 void UsbPedals::unload() {
     if (config_.record.Use30VEC) reader.CloseInterface(PIEHandle);
-}
-
-void UsbPedals::StartStepBackUSB() {
-    timUSBStepBACK.setInterval(kStepBackMs);
-    timUSBStepBACK.setEnabled(true);
-}
-
-void UsbPedals::stepBackTick() {
-    if (!decoder.pedalHeld()) {
-        timUSBStepBACK.setEnabled(false);
-        return;
-    }
-    if (stepBack) stepBack();
-    if (!decoder.pedalHeld()) timUSBStepBACK.setEnabled(false);
 }
 
 void UsbPedals::traceMiddleDown() {

@@ -48,7 +48,7 @@ class UsbPedals {
 public:
     UsbPedals(settings::ConfigFile& config, platform::Prompts& prompts, platform::EventLoop& loop,
               PedalEventSink& sink, PedalHits& hits, dictation::DictationState& state,
-              HidrawRoots roots = {});
+              platform::Timer& timUSBStepBACK, HidrawRoots roots = {});
 
     // At start: check marks from the settings, and the pedal opened if chosen.
     void start();
@@ -59,8 +59,6 @@ public:
     // The ticks of TmrHIDRead and TmrHIDReadNew.
     void ReadHIDWatch();
     void ReadPIE();
-    // Sets the step-back repeat going; the first step comes one interval later.
-    void StartStepBackUSB();
     // When the station unloads.
     void unload();
 
@@ -69,7 +67,6 @@ public:
 
     platform::Timer TmrHIDRead;
     platform::Timer TmrHIDReadNew;
-    platform::Timer timUSBStepBACK;
 
     UsbPedalDecoder decoder;
     UsbPedalReader reader;
@@ -85,8 +82,6 @@ public:
 
     // Set by the station. While the add-to-beginning operation runs, pedals are silent.
     std::function<bool()> PedalsBusy;
-    // One step of the step-back repeat, done by the switch model.
-    std::function<void()> stepBack;
     // Shows the USB pedal assignment dialog modally.
     std::function<void()> showConfigDialog;
     // Ends the program, as the exit does.
@@ -96,7 +91,6 @@ public:
 
 private:
     void closeHIDWatch();
-    void stepBackTick();
     void traceMiddleDown();
     [[nodiscard]] bool busy() const { return PedalsBusy && PedalsBusy(); }
 

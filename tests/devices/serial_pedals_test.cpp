@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "support/pseudo_terminal.h"
 #include "support/scripted_prompts.h"
 #include "support/temp_folder.h"
 #include "support/virtual_event_loop.h"
@@ -20,35 +21,9 @@
 namespace ovd::devices {
 namespace {
 
+using testing::PseudoTerminal;
 using platform::Answer;
 using platform::Milliseconds;
-
-class PseudoTerminal {
-  public:
-    PseudoTerminal() {
-        master_ = ::posix_openpt(O_RDWR | O_NOCTTY);
-        if (master_ >= 0 && ::grantpt(master_) == 0 && ::unlockpt(master_) == 0) {
-            slavePath_ = ::ptsname(master_);
-        }
-    }
-    ~PseudoTerminal() {
-        if (master_ >= 0) ::close(master_);
-    }
-    PseudoTerminal(const PseudoTerminal&) = delete;
-    PseudoTerminal& operator=(const PseudoTerminal&) = delete;
-
-    [[nodiscard]] const std::string& slavePath() const { return slavePath_; }
-    // The byte reaches the slave side a moment after the write, not at once.
-    void send(std::uint8_t byte) const {
-        ASSERT_EQ(::write(master_, &byte, 1), 1);
-        ::tcdrain(master_);
-        ::usleep(20000);
-    }
-
-  private:
-    int master_ = -1;
-    std::string slavePath_;
-};
 
 struct EdgeLog : PedalEventSink {
     std::vector<std::string> edges;

@@ -52,6 +52,7 @@ protected:
     PedalHits hits;
     dictation::DictationState state;
     HidrawRoots roots{folder.file("sys"), folder.file("dev")};
+    platform::Timer stepBackTimer{loop, "timUSBStepBACK"};
     int writer = -1;
 
     void TearDown() override {
@@ -113,7 +114,7 @@ TEST_F(UsbPedalsTest, BothDriversReadThePedalOnTheLoop) {
         plugPedal();
         config.record.UserSelectUSB = true;
         config.record.Use30VEC = use30Vec;
-        UsbPedals pedals(config, prompts, loop, sink, hits, state, roots);
+        UsbPedals pedals(config, prompts, loop, sink, hits, state, stepBackTimer, roots);
         pedals.start();
         ASSERT_TRUE(pedals.decoder.USBPedals);
         EXPECT_FALSE(pedals.NoUSBPedalConnected);
@@ -140,7 +141,7 @@ TEST_F(UsbPedalsTest, BothDriversReadThePedalOnTheLoop) {
 TEST_F(UsbPedalsTest, APulledPedalStopsTheSingleReportDriverSilently) {
     plugPedal();
     config.record.Use30VEC = true;
-    UsbPedals pedals(config, prompts, loop, sink, hits, state, roots);
+    UsbPedals pedals(config, prompts, loop, sink, hits, state, stepBackTimer, roots);
     pedals.OpenUSBPedals();
     press(0x01);
     ::close(writer);
@@ -176,7 +177,7 @@ TEST_F(UsbPedalsTest, NoPedalOrAnotherFunctionFirst) {
             addDevice(2, "0003:000005F3:000000FF", kPedalDescriptor);
         }
         config.record.Use30VEC = c.use30Vec;
-        UsbPedals pedals(config, prompts, loop, sink, hits, state, roots);
+        UsbPedals pedals(config, prompts, loop, sink, hits, state, stepBackTimer, roots);
         pedals.OpenUSBPedals();
         EXPECT_EQ(pedals.NoUSBPedalConnected, c.noPedalConnected) << c.name;
         EXPECT_EQ(pedals.decoder.USBPedals, c.usbPedals) << c.name;
@@ -188,21 +189,23 @@ TEST_F(UsbPedalsTest, NoPedalOrAnotherFunctionFirst) {
 
 TEST_F(UsbPedalsTest, AHeldPedalStepsBackUntilReleasedEvenTheRightOne) {
     plugPedal();
-    UsbPedals pedals(config, prompts, loop, sink, hits, state, roots);
+    UsbPedals pedals(config, prompts, loop, sink, hits, state, stepBackTimer, roots);
+    // The dispatcher's repeat, as far as the reader is concerned: ticks while held.
     int steps = 0;
-    pedals.stepBack = [&] { ++steps; };
+    stepBackTimer.setOnTick([&] { ++steps; });
     pedals.OpenUSBPedals();
     for (const std::uint8_t bits : {std::uint8_t{0x01}, std::uint8_t{0x04}}) {
         steps = 0;
         press(bits);
-        pedals.StartStepBackUSB();
-        EXPECT_EQ(pedals.timUSBStepBACK.Interval(), kStepBackMs);
+        EXPECT_TRUE(pedals.decoder.pedalHeld());
+        stepBackTimer.setInterval(kStepBackMs);
+        stepBackTimer.setEnabled(true);
         loop.advance(Milliseconds(99));
         EXPECT_EQ(steps, 0) << "nothing moves before the first interval";
         loop.advance(Milliseconds(201));
         EXPECT_EQ(steps, 3);
         press(0x00);
-        EXPECT_FALSE(pedals.timUSBStepBACK.Enabled());
+        EXPECT_FALSE(stepBackTimer.Enabled()) << "a release ends the repeat at once";
         loop.advance(Milliseconds(500));
         EXPECT_EQ(steps, 3) << "bits " << int{bits};
     }
@@ -211,7 +214,7 @@ TEST_F(UsbPedalsTest, AHeldPedalStepsBackUntilReleasedEvenTheRightOne) {
 
 TEST_F(UsbPedalsTest, BusyPedalsAreNotRead) {
     plugPedal();
-    UsbPedals pedals(config, prompts, loop, sink, hits, state, roots);
+    UsbPedals pedals(config, prompts, loop, sink, hits, state, stepBackTimer, roots);
     bool busy = true;
     pedals.PedalsBusy = [&] { return busy; };
     pedals.OpenUSBPedals();
@@ -225,7 +228,7 @@ TEST_F(UsbPedalsTest, BusyPedalsAreNotRead) {
 TEST_F(UsbPedalsTest, TheUsbPedalMenuSwitchesThePedalAndWritesTheSettings) {
     plugPedal();
     config.record.UserSelectSerial = true;
-    UsbPedals pedals(config, prompts, loop, sink, hits, state, roots);
+    UsbPedals pedals(config, prompts, loop, sink, hits, state, stepBackTimer, roots);
     int dialogs = 0;
     pedals.showConfigDialog = [&] { ++dialogs; };
     pedals.start();
@@ -252,7 +255,7 @@ TEST_F(UsbPedalsTest, TheUsbPedalMenuSwitchesThePedalAndWritesTheSettings) {
 }
 
 TEST_F(UsbPedalsTest, TheDriverMenuAsksAndEndsTheProgram) {
-    UsbPedals pedals(config, prompts, loop, sink, hits, state, roots);
+    UsbPedals pedals(config, prompts, loop, sink, hits, state, stepBackTimer, roots);
     int ends = 0;
     pedals.endProgram = [&] { ++ends; };
 

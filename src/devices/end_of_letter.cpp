@@ -1,0 +1,126 @@
+#include "devices/end_of_letter.h"
+
+#include "platform/system_queries.h"
+
+namespace ovd::devices {
+
+namespace {
+
+std::string yesNo(bool value) { return value ? "True" : "False"; }
+
+}  // namespace
+
+EndOfLetter::EndOfLetter(dictation::Dictation& dictation, settings::ConfigFile& config,
+                         settings::EventLog& log, platform::EventLoop& loop,
+                         engine::PromptPlayer& voice, LetterDelivery& delivery)
+    : TimClose(loop, "TimClose", 100),
+      d_(dictation),
+      config_(config),
+      log_(log),
+      loop_(loop),
+      voice_(voice),
+      delivery_(delivery) {
+    TimClose.setOnTick([this] {
+        TimClose.setEnabled(false);
+        exitProgram();
+    });
+}
+
+void EndOfLetter::beep() { voice_.PlayPrompt("ding.wav", true); }
+
+void EndOfLetter::startEndOfLetter() {
+    DoingEOL = false;
+    endOfLetter();
+}
+
+void EndOfLetter::showReady() {
+    const bool thin = config_.record.ScreenSize == "SuperThin";
+    d_.view.lblReady = thin ? "" : dictation::kReadyAfterSave;
+    ++d_.view.revision;
+}
+
+void EndOfLetter::endOfLetter() {
+    dictation::DictationState& state = d_.state;
+    if (state.CheckingKey) return;
+    state.FileKilled = false;
+    d_.view.Label40 = kEOLExecuting;
+    log_.trace("EOL is Executing - DoingEOL = " + yesNo(DoingEOL));
+    if (DoingEOL) return;  // a second trigger while the letter is being finished
+    d_.CaseEnd();
+    if (!state.FileSaveAtStop && state.FileChanged) {
+        state.SaveRequested = true;
+        d_.SaveFile();
+        if (state.FileSaveError) {
+            // The letter is not finished: it stays blocked until the next trigger.
+            state.FileSaveError = false;
+            DoingEOL = true;
+            return;
+        }
+    }
+    const settings::SettingsRecord& record = config_.record;
+    log_.trace(std::string("EOL has been executed.") + " Auto Send 1 = " + yesNo(record.AutoSend1) +
+               " Auto Send 2 = " + yesNo(record.AutoSend2) + " Auto Send 3 = " + yesNo(record.AutoSend3));
+    DoingEOL = true;
+
+    SaveFileNameForSending = state.Filename;
+    const std::string commandFileName = state.CommandFileName;
+    d_.Image10_Click();
+    if (state.FileKilled) {
+        // Nothing was said worth keeping: nothing to send.
+        SaveFileNameForSending.clear();
+        showReady();
+        if (commandFileName.empty()) {
+            log_.trace(" Calling Image2_Click from HandSetSwitchs3");
+            d_.Image2_Click();
+        }
+        state.CommandFileName.clear();
+        state.FileKilled = false;
+    }
+    if (SaveFileNameForSending.empty()) {
+        DoingEOL = false;
+        return;
+    }
+    while (!platform::FileAvailable(SaveFileNameForSending)) {
+        const bool thin = record.ScreenSize == "SuperThin";
+        d_.view.lblReady = thin ? "" : "Waiting For File to be Available";
+        ++d_.view.revision;
+        loop_.wait(platform::Milliseconds(100));
+    }
+    delivery_.deliver(SaveFileNameForSending);
+
+    SaveFileNameForSending.clear();
+    state.EOLHAPPENED = true;
+    d_.view.Label40 = dictation::kReadyAfterSave;
+    showReady();
+    log_.trace(" DIDDOCOMMANDLINE " + yesNo(!commandFileName.empty()) + " Procedure-HandSetSwitchs3");
+    log_.trace(" Calling Image2_Click from HandSetSwitchs3-1");
+    if (!record.ExitAtEOL) {
+        ExitRequested = false;
+        d_.Image2_Click();
+    } else {
+        ExitRequested = true;
+    }
+    state.CommandFileName.clear();
+    DoingEOL = false;
+}
+
+void EndOfLetter::startTimClose() { TimClose.setEnabled(true); }
+
+void EndOfLetter::exitProgram() {
+    if (onExit) onExit();
+}
+
+void EndOfLetter::destinationNotTried(int destination, const std::string& notice) {
+    delivery_.destinationNotTried(destination, notice);
+}
+
+void EndOfLetter::sendToDestination(int destination, const std::string& path,
+                                    const SendWording& wording) {
+    delivery_.sendToDestination(destination, path, wording);
+}
+
+void EndOfLetter::stageForSending(Staging staging, const std::string& path) {
+    delivery_.stageForSending(staging, path);
+}
+
+}  // namespace ovd::devices

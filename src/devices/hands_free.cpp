@@ -1,0 +1,61 @@
+#include "devices/hands_free.h"
+
+namespace ovd::devices {
+
+HandsFree::HandsFree(HandsFreeParts parts)
+    : messages(ReadButtonFile(parts.buttonFile)),
+      timSERStepBACK(parts.loop, "timSERStepBACK"),
+      timUSBStepBACK(parts.loop, "timUSBStepBACK"),
+      timGAMEStepBACK(parts.loop, "timGAMEStepBACK"),
+      switchModel({parts.dictation, parts.AudioEditor1, parts.config, parts.log, parts.prompts,
+                   parts.peer, messages, parts.letters}),
+      dispatcher(parts.config.record, parts.dictation.state, parts.dictation.view,
+                 parts.dictation.hits, switchModel, {timSERStepBACK, timUSBStepBACK, timGAMEStepBACK}),
+      usb(parts.config, parts.prompts, parts.loop, dispatcher, parts.dictation.hits,
+          parts.dictation.state, timUSBStepBACK, parts.hidraw),
+      serial(parts.config, parts.prompts, parts.loop, dispatcher, parts.dictation.hits,
+             parts.dictation.state, timSERStepBACK, *this),
+      dictation_(parts.dictation),
+      config_(parts.config) {
+    dispatcher.usbPedalHeld = [this] { return usb.decoder.pedalHeld(); };
+    usb.PedalsBusy = [this] { return dictation_.state.PedalsBusy; };
+    usb.showConfigDialog = [this] {
+        if (onShowUsbPedalSettings) onShowUsbPedalSettings();
+    };
+    usb.endProgram = [this] { endProgram(); };
+    dictation_.switchCommand = [this](const std::string& command) {
+        switchModel.SwitchCommand(command);
+    };
+}
+
+HandsFree::~HandsFree() { dictation_.switchCommand = nullptr; }
+
+void HandsFree::start() {
+    usb.start();
+    serial.setMnuSERFootPedalsChecked(config_.record.UserSelectSerial);
+    if (config_.record.UserSelectSerial) serial.OpenSerialPedals();
+}
+
+void HandsFree::stop() {
+    serial.CloseSerialPedals();
+    usb.unload();
+}
+
+bool HandsFree::USBPedals() const { return config_.record.UserSelectUSB; }
+bool HandsFree::GamePortPedals() const { return config_.record.UserSelectGame; }
+bool HandsFree::pedalInputSilenced() const { return dictation_.state.PedalsBusy; }
+
+void HandsFree::uncheckOtherFootPedalMenus() {
+    usb.menu.mnuUSBFootPedals = false;
+    usb.menu.mnuGAMEFootPedals = false;
+}
+
+void HandsFree::showConfigSERFootPedals() {
+    if (onShowSerialPedalSettings) onShowSerialPedalSettings();
+}
+
+void HandsFree::endProgram() {
+    if (onEndProgram) onEndProgram();
+}
+
+}  // namespace ovd::devices

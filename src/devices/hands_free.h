@@ -1,0 +1,74 @@
+#pragma once
+// Everything that drives the dictation without the mouse, put together: the
+// serial and USB pedal readers, the dispatcher that turns their edges into
+// command words, and the switch model that turns words into transport calls.
+// The station owns one; the window and the desk-unit panel call into it.
+
+#include <functional>
+#include <string>
+
+#include "devices/button_file.h"
+#include "devices/control_actions.h"
+#include "devices/letter_actions.h"
+#include "devices/serial_pedals.h"
+#include "devices/switch_model.h"
+#include "devices/usb_pedals.h"
+#include "dictation/dictation.h"
+#include "platform/timer.h"
+
+namespace ovd::devices {
+
+struct HandsFreeParts {
+    dictation::Dictation& dictation;
+    engine::AudioEditor& AudioEditor1;
+    settings::ConfigFile& config;
+    settings::EventLog& log;
+    platform::Prompts& prompts;
+    platform::EventLoop& loop;
+    dictation::PeerNotices& peer;
+    LetterActions& letters;
+    std::string buttonFile;  // Button.cfg in the program's folder
+    HidrawRoots hidraw;
+};
+
+class HandsFree : private SerialPedalsHost {
+public:
+    explicit HandsFree(HandsFreeParts parts);
+    ~HandsFree() override;
+    HandsFree(const HandsFree&) = delete;
+    HandsFree& operator=(const HandsFree&) = delete;
+
+    // Opens the chosen pedals: USB, then serial.
+    void start();
+    // Lets go of the ports before the program ends.
+    void stop();
+
+    // The window's pedal configuration dialog and the end of the program, when
+    // a port change asks for a restart.
+    std::function<void()> onShowSerialPedalSettings;
+    std::function<void()> onShowUsbPedalSettings;
+    std::function<void()> onEndProgram;
+
+    ButtonMessages messages;
+    platform::Timer timSERStepBACK;
+    platform::Timer timUSBStepBACK;
+    platform::Timer timGAMEStepBACK;
+    SwitchModel switchModel;
+    PedalDispatcher dispatcher;
+    UsbPedals usb;
+    SerialPedals serial;
+
+private:
+    [[nodiscard]] bool USBPedals() const override;
+    [[nodiscard]] bool GamePortPedals() const override;
+    [[nodiscard]] bool pedalInputSilenced() const override;
+    void uncheckOtherFootPedalMenus() override;
+    void showConfigSERFootPedals() override;
+    void clearLabel17() override {}  // a label of the pedal settings window, redrawn when it opens
+    void endProgram() override;
+
+    dictation::Dictation& dictation_;
+    settings::ConfigFile& config_;
+};
+
+}  // namespace ovd::devices
