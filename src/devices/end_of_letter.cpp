@@ -2,13 +2,9 @@
 
 #include "platform/system_queries.h"
 
+#include "platform/text.h"
+
 namespace ovd::devices {
-
-namespace {
-
-std::string yesNo(bool value) { return value ? "True" : "False"; }
-
-}  // namespace
 
 EndOfLetter::EndOfLetter(dictation::Dictation& dictation, settings::ConfigFile& config,
                          settings::EventLog& log, platform::EventLoop& loop,
@@ -44,7 +40,7 @@ void EndOfLetter::endOfLetter() {
     if (state.CheckingKey) return;
     state.FileKilled = false;
     d_.view.Label40 = kEOLExecuting;
-    log_.trace("EOL is Executing - DoingEOL = " + yesNo(DoingEOL));
+    log_.trace("EOL is Executing - DoingEOL = " + platform::boolText(DoingEOL));
     if (DoingEOL) return;  // a second trigger while the letter is being finished
     d_.CaseEnd();
     if (!state.FileSaveAtStop && state.FileChanged) {
@@ -58,8 +54,8 @@ void EndOfLetter::endOfLetter() {
         }
     }
     const settings::SettingsRecord& record = config_.record;
-    log_.trace(std::string("EOL has been executed.") + " Auto Send 1 = " + yesNo(record.AutoSend1) +
-               " Auto Send 2 = " + yesNo(record.AutoSend2) + " Auto Send 3 = " + yesNo(record.AutoSend3));
+    log_.trace(std::string("EOL has been executed.") + " Auto Send 1 = " + platform::boolText(record.AutoSend1) +
+               " Auto Send 2 = " + platform::boolText(record.AutoSend2) + " Auto Send 3 = " + platform::boolText(record.AutoSend3));
     DoingEOL = true;
 
     SaveFileNameForSending = state.Filename;
@@ -92,7 +88,7 @@ void EndOfLetter::endOfLetter() {
     state.EOLHAPPENED = true;
     d_.view.Label40 = dictation::kReadyAfterSave;
     showReady();
-    log_.trace(" DIDDOCOMMANDLINE " + yesNo(!commandFileName.empty()) + " Procedure-HandSetSwitchs3");
+    log_.trace(" DIDDOCOMMANDLINE " + platform::boolText(!commandFileName.empty()) + " Procedure-HandSetSwitchs3");
     log_.trace(" Calling Image2_Click from HandSetSwitchs3-1");
     if (!record.ExitAtEOL) {
         ExitRequested = false;

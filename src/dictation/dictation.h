@@ -230,6 +230,9 @@ private:
     void copyScratchTake();
     void closeScratchTake(const std::string& waitTag);
     void finishPendingInsertOrAppend();
+    void closeBeforeNewFile();
+    // The user gave up naming the new file: nothing is open.
+    bool newFileAbandoned();
     void rotateWorkFileNames();
     void closeByUserOrPeer(const std::string& logLine, const std::string& waitTag);
     void notifyPeer(const std::string& message, const std::string& waitTag);

@@ -15,10 +15,6 @@ namespace {
 // No new action: only the position and labels are refreshed.
 constexpr const char* kFromTimer = "From timCurPos Timer";
 
-std::string withoutFolder(const std::string& path) {
-    const auto slash = path.find_last_of('/');
-    return slash == std::string::npos ? path : path.substr(slash + 1);
-}
 
 }  // namespace
 
@@ -124,7 +120,7 @@ void Dictation::setFileLabels(const std::string& text) {
 
 void Dictation::showFileName() {
     view.statusPanel1 = state.Filename;
-    view.lblReady = withoutFolder(state.Filename);
+    view.lblReady = platform::withoutFolder(state.Filename);
 }
 
 void Dictation::setLamps(bool on) {

@@ -19,10 +19,6 @@ std::string localText(platform::WallClock::time_point when, const char* format) 
     return std::string(buffer, length);
 }
 
-std::string withoutFolder(const std::string& path) {
-    const auto slash = path.find_last_of('/');
-    return slash == std::string::npos ? path : path.substr(slash + 1);
-}
 
 // Where the extension starts in the file's own name (a dot in a folder name
 // does not count); npos without one.
@@ -35,12 +31,6 @@ std::size_t extensionDot(const std::string& path) {
     return dot;
 }
 
-// The name the peer is told: no folder, no extension.
-std::string baseNameOf(const std::string& path) {
-    const std::string name = withoutFolder(path);
-    const auto dot = name.find_last_of('.');
-    return dot == std::string::npos ? name : name.substr(0, dot);
-}
 
 // A counter that does not read as a number counts from 0 rather than stopping
 // the new file.
@@ -236,12 +226,12 @@ void FileNaming::announce() {
     log_.trace("LOADED New File: " + state_.Filename + " Procedure - CREATEFILENAME");
     if (config_.record.TCP) {
         log_.trace(" -58 Sending Message in CreateFileName");
-        view_.Label40 = hooks_.sendLoaded(baseNameOf(state_.Filename));
+        view_.Label40 = hooks_.sendLoaded(platform::baseNameOf(state_.Filename));
         ++view_.revision;
     }
     state_.FileSaveError = false;
     log_.trace(std::string("CaseNew-FileSaveError =: ") +
-               (state_.FileSaveError ? "True" : "False"));
+               platform::boolText(state_.FileSaveError));
     log_.trace("LOADED New File: " + state_.Filename + " Procedure - CreateFileName");
 }
 

@@ -5,17 +5,12 @@
 #include <cstdio>
 
 #include "dictation/dictation.h"
+#include "platform/files.h"
 #include "platform/system_queries.h"
 
 namespace ovd::dictation {
 
 namespace {
-
-std::string baseNameOf(const std::string& path) {
-    std::string name = path.substr(path.find_last_of('/') + 1);
-    const auto dot = name.find_last_of('.');
-    return dot == std::string::npos ? name : name.substr(0, dot);
-}
 
 constexpr int kStopped = static_cast<int>(engine::EditorState::Stopped);
 constexpr int kPlaying = static_cast<int>(engine::EditorState::Playing);
@@ -112,7 +107,7 @@ void Dictation::timRecord_Timer() {
     trace(state.Filename + " Disk Full Warning during Recording");
     const std::string name = state.Filename;
     if (config_.record.DFStopRec) Image10_Click();
-    notifyPeer("DiskErr_" + baseNameOf(name), " -68");
+    notifyPeer("DiskErr_" + platform::baseNameOf(name), " -68");
 }
 
 void Dictation::timLight_Timer() {

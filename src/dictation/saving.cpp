@@ -7,26 +7,10 @@
 
 #include "dictation/dictation.h"
 #include "platform/files.h"
+#include "platform/text.h"
 #include "platform/system_queries.h"
 
 namespace ovd::dictation {
-
-namespace {
-
-std::string yesNo(bool value) { return value ? "True" : "False"; }
-
-std::string baseNameOf(const std::string& path) {
-    std::string name = path.substr(path.find_last_of('/') + 1);
-    const auto dot = name.find_last_of('.');
-    return dot == std::string::npos ? name : name.substr(0, dot);
-}
-
-std::string folderOf(const std::string& path) {
-    const auto slash = path.find_last_of('/');
-    return slash == std::string::npos ? std::string() : path.substr(0, slash);
-}
-
-}  // namespace
 
 void Dictation::TempFileNameFileLength() {
     state.NewTempFile = AudioEditor1.TempFileName();
@@ -64,7 +48,7 @@ void Dictation::SaveFile() {
     state.FileChanged = false;
     state.FileSaveError = false;
     TempFileNameFileLength();
-    trace("SaveFileProcedure-FileSaveError =: " + yesNo(state.FileSaveError));
+    trace("SaveFileProcedure-FileSaveError =: " + platform::boolText(state.FileSaveError));
     timSave.setEnabled(false);
 
     const auto saveFailed = [&](const std::string& line, const std::string& waitTag) {
@@ -75,7 +59,7 @@ void Dictation::SaveFile() {
         view.lblReady = kReadyAfterSave;
         view.caption = applicationTitle(config_.record.HandsFreeEdition) + " - " + kSaveErrorText;
         if (!superThin) view.lblReady = kSaveErrorText;
-        notifyPeer("FileSaveErr_" + baseNameOf(state.Filename), waitTag);
+        notifyPeer("FileSaveErr_" + platform::baseNameOf(state.Filename), waitTag);
         view.transportLabelsVisible = true;
         view.busyPointer = false;
         changed();
@@ -159,7 +143,7 @@ void Dictation::makeRoomToSave() {
         }
         config_.WriteConfig();
         left = room(3);
-        notifyPeer("DiskErr_" + baseNameOf(state.Filename), " -72");
+        notifyPeer("DiskErr_" + platform::baseNameOf(state.Filename), " -72");
     }
 }
 
@@ -211,7 +195,7 @@ void Dictation::OpenFile() {
         return;
     }
     settings::SettingsRecord& record = config_.record;
-    record.LastFolderOpened = folderOf(state.Filename);
+    record.LastFolderOpened = platform::folderOf(state.Filename);
     record.LastFileOpened = state.Filename.substr(state.Filename.find_last_of('/') + 1);
     record.LastPathFileOpened = state.Filename;
     config_.WriteConfig();
@@ -327,7 +311,7 @@ void Dictation::closeByUserOrPeer(const std::string& logLine, const std::string&
         config_.WriteConfig();
         std::remove(killed.c_str());
         state.FileKilled = true;
-        trace(" FileKilled = " + yesNo(state.FileKilled));
+        trace(" FileKilled = " + platform::boolText(state.FileKilled));
         trace(" Procedure - Closed Procedure - Image10_Click");
         state.clearSwitchPositions();
         return;

@@ -4,20 +4,9 @@
 
 #include "dictation/dictation.h"
 #include "platform/files.h"
+#include "platform/text.h"
 
 namespace ovd::dictation {
-
-namespace {
-
-std::string yesNo(bool value) { return value ? "True" : "False"; }
-
-std::string baseNameOf(const std::string& path) {
-    std::string name = path.substr(path.find_last_of('/') + 1);
-    const auto dot = name.find_last_of('.');
-    return dot == std::string::npos ? name : name.substr(0, dot);
-}
-
-}  // namespace
 
 void Dictation::finishPendingInsertOrAppend() {
     if (state.InsertingFile) {
@@ -33,8 +22,7 @@ void Dictation::finishPendingInsertOrAppend() {
     }
 }
 
-void Dictation::CaseNew() {
-    trace("File New: " + state.Filename);
+void Dictation::closeBeforeNewFile() {
     if (state.FileChanged) {
         // The file in hand is closed (and saved) before a new one is named.
         state.FileChanged = false;
@@ -42,25 +30,33 @@ void Dictation::CaseNew() {
         Image10_Click();
     }
     timCurPos.setEnabled(false);
+}
+
+bool Dictation::newFileAbandoned() {
+    if (!state.UserSelectedNo) return false;
+    state.UserSelectedNo = false;
+    timCurPos.setEnabled(false);
+    timRecord.setEnabled(false);
+    timLight.setEnabled(false);
+    timSave.setEnabled(false);
+    state.flgfileOpen1 = false;
+    state.JustOpened = false;
+    state.Filename.clear();
+    setFileLabels(kReadyText);
+    changed();
+    return true;
+}
+
+void Dictation::CaseNew() {
+    trace("File New: " + state.Filename);
+    closeBeforeNewFile();
     if (refusedWhileRecording("CaseNew")) return;
     state.CheckedOnce = false;
     state.WhichBut = "New";
     state.Filename.clear();
     view.lblReady.clear();
     naming.Newfile();
-    if (state.UserSelectedNo) {
-        state.UserSelectedNo = false;
-        timCurPos.setEnabled(false);
-        timRecord.setEnabled(false);
-        timLight.setEnabled(false);
-        timSave.setEnabled(false);
-        state.flgfileOpen1 = false;
-        state.JustOpened = false;
-        state.Filename.clear();
-        setFileLabels(kReadyText);
-        changed();
-        return;
-    }
+    if (newFileAbandoned()) return;
     SetParam(state.WhichBut);
     if (refusedWhileRecording("CaseNew-2")) return;
     if (!state.flgPlay) {
@@ -86,9 +82,9 @@ void Dictation::CaseNew() {
         view.lblOnAirVisible = true;
         setBar(BarAfter::CaseNew);
     }
-    trace("CaseNew-FileSaveError =: " + yesNo(state.FileSaveError));
+    trace("CaseNew-FileSaveError =: " + platform::boolText(state.FileSaveError));
     trace("LOADED New File: " + state.Filename + " Procedure - CASE NEW");
-    notifyPeer("LOADED_" + baseNameOf(state.Filename), " -57");
+    notifyPeer("LOADED_" + platform::baseNameOf(state.Filename), " -57");
     // The author hears that the new file is ready even with prompts switched off.
     voice_.PlayPrompt("TwoBeeps.wav", true);
 }
@@ -96,28 +92,13 @@ void Dictation::CaseNew() {
 void Dictation::CaseNewFileName() {
     trace("File New (named): " + state.CommandFileName);
     state.PedalsBusy = true;
-    if (state.FileChanged) {
-        state.FileChanged = false;
-        CaseStop();
-        Image10_Click();
-    }
-    timCurPos.setEnabled(false);
+    closeBeforeNewFile();
     state.CheckedOnce = false;
     state.WhichBut = "New";
     state.Filename.clear();
     naming.Newfile();
-    if (state.UserSelectedNo) {
-        state.UserSelectedNo = false;
-        timCurPos.setEnabled(false);
-        timRecord.setEnabled(false);
-        timLight.setEnabled(false);
-        timSave.setEnabled(false);
-        state.flgfileOpen1 = false;
-        state.JustOpened = false;
-        state.Filename.clear();
-        setFileLabels(kReadyText);
+    if (newFileAbandoned()) {
         state.PedalsBusy = false;
-        changed();
         return;
     }
     AudioEditor1.setSelectionActive(false);
@@ -377,135 +358,6 @@ void Dictation::CaseStepBackward() {
     StepBackward();
     normalise(state);
     SetParam(state.WhichBut);
-}
-
-void Dictation::CaseCopy() {
-    trace("File Copy: " + state.Filename);
-    if (refusedWhileRecording("CaseCopy")) return;
-    state.WhichBut = "Copy";
-    if (auto copied = AudioEditor1.Copy(); !copied) trace(copied.error());
-}
-
-void Dictation::CaseCut() {
-    trace("File Cut: " + state.Filename);
-    if (refusedWhileRecording("CaseCut")) return;
-    state.WhichBut = "Cut";
-    // The tail is cut and then pasted over what is left: that is what the
-    // station's Cut has always done, and it stays.
-    AudioEditor1.setSelectionActive(true);
-    AudioEditor1.setSelectionStart(AudioEditor1.CursorPosition());
-    AudioEditor1.setSelectionEnd(AudioEditor1.Length());
-    if (auto cut = AudioEditor1.Cut(); !cut) trace(cut.error());
-    AudioEditor1.setSelectionStart(0);
-    AudioEditor1.setSelectionEnd(AudioEditor1.Length());
-    if (auto pasted = AudioEditor1.Paste(); !pasted) trace(pasted.error());
-}
-
-void Dictation::CasePaste() {
-    trace("File Paste: " + state.Filename);
-    if (refusedWhileRecording("CasePaste")) return;
-    state.FileChanged = true;
-    if (!state.flgfileOpen1) return;
-    state.WhichBut = "Paste";
-    if (auto pasted = AudioEditor1.Paste(); !pasted) trace(pasted.error());
-}
-
-void Dictation::CaseUndo() {
-    trace("File Undo: " + state.Filename);
-    if (refusedWhileRecording("CaseUndo")) return;
-    state.WhichBut = "Undo";
-    if (auto undone = AudioEditor1.Undo(); !undone) trace(undone.error());
-}
-
-void Dictation::CaseRedo() {
-    trace("File Redo: " + state.Filename);
-    if (refusedWhileRecording("CaseRedo")) return;
-    state.WhichBut = "Redo";
-    if (auto redone = AudioEditor1.Redo(); !redone) trace(redone.error());
-}
-
-void Dictation::CaseInsSilence() {
-    trace("File Insert Silence: " + state.Filename);
-    if (refusedWhileRecording("CaseInsSilence")) return;
-    state.WhichBut = "InsSilence";
-    // Only the value goes to the view; no silence is inserted, and that stays.
-    AudioEditor1.setViewValue(343);
-}
-
-void Dictation::CaseInsertAppend() {
-    trace("File Insert Append: " + state.Filename);
-    if (refusedWhileRecording("CaseInsertAppend")) return;
-    normalise(state);
-    SetParam(state.WhichBut);
-}
-
-void Dictation::CasePlayRec() { trace("File Play Record: " + state.Filename); }
-
-void Dictation::CaseSave() {
-    trace("File Save: " + state.Filename);
-    if (state.flgfileOpen1) {
-        SaveFile();
-    } else {
-        prompts_.showMessage("Please open a file to be 'Saved'", settings::kProductTitle);
-    }
-}
-
-void Dictation::CaseSaveAs() {
-    trace("File Save As: " + state.Filename);
-    if (AudioEditor1.State() == static_cast<int>(engine::EditorState::Playing)) {
-        prompts_.showMessage("Please Stop Play before trying to save the file in a different format",
-                             settings::kProductTitle);
-        return;
-    }
-    if (!state.flgfileOpen1) {
-        prompts_.showMessage("Please open a file to be 'Saved As'", settings::kProductTitle);
-        return;
-    }
-    if (state.FileChanged && AudioEditor1.FormatName().empty()) {
-        prompts_.showMessage("Sorry  No Information has been recorded. File can not be 'Saved As'",
-                             settings::kProductTitle);
-        return;
-    }
-    state.FileChanged = true;
-    SaveFileAs();
-    state.FileChanged = false;
-    normalise(state);
-    SetParam(state.WhichBut);
-}
-
-void Dictation::CaseDefault() {
-    trace("File Defaults: ");
-    config_.ReadConfig();
-    settings::SettingsRecord& record = config_.record;
-    // A device list with nothing stored takes its first device.
-    for (auto* devices : {&AudioEditor1.RecordingDevices(), &AudioEditor1.PlaybackDevices()}) {
-        if (devices->Count() > 0 && devices->Current() < 0) (void)devices->setCurrent(0);
-    }
-    if (record.kDeviceInput.empty() && AudioEditor1.RecordingDevices().Count() > 0) {
-        record.kDeviceInput = "0";
-        record.InputDeviceName = AudioEditor1.RecordingDevices().Name(0);
-    }
-    record.FormatType = "MP3";
-    record.FormatType2 = "MP3";
-    record.Frequency = "16000";
-    record.Frequency2 = "32000";
-    record.Channel = "MONO";
-    record.Channel2 = "MONO";
-    record.FileBit = "8";
-    record.FileBit2 = "16";
-    config_.WriteConfig();
-    SetParam("load");
-}
-
-void Dictation::TurnOffTimers() {
-    if (refusedWhileRecording("TurnOffTimers")) return;
-    timCurPos.setEnabled(false);
-    timRecord.setEnabled(false);
-    timLight.setEnabled(false);
-    timSave.setEnabled(false);
-    timLastThreeSecondsCon.setEnabled(false);
-    view.formatOptionsEnabled = true;
-    changed();
 }
 
 }  // namespace ovd::dictation

@@ -17,6 +17,12 @@ std::string systemError(const std::string& what);
 
 // folder + "/" + name, the "/" added only when the folder does not already end in one.
 std::string joinPath(const std::string& folder, const std::string& name);
+// The file's own name, without its folder.
+std::string withoutFolder(const std::string& path);
+// The folder part of a path; empty for a bare name.
+std::string folderOf(const std::string& path);
+// The file's own name without folder or extension: how the peer and the log name a file.
+std::string baseNameOf(const std::string& path);
 
 bool fileExists(const std::string& path);
 bool folderExists(const std::string& path);

@@ -18,6 +18,8 @@ std::string trim(std::string_view text) {
     return std::string(text.substr(begin, end - begin));
 }
 
+std::string boolText(bool value) { return value ? "True" : "False"; }
+
 std::string toUpper(std::string_view text) {
     std::string out(text);
     std::transform(out.begin(), out.end(), out.begin(), upper);

@@ -1,0 +1,137 @@
+// The editing and file routines of the transport: copy, cut, paste, undo,
+// the save and save-as commands, the factory formats and the timers' off switch.
+
+#include "dictation/dictation.h"
+
+namespace ovd::dictation {
+
+void Dictation::CaseCopy() {
+    trace("File Copy: " + state.Filename);
+    if (refusedWhileRecording("CaseCopy")) return;
+    state.WhichBut = "Copy";
+    if (auto copied = AudioEditor1.Copy(); !copied) trace(copied.error());
+}
+
+void Dictation::CaseCut() {
+    trace("File Cut: " + state.Filename);
+    if (refusedWhileRecording("CaseCut")) return;
+    state.WhichBut = "Cut";
+    // The tail is cut and then pasted over what is left: that is what the
+    // station's Cut has always done, and it stays.
+    AudioEditor1.setSelectionActive(true);
+    AudioEditor1.setSelectionStart(AudioEditor1.CursorPosition());
+    AudioEditor1.setSelectionEnd(AudioEditor1.Length());
+    if (auto cut = AudioEditor1.Cut(); !cut) trace(cut.error());
+    AudioEditor1.setSelectionStart(0);
+    AudioEditor1.setSelectionEnd(AudioEditor1.Length());
+    if (auto pasted = AudioEditor1.Paste(); !pasted) trace(pasted.error());
+}
+
+void Dictation::CasePaste() {
+    trace("File Paste: " + state.Filename);
+    if (refusedWhileRecording("CasePaste")) return;
+    state.FileChanged = true;
+    if (!state.flgfileOpen1) return;
+    state.WhichBut = "Paste";
+    if (auto pasted = AudioEditor1.Paste(); !pasted) trace(pasted.error());
+}
+
+void Dictation::CaseUndo() {
+    trace("File Undo: " + state.Filename);
+    if (refusedWhileRecording("CaseUndo")) return;
+    state.WhichBut = "Undo";
+    if (auto undone = AudioEditor1.Undo(); !undone) trace(undone.error());
+}
+
+void Dictation::CaseRedo() {
+    trace("File Redo: " + state.Filename);
+    if (refusedWhileRecording("CaseRedo")) return;
+    state.WhichBut = "Redo";
+    if (auto redone = AudioEditor1.Redo(); !redone) trace(redone.error());
+}
+
+void Dictation::CaseInsSilence() {
+    trace("File Insert Silence: " + state.Filename);
+    if (refusedWhileRecording("CaseInsSilence")) return;
+    state.WhichBut = "InsSilence";
+    // Only the value goes to the view; no silence is inserted, and that stays.
+    AudioEditor1.setViewValue(343);
+}
+
+void Dictation::CaseInsertAppend() {
+    trace("File Insert Append: " + state.Filename);
+    if (refusedWhileRecording("CaseInsertAppend")) return;
+    normalise(state);
+    SetParam(state.WhichBut);
+}
+
+void Dictation::CasePlayRec() { trace("File Play Record: " + state.Filename); }
+
+void Dictation::CaseSave() {
+    trace("File Save: " + state.Filename);
+    if (state.flgfileOpen1) {
+        SaveFile();
+    } else {
+        prompts_.showMessage("Please open a file to be 'Saved'", settings::kProductTitle);
+    }
+}
+
+void Dictation::CaseSaveAs() {
+    trace("File Save As: " + state.Filename);
+    if (AudioEditor1.State() == static_cast<int>(engine::EditorState::Playing)) {
+        prompts_.showMessage("Please Stop Play before trying to save the file in a different format",
+                             settings::kProductTitle);
+        return;
+    }
+    if (!state.flgfileOpen1) {
+        prompts_.showMessage("Please open a file to be 'Saved As'", settings::kProductTitle);
+        return;
+    }
+    if (state.FileChanged && AudioEditor1.FormatName().empty()) {
+        prompts_.showMessage("Sorry  No Information has been recorded. File can not be 'Saved As'",
+                             settings::kProductTitle);
+        return;
+    }
+    state.FileChanged = true;
+    SaveFileAs();
+    state.FileChanged = false;
+    normalise(state);
+    SetParam(state.WhichBut);
+}
+
+void Dictation::CaseDefault() {
+    trace("File Defaults: ");
+    config_.ReadConfig();
+    settings::SettingsRecord& record = config_.record;
+    // A device list with nothing stored takes its first device.
+    for (auto* devices : {&AudioEditor1.RecordingDevices(), &AudioEditor1.PlaybackDevices()}) {
+        if (devices->Count() > 0 && devices->Current() < 0) (void)devices->setCurrent(0);
+    }
+    if (record.kDeviceInput.empty() && AudioEditor1.RecordingDevices().Count() > 0) {
+        record.kDeviceInput = "0";
+        record.InputDeviceName = AudioEditor1.RecordingDevices().Name(0);
+    }
+    record.FormatType = "MP3";
+    record.FormatType2 = "MP3";
+    record.Frequency = "16000";
+    record.Frequency2 = "32000";
+    record.Channel = "MONO";
+    record.Channel2 = "MONO";
+    record.FileBit = "8";
+    record.FileBit2 = "16";
+    config_.WriteConfig();
+    SetParam("load");
+}
+
+void Dictation::TurnOffTimers() {
+    if (refusedWhileRecording("TurnOffTimers")) return;
+    timCurPos.setEnabled(false);
+    timRecord.setEnabled(false);
+    timLight.setEnabled(false);
+    timSave.setEnabled(false);
+    timLastThreeSecondsCon.setEnabled(false);
+    view.formatOptionsEnabled = true;
+    changed();
+}
+
+}  // namespace ovd::dictation
