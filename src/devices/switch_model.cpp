@@ -69,15 +69,19 @@ void SwitchModel::pushSwitchPosition(const std::string& status) {
     state_.FirstSwitchPosition = status;
 }
 
-void SwitchModel::stepBack() {
+void SwitchModel::endTakeAndDisarm() {
     if (state_.Recordingstatus) {
         d_.CaseStop();
         d_.CaseEnd();
     }
-    view_.Lbl4Pos = kSwitchStepBack;
-    view_.lblMode.clear();
     state_.HitOnce = false;
     state_.HitTwice = false;
+    view_.lblMode.clear();
+}
+
+void SwitchModel::stepBack() {
+    endTakeAndDisarm();
+    view_.Lbl4Pos = kSwitchStepBack;
     shown();
     pushSwitchPosition(kSwitchStepBack);
     SwitchAction("STEPBACK");
@@ -85,13 +89,7 @@ void SwitchModel::stepBack() {
 }
 
 void SwitchModel::listen() {
-    if (state_.Recordingstatus) {
-        d_.CaseStop();
-        d_.CaseEnd();
-    }
-    state_.HitOnce = false;
-    state_.HitTwice = false;
-    view_.lblMode.clear();
+    endTakeAndDisarm();
     shown();
     if (state_.FirstSwitchPosition == kFirstTime || state_.Recordingstatus || !state_.flgfileOpen1)
         return;
@@ -217,13 +215,7 @@ bool SwitchModel::record(bool plainRecord) {
 }
 
 void SwitchModel::stepForward() {
-    if (state_.Recordingstatus) {
-        d_.CaseStop();
-        d_.CaseEnd();
-    }
-    state_.HitOnce = false;
-    state_.HitTwice = false;
-    view_.lblMode.clear();
+    endTakeAndDisarm();
     shown();
     d_.MMControl1_StepClick();
 }

@@ -80,6 +80,8 @@ class SwitchModel : public TransportCommands {
     // two agree.
 
   private:
+    // A running take ends first, and an armed insert or overwrite is dropped.
+    void endTakeAndDisarm();
     void stepBack();
     void listen();
     void stop();
