@@ -18,6 +18,7 @@
 #include "settings/config_file.h"
 #include "settings/event_log.h"
 #include "ui/qt_event_loop.h"
+#include "ui/desk_unit_panel.h"
 #include "ui/qt_prompts.h"
 #include "ui/station_window.h"
 
@@ -129,6 +130,8 @@ int main(int argc, char** argv) {
     std::unique_ptr<ovd::ui::StationWindow> window;
     if (!options.headless) {
         window = std::make_unique<ovd::ui::StationWindow>(config, eventLog);
+        window->addDeskUnit(new ovd::ui::DeskUnitPanel(station.handsFree().switchModel,
+                                                       station.dictation().view, config.record));
         window->show();
     } else {
         std::cerr << "orvane-voice-desk: running headless on " << dataFolder

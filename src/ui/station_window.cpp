@@ -7,6 +7,7 @@
 #include <QScreen>
 #include <QStatusBar>
 #include <QTimer>
+#include <QVBoxLayout>
 
 #include "settings/config_file.h"
 #include "settings/event_log.h"
@@ -36,7 +37,10 @@ StationWindow::StationWindow(settings::ConfigFile& config, settings::EventLog& e
     logView_->setReadOnly(true);
     logView_->setObjectName("eventLogView");
     logView_->setPlaceholderText(tr("Today's event log"));
-    setCentralWidget(logView_);
+    auto* central = new QWidget(this);
+    column_ = new QVBoxLayout(central);
+    column_->addWidget(logView_);
+    setCentralWidget(central);
     statusBar()->showMessage(tr("Data folder: %1").arg(QString::fromStdString(config_.dataFolder())));
 
     refresh_ = new QTimer(this);
@@ -46,6 +50,11 @@ StationWindow::StationWindow(settings::ConfigFile& config, settings::EventLog& e
 
     resize(640, 420);
     placeWindow();
+}
+
+void StationWindow::addDeskUnit(QWidget* panel) {
+    panel->setParent(this);
+    column_->insertWidget(0, panel);
 }
 
 void StationWindow::placeWindow() {

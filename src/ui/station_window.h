@@ -8,6 +8,7 @@
 
 class QPlainTextEdit;
 class QTimer;
+class QVBoxLayout;
 
 namespace ovd::settings {
 class ConfigFile;
@@ -23,6 +24,9 @@ public:
     // The title the station runs under, by edition.
     static QString titleFor(bool handsFreeEdition);
 
+    // The desk unit on screen goes above the log; the window owns it from then on.
+    void addDeskUnit(QWidget* panel);
+
 protected:
     void moveEvent(QMoveEvent* event) override;
 
@@ -33,6 +37,7 @@ private:
     settings::ConfigFile& config_;
     settings::EventLog& eventLog_;
     QPlainTextEdit* logView_ = nullptr;
+    QVBoxLayout* column_ = nullptr;
     QTimer* refresh_ = nullptr;
     std::size_t shownBytes_ = 0;
     bool placed_ = false;
