@@ -13,6 +13,7 @@
 #include <string>
 
 // The fuzz targets link the settings library only: the decoder is built in here.
+#include "support/scripted_serial_line.h"
 #include "../src/devices/serial_pedal_decoder.cpp"
 
 namespace {
@@ -23,19 +24,7 @@ void check(bool condition) {
     if (!condition) __builtin_trap();
 }
 
-struct Line : SerialByteSource {
-    std::deque<std::uint8_t> bytes;
-    bool cd = false, dsr = false, cts = false;
-    std::optional<std::uint8_t> readByte() override {
-        if (bytes.empty()) return std::nullopt;
-        const auto byte = bytes.front();
-        bytes.pop_front();
-        return byte;
-    }
-    bool CDHolding() override { return cd; }
-    bool DSRHolding() override { return dsr; }
-    bool CTSHolding() override { return cts; }
-};
+using Line = ovd::testing::ScriptedSerialLine;
 
 struct Alternation : PedalEventSink {
     std::map<std::string, bool> down;

@@ -8,23 +8,12 @@
 #include <string>
 #include <vector>
 
+#include "support/scripted_serial_line.h"
+
 namespace ovd::devices {
 namespace {
 
-struct FakePort : SerialByteSource {
-    std::deque<std::uint8_t> bytes;
-    bool cd = false, dsr = false, cts = false;
-
-    std::optional<std::uint8_t> readByte() override {
-        if (bytes.empty()) return std::nullopt;
-        const auto byte = bytes.front();
-        bytes.pop_front();
-        return byte;
-    }
-    bool CDHolding() override { return cd; }
-    bool DSRHolding() override { return dsr; }
-    bool CTSHolding() override { return cts; }
-};
+using FakePort = ovd::testing::ScriptedSerialLine;
 
 struct EdgeLog : PedalEventSink {
     std::vector<std::string> edges;
