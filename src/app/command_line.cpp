@@ -1,15 +1,8 @@
 #include "app/command_line.h"
 
-namespace ovd::app {
+#include "dictation/hand_off.h"
 
-namespace {
-std::string withoutQuotes(std::string name) {
-    if (name.size() >= 2 && name.front() == '"' && name.back() == '"') {
-        return name.substr(1, name.size() - 2);
-    }
-    return name;
-}
-}  // namespace
+namespace ovd::app {
 
 StationOptions parseCommandLine(const std::vector<std::string>& arguments) {
     StationOptions options;
@@ -42,7 +35,7 @@ StationOptions parseCommandLine(const std::vector<std::string>& arguments) {
         } else if (argument.rfind("--", 0) == 0) {
             options.error = "unknown option " + argument;
         } else if (options.fileName.empty()) {
-            options.fileName = withoutQuotes(argument);
+            options.fileName = dictation::commandLineName(argument);
         } else {
             options.error = "only one file name can be given";
         }

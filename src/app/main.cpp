@@ -4,6 +4,8 @@
 #include <QCoreApplication>
 
 #include <cstdio>
+#include <filesystem>
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -11,9 +13,12 @@
 
 #include "app/command_line.h"
 #include "app/station.h"
+#include "dictation/hand_off.h"
 #include "engine/backend_choice.h"
 #include "platform/files.h"
 #include "platform/headless_prompts.h"
+#include "platform/instance_lock.h"
+#include "platform/processes.h"
 #include "platform/termination_signals.h"
 #include "settings/config_file.h"
 #include "settings/event_log.h"
@@ -32,12 +37,28 @@ bool displayAvailable() {
     return (x11 != nullptr && *x11 != '\0') || (wayland != nullptr && *wayland != '\0');
 }
 
-// What every way out of the station does last: the next start knows this run
-// ended in order, and the day's log holds everything.
-void endInOrder(ovd::settings::ConfigFile& config, ovd::settings::EventLog& eventLog) {
-    config.record.gNormalShutDown = true;
-    config.WriteConfig();
-    eventLog.SaveEventLog();
+// A name with a folder is taken from where the second process was started; a bare
+// name is dictated into the recordings folder.
+std::string absoluteFileName(const std::string& name) {
+    if (name.find('/') == std::string::npos) return name;
+    std::error_code error;
+    const auto absolute = std::filesystem::absolute(name, error);
+    return error ? name : absolute.lexically_normal().string();
+}
+
+std::string alreadyRunningText() {
+    return "This program is already running! Please locate the other Orvane Voice Desk program "
+           "that is already running. You can do this by looking on your task bar at the bottom of "
+           "the Windows screen for the Orvane Voice Desk application. If you can't locate the "
+           "Orvane Voice Desk application already running, please type CTRL+ALT+DEL and highlight "
+           "any Orvane application(s) from the Task List, and then click on the END TASK button. "
+           "Once this is done, you can then try re-starting the Orvane Voice Desk program.  ";
+}
+
+std::unique_ptr<ovd::platform::Prompts> makePrompts(bool headless,
+                                                    std::function<void(const std::string&)> trace) {
+    if (headless) return std::make_unique<ovd::platform::HeadlessPrompts>(std::move(trace), std::cerr);
+    return std::make_unique<ovd::ui::QtPrompts>();
 }
 
 }  // namespace
@@ -83,33 +104,37 @@ int main(int argc, char** argv) {
     QCoreApplication::setApplicationName("orvane-voice-desk");
     QCoreApplication::setApplicationVersion(kVersion);
 
+    // One station per data folder. A second one started for a file hands the name
+    // to the running one and ends without a word; started bare, it says why it ends.
+    const auto instanceLock = ovd::platform::InstanceLock::take(dataFolder);
+    if (!instanceLock) {
+        if (!options.fileName.empty()) {
+            const bool written = ovd::dictation::writeHandOff(
+                dataFolder, {absoluteFileName(options.fileName), ovd::platform::thisProcessNumber()});
+            return written ? 0 : 1;
+        }
+        // The running station owns the day's event log: this one writes nothing there.
+        const auto prompts = makePrompts(options.headless, [](const std::string&) {});
+        prompts->showMessage(alreadyRunningText(), ovd::settings::kProductTitle,
+                             ovd::platform::Severity::Warning);
+        return 1;
+    }
+
     ovd::ui::QtEventLoop loop;
     ovd::settings::ConfigFile config(dataFolder);
     ovd::settings::EventLog eventLog(loop, dataFolder, config.record);
-
-    std::unique_ptr<ovd::platform::Prompts> prompts;
-    if (options.headless) {
-        auto headless = std::make_unique<ovd::platform::HeadlessPrompts>(
-            [&eventLog](const std::string& line) { eventLog.trace(line); }, std::cerr);
-        if (!options.answersFile.empty()) {
-            const auto rules = ovd::platform::readWholeFile(options.answersFile);
-            if (!rules) {
-                std::cerr << "orvane-voice-desk: can't read the answers file "
-                          << options.answersFile << '\n';
-                return 2;
-            }
-            headless->loadRules(*rules);
-        }
-        prompts = std::move(headless);
-    } else {
-        prompts = std::make_unique<ovd::ui::QtPrompts>();
-    }
-
-    if (!config.startUp(*prompts)) {
-        eventLog.SaveEventLog();  // the refusal stays on record for support
-        return 1;
-    }
     eventLog.start();
+
+    auto prompts = makePrompts(options.headless,
+                               [&eventLog](const std::string& line) { eventLog.trace(line); });
+    if (options.headless && !options.answersFile.empty()) {
+        const auto rules = ovd::platform::readWholeFile(options.answersFile);
+        if (!rules) {
+            std::cerr << "orvane-voice-desk: can't read the answers file " << options.answersFile << '\n';
+            return 2;
+        }
+        static_cast<ovd::platform::HeadlessPrompts&>(*prompts).loadRules(*rules);
+    }
 
     auto sound = ovd::engine::openAudioBackend(
         ovd::engine::parseBackendChoice(options.audio).value_or(ovd::engine::BackendChoice::Automatic),
@@ -123,8 +148,11 @@ int main(int argc, char** argv) {
         return 1;
     }
     const std::string programFolder = ovd::platform::programShareFolder();
+    const std::string commandFileName =
+        options.fileName.empty() ? std::string() : absoluteFileName(options.fileName);
     ovd::app::Station station({loop, config, eventLog, *prompts, *sound.backend, dataFolder,
-                               ovd::platform::joinPath(programFolder, "prompts"), programFolder});
+                               ovd::platform::joinPath(programFolder, "prompts"), programFolder,
+                               ovd::platform::executableFolder(), commandFileName});
     station.onExit = [] { QCoreApplication::quit(); };
 
     std::unique_ptr<ovd::ui::StationWindow> window;
@@ -143,10 +171,12 @@ int main(int argc, char** argv) {
             if (terminationSignals.take() != 0) QCoreApplication::quit();
         });
     }
-    station.start();
+    if (station.Form_Load() == ovd::app::LoadResult::EndProgram) {
+        eventLog.SaveEventLog();  // the refusal stays on record for support
+        return 1;
+    }
     const int status = QCoreApplication::exec();
-    station.shutDown();
+    station.Form_Unload();
     window.reset();
-    endInOrder(config, eventLog);
     return status;
 }

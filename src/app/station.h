@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "app/companion.h"
 #include "devices/end_of_letter.h"
 #include "devices/hands_free.h"
 #include "dictation/dictation.h"
@@ -64,6 +65,15 @@ struct StationParts {
     std::string dataFolder;
     std::string promptFolder;  // the prompt sounds of the program's folder
     std::string programFolder;  // Button.cfg
+    std::string binaryFolder;   // where the companion programs are installed
+    std::string commandFileName;  // the file named on the command line, if any
+};
+
+// How far the load of the station came.
+enum class LoadResult {
+    Ready,         // everything is up
+    NothingReady,  // no recording device: the window stays, with nothing to record on
+    EndProgram,    // the station must not run; the reason was shown
 };
 
 class Station {
@@ -73,20 +83,34 @@ public:
     Station(const Station&) = delete;
     Station& operator=(const Station&) = delete;
 
-    // The screen as loaded; with no desk unit connected a new dictation begins
-    // by itself a moment later.
-    void start();
-    // The file in hand is closed in order (saved when it holds a take).
-    void shutDown();
+    // The station comes up in a fixed order: the settings, the folders, the
+    // devices, the recovery of a crashed run, the pedals, the companion. With no
+    // desk unit connected a new dictation begins by itself a moment later.
+    LoadResult Form_Load();
+    // The way out every exit ends in: the file in hand closed (saved when it holds
+    // a take), the pedals let go, the settings written with the run marked as
+    // ended in order, the companion stopped.
+    void Form_Unload();
+
+    // ---- The entrances of an exit ----
+    void mnuExit_Click();
+    void TCPSaysExit();
+    void TCPSaysClose();
 
     dictation::Dictation& dictation() { return *dictation_; }
     devices::HandsFree& handsFree() { return *handsFree_; }
 
     // Ends the program in order: the exit at end of letter, a port change.
     std::function<void()> onExit;
+    // Work files of a run that did not end in order wait: the recovery window opens.
+    std::function<void()> onOpenRecovery;
 
 private:
-    void tmCommand_Timer();
+    bool loadRecordingDevice();
+    void createDestinationFolders();
+    void loadAutoSend();
+    void KillAllPedals();
+    void unloadForm();
 
     StationParts parts_;
     std::shared_ptr<engine::Clipboard> clipboard_;
@@ -99,7 +123,8 @@ private:
     DeliveryUnavailable delivery_;
     std::unique_ptr<devices::EndOfLetter> endOfLetter_;
     std::unique_ptr<devices::HandsFree> handsFree_;
-    platform::Timer tmCommand;
+    AutoSendCompanion companion_;
+    bool unloaded_ = false;
 };
 
 }  // namespace ovd::app

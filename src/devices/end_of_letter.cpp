@@ -57,6 +57,7 @@ void EndOfLetter::endOfLetter() {
     log_.trace(std::string("EOL has been executed.") + " Auto Send 1 = " + platform::boolText(record.AutoSend1) +
                " Auto Send 2 = " + platform::boolText(record.AutoSend2) + " Auto Send 3 = " + platform::boolText(record.AutoSend3));
     DoingEOL = true;
+    d_.renameToHandedOffName("EOL");
 
     SaveFileNameForSending = state.Filename;
     const std::string commandFileName = state.CommandFileName;
@@ -88,7 +89,17 @@ void EndOfLetter::endOfLetter() {
     state.EOLHAPPENED = true;
     d_.view.Label40 = dictation::kReadyAfterSave;
     showReady();
-    log_.trace(" DIDDOCOMMANDLINE " + platform::boolText(!commandFileName.empty()) + " Procedure-HandSetSwitchs3");
+    const bool namedFromOutside = state.commandLine.DIDDOCOMMANDLINE;
+    log_.trace(" DIDDOCOMMANDLINE " + platform::boolText(namedFromOutside) + " Procedure-HandSetSwitchs3");
+    if (namedFromOutside) {
+        // The letter was asked for from outside: the next one is too, so the station
+        // waits for the next name rather than numbering a file of its own.
+        state.CommandFileName.clear();
+        d_.ResetRecorderState();
+        d_.Timer28.setEnabled(true);
+        DoingEOL = false;
+        return;
+    }
     log_.trace(" Calling Image2_Click from HandSetSwitchs3-1");
     if (!record.ExitAtEOL) {
         ExitRequested = false;

@@ -43,7 +43,10 @@ void HandsFree::stop() {
 
 bool HandsFree::USBPedals() const { return config_.record.UserSelectUSB; }
 bool HandsFree::GamePortPedals() const { return config_.record.UserSelectGame; }
-bool HandsFree::pedalInputSilenced() const { return dictation_.state.PedalsBusy; }
+bool HandsFree::pedalInputSilenced() const {
+    const dictation::DictationState& state = dictation_.state;
+    return state.PedalsBusy || state.OnLoad || state.Imclosing;
+}
 
 void HandsFree::uncheckOtherFootPedalMenus() {
     usb.menu.mnuUSBFootPedals = false;

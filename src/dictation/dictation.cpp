@@ -32,6 +32,9 @@ Dictation::Dictation(DictationParts parts)
       timLastThreeSecondsCon(parts.loop, "timLastThreeSecondsCon", 50),
       timsync(parts.loop, "timsync", 250),
       Reader(parts.loop, "Reader", 50),
+      tmCommand(parts.loop, "tmCommand", 10),
+      Timer28(parts.loop, "Timer28", 50),
+      Timer34(parts.loop, "Timer34", 50),
       loop_(parts.loop),
       config_(parts.config),
       log_(parts.log),
@@ -40,6 +43,7 @@ Dictation::Dictation(DictationParts parts)
       AudioEditor21(parts.AudioEditor21),
       voice_(parts.voice),
       peer_(parts.peer),
+      dataFolder_(parts.dataFolder),
       startedAt_(parts.loop.now()) {
     timCurPos.setOnTick([this] { timCurPos_Timer(); });
     timRecord.setOnTick([this] { timRecord_Timer(); });
@@ -47,23 +51,44 @@ Dictation::Dictation(DictationParts parts)
     timSave.setOnTick([this] { timSave_Timer(); });
     timLastThreeSecondsCon.setOnTick([this] { timLastThreeSeconds_Timer(); });
     timsync.setOnTick([this] { timsync_Timer(); });
-    if (const auto interval = saveIntervalFor(config_.record.SAVEEVERY)) {
-        timSave.setInterval(*interval);
-    }
-    state.FileSaveAtStop = config_.record.FileSaveAtStop;
-    view.txtStepAmt = std::to_string(config_.record.StepAmt);
+    tmCommand.setOnTick([this] { tmCommand_Timer(); });
+    Timer28.setOnTick([this] { Timer28_Timer(); });
+    Timer34.setOnTick([this] { Timer34_Timer(); });
     view.Lbl4Pos = kSwitchPlain;
 }
 
 Dictation::~Dictation() = default;
 
 void Dictation::start() {
+    loadScreen();
+    takeSettings();
+    SetParam("load");
     naming.ComnboFill();
+}
+
+void Dictation::loadScreen() {
+    view.Reopen = recent.DisplayMRU();
+    timCurPos.setInterval(25);
+    setLamps(false);
+    view.lblOnAir = "STAND BY";
+    view.lblOnAirVisible = false;
     setBar(BarAfter::ProgramStart);
     setRecordButtons(false);
     view.cmdEOL = false;
     view.ctSlide1Enabled = false;
-    SetParam("load");
+    changed();
+}
+
+void Dictation::takeSettings() {
+    if (const auto interval = saveIntervalFor(config_.record.SAVEEVERY)) {
+        timSave.setInterval(*interval);
+    }
+    state.FileSaveAtStop = config_.record.FileSaveAtStop;
+    platform::createFolder(temporaryFolder());
+    AudioEditor1.setTempFileName(temporaryFolder());
+    AudioEditor21.setTempFileName(temporaryFolder());
+    view.txtStepAmt = std::to_string(config_.record.StepAmt);
+    changed();
 }
 
 void Dictation::trace(const std::string& line) { log_.trace(line); }
@@ -103,6 +128,11 @@ void Dictation::ResetRecorderState() {
         fresh.LastThreeNCTTmps = state.LastThreeNCTTmps;
         fresh.PriorityOn = state.PriorityOn;
         fresh.PreviousNextFile = state.PreviousNextFile;
+        fresh.CommandFileName = state.CommandFileName;
+        fresh.NextString = state.NextString;
+        fresh.commandLine = state.commandLine;
+        fresh.OnLoad = state.OnLoad;
+        fresh.Imclosing = state.Imclosing;
         state = std::move(fresh);
         view.lblReady.clear();
         view.statusPanel1.clear();

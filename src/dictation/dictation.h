@@ -82,8 +82,14 @@ public:
     Dictation(const Dictation&) = delete;
     Dictation& operator=(const Dictation&) = delete;
 
-    // The screen as the station starts: no file, timers as loaded.
+    // The screen as the station starts: no file, timers as loaded. The load of
+    // the station runs the same steps one by one, in its own order.
     void start();
+    // No file, lamps off, the recent files read.
+    void loadScreen();
+    // What the dictation takes from the settings once they are read: the save
+    // interval, crash protection, the work files' folder, the step.
+    void takeSettings();
 
     DictationState state;
     MainView view;
@@ -160,6 +166,7 @@ public:
     void mnuAppendEnd_Click();
     void mnuLastThreeContinue_Click();
     void OpenMyList(const std::string& path);
+    void Clear_Click();  // File > Reopen > Clear
     void txtStepAmt_Change(const std::string& text);
 
     // ---- Position and recording ----
@@ -197,6 +204,17 @@ public:
     void timSave_Timer();
     void timLastThreeSeconds_Timer();
     void timsync_Timer();
+
+    // ---- A file named from outside (command line, a second instance) ----
+    platform::Timer tmCommand;  // one shot: the first file of the run
+    platform::Timer Timer28;    // one shot: looks for a hand-off after a named letter
+    platform::Timer Timer34;    // waits until no file is open, then takes the hand-off
+    void tmCommand_Timer();
+    void Timer28_Timer();
+    void Timer34_Timer();
+    // A file begun under the temporary name takes the handed-over name when one
+    // waits; moment is "recording" or "EOL" for the log. True when it was renamed.
+    bool renameToHandedOffName(const std::string& moment);
 
     // Seconds of a length in samples of the document under dictation.
     [[nodiscard]] std::int32_t secondsOf(std::int64_t samples) const;
@@ -252,6 +270,7 @@ private:
     engine::AudioEditor& AudioEditor21;
     engine::PromptPlayer& voice_;
     PeerNotices& peer_;
+    std::string dataFolder_;
     platform::WallClock::time_point startedAt_;
 };
 

@@ -101,6 +101,20 @@ struct DictationState {
     std::int32_t DictatorSeqNo = 0;
     std::int32_t PreviousNextFile = 0;  // how far back in the recent files the desk unit went
 
+    // A file named from outside: by this process's command line or handed over by a
+    // second one. These belong to the run, not to one file: the reset of the
+    // recorder keeps them, and the close and the end of letter clear what they must.
+    struct CommandLine {
+        bool DIDDOCOMMANDLINE = false;  // the file was begun under the temporary name
+        bool CommandLineLaunched = false;
+        bool SecondCommand = false;
+        std::string MyInstance;       // the process that handed the name over
+        std::string MyCommandString;  // the last name taken, for the status dump
+    } commandLine;
+    // Load and shutdown under way: the pedals are not listened to.
+    bool OnLoad = false;
+    bool Imclosing = false;
+
     // Names of the engine's last three work files.
     std::array<std::string, 3> LastThreeNCTTmps;
     platform::WallClock::time_point StartTime{};

@@ -4,6 +4,7 @@
 // this; tests read it. The core never touches a widget.
 
 #include <string>
+#include <vector>
 
 #include "dictation/transport_rules.h"
 
@@ -47,6 +48,8 @@ struct MainView {
     bool ButtonEx1Visible = false;  // ends an insert
     bool ButtonEx2Visible = false;  // ends an append
     bool mnuScanConvertEnabled = true;
+    // The files of File > Reopen, newest first; none shows the one entry "None", greyed.
+    std::vector<std::string> Reopen;
     bool busyPointer = false;
     std::string txtStepAmt;
     std::string cboName;  // the speaker shown

@@ -191,6 +191,12 @@ void Dictation::Toolbar1_ButtonClick(const std::string& key) {
     SetParam(state.WhichBut);
 }
 
+void Dictation::Clear_Click() {
+    recent.Clear_Click();
+    view.Reopen.clear();
+    changed();
+}
+
 void Dictation::OpenMyList(const std::string& path) {
     if (platform::fileExists(path)) {
         state.FromCurrentList = true;

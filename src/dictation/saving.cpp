@@ -32,6 +32,7 @@ void Dictation::Manip_Files() {
     view.statusPanel2 = sizeText();
     showFileName();
     recent.AddToMRUX(state.Filename);
+    view.Reopen = recent.DisplayMRU();
     if (state.WhichBut == "Close") timSave.setEnabled(false);
     changed();
 }

@@ -161,6 +161,7 @@ void Dictation::CaseRecord() {
     if (!state.flgfileOpen1) return;
     if (refusedWhileRecording("CaseRecord")) return;
     if (state.flgPlay) return;
+    renameToHandedOffName("recording");
     trace("File Record: " + state.Filename);
     state.WhichBut = "Record";
     state.FileChanged = true;

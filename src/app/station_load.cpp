@@ -1,0 +1,152 @@
+// The load of the station, in its fixed order. Each step writes what it did to
+// the event log, so that support can see how far a station came up.
+
+#include <dirent.h>
+
+#include "app/station.h"
+#include "dictation/hand_off.h"
+#include "platform/files.h"
+#include "platform/text.h"
+
+namespace ovd::app {
+
+namespace {
+constexpr const char* kSoundOutputFailed = "Unable to start DirectSound";
+
+bool anyWorkFile(const std::string& folder) {
+    DIR* dir = ::opendir(folder.c_str());
+    if (dir == nullptr) return false;
+    bool found = false;
+    while (const dirent* entry = ::readdir(dir)) {
+        const std::string name = entry->d_name;
+        if (name.size() > 4 && platform::toUpper(name.substr(name.size() - 4)) == ".TMP") {
+            found = true;
+            break;
+        }
+    }
+    ::closedir(dir);
+    return found;
+}
+}  // namespace
+
+LoadResult Station::Form_Load() {
+    dictation::Dictation& d = *dictation_;
+    settings::SettingsRecord& record = parts_.config.record;
+    settings::EventLog& log = parts_.log;
+
+    log.trace("Loading: program folder " + parts_.programFolder + ", data folder " + parts_.dataFolder);
+    d.Timer28.setInterval(50);
+    d.Timer34.setEnabled(false);
+    d.state.CommandFileName = parts_.commandFileName;
+    if (!d.state.CommandFileName.empty()) {
+        log.trace("Received Command line File Name = " + d.state.CommandFileName);
+        d.state.commandLine.CommandLineLaunched = true;
+    }
+    d.state.OnLoad = true;
+    d.loadScreen();
+    log.trace("Loading: " + std::to_string(d.view.Reopen.size()) + " recent files");
+
+    if (!parts_.config.startUp(parts_.prompts)) return LoadResult::EndProgram;
+    log.trace("Loading: settings read from " + parts_.config.path());
+
+    const std::string recordings = record.CaptureFilePath.toText();
+    platform::createFolder(recordings);
+    log.trace("Loading: recordings in " + recordings);
+
+    if (record.TCP) {
+        log.trace("TCP peer link: not available in this build; nothing is sent to " + record.TCPIP);
+    } else {
+        record.TCPButtonScreen = false;
+    }
+
+    if (!loadRecordingDevice()) {
+        d.state.OnLoad = false;
+        return LoadResult::NothingReady;
+    }
+    d.SetParam("load");
+    d.takeSettings();
+    log.trace("Loading: work files in " + platform::joinPath(recordings, "Temp") + ", saving every " +
+              std::to_string(d.timSave.Interval()) + " ms, crash protection " +
+              platform::boolText(record.FileSaveAtStop));
+
+    if (parts_.sound.playbackDevices().Count() == 0) {
+        log.trace(kSoundOutputFailed);
+        parts_.prompts.showMessage(kSoundOutputFailed, settings::kProductTitle,
+                                   platform::Severity::Critical);
+        return LoadResult::EndProgram;
+    }
+    const bool workFiles = anyWorkFile(platform::joinPath(recordings, "Temp"));
+    switch (parts_.config.recoveryAtStart(workFiles)) {
+        case settings::RecoveryAtStart::Nothing: break;
+        case settings::RecoveryAtStart::LetBeThisOnce:
+            log.trace("Loading: work files of an earlier run left for the next start");
+            break;
+        case settings::RecoveryAtStart::OpenRecovery:
+            log.trace("Loading: recovering the work files of a run that did not end in order");
+            if (onOpenRecovery) onOpenRecovery();
+            break;
+    }
+
+    d.view.mnuScanConvertEnabled = true;
+    d.state.OnLoad = true;
+    handsFree_->start();
+    log.trace("Loading: pedals USB " + platform::boolText(record.UserSelectUSB) + ", game port " +
+              platform::boolText(record.UserSelectGame) + ", serial " +
+              platform::boolText(record.UserSelectSerial));
+    createDestinationFolders();
+    loadAutoSend();
+
+    if (record.QDUDisconnected) {
+        d.view.Label40 = dictation::kDeskUnitMissing;
+        d.tmCommand.setEnabled(true);
+    }
+    d.view.cmdEOL = false;
+    d.view.caption = dictation::applicationTitle(record.HandsFreeEdition);
+    d.state.OnLoad = false;
+    d.naming.ComnboFill();
+    log.trace("Loading: done, view " + record.ScreenSize);
+    return LoadResult::Ready;
+}
+
+bool Station::loadRecordingDevice() {
+    settings::SettingsRecord& record = parts_.config.record;
+    engine::DeviceList& devices = AudioEditor1.RecordingDevices();
+    if (devices.Count() == 0) {
+        parts_.log.trace("Loading: no recording device; nothing can be recorded");
+        return false;
+    }
+    // The stored device when it is still there; otherwise the sound system's own.
+    for (int i = 0; i < devices.Count(); ++i) {
+        if (devices.Name(i) == record.InputDeviceName) {
+            (void)devices.setCurrent(i);
+            break;
+        }
+    }
+    const int current = std::max(devices.Current(), 0);
+    parts_.config.takeRecordingDevice(std::to_string(current), devices.Name(current));
+    parts_.log.trace("Loading: recording device " + devices.Name(current));
+    return true;
+}
+
+void Station::createDestinationFolders() {
+    const settings::SettingsRecord& record = parts_.config.record;
+    for (const std::string& folder : {record.SendToOne, record.SendToTwo, record.SendToThree}) {
+        if (!folder.empty()) platform::createFolder(folder);
+    }
+}
+
+void Station::loadAutoSend() {
+    const settings::SettingsRecord& record = parts_.config.record;
+    const std::string recordings = record.CaptureFilePath.toText();
+    if (!record.AutoFTP && !record.AutoEmail) {
+        companion_.stop();
+        parts_.log.trace("Loading: automatic sending off");
+        return;
+    }
+    if (companion_.running()) return;
+    if (record.AutoFTP) platform::createFolder(platform::joinPath(recordings, "FTPTemp"));
+    if (record.AutoEmail) platform::createFolder(platform::joinPath(recordings, "EmailTemp"));
+    companion_.start();
+}
+
+}  // namespace ovd::app

@@ -1,0 +1,31 @@
+#pragma once
+// One station per data folder: the first process takes a lock on a file there
+// and keeps it until it ends (the kernel lets go of it even after a crash), so
+// a second process started on the same folder knows at once that one is running.
+
+#include <optional>
+#include <string>
+
+namespace ovd::platform {
+
+class InstanceLock {
+public:
+    // The lock, or nothing when another process holds it. A folder where the
+    // lock file can't be made counts as free: the station runs rather than refuse.
+    static std::optional<InstanceLock> take(const std::string& dataFolder);
+
+    InstanceLock(InstanceLock&& other) noexcept;
+    InstanceLock& operator=(InstanceLock&& other) noexcept;
+    InstanceLock(const InstanceLock&) = delete;
+    InstanceLock& operator=(const InstanceLock&) = delete;
+    ~InstanceLock();
+
+private:
+    explicit InstanceLock(int fd) : fd_(fd) {}
+    int fd_ = -1;
+};
+
+// This process's number, which a second instance writes beside the name it hands over.
+std::string thisProcessNumber();
+
+}  // namespace ovd::platform
