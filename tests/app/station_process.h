@@ -1,0 +1,146 @@
+#pragma once
+// The real station program in a child process, headless on the virtual sound
+// backend, on a data folder of the test's own, with a serial pedal on a pty.
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "platform/files.h"
+#include "settings/config_file.h"
+#include "support/pseudo_terminal.h"
+#include "support/temp_folder.h"
+
+namespace ovd::testing {
+
+// Serial pedal bytes: press of each pedal, and the release of all.
+inline constexpr unsigned char kLeftPedal = 0x81;    // "STEPLIST"
+inline constexpr unsigned char kMiddlePedal = 0x85;  // "RECSTOP"
+inline constexpr unsigned char kRightPedal = 0x84;   // "EOLSTOP"
+inline constexpr unsigned char kPedalsUp = 0x87;
+
+struct ProcessEnd {
+    bool exited = false;
+    int status = -1;  // exit status, or the signal when it did not exit
+    std::string errors;  // what it wrote to standard error
+};
+
+class StationProcess {
+public:
+    StationProcess() {
+        platform::writeWholeFile(folder.file("DigitalRecorder.cfg"),
+                                 platform::readWholeFile(OVD_TEST_ASSETS "/DigitalRecorder.cfg").value());
+        settings::ConfigFile config(folder.path());
+        config.ReadConfig();
+        config.record.UserSelectSerial = true;
+        config.record.Port = 1;
+        config.record.FormatType = "WAV";
+        config.WriteConfig();
+        platform::writeWholeFile(folder.file("SerialPorts.ini"),
+                                 "[Ports]\r\nCOM1=" + pty.slavePath() + "\r\n");
+    }
+    ~StationProcess() {
+        if (child_ > 0) {
+            ::kill(child_, SIGKILL);
+            ::waitpid(child_, nullptr, 0);
+        }
+    }
+    StationProcess(const StationProcess&) = delete;
+    StationProcess& operator=(const StationProcess&) = delete;
+
+    // The settings before the start, as an installer or the user left them.
+    template <typename Change>
+    void changeSettings(Change change) {
+        settings::ConfigFile config(folder.path());
+        config.ReadConfig();
+        change(config.record);
+        config.WriteConfig();
+    }
+
+    void start(const std::vector<std::string>& extra = {}) { child_ = spawn(extra, -1); }
+
+    // Another station process on the same data folder, run to its end.
+    ProcessEnd runSecond(const std::vector<std::string>& extra) {
+        const std::string errors = folder.file("second.err");
+        const int fd = ::open(errors.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        const pid_t second = spawn(extra, fd);
+        ::close(fd);
+        ProcessEnd end = waitFor(second);
+        end.errors = platform::readWholeFile(errors).value_or("");
+        return end;
+    }
+
+    ProcessEnd terminate(int signal = SIGTERM) {
+        ::kill(child_, signal);
+        const ProcessEnd end = waitFor(child_);
+        child_ = -1;
+        return end;
+    }
+
+    [[nodiscard]] std::string eventLog() const {
+        if (!std::filesystem::exists(folder.file("Event Logs"))) return "";
+        for (const auto& entry : std::filesystem::directory_iterator(folder.file("Event Logs"))) {
+            return platform::readWholeFile(entry.path().string()).value_or("");
+        }
+        return "";
+    }
+
+    // True once the log holds the text after from; the station writes it within a second.
+    [[nodiscard]] bool logShows(const std::string& text, std::size_t from = 0) const {
+        using namespace std::chrono_literals;
+        for (int i = 0; i < 150; ++i) {
+            if (eventLog().find(text, from) != std::string::npos) return true;
+            std::this_thread::sleep_for(100ms);
+        }
+        return false;
+    }
+
+    // Holds a pedal down for the time, then lets go.
+    void press(unsigned char pedal, std::chrono::milliseconds held) {
+        pty.send(pedal);
+        std::this_thread::sleep_for(held);
+        pty.send(kPedalsUp);
+    }
+
+    TempFolder folder;
+    PseudoTerminal pty;
+
+private:
+    pid_t spawn(const std::vector<std::string>& extra, int errorFd) {
+        const pid_t pid = ::fork();
+        if (pid == 0) {
+            if (errorFd >= 0) ::dup2(errorFd, STDERR_FILENO);
+            ::unsetenv("DISPLAY");
+            ::unsetenv("WAYLAND_DISPLAY");
+            std::vector<std::string> words{"orvane-voice-desk", "--headless", "--data-folder",
+                                           folder.path(), "--audio", "virtual"};
+            words.insert(words.end(), extra.begin(), extra.end());
+            std::vector<char*> argv;
+            for (std::string& word : words) argv.push_back(word.data());
+            argv.push_back(nullptr);
+            ::execv(OVD_STATION_PROGRAM, argv.data());
+            ::_exit(127);
+        }
+        return pid;
+    }
+
+    static ProcessEnd waitFor(pid_t pid) {
+        int status = 0;
+        ProcessEnd end;
+        if (::waitpid(pid, &status, 0) != pid) return end;
+        end.exited = WIFEXITED(status);
+        end.status = end.exited ? WEXITSTATUS(status) : WTERMSIG(status);
+        return end;
+    }
+
+    pid_t child_ = -1;
+};
+
+}  // namespace ovd::testing
