@@ -21,5 +21,11 @@ case "$flavour" in
         exit 2 ;;
 esac
 
+# A compiler cache, where there is one, makes rebuilds of other checkouts cheap.
+if command -v ccache >/dev/null 2>&1; then
+    options+=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+    export CCACHE_BASEDIR=${CCACHE_BASEDIR:-$(dirname "$PWD")}
+fi
+
 cmake -S . -B "build/$flavour" -G Ninja "${options[@]}" >/dev/null
 cmake --build "build/$flavour" -j "$jobs"

@@ -24,6 +24,7 @@
 #include "settings/event_log.h"
 #include "ui/qt_event_loop.h"
 #include "ui/desk_unit_panel.h"
+#include "ui/scan_convert_window.h"
 #include "ui/qt_prompts.h"
 #include "ui/station_window.h"
 
@@ -156,7 +157,13 @@ int main(int argc, char** argv) {
     station.onExit = [] { QCoreApplication::quit(); };
 
     std::unique_ptr<ovd::ui::StationWindow> window;
+    std::unique_ptr<ovd::ui::ScanConvertWindow> scanConvertWindow;
     if (!options.headless) {
+        station.onShowScanConvert = [&scanConvertWindow, &window](ovd::conversion::ScanConvert& scan) {
+            if (!scanConvertWindow) scanConvertWindow = std::make_unique<ovd::ui::ScanConvertWindow>(scan, window.get());
+            scanConvertWindow->show();
+            scanConvertWindow->raise();
+        };
         window = std::make_unique<ovd::ui::StationWindow>(config, eventLog);
         window->addDeskUnit(new ovd::ui::DeskUnitPanel(station.handsFree().switchModel,
                                                        station.dictation().view, config.record));
@@ -177,6 +184,7 @@ int main(int argc, char** argv) {
     }
     const int status = QCoreApplication::exec();
     station.Form_Unload();
+    scanConvertWindow.reset();
     window.reset();
     return status;
 }

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "app/companion.h"
+#include "conversion/scan_convert.h"
 #include "devices/end_of_letter.h"
 #include "devices/hands_free.h"
 #include "dictation/dictation.h"
@@ -102,14 +103,18 @@ public:
 
     // Ends the program in order: the exit at end of letter, a port change.
     std::function<void()> onExit;
-    // Work files of a run that did not end in order wait: the recovery window opens.
-    std::function<void()> onOpenRecovery;
+    // The recovery window: opened at load for the work files of a run that did not
+    // end in order, and from the menu. The window shows it; headless, its operations
+    // go to the event log.
+    void mnuScanConvert_Click();
+    std::function<void(conversion::ScanConvert&)> onShowScanConvert;
 
 private:
     bool loadRecordingDevice();
     void createDestinationFolders();
     void loadAutoSend();
     void KillAllPedals();
+    conversion::ScanConvert& openScanConvert(conversion::ScanMode mode);
     void unloadForm();
 
     StationParts parts_;
@@ -124,6 +129,7 @@ private:
     std::unique_ptr<devices::EndOfLetter> endOfLetter_;
     std::unique_ptr<devices::HandsFree> handsFree_;
     AutoSendCompanion companion_;
+    std::unique_ptr<conversion::ScanConvert> scanConvert_;
     bool unloaded_ = false;
 };
 

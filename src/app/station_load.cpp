@@ -79,11 +79,15 @@ LoadResult Station::Form_Load() {
     switch (parts_.config.recoveryAtStart(workFiles)) {
         case settings::RecoveryAtStart::Nothing: break;
         case settings::RecoveryAtStart::LetBeThisOnce:
-            log.trace("Loading: work files of an earlier run left for the next start");
+            log.trace("Loading: work files of an earlier run left for the next start "
+                      "(File > Scan/Convert recovers them now)");
             break;
         case settings::RecoveryAtStart::OpenRecovery:
             log.trace("Loading: recovering the work files of a run that did not end in order");
-            if (onOpenRecovery) onOpenRecovery();
+            // Nothing else starts until the work files are taken care of: no pedal, no new file.
+            openScanConvert(conversion::ScanMode::Recovery);
+            while (scanConvert_->working()) parts_.loop.wait(platform::Milliseconds(50));
+            log.trace("Loading: recovery done");
             break;
     }
 
@@ -106,6 +110,21 @@ LoadResult Station::Form_Load() {
     d.naming.ComnboFill();
     log.trace("Loading: done, view " + record.ScreenSize);
     return LoadResult::Ready;
+}
+
+conversion::ScanConvert& Station::openScanConvert(conversion::ScanMode mode) {
+    if (!scanConvert_) {
+        scanConvert_ = std::make_unique<conversion::ScanConvert>(conversion::ScanConvertParts{
+            parts_.loop, parts_.config, parts_.log, parts_.prompts});
+    }
+    if (onShowScanConvert) onShowScanConvert(*scanConvert_);
+    scanConvert_->Form_Load(mode);
+    return *scanConvert_;
+}
+
+void Station::mnuScanConvert_Click() {
+    if (scanConvert_ && scanConvert_->working()) return;
+    openScanConvert(conversion::ScanMode::ByHand);
 }
 
 bool Station::loadRecordingDevice() {

@@ -151,6 +151,7 @@ public:
     void Image4_Click();   // save
     void Image7_Click();   // factory formats
     void Image10_Click();  // close
+    void CLOSEME();
     void mnclose_Click();
     void mnuSaveAs_Click();
     void Command1_Click();  // add comments to the beginning

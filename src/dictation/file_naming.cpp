@@ -38,13 +38,6 @@ double numberIn(const settings::ConfigVariant& value) { return value.toNumber().
 
 }  // namespace
 
-engine::FormatGroup chosenFormatGroup(const settings::SettingsRecord& record) {
-    if (record.RecordingFormats == "OPT3") {
-        return {record.FormatType2, record.Frequency2, record.Channel2, record.FileBit2};
-    }
-    return {record.FormatType, record.Frequency, record.Channel, record.FileBit};
-}
-
 std::string withPriorityMarker(const std::string& filename) {
     const auto dot = extensionDot(filename);
     if (dot == std::string::npos) return filename + kPriorityMarker;

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "conversion/format_in_force.h"
 #include "dictation/dictation_state.h"
 #include "dictation/main_view.h"
 #include "engine/format_selection.h"
@@ -62,9 +63,7 @@ class NamingHooks {
     virtual void tellPeerNewFileRefused() = 0;
 };
 
-// The format settings of the radio button chosen: Other Conditions for "OPT3",
-// Normal Conditions otherwise.
-engine::FormatGroup chosenFormatGroup(const settings::SettingsRecord& record);
+using conversion::chosenFormatGroup;
 
 // The name with "-PRIORITY." between its stem and its extension.
 std::string withPriorityMarker(const std::string& filename);

@@ -94,6 +94,11 @@ void Dictation::SaveFile() {
         return;
     }
     waitUntilFileIsFree();
+    if (const std::string error = AudioEditor1.lastSaveError(); !error.empty()) {
+        // The work file still holds the take: the next save tries again.
+        saveFailed(state.Filename + " File Save ERROR: " + error, " -71");
+        return;
+    }
     trace("Ending File Save : " + state.Filename);
     Manip_Files();
     trace(state.Filename + " File Save Successfull");
@@ -111,6 +116,8 @@ void Dictation::waitUntilFileIsFree() {
     // The engine holds the file while it encodes; there is no limit, and the
     // log shows what is waited for.
     while (!platform::FileAvailable(state.Filename)) {
+        // A save that failed leaves no file to wait for.
+        if (!AudioEditor1.saving() && !platform::fileExists(state.Filename)) return;
         view.lblReady = "BUSY Saving File";
         changed();
         trace("Trying to File Save : " + state.Filename + " but the file is in use");
@@ -325,6 +332,27 @@ void Dictation::closeByUserOrPeer(const std::string& logLine, const std::string&
     CaseClose();
     view.lblBusyVisible = false;
     ResetRecorderState();
+}
+
+}  // namespace ovd::dictation
+
+namespace ovd::dictation {
+
+// The short close some older routes still take: no save of its own unless the
+// author says so, and nothing given back.
+void Dictation::CLOSEME() {
+    if (!state.flgfileOpen1) return;
+    if (state.FileChanged &&
+        prompts_.askYesNo(kSaveQuestion, settings::kProductTitle, platform::Answer::No)) {
+        state.SaveRequested = true;
+        SaveFile();
+    }
+    state.flgPlay = false;
+    state.flgfileOpen1 = false;
+    state.Filename.clear();
+    state.WhichBut = "Close";
+    AudioEditor1.Close();
+    changed();
 }
 
 }  // namespace ovd::dictation

@@ -99,6 +99,10 @@ public:
     // Writes the document in the chosen format. The encoding runs off the loop's
     // thread and the file is held locked until it is complete.
     virtual EngineResult SaveAs(const std::string& path) = 0;
+    // The last save has ended (its file is no longer held) and what became of it:
+    // empty when it worked.
+    [[nodiscard]] virtual bool saving() const = 0;
+    [[nodiscard]] virtual std::string lastSaveError() const = 0;
     virtual void Close() = 0;  // harmless with nothing loaded
 
     virtual EngineResult Play(int mode = 0) = 0;  // from the cursor

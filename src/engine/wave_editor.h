@@ -14,6 +14,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <thread>
@@ -86,8 +87,8 @@ public:
     EngineResult ConvertSampleType(int samplesPerSecond, int channels);
 
     // The outcome of the last save, once it has finished; empty when it worked.
-    [[nodiscard]] std::string lastSaveError() const { return lastSaveError_; }
-    [[nodiscard]] bool saving() const { return saving_.load(); }
+    [[nodiscard]] std::string lastSaveError() const override;
+    [[nodiscard]] bool saving() const override { return saving_.load(); }
     // Waits for a running save to end (the station's exit).
     void finishSaving();
     // Waits for a running save, then completes the file the saves have been
@@ -186,6 +187,8 @@ private:
     // Saving.
     std::thread saveThread_;
     std::atomic<bool> saving_{false};
+    // Written by the save's thread before it lets go of the file.
+    mutable std::mutex saveErrorMutex_;
     std::string lastSaveError_;
     unsigned workFilesMade_ = 0;
     // Touched by the save thread while it runs, by the loop's thread once it is joined.

@@ -63,6 +63,11 @@ EngineResult writePieces(StreamEncoder& encoder, const PcmFormat& format, const 
 
 }  // namespace
 
+std::string WaveEditor::lastSaveError() const {
+    const std::lock_guard lock(saveErrorMutex_);
+    return lastSaveError_;
+}
+
 void WaveEditor::finishSaving() {
     if (saveThread_.joinable()) saveThread_.join();
 }
@@ -78,6 +83,7 @@ void WaveEditor::finishSavedFile() {
     if (::flock(fd, LOCK_EX | LOCK_NB) == 0 && session->encoder->sameFileAs(fd)) {
         if (EngineResult finished = session->encoder->finish(); !finished) {
             session->encoder->rollBack();
+            const std::lock_guard lock(saveErrorMutex_);
             lastSaveError_ = finished.error();
         }
     }
@@ -119,7 +125,10 @@ EngineResult WaveEditor::SaveAs(const std::string& path) {
     const SampleCount range = framesIn(job.added ? *job.added : job.pieces);
     emitBlock(BlockOperationEvent::Phase::Start, kSaving, 0, range);
     saving_ = true;
-    lastSaveError_.clear();
+    {
+        const std::lock_guard lock(saveErrorMutex_);
+        lastSaveError_.clear();
+    }
     saveThread_ = std::thread([this, alive = alive_, job = std::move(job), range] {
         const SaveProgress progress = [this, alive, range](SampleCount done) {
             loop_.postFromAnyThread([this, alive, done, range] {
@@ -129,11 +138,14 @@ EngineResult WaveEditor::SaveAs(const std::string& path) {
         EngineResult result = job.added ? addToSavedFile(job, progress) : saveWhole(job, progress);
         // A failed first save leaves no empty file behind to be mistaken for a dictation.
         if (!result && !job.existedBefore) std::remove(job.path.c_str());
+        {
+            // Known before the file is free: whoever waits for the file reads the outcome.
+            const std::lock_guard lock(saveErrorMutex_);
+            lastSaveError_ = result ? std::string() : result.error();
+        }
         ::close(job.lockFd);
-        const std::string error = result ? std::string() : result.error();
-        loop_.postFromAnyThread([this, alive, error, range] {
+        loop_.postFromAnyThread([this, alive, range] {
             if (!*alive) return;
-            lastSaveError_ = error;
             emitBlock(BlockOperationEvent::Phase::End, kSaving, range, range);
         });
         saving_ = false;

@@ -1,6 +1,7 @@
 #include "engine/work_file.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -64,6 +65,12 @@ std::shared_ptr<WorkFile> WorkFile::create(const std::string& path, const PcmFor
     const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
     if (fd < 0) {
         error = systemError("can't create the work file " + path);
+        return nullptr;
+    }
+    // Held for the file's life: the recovery of work files takes only those nobody holds.
+    if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
+        error = systemError("the work file " + path + " is held by another program");
+        ::close(fd);
         return nullptr;
     }
     std::shared_ptr<WorkFile> file(new WorkFile(path, fd, format));

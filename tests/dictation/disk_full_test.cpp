@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <algorithm>
 
 #include "dictation_fixture.h"
 
@@ -50,6 +51,35 @@ TEST_F(DiskFullTest, TheWarningComesWhileRecordingAndTheTakeGoesOn) {
     EXPECT_TRUE(logged(state().Filename + " Disk Full Warning during Recording"));
     EXPECT_TRUE(state().Recordingstatus) << "without the stop setting the take goes on";
     EXPECT_EQ(editor1.State(), 2);
+}
+
+TEST_F(DiskFullTest, ASaveWithoutRoomAsksUntilTheAuthorMovesTheFile) {
+    config.record.FileSaveAtStop = true;  // every Stop saves
+    config.WriteConfig();
+    rebuild();
+    const std::string roomy = folder.file("roomy");
+    platform::createFolder(roomy);
+    prompts.answerNext(platform::Answer::No);   // stay: there is still no room, so it asks again
+    prompts.answerNext(platform::Answer::Yes);  // move
+    prompts.answerNextText(roomy);
+
+    d().Image2_Click();
+    const std::string name = platform::withoutFolder(state().Filename);
+    d().MMControl1_RecordClick();
+    run(12000);
+    d().MMControl1_StopClick();
+
+    const std::vector<std::string> texts = prompts.texts();
+    EXPECT_EQ(std::count(texts.begin(), texts.end(), std::string(kDiskSpaceQuestion)), 2) << texts.size();
+    EXPECT_TRUE(logged("Disk Full Warning --- User Selected to save file in the default location .. "
+                       "User Response: 7"));
+    EXPECT_TRUE(logged("enough disk space to continue working.. User Resonse: 6"));
+    EXPECT_EQ(state().Filename, roomy + "/" + name);
+    EXPECT_GT(platform::fileSize(roomy + "/" + name).value_or(0), 300000u);
+    EXPECT_FALSE(platform::fileExists(smallDisk + "/" + name));
+    settings::ConfigFile stored(folder.path());
+    stored.ReadConfig();
+    EXPECT_EQ(stored.record.CaptureFilePath.toText(), roomy) << "the next files go where there is room";
 }
 
 }  // namespace

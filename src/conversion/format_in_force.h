@@ -1,0 +1,14 @@
+#pragma once
+// Which of the two format groups of the settings is in force: the take is made,
+// saved and recovered in it.
+
+#include "engine/format_selection.h"
+#include "settings/settings_record.h"
+
+namespace ovd::conversion {
+
+// The format settings of the radio button chosen: Other Conditions for "OPT3",
+// Normal Conditions otherwise.
+engine::FormatGroup chosenFormatGroup(const settings::SettingsRecord& record);
+
+}  // namespace ovd::conversion

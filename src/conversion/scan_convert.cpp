@@ -1,0 +1,150 @@
+// The recovery window's load, its lists and its buttons.
+
+#include "conversion/scan_convert.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "platform/files.h"
+
+namespace ovd::conversion {
+
+namespace {
+// Started after the load so that the window is up before the first file is touched.
+constexpr int kRecoveryDelayMs = 100;
+
+std::vector<std::string> filesIn(const std::string& folder) {
+    std::vector<std::string> names;
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
+        if (entry.is_regular_file(error)) names.push_back(entry.path().filename().string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+}  // namespace
+
+ScanConvert::ScanConvert(ScanConvertParts parts)
+    : Timer1(parts.loop, "Timer1"), parts_(parts), AudioConvert1(parts.loop) {
+    Timer1.setOnTick([this] { Timer1_Timer(); });
+}
+
+std::string ScanConvert::recordings() const { return parts_.config.record.CaptureFilePath.toText(); }
+
+std::string ScanConvert::folderFor(FileBox box) const {
+    switch (box) {
+        case FileBox::Save: return platform::joinPath(recordings(), "Save");
+        case FileBox::Temp: return platform::joinPath(recordings(), "Temp");
+        case FileBox::Recordings: return recordings();
+        case FileBox::Back: return platform::joinPath(recordings(), "BACK");
+    }
+    return recordings();
+}
+
+void ScanConvert::Form_Load(ScanMode mode) {
+    view.caption = mode == ScanMode::Recovery ? kRecoveryCaption : kByHandCaption;
+    // Errors on making the folders are not shown: the lists then stay empty.
+    for (FileBox box : {FileBox::Temp, FileBox::Back, FileBox::Recordings, FileBox::Save}) {
+        platform::createFolder(folderFor(box));
+    }
+    view.Label1 = folderFor(FileBox::Temp);
+    view.Label2 = folderFor(FileBox::Recordings);
+    view.Label3 = folderFor(FileBox::Back);
+    view.Label4 = folderFor(FileBox::Save);
+    refreshLists();
+    if (!parts_.config.record.gNormalShutDown) {
+        view.Command2Visible = false;
+        Timer1.setInterval(kRecoveryDelayMs);
+        Timer1.setEnabled(true);
+    } else {
+        view.Command2Visible = true;
+        Timer1.setEnabled(false);
+    }
+    changed();
+}
+
+void ScanConvert::Timer1_Timer() {
+    Timer1.setEnabled(false);
+    SetConverterFormat();
+    RecoverAll();
+}
+
+void ScanConvert::Command1_Click() {
+    UserCanceled = true;
+    LogEvent("Cancel");
+}
+
+void ScanConvert::Command2_Click() {
+    if (view.busy) return;
+    SetConverterFormat();
+    RecoverAll();
+}
+
+void ScanConvert::Command3_Click() {
+    // Leaving stops a conversion under way; its half-made target is removed.
+    UserCanceled = true;
+    if (onClose) onClose();
+}
+
+void ScanConvert::fileBoxClick(FileBox box) {
+    view.Label6 = folderFor(box);
+    changed();
+}
+
+void ScanConvert::fileBox2_DblClick(const std::string& name) {
+    const std::string path = platform::joinPath(folderFor(FileBox::Temp), name);
+    const auto bytes = platform::fileSize(path);
+    if (!bytes || *bytes >= kMinimumFileBytes) return;
+    parts_.prompts.showMessage(kEmptyFileDeleted, settings::kProductTitle);
+    std::error_code error;
+    std::filesystem::remove(path, error);
+    LogEvent("Deleted " + name);
+    refreshLists();
+}
+
+void ScanConvert::ConvertChosenFile() {
+    if (view.busy) return;
+    platform::FileRequest request;
+    request.title = "Convert a recording";
+    request.initialFolder = recordings();
+    request.filters = {{"Audio Files", {"*.wav", "*.mp3", "*.mp2", "*.wma", "*.vox", "*.raw", "*.tmp"}},
+                       {"All Files", {"*"}}};
+    const auto chosen = parts_.prompts.chooseFile(request);
+    if (!chosen || chosen->empty()) return;
+    SetConverterFormat();
+    view.busy = true;
+    UserCanceled = false;
+    const std::int64_t milliseconds = engine::fileLengthMilliseconds(*chosen);
+    if (milliseconds < 0) {
+        LogEvent("Error: " + *chosen + " is not a recording that can be read");
+    } else {
+        TempName = platform::joinPath(recordings(), platform::baseNameOf(*chosen) + "-" +
+                                                        std::to_string(milliseconds / 1000));
+        view.Label6 = TempName;
+        convertToFormatInForce(*chosen);
+    }
+    view.busy = false;
+    refreshLists();
+}
+
+void ScanConvert::refreshLists() {
+    view.fileBox1 = filesIn(folderFor(FileBox::Save));
+    view.fileBox2 = filesIn(folderFor(FileBox::Temp));
+    view.fileBox3 = filesIn(folderFor(FileBox::Recordings));
+    view.fileBox4 = filesIn(folderFor(FileBox::Back));
+    changed();
+}
+
+void ScanConvert::LogEvent(const std::string& text) {
+    view.viewEvent.push_back({parts_.log.timeStamp().substr(11), text});
+    // The headless station has no window: the log is where the operations show.
+    parts_.log.trace("Scan/Convert: " + text);
+    changed();
+}
+
+void ScanConvert::changed() {
+    ++view.revision;
+    if (onViewChanged) onViewChanged();
+}
+
+}  // namespace ovd::conversion

@@ -1,0 +1,163 @@
+#pragma once
+// The recovery window: it turns the work files a crash left in the recordings'
+// Temp folder into finished recordings in the format in force, throws away what
+// holds nothing, and keeps copies in BACK. The same window converts one chosen
+// file by hand. This is its logic and its screen as data; the desktop draws it.
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "engine/audio_converter.h"
+#include "engine/audio_format.h"
+#include "platform/event_loop.h"
+#include "platform/prompts.h"
+#include "platform/timer.h"
+#include "settings/config_file.h"
+#include "settings/event_log.h"
+
+namespace ovd::conversion {
+
+// The colours of the RESTORE button: red while a folder is being worked through,
+// green once a conversion has ended.
+inline constexpr int kWorkingColour = 255;
+inline constexpr int kDoneColour = 65280;
+
+inline constexpr const char* kRecoveryCaption = "Recover Temporary Files";
+// The window's own caption when opened by hand; the misspelling is its own.
+inline constexpr const char* kByHandCaption = "Recover Termporary Files";
+inline constexpr const char* kRecoveredText = "Temporary Files RECOVERED";
+inline constexpr const char* kEmptyFileDeleted =
+    "It appears because of the file size, that this file has not been recorded on.  File will be "
+    "deleted.";
+// Below this many bytes a file holds nothing but a header: it is deleted.
+inline constexpr std::uintmax_t kMinimumFileBytes = 1025;
+
+struct OperationRow {
+    std::string Time;  // "hh:mm:ss"
+    std::string Operation;
+};
+
+// The four folders the window shows, each with its list box.
+enum class FileBox {
+    Save,        // fileBox1: "Save", where the BACKUP copies of temporaries go
+    Temp,        // fileBox2: the work files
+    Recordings,  // fileBox3: the recordings folder itself
+    Back,        // fileBox4: "BACK", a copy of every recovered file
+};
+
+struct ScanConvertView {
+    std::string caption = kByHandCaption;
+    std::string Label1;  // the Temp folder
+    std::string Label2;  // the recordings folder
+    std::string Label3;  // the BACK folder
+    std::string Label4;  // the Save folder
+    std::string Label5;  // "Temporary Files RECOVERED"
+    std::string Label6;  // the file being made
+    std::vector<std::string> fileBox1;  // Save
+    std::vector<std::string> fileBox2;  // Temp
+    std::vector<std::string> fileBox3;  // recordings
+    std::vector<std::string> fileBox4;  // BACK
+    std::vector<std::string> finishedFiles;
+    std::vector<OperationRow> viewEvent;
+    int Command2Colour = 0;
+    // The RESTORE button: hidden while the window recovers by itself.
+    bool Command2Visible = true;
+    bool Image1 = false;  // shown while a folder is worked through
+    int ProgressConvert = 0;
+    bool busy = false;
+    unsigned long revision = 0;
+};
+
+enum class ScanMode {
+    Recovery,  // opened at start for the work files of a run that did not end in order
+    ByHand,    // opened from the menu
+};
+
+struct ScanConvertParts {
+    platform::EventLoop& loop;
+    settings::ConfigFile& config;
+    settings::EventLog& log;
+    platform::Prompts& prompts;
+};
+
+class ScanConvert {
+public:
+    explicit ScanConvert(ScanConvertParts parts);
+    ScanConvert(const ScanConvert&) = delete;
+    ScanConvert& operator=(const ScanConvert&) = delete;
+
+    // Makes the four folders, fills the lists, and when the last run did not end in
+    // order starts the recovery a moment later (Timer1), so the window shows first.
+    void Form_Load(ScanMode mode);
+    void Timer1_Timer();
+
+    void Command1_Click();  // "Cancel": the conversion under way stops
+    void Command2_Click();  // "RESTORE Temporary Files"
+    void Command3_Click();  // "Exit"
+    // A click on a list shows the folder of its file; a double click on the work
+    // files offers the size test for that one file.
+    void fileBoxClick(FileBox box);
+    void fileBox2_DblClick(const std::string& name);
+    // The plain conversion: a file the user chooses becomes a recording of the format
+    // in force in the recordings folder; the chosen file stays as it was.
+    void ConvertChosenFile();
+
+    // The target format from the group in force.
+    void SetConverterFormat();
+    // Works through Temp, then BACK; the crash state is cleared at the end.
+    void RecoverAll();
+    // Works through one folder until nothing is left in it, or a file in use or a
+    // file that is no work file ends the round.
+    void RecoverFolder(const std::string& folder);
+
+    // The recovery was asked for or runs: the main window takes no commands meanwhile.
+    [[nodiscard]] bool working() const { return view.busy || Timer1.Enabled(); }
+    [[nodiscard]] const engine::TargetFormat& converterFormat() const { return format_; }
+    [[nodiscard]] const std::string& formatWord() const { return gFormatType_; }
+
+    ScanConvertView view;
+    platform::Timer Timer1;
+    // Called after every change of the view.
+    std::function<void()> onViewChanged;
+    // The window is to close.
+    std::function<void()> onClose;
+    // The recovery is over: the main window takes commands again.
+    std::function<void()> onRecovered;
+
+private:
+    // The folders under the recordings folder.
+    [[nodiscard]] std::string recordings() const;
+    [[nodiscard]] std::string folderFor(FileBox box) const;
+    void refreshLists();
+    void LogEvent(const std::string& text);
+    void changed();
+
+    // One round of RecoverFolder on its first file; false when the round ends the procedure.
+    bool recoverFirstFile(const std::string& folder);
+    void RenameTemporary(const std::string& path);
+    // The conversion of one file into TempName's target in the format in force;
+    // the target made, or nothing when the conversion failed or was cancelled.
+    std::optional<std::string> convertToFormatInForce(const std::string& source);
+    bool ConvertToDSP(const std::string& source);
+    bool ConvertToMP2(const std::string& source);
+    bool ConvertToMP3(const std::string& source, const std::string& target);
+    bool ConvertToRAW(const std::string& source);
+    bool ConvertToVOX(const std::string& source);
+    bool ConvertToPCM(const std::string& source, const std::string& target);
+    bool runConverter(const std::string& routine, const std::string& source,
+                      const std::string& target, const engine::TargetFormat& format);
+    // Lets events run until the conversion is complete; false on an error or a cancel.
+    bool WaitForConverter(const std::string& target);
+
+    ScanConvertParts parts_;
+    engine::AudioConverter AudioConvert1;
+    std::string gFormatType_;
+    engine::TargetFormat format_;
+    std::string currentFile_;
+    std::string TempName;  // the target's name without extension
+    bool UserCanceled = false;
+};
+
+}  // namespace ovd::conversion

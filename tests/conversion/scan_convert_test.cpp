@@ -1,0 +1,208 @@
+// The recovery window on the virtual clock: work files left by a crash become
+// recordings of the format in force, empty ones go, held ones stay, and the
+// crash state is cleared once the work files are taken care of.
+
+#include "conversion/scan_convert.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "../engine/test_signal.h"
+#include "engine/codecs.h"
+#include "engine/work_file.h"
+#include "platform/files.h"
+#include "support/scripted_prompts.h"
+#include "support/temp_folder.h"
+#include "support/virtual_event_loop.h"
+
+namespace ovd::conversion {
+namespace {
+
+using platform::Milliseconds;
+
+class ScanConvertTest : public ::testing::Test {
+protected:
+    ScanConvertTest() {
+        auto& r = config.record;
+        r.CaptureFilePath = recordings;
+        r.RecordingFormats = "OPT2";
+        r.FormatType = "MP3";
+        r.Frequency = "16000";
+        r.Channel = "MONO";
+        r.FileBit = "32";
+        r.gNormalShutDown = false;  // the last run did not end in order
+        config.WriteConfig();
+        platform::createFolder(temp());
+    }
+
+    [[nodiscard]] std::string temp() const { return recordings + "/Temp"; }
+
+    // A take as the engine leaves it in a work file: a wave file under a .tmp name.
+    std::string workFile(const std::string& name, double seconds) {
+        engine::testing::ToneSource tone({16000, 1}, seconds);
+        const std::string path = temp() + "/" + name;
+        const engine::EngineResult written =
+            engine::encodeFile(tone, path, engine::TargetFormat{}, "", {});
+        EXPECT_TRUE(written) << written.error();
+        return path;
+    }
+    std::string fileOfBytes(const std::string& name, std::size_t bytes) {
+        const std::string path = temp() + "/" + name;
+        platform::writeWholeFile(path, std::string(bytes, 'x'));
+        return path;
+    }
+
+    void recoverAtStart() {
+        scan.Form_Load(ScanMode::Recovery);
+        loop.advance(Milliseconds(100));
+        while (scan.working()) loop.advance(Milliseconds(50));
+    }
+
+    [[nodiscard]] bool operationShown(const std::string& text) const {
+        return std::any_of(scan.view.viewEvent.begin(), scan.view.viewEvent.end(),
+                           [&](const OperationRow& row) { return row.Operation == text; });
+    }
+    [[nodiscard]] bool crashStateStored() {
+        settings::ConfigFile stored(folder.path());
+        stored.ReadConfig();
+        return !stored.record.gNormalShutDown;
+    }
+
+    ::ovd::testing::TempFolder folder;
+    std::string recordings = folder.file("Rec");
+    ::ovd::testing::VirtualEventLoop loop;
+    settings::ConfigFile config{folder.path()};
+    settings::EventLog log{loop, folder.path(), config.record};
+    ::ovd::testing::ScriptedPrompts prompts;
+    ScanConvert scan{{loop, config, log, prompts}};
+};
+
+TEST_F(ScanConvertTest, ACrashedTakeBecomesARecordingOfTheFormatInForceAndEmptyFilesGo) {
+    workFile("ovd100-AudioEditor1-1.tmp", 3.4);
+    fileOfBytes("ovd100-AudioEditor21-1.tmp", kMinimumFileBytes - 1);
+    // Past the size test, yet shorter than a second: it goes without a word.
+    workFile("ovd100-AudioEditor1-2.tmp", 0.5);
+
+    recoverAtStart();
+
+    const std::string made = recordings + "/ovd100-AudioEditor1-1-3.MP3";
+    ASSERT_TRUE(platform::fileExists(made)) << log.text();
+    std::string error;
+    const auto reader = engine::AudioFileReader::open(made, error);
+    ASSERT_TRUE(reader) << error;
+    EXPECT_EQ(reader->formatName(), "MP3");
+    EXPECT_NEAR(static_cast<double>(engine::fileLengthMilliseconds(made)), 3400.0, 60.0);
+    EXPECT_TRUE(platform::fileExists(recordings + "/BACK/ovd100-AudioEditor1-1-3.MP3"));
+    EXPECT_TRUE(std::filesystem::is_empty(temp()));
+
+    ASSERT_EQ(prompts.transcript().size(), 1u) << "one box, for the file with nothing in it";
+    EXPECT_EQ(prompts.transcript()[0].text, kEmptyFileDeleted);
+    EXPECT_TRUE(operationShown("Start ConvertToMP3"));
+    EXPECT_TRUE(operationShown("Stop ConvertToMP3"));
+    EXPECT_EQ(scan.view.caption, kRecoveryCaption);
+    EXPECT_EQ(scan.view.Label5, kRecoveredText);
+    EXPECT_EQ(scan.view.Command2Colour, kWorkingColour);
+    EXPECT_FALSE(crashStateStored());
+}
+
+TEST_F(ScanConvertTest, AWaveTargetPassesThroughATemporaryMp3) {
+    config.record.FormatType = "WAV";
+    workFile("take.tmp", 2.2);
+
+    recoverAtStart();
+
+    EXPECT_TRUE(platform::fileExists(recordings + "/take-2.WAV")) << log.text();
+    EXPECT_FALSE(platform::fileExists(recordings + "/take-2.MP3")) << "the intermediate stays behind";
+    EXPECT_TRUE(operationShown("Start ConvertToMP3"));
+    EXPECT_TRUE(operationShown("Start ConvertToPCM"));
+    EXPECT_NEAR(static_cast<double>(engine::fileLengthMilliseconds(recordings + "/take-2.WAV")),
+                2200.0, 80.0);
+}
+
+TEST_F(ScanConvertTest, TheConverterFormatFollowsTheGroupInForce) {
+    struct Case {
+        std::string formats, frequency, channel, bits;
+        int rate, channels, bitrate;
+    };
+    const std::vector<Case> cases = {
+        {"OPT2", "16000", "MONO", "32", 16000, 1, 32},
+        {"OPT2", "17000", "STEREO", "", 8000, 2, 0},  // unknown rate; no bit rate: encoder default
+        {"OPT2", "FQ_22_KHZ", "2", "33", 22050, 2, 0},
+        {"OPT3", "44100", "MONO", "128", 44100, 1, 128},
+    };
+    config.record.Frequency2 = "44100";
+    config.record.Channel2 = "MONO";
+    config.record.FileBit2 = "128";
+    config.record.FormatType2 = "MP2";
+    for (const Case& c : cases) {
+        config.record.RecordingFormats = c.formats;
+        if (c.formats == "OPT2") {
+            config.record.Frequency = c.frequency;
+            config.record.Channel = c.channel;
+            config.record.FileBit = c.bits;
+        }
+        scan.SetConverterFormat();
+        EXPECT_EQ(scan.converterFormat().sampleRate, c.rate) << c.frequency;
+        EXPECT_EQ(scan.converterFormat().channels, c.channels) << c.channel;
+        EXPECT_EQ(scan.converterFormat().bitrateKbps, c.bitrate) << c.bits;
+        EXPECT_EQ(scan.formatWord(), c.formats == "OPT3" ? "MP2" : "MP3");
+    }
+}
+
+TEST_F(ScanConvertTest, AWorkFileStillHeldIsLeftAndNothingIsLost) {
+    // A station still recording into its work file, its header all there is so far.
+    std::string error;
+    const auto held = engine::WorkFile::create(temp() + "/a-live.tmp", {16000, 1}, error);
+    ASSERT_TRUE(held) << error;
+    workFile("b-crashed.tmp", 1.5);
+
+    recoverAtStart();
+
+    EXPECT_TRUE(platform::fileExists(held->path()));
+    EXPECT_TRUE(platform::fileExists(temp() + "/b-crashed.tmp")) << "a held file ends the round";
+    EXPECT_TRUE(prompts.transcript().empty());
+}
+
+TEST_F(ScanConvertTest, ATakeThatCanNotBeReadIsKeptAsABackup) {
+    fileOfBytes("garbled.tmp", 4000);
+
+    recoverAtStart();
+
+    EXPECT_TRUE(platform::fileExists(recordings + "/Save/BACKUP garbled.tmp.wav")) << log.text();
+    EXPECT_TRUE(std::filesystem::is_empty(temp()));
+}
+
+TEST_F(ScanConvertTest, AfterAnOrderlyEndTheWindowWaitsForTheUser) {
+    config.record.gNormalShutDown = true;
+    workFile("take.tmp", 1.2);
+
+    scan.Form_Load(ScanMode::ByHand);
+    loop.advance(Milliseconds(500));
+    EXPECT_TRUE(platform::fileExists(temp() + "/take.tmp"));
+    EXPECT_TRUE(scan.view.Command2Visible);
+    EXPECT_EQ(scan.view.caption, kByHandCaption);
+    EXPECT_EQ(scan.view.fileBox2, std::vector<std::string>{"take.tmp"});
+
+    scan.Command2_Click();
+    EXPECT_TRUE(platform::fileExists(recordings + "/take-1.MP3"));
+    EXPECT_EQ(scan.view.fileBox2, std::vector<std::string>{});
+}
+
+TEST_F(ScanConvertTest, AChosenFileIsConvertedAndKept) {
+    config.record.gNormalShutDown = true;
+    const std::string chosen = workFile("letter.tmp", 2.0);
+    const std::string kept = folder.file("letter.wav");
+    std::filesystem::rename(chosen, kept);
+    prompts.answerNextText(kept);
+
+    scan.Form_Load(ScanMode::ByHand);
+    scan.ConvertChosenFile();
+
+    EXPECT_TRUE(platform::fileExists(kept));
+    EXPECT_TRUE(platform::fileExists(recordings + "/letter-2.MP3")) << log.text();
+}
+
+}  // namespace
+}  // namespace ovd::conversion
