@@ -99,11 +99,16 @@ public:
 
     dictation::Dictation& dictation() { return *dictation_; }
     devices::HandsFree& handsFree() { return *handsFree_; }
+    // The two editors, for the window's waveform, level meter and device lists.
+    engine::WaveEditor& recordingEditor() { return AudioEditor1; }
+    engine::WaveEditor& scratchEditor() { return AudioEditor21; }
 
     // Ends the program in order: the exit at end of letter, a port change.
     std::function<void()> onExit;
     // Work files of a run that did not end in order wait: the recovery window opens.
     std::function<void()> onOpenRecovery;
+    // The Scan/Convert menu entry; greyed while unset.
+    std::function<void()> mnuScanConvert_Click;
 
 private:
     bool loadRecordingDevice();
