@@ -163,8 +163,6 @@ int main(int argc, char** argv) {
         window = std::make_unique<ovd::ui::StationWindow>(ovd::ui::StationWindowParts{
             config, eventLog, station.dictation(), station.recordingEditor(), station.scratchEditor(),
             debugTrace, *prompts, programFolder, sound.backend->name(), &station.handsFree()});
-        window->addDeskUnit(new ovd::ui::DeskUnitPanel(station.handsFree().switchModel,
-                                                       station.dictation().view, config.record));
         window->onExit = [&station] { station.mnuExit_Click(); };
         window->onRestartNeeded = [&station] { station.mnuExit_Click(); };
         if (station.mnuScanConvert_Click) window->onScanConvert = station.mnuScanConvert_Click;
@@ -183,8 +181,13 @@ int main(int argc, char** argv) {
         eventLog.SaveEventLog();  // the refusal stays on record for support
         return 1;
     }
-    // The window takes its face, place and devices from the settings just read.
-    if (window) window->Form_Load();
+    // The window takes its face, place and devices from the settings just read; the
+    // desk unit's buttons are named by them.
+    if (window) {
+        window->addDeskUnit(new ovd::ui::DeskUnitPanel(station.handsFree().switchModel,
+                                                       station.dictation().view, config.record));
+        window->Form_Load();
+    }
     const int status = QCoreApplication::exec();
     station.Form_Unload();
     window.reset();

@@ -101,6 +101,7 @@ StationWindow::StationWindow(StationWindowParts parts) : parts_(std::move(parts)
     column_->addWidget(statusRows_);
     audioFrame_ = buildAudioFrame();
     column_->addWidget(audioFrame_, 1);
+    column_->addWidget(ctSlide1_);
     column_->addWidget(buildTimesRow());
     column_->addWidget(buildTransportRow());
     editRow_ = buildEditRow();
@@ -201,7 +202,8 @@ QWidget* StationWindow::buildAudioFrame() {
     column->setContentsMargins(0, 0, 0, 0);
     waveform_ = new WaveformView(parts_.AudioEditor1, frame);
     column->addWidget(waveform_, 1);
-    ctSlide1_ = new QSlider(Qt::Horizontal, frame);
+    // The slider stays usable while the frame is greyed during playback.
+    ctSlide1_ = new QSlider(Qt::Horizontal, this);
     ctSlide1_->setObjectName("ctSlide1");
     ctSlide1_->setRange(0, 100);
     ctSlide1_->setEnabled(false);
@@ -224,7 +226,6 @@ QWidget* StationWindow::buildAudioFrame() {
             });
         });
     });
-    column->addWidget(ctSlide1_);
     return frame;
 }
 

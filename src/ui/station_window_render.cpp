@@ -63,9 +63,13 @@ void StationWindow::render() {
     lblBusy_->setVisible(v.lblBusyVisible);
     lamps_->show(v.Image5, v.Image6, text(v.lblOnAir), v.lblOnAirVisible);
 
-    timeElapsed_->setText(text(v.timeElapsed));
-    Label24_->setText(text(v.Label24));
-    Label43_->setText(text(v.Label43));
+    // Before the first position is known the displays show nothing measured yet.
+    const auto orBlank = [](const std::string& value, const char* blank) {
+        return value.empty() ? QString::fromLatin1(blank) : text(value);
+    };
+    timeElapsed_->setText(orBlank(v.timeElapsed, "00:00:00"));
+    Label24_->setText(orBlank(v.Label24, "00:00:00"));
+    Label43_->setText(orBlank(v.Label43, "-"));
     statusPanel1_->setText(text(v.statusPanel1));
     statusPanel2_->setText(text(v.statusPanel2));
 
@@ -146,6 +150,7 @@ void StationWindow::applyFace() {
     toolIcons_->setVisible(parts.toolIcons);
     statusRows_->setVisible(parts.statusLine);
     audioFrame_->setVisible(parts.waveform);
+    ctSlide1_->setVisible(parts.positionSlider);
     editRow_->setVisible(parts.editButtons);
     formatBox_->setVisible(parts.formatBox);
     speakerBox_->setVisible(parts.speakerBox && parts_.config.record.AddNameToFile);

@@ -17,7 +17,7 @@ constexpr std::size_t kFramesPerColumn = 512;
 WaveformView::WaveformView(const engine::WaveEditor& editor, QWidget* parent)
     : QWidget(parent), editor_(editor) {
     setObjectName("AudioEditor1");
-    setMinimumHeight(40);
+    setMinimumHeight(80);
     setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
