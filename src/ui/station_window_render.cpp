@@ -5,6 +5,7 @@
 #include <QComboBox>
 #include <QGuiApplication>
 #include <QLabel>
+#include <QLayout>
 #include <QLineEdit>
 #include <QMoveEvent>
 #include <QPushButton>
@@ -160,8 +161,11 @@ void StationWindow::applyFace() {
     statusBar()->setVisible(parts.statusBar);
     // The window takes the size of the face once the layout has settled.
     QTimer::singleShot(0, this, [this] {
-        centralWidget()->adjustSize();
-        resize(faceWidth(face_), minimumSizeHint().height());
+        centralWidget()->layout()->activate();
+        layout()->activate();
+        // Regular opens at its natural height; the thin faces as small as they go.
+        const int height = face_ == Face::Regular ? sizeHint().height() : minimumSizeHint().height();
+        resize(faceWidth(face_), height);
     });
 }
 

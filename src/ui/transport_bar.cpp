@@ -60,7 +60,8 @@ TransportBar::TransportBar(QWidget* parent) : QWidget(parent) {
         button->setIcon(look.icon == QStyle::SP_CustomBase ? recordIcon()
                                                            : style()->standardIcon(look.icon));
         button->setIconSize({28, 28});
-        button->setMinimumWidth(48);
+        // Room for the caption under the icon, so the bar does not jump when captions show.
+        button->setMinimumSize(52, 56);
         button->setEnabled(false);
         connect(button, &QToolButton::clicked, this, [this, i] {
             if (onClick[static_cast<std::size_t>(i)]) onClick[static_cast<std::size_t>(i)]();
