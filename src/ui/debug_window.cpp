@@ -6,6 +6,8 @@
 #include <QScrollBar>
 #include <QVBoxLayout>
 
+#include "ui/typewriter_font.h"
+
 namespace ovd::ui {
 
 DebugWindow::DebugWindow(settings::DebugTrace& trace,
@@ -18,9 +20,7 @@ DebugWindow::DebugWindow(settings::DebugTrace& trace,
     txtDebug_->setObjectName("txtDebug");
     txtDebug_->setReadOnly(true);
     txtDebug_->setLineWrapMode(QPlainTextEdit::NoWrap);
-    QFont fixed(QStringLiteral("Monospace"));
-    fixed.setStyleHint(QFont::TypeWriter);
-    txtDebug_->setFont(fixed);
+    txtDebug_->setFont(typewriterFont());
     column->addWidget(txtDebug_);
     auto* buttons = new QHBoxLayout;
     auto* dump = new QPushButton(tr("Dump Globals"), this);

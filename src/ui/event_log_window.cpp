@@ -8,6 +8,7 @@
 #include <QVBoxLayout>
 
 #include "settings/event_log.h"
+#include "ui/typewriter_font.h"
 
 namespace ovd::ui {
 
@@ -30,9 +31,7 @@ EventLogWindow::EventLogWindow(const settings::EventLog& eventLog, QWidget* pare
     Text1_->setObjectName("Text1");
     Text1_->setReadOnly(true);
     Text1_->setLineWrapMode(QPlainTextEdit::NoWrap);
-    QFont fixed(QStringLiteral("Monospace"));
-    fixed.setStyleHint(QFont::TypeWriter);
-    Text1_->setFont(fixed);
+    Text1_->setFont(typewriterFont());
     column->addWidget(Text1_);
     setFixedSize(720, 420);
 

@@ -37,6 +37,7 @@
 #include "ui/on_air_lamps.h"
 #include "ui/station_menus.h"
 #include "ui/transport_bar.h"
+#include "ui/typewriter_font.h"
 #include "ui/waveform_view.h"
 
 namespace ovd::ui {
@@ -236,8 +237,7 @@ QWidget* StationWindow::buildTimesRow() {
     row->setContentsMargins(0, 0, 0, 0);
     lamps_ = new OnAirLamps(times);
     timeElapsed_ = named(new QLabel(QStringLiteral("00:00:00"), times), "NCTTimeDisplay21");
-    QFont clock(QStringLiteral("Monospace"));
-    clock.setStyleHint(QFont::TypeWriter);
+    QFont clock = typewriterFont();
     clock.setBold(true);
     clock.setPointSizeF(timeElapsed_->font().pointSizeF() * 1.6);
     timeElapsed_->setFont(clock);

@@ -13,12 +13,11 @@
 #include <QThread>
 
 #include <cmath>
-#include <cstring>
 #include <iostream>
 
-#include "devices/letter_actions.h"
+#include "ui/quiet_letters.h"
 #include "devices/switch_model.h"
-#include "dictation/dictation.h"
+#include "dictation/dictation_fixture.h"
 #include "engine/virtual_backend.h"
 #include "engine/wave_editor.h"
 #include "platform/files.h"
@@ -33,54 +32,25 @@ namespace {
 
 using namespace ovd;
 
-constexpr int kRate = 16000;
+using dictation::testing::kRate;
 
 // Words of a few syllables with pauses between them, as a voice shows in a waveform.
 std::string writeSpeech(const std::string& path, int seconds) {
-    const std::uint32_t frames = static_cast<std::uint32_t>(seconds * kRate);
-    std::string bytes(44 + frames * 2, '\0');
-    const auto put32 = [&](std::size_t at, std::uint32_t v) { std::memcpy(&bytes[at], &v, 4); };
-    const auto put16 = [&](std::size_t at, std::uint16_t v) { std::memcpy(&bytes[at], &v, 2); };
-    std::memcpy(&bytes[0], "RIFF", 4);
-    put32(4, 36 + frames * 2);
-    std::memcpy(&bytes[8], "WAVEfmt ", 8);
-    put32(16, 16);
-    put16(20, 1);
-    put16(22, 1);
-    put32(24, kRate);
-    put32(28, kRate * 2);
-    put16(32, 2);
-    put16(34, 16);
-    std::memcpy(&bytes[36], "data", 4);
-    put32(40, frames * 2);
-    for (std::uint32_t i = 0; i < frames; ++i) {
+    std::vector<std::int16_t> samples(static_cast<std::size_t>(seconds * kRate));
+    for (std::size_t i = 0; i < samples.size(); ++i) {
         const double t = static_cast<double>(i) / kRate;
         const double word = std::fmod(t, 1.3);                   // a word every 1.3 s
         const double syllable = std::sin(M_PI * std::fmod(t, 0.22) / 0.22);
         const double loud = word < 0.9 ? syllable * (0.35 + 0.25 * std::sin(t * 2.1)) : 0.0;
         const double voice = std::sin(2 * M_PI * 140 * t) + 0.5 * std::sin(2 * M_PI * 420 * t);
-        const auto v = static_cast<std::int16_t>(loud * voice * 18000);
-        std::memcpy(&bytes[44 + i * 2], &v, 2);
+        samples[i] = static_cast<std::int16_t>(loud * voice * 18000);
     }
-    platform::writeWholeFile(path, bytes);
-    return path;
+    return dictation::testing::writeMonoWave(path, samples);
 }
 
 struct NoPeer : dictation::PeerNotices {
     [[nodiscard]] bool linkOn() const override { return false; }
     bool send(const std::string&, const std::string&) override { return false; }
-};
-
-struct NoLetters : devices::LetterActions {
-    void beep() override {}
-    void startEndOfLetter() override {}
-    void endOfLetter() override {}
-    bool exitRequested() const override { return false; }
-    void startTimClose() override {}
-    void exitProgram() override {}
-    void destinationNotTried(int, const std::string&) override {}
-    void sendToDestination(int, const std::string&, const devices::SendWording&) override {}
-    void stageForSending(devices::Staging, const std::string&) override {}
 };
 
 // Lets the window manager and the window catch up, in real time.
@@ -126,8 +96,8 @@ int main(int argc, char** argv) {
     const std::string out = argv[1];
     platform::createFolder(out);
 
-    testing::TempFolder folder;
-    testing::VirtualEventLoop loop{testing::localTime(2026, 3, 9, 9, 30, 0)};
+    ovd::testing::TempFolder folder;
+    ovd::testing::VirtualEventLoop loop{ovd::testing::localTime(2026, 3, 9, 9, 30, 0)};
     settings::ConfigFile config{folder.path()};
     platform::writeWholeFile(config.path(), *platform::readWholeFile(OVD_TEST_ASSETS "/DigitalRecorder.cfg"));
     config.ReadConfig();
@@ -138,7 +108,7 @@ int main(int argc, char** argv) {
     config.record.MainWindowTop = 30;
     platform::createFolder(folder.file("Recordings"));
     settings::EventLog log{loop, folder.path(), config.record};
-    testing::ScriptedPrompts prompts;
+    ovd::testing::ScriptedPrompts prompts;
     settings::SpeakersTable speakers{folder.path()};
     engine::VirtualBackend backend{loop, {440.0, 0.25, writeSpeech(folder.file("voice.wav"), 30)}};
     auto clipboard = std::make_shared<engine::Clipboard>();
@@ -149,7 +119,7 @@ int main(int argc, char** argv) {
     dictation::Dictation dictation({loop, config, log, prompts, editor1, editor21, voice, speakers, peer,
                                     folder.path()});
     dictation.start();
-    NoLetters letters;
+    ui::testing::QuietLetters letters;
     devices::ButtonMessages messages;
     devices::SwitchModel switchModel({dictation, editor1, config, log, prompts, peer, messages, letters});
     settings::DebugTrace trace{loop};
