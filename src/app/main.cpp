@@ -21,6 +21,7 @@
 #include "platform/processes.h"
 #include "platform/termination_signals.h"
 #include "settings/config_file.h"
+#include "settings/debug_trace.h"
 #include "settings/event_log.h"
 #include "ui/qt_event_loop.h"
 #include "ui/desk_unit_panel.h"
@@ -155,6 +156,8 @@ int main(int argc, char** argv) {
                                ovd::platform::joinPath(programFolder, "prompts"), programFolder,
                                ovd::platform::executableFolder(), commandFileName});
     station.onExit = [] { QCoreApplication::quit(); };
+    ovd::settings::DebugTrace debugTrace(loop);
+    station.handsFree().usb.trace = &debugTrace;
 
     std::unique_ptr<ovd::ui::StationWindow> window;
     std::unique_ptr<ovd::ui::ScanConvertWindow> scanConvertWindow;
@@ -164,10 +167,13 @@ int main(int argc, char** argv) {
             scanConvertWindow->show();
             scanConvertWindow->raise();
         };
-        window = std::make_unique<ovd::ui::StationWindow>(config, eventLog);
-        window->addDeskUnit(new ovd::ui::DeskUnitPanel(station.handsFree().switchModel,
-                                                       station.dictation().view, config.record));
-        window->show();
+        window = std::make_unique<ovd::ui::StationWindow>(ovd::ui::StationWindowParts{
+            config, eventLog, station.dictation(), station.recordingEditor(), station.scratchEditor(),
+            debugTrace, *prompts, programFolder, sound.backend->name(), &station.handsFree()});
+        window->onExit = [&station] { station.mnuExit_Click(); };
+        window->onRestartNeeded = [&station] { station.mnuExit_Click(); };
+        window->onScanConvert = [&station] { station.mnuScanConvert_Click(); };
+        static_cast<ovd::ui::QtPrompts&>(*prompts).setMainWindow(window.get());
     } else {
         std::cerr << "orvane-voice-desk: running headless on " << dataFolder
                   << "; Ctrl-C or SIGTERM ends the station in order\n";
@@ -181,6 +187,13 @@ int main(int argc, char** argv) {
     if (station.Form_Load() == ovd::app::LoadResult::EndProgram) {
         eventLog.SaveEventLog();  // the refusal stays on record for support
         return 1;
+    }
+    // The window takes its face, place and devices from the settings just read; the
+    // desk unit's buttons are named by them.
+    if (window) {
+        window->addDeskUnit(new ovd::ui::DeskUnitPanel(station.handsFree().switchModel,
+                                                       station.dictation().view, config.record));
+        window->Form_Load();
     }
     const int status = QCoreApplication::exec();
     station.Form_Unload();

@@ -100,6 +100,9 @@ public:
 
     dictation::Dictation& dictation() { return *dictation_; }
     devices::HandsFree& handsFree() { return *handsFree_; }
+    // The two editors, for the window's waveform, level meter and device lists.
+    engine::WaveEditor& recordingEditor() { return AudioEditor1; }
+    engine::WaveEditor& scratchEditor() { return AudioEditor21; }
 
     // Ends the program in order: the exit at end of letter, a port change.
     std::function<void()> onExit;

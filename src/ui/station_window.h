@@ -1,46 +1,190 @@
 #pragma once
-// The station's first window: its title, the day's event log as it grows, and
-// the way out. The dictation controls take their places here as they are built.
+// frmDialog, the station's main window. It renders the dictation's MainView and
+// routes every click to the dictation's entry points, nothing more: the transport
+// bar, the tool icons, the insert and overwrite buttons, the position slider, the
+// format options, the speaker, the devices and volumes, the menus and the
+// right-click menu. It comes in three faces, stored in ScreenSize, remembers where
+// it stood, and stays on top when Ontopcheck says so.
+//
+// The widgets carry the names of the controls they stand for (objectName), so a
+// test or a support session can find "Command2" or "MMControl1Record".
 
 #include <QMainWindow>
 
+#include <functional>
+#include <memory>
 #include <string>
 
-class QPlainTextEdit;
+#include "ui/window_faces.h"
+
+class QCheckBox;
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QRadioButton;
+class QSlider;
 class QTimer;
+class QToolBar;
 class QVBoxLayout;
 
+namespace ovd::devices {
+class HandsFree;
+}
+namespace ovd::dictation {
+class Dictation;
+}
+namespace ovd::engine {
+class AudioEditor;
+class WaveEditor;
+}  // namespace ovd::engine
+namespace ovd::platform {
+class Prompts;
+}
 namespace ovd::settings {
 class ConfigFile;
+class DebugTrace;
 class EventLog;
 }  // namespace ovd::settings
 
 namespace ovd::ui {
 
+class DebugWindow;
+class DeviceBox;
+class DeviceChoice;
+class EventLogWindow;
+class LevelMeter;
+class OnAirLamps;
+class StationMenus;
+class TransportBar;
+class WaveformView;
+
+struct StationWindowParts {
+    settings::ConfigFile& config;
+    settings::EventLog& eventLog;
+    dictation::Dictation& dictation;
+    engine::WaveEditor& AudioEditor1;    // the waveform, the devices, the level
+    engine::AudioEditor& AudioEditor21;  // the level during an insert or overwrite
+    settings::DebugTrace& debugTrace;
+    platform::Prompts& prompts;
+    std::string programFolder;  // the shipped help pages
+    std::string soundSystem;    // named in the about box
+    devices::HandsFree* handsFree = nullptr;  // the pedal menus; greyed without
+};
+
 class StationWindow : public QMainWindow {
 public:
-    StationWindow(settings::ConfigFile& config, settings::EventLog& eventLog);
+    explicit StationWindow(StationWindowParts parts);
+    ~StationWindow() override;
+    StationWindow(const StationWindow&) = delete;
+    StationWindow& operator=(const StationWindow&) = delete;
 
     // The title the station runs under, by edition.
     static QString titleFor(bool handsFreeEdition);
 
-    // The desk unit on screen goes above the log; the window owns it from then on.
+    // The desk unit on screen goes below the controls; the window owns it from then on.
     void addDeskUnit(QWidget* panel);
+
+    // Once the station has read its settings: the devices and volumes, the event log
+    // box, the face, the window's place, always-on-top; then the window shows.
+    void Form_Load();
+
+    // Brings every control in line with MainView when it changed since the last look.
+    void render();
+    // Switches the face and stores it.
+    void setFace(Face face);
+    [[nodiscard]] Face face() const { return face_; }
+    // Always-on-top, stored in Ontopcheck.
+    void setOnTop(bool onTop);
+    // chkViewlOG: the event log window shown or hidden.
+    void chkViewlOG_Click(bool checked);
+    void showHelp();
+    void showAbout();
+
+    // File > Exit: the station's own way out.
+    std::function<void()> onExit;
+    // Scan/Convert: the recovery window; the entry is greyed while this is unset.
+    std::function<void()> onScanConvert;
+    // The device lists failed too often: the station ends.
+    std::function<void()> onRestartNeeded;
+
+    [[nodiscard]] DeviceChoice& deviceChoice() { return *deviceChoice_; }
+    [[nodiscard]] EventLogWindow& eventLogWindow() { return *eventLogWindow_; }
+    [[nodiscard]] WaveformView& waveform() { return *waveform_; }
+    [[nodiscard]] LevelMeter& levelMeter() { return *levelMeter_; }
 
 protected:
     void moveEvent(QMoveEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    // Building, in station_window.cpp.
+    QWidget* buildStatusRows();
+    QWidget* buildAudioFrame();
+    // The lamps, the times and the level: in every face.
+    QWidget* buildTimesRow();
+    QWidget* buildTransportRow();
+    QWidget* buildEditRow();
+    QWidget* buildOptionsRow();
+    void buildToolIcons();
+    void buildStatusBar();
+    void wireEngineEvents();
     void placeWindow();
-    void refreshLog();
+    void applyFace();
+    // After a click: the screen follows at once rather than at the next tick.
+    void routed(const std::function<void()>& entry);
+    void Option_Click(bool otherConditions);
 
-    settings::ConfigFile& config_;
-    settings::EventLog& eventLog_;
-    QPlainTextEdit* logView_ = nullptr;
-    QVBoxLayout* column_ = nullptr;
-    QTimer* refresh_ = nullptr;
-    std::size_t shownBytes_ = 0;
+    StationWindowParts parts_;
+    Face face_ = Face::Regular;
     bool placed_ = false;
+    unsigned long shownRevision_ = ~0UL;
+
+    QWidget* statusRows_ = nullptr;
+    QWidget* audioFrame_ = nullptr;
+    QWidget* editRow_ = nullptr;
+    QWidget* formatBox_ = nullptr;
+    QWidget* speakerBox_ = nullptr;
+    QWidget* optionsRow_ = nullptr;
+    QWidget* deskUnit_ = nullptr;
+    QToolBar* toolIcons_ = nullptr;
+    QVBoxLayout* column_ = nullptr;
+
+    OnAirLamps* lamps_ = nullptr;
+    QLabel* Label40_ = nullptr;
+    QLabel* lblReady_ = nullptr;
+    QLabel* lblMode_ = nullptr;
+    QLabel* lblBusy_ = nullptr;
+    QLabel* Label37_ = nullptr;
+    QLabel* timeElapsed_ = nullptr;
+    QLabel* Label24_ = nullptr;
+    QLabel* Label43_ = nullptr;
+    QLabel* statusPanel1_ = nullptr;
+    QLabel* statusPanel2_ = nullptr;
+    QSlider* ctSlide1_ = nullptr;
+    WaveformView* waveform_ = nullptr;
+    LevelMeter* levelMeter_ = nullptr;
+    TransportBar* MMControl1_ = nullptr;
+    QPushButton* cmdEOL_ = nullptr;
+    QPushButton* ButtonEx1_ = nullptr;
+    QPushButton* ButtonEx2_ = nullptr;
+    QPushButton* Command1_ = nullptr;
+    QPushButton* Command2_ = nullptr;
+    QPushButton* cmdOVR_ = nullptr;
+    QPushButton* Command3_ = nullptr;
+    QLineEdit* txtStepAmt_ = nullptr;
+    QRadioButton* Option2_ = nullptr;
+    QRadioButton* Option3_ = nullptr;
+    QComboBox* cboName_ = nullptr;
+    QCheckBox* chkViewlOG_ = nullptr;
+    DeviceBox* deviceBox_ = nullptr;
+    QTimer* follow_ = nullptr;
+
+    std::unique_ptr<DeviceChoice> deviceChoice_;
+    std::unique_ptr<StationMenus> menus_;
+    EventLogWindow* eventLogWindow_ = nullptr;
+    DebugWindow* debugWindow_ = nullptr;
 };
 
 }  // namespace ovd::ui

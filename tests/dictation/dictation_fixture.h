@@ -29,8 +29,9 @@ inline constexpr int kRate = 16000;
 // Sample i of a take reads i / 8: sixteen seconds before the ramp runs out.
 inline std::int16_t rampAt(engine::SampleCount i) { return static_cast<std::int16_t>(i / 8); }
 
-inline std::string writeRampWave(const std::string& path, int seconds) {
-    const std::uint32_t frames = static_cast<std::uint32_t>(seconds * kRate);
+// A mono 16-bit WAV file at kRate of the given samples.
+inline std::string writeMonoWave(const std::string& path, const std::vector<std::int16_t>& samples) {
+    const auto frames = static_cast<std::uint32_t>(samples.size());
     std::string bytes(44 + frames * 2, '\0');
     const auto put32 = [&](std::size_t at, std::uint32_t v) { std::memcpy(&bytes[at], &v, 4); };
     const auto put16 = [&](std::size_t at, std::uint16_t v) { std::memcpy(&bytes[at], &v, 2); };
@@ -46,12 +47,15 @@ inline std::string writeRampWave(const std::string& path, int seconds) {
     put16(34, 16);
     std::memcpy(&bytes[36], "data", 4);
     put32(40, frames * 2);
-    for (std::uint32_t i = 0; i < frames; ++i) {
-        const std::int16_t v = rampAt(i);
-        std::memcpy(&bytes[44 + i * 2], &v, 2);
-    }
+    if (frames > 0) std::memcpy(&bytes[44], samples.data(), frames * 2);
     platform::writeWholeFile(path, bytes);
     return path;
+}
+
+inline std::string writeRampWave(const std::string& path, int seconds) {
+    std::vector<std::int16_t> samples(static_cast<std::size_t>(seconds * kRate));
+    for (std::size_t i = 0; i < samples.size(); ++i) samples[i] = rampAt(static_cast<engine::SampleCount>(i));
+    return writeMonoWave(path, samples);
 }
 
 class RecordingPeer : public PeerNotices {

@@ -9,25 +9,14 @@
 
 #include "devices/switch_model.h"
 #include "dictation/dictation_fixture.h"
+#include "ui/quiet_letters.h"
 
 namespace ovd::ui {
 namespace {
 
-struct NoLetters : devices::LetterActions {
-    void beep() override {}
-    void startEndOfLetter() override {}
-    void endOfLetter() override {}
-    bool exitRequested() const override { return false; }
-    void startTimClose() override {}
-    void exitProgram() override {}
-    void destinationNotTried(int, const std::string&) override {}
-    void sendToDestination(int, const std::string&, const devices::SendWording&) override {}
-    void stageForSending(devices::Staging, const std::string&) override {}
-};
-
 class DeskUnitPanelTest : public dictation::testing::DictationTest {
 protected:
-    NoLetters letters;
+    testing::QuietLetters letters;
     devices::ButtonMessages messages;
     devices::SwitchModel model{{d(), editor1, config, log, prompts, peer, messages, letters}};
 

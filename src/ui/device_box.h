@@ -1,0 +1,38 @@
+#pragma once
+// The device and source boxes of the main window with the recording and playing
+// volume sliders: which microphone and which line the station records from, where
+// it plays, and how loud. The choices and their storage are DeviceChoice's; this
+// box shows them and hands it each pick.
+
+#include <QGroupBox>
+
+class QComboBox;
+class QLabel;
+class QSlider;
+
+namespace ovd::ui {
+
+class DeviceChoice;
+
+class DeviceBox : public QGroupBox {
+public:
+    explicit DeviceBox(DeviceChoice& choice, QWidget* parent = nullptr);
+
+    // Fills the lists from the choice, without calling back into it.
+    void fill();
+
+private:
+    void showVolumes();
+
+    DeviceChoice& choice_;
+    QComboBox* cmbDevInput_ = nullptr;
+    QComboBox* cmbSrcInput_ = nullptr;
+    QComboBox* cmbDevOutput_ = nullptr;
+    QComboBox* cmbSrcOutput_ = nullptr;
+    QSlider* sldrVolumeInp_ = nullptr;
+    QSlider* sldrVolumeOut_ = nullptr;
+    QLabel* lblRecLev_ = nullptr;
+    QLabel* Label6_ = nullptr;
+};
+
+}  // namespace ovd::ui

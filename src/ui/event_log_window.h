@@ -1,0 +1,40 @@
+#pragma once
+// frmEventLog: the day's event log on screen, following the log as it grows, at
+// a fixed size. chkViewlOG on the main window shows and hides it.
+
+#include <QWidget>
+
+#include <functional>
+
+class QPlainTextEdit;
+class QTimer;
+
+namespace ovd::settings {
+class EventLog;
+}
+
+namespace ovd::ui {
+
+class EventLogWindow : public QWidget {
+public:
+    explicit EventLogWindow(const settings::EventLog& eventLog, QWidget* parent = nullptr);
+
+    // Takes up what the log gained since the last look.
+    void refresh();
+    [[nodiscard]] QPlainTextEdit* Text1() const { return Text1_; }
+
+    // The window was closed from its own menu or frame: chkViewlOG unticks.
+    std::function<void()> onClosed;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
+private:
+    const settings::EventLog& eventLog_;
+    QPlainTextEdit* Text1_ = nullptr;
+    QTimer* follow_ = nullptr;
+    std::size_t shownBytes_ = 0;
+};
+
+}  // namespace ovd::ui

@@ -1,0 +1,67 @@
+#include "ui/on_air_lamps.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+#include <QRadialGradient>
+
+namespace ovd::ui {
+
+Lamp::Lamp(QWidget* parent) : QWidget(parent) {
+    setFixedSize(sizeHint());
+}
+
+void Lamp::setLit(bool lit) {
+    if (lit == lit_) return;
+    lit_ = lit;
+    update();
+}
+
+void Lamp::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF disc = QRectF(rect()).adjusted(2, 2, -2, -2);
+    QRadialGradient glass(disc.center() - QPointF(3, 3), disc.width() / 1.4);
+    if (lit_) {
+        glass.setColorAt(0, QColor(255, 190, 170));
+        glass.setColorAt(1, QColor(220, 20, 20));
+    } else {
+        glass.setColorAt(0, QColor(120, 90, 90));
+        glass.setColorAt(1, QColor(60, 40, 40));
+    }
+    painter.setPen(QPen(QColor(40, 40, 40), 1.5));
+    painter.setBrush(glass);
+    painter.drawEllipse(disc);
+}
+
+OnAirLamps::OnAirLamps(QWidget* parent) : QWidget(parent) {
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    Image5_ = new Lamp(this);
+    Image5_->setObjectName("Image5");
+    Image6_ = new Lamp(this);
+    Image6_->setObjectName("Image6");
+    lblOnAir_ = new QLabel(this);
+    lblOnAir_->setObjectName("lblOnAir");
+    lblOnAir_->setAlignment(Qt::AlignCenter);
+    lblOnAir_->setMinimumWidth(90);
+    QFont bold = lblOnAir_->font();
+    bold.setBold(true);
+    bold.setPointSizeF(bold.pointSizeF() * 1.3);
+    lblOnAir_->setFont(bold);
+    row->addWidget(Image5_);
+    row->addWidget(lblOnAir_);
+    row->addWidget(Image6_);
+}
+
+void OnAirLamps::show(bool Image5, bool Image6, const QString& lblOnAir, bool lblOnAirVisible) {
+    Image5_->setLit(Image5);
+    Image6_->setLit(Image6);
+    // Hidden, the caption keeps its room so the window does not jump at each take.
+    lblOnAir_->setText(lblOnAirVisible ? lblOnAir : QString());
+    const bool onAir = lblOnAir == QLatin1String("ON AIR");
+    lblOnAir_->setStyleSheet(onAir ? QStringLiteral("color: #d01010;")
+                                   : QStringLiteral("color: #a06000;"));
+}
+
+}  // namespace ovd::ui

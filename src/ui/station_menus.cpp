@@ -1,0 +1,251 @@
+#include "ui/station_menus.h"
+
+#include <QActionGroup>
+#include <QMenu>
+#include <QMenuBar>
+
+#include "devices/hands_free.h"
+#include "dictation/dictation.h"
+#include "settings/config_file.h"
+#include "ui/station_window.h"
+
+namespace ovd::ui {
+
+namespace {
+constexpr const char* kNotYet = "Not available in this version of the station yet";
+constexpr const char* kNoRecentFiles = "None";
+}  // namespace
+
+StationMenus::StationMenus(StationWindow& window, StationWindowParts& parts)
+    : window_(window), parts_(parts) {
+    buildFile();
+    buildEdit();
+    buildView();
+    buildConfiguration();
+    buildPedals();
+    buildTools();
+    buildHelp();
+    buildContextMenu();
+}
+
+QAction* StationMenus::add(QMenu* menu, const std::string& name, const QString& text,
+                           const std::function<void()>& routine) {
+    QAction* entry = menu->addAction(text);
+    entry->setObjectName(QString::fromStdString(name));
+    QObject::connect(entry, &QAction::triggered, &window_, [routine] { routine(); });
+    actions_[name] = entry;
+    return entry;
+}
+
+QAction* StationMenus::addGreyed(QMenu* menu, const std::string& name, const QString& text) {
+    QAction* entry = menu->addAction(text);
+    entry->setObjectName(QString::fromStdString(name));
+    entry->setEnabled(false);
+    entry->setToolTip(QObject::tr(kNotYet));
+    actions_[name] = entry;
+    return entry;
+}
+
+QAction* StationMenus::action(const std::string& name) const {
+    const auto found = actions_.find(name);
+    return found == actions_.end() ? nullptr : found->second;
+}
+
+void StationMenus::buildFile() {
+    dictation::Dictation& d = parts_.dictation;
+    QMenu* file = window_.menuBar()->addMenu(QObject::tr("&File"));
+    file->setObjectName("mnuFile");
+    add(file, "mnuNew", QObject::tr("&New"), [&d] { d.Image2_Click(); })->setShortcut(QKeySequence::New);
+    add(file, "mnuOpen", QObject::tr("&Open..."), [&d] { d.Image3_Click(); })
+        ->setShortcut(QKeySequence::Open);
+    add(file, "mnuSave", QObject::tr("&Save"), [&d] { d.Image4_Click(); })->setShortcut(QKeySequence::Save);
+    add(file, "mnuSaveAs", QObject::tr("Save &As..."), [&d] { d.mnuSaveAs_Click(); });
+    add(file, "mnclose", QObject::tr("&Close"), [&d] { d.mnclose_Click(); });
+    file->addSeparator();
+    reopen_ = file->addMenu(QObject::tr("&Reopen"));
+    reopen_->setObjectName("mnuReopen");
+    file->addSeparator();
+    add(file, "mnuExit", QObject::tr("E&xit"), [this] {
+        if (window_.onExit) window_.onExit();
+    })->setShortcut(QKeySequence::Quit);
+    QObject::connect(file, &QMenu::aboutToShow, &window_,
+                     [this] { refresh(parts_.dictation.view); });
+}
+
+void StationMenus::buildEdit() {
+    dictation::Dictation& d = parts_.dictation;
+    QMenu* edit = window_.menuBar()->addMenu(QObject::tr("&Edit"));
+    edit->setObjectName("mnuEdit");
+    // The editing keys run their routine and then refresh the screen as a toolbar would.
+    const auto key = [&d](const char* name) { return [&d, name] { d.Toolbar1_ButtonClick(name); }; };
+    add(edit, "mnuUndo", QObject::tr("&Undo"), key("Undo"))->setShortcut(QKeySequence::Undo);
+    add(edit, "mnuRedo", QObject::tr("&Redo"), key("Redo"))->setShortcut(QKeySequence::Redo);
+    edit->addSeparator();
+    add(edit, "mnuCut", QObject::tr("Cu&t"), key("Cut"))->setShortcut(QKeySequence::Cut);
+    add(edit, "mnuCopy", QObject::tr("&Copy"), key("Copy"))->setShortcut(QKeySequence::Copy);
+    add(edit, "mnuPaste", QObject::tr("&Paste"), key("Paste"))->setShortcut(QKeySequence::Paste);
+    add(edit, "mnuInsSilence", QObject::tr("Insert &Silence"), key("InsSilence"));
+}
+
+void StationMenus::buildView() {
+    QMenu* view = window_.menuBar()->addMenu(QObject::tr("&View"));
+    view->setObjectName("mnuView");
+    auto* faces = new QActionGroup(view);
+    for (const Face face : {Face::Regular, Face::Thin, Face::SuperThin}) {
+        const std::string name = std::string("mnu") + faceSetting(face) + "Face";
+        QAction* entry = add(view, name, QString::fromLatin1(faceSetting(face)),
+                             [this, face] { window_.setFace(face); });
+        entry->setCheckable(true);
+        faces->addAction(entry);
+    }
+    view->addSeparator();
+    QAction* onTop = add(view, "mnuOnTop", QObject::tr("Always on &Top"), [] {});
+    onTop->setCheckable(true);
+    QObject::connect(onTop, &QAction::toggled, &window_, [this](bool on) { window_.setOnTop(on); });
+    QAction* log = add(view, "mnuViewLog", QObject::tr("&Event Log"), [] {});
+    log->setCheckable(true);
+    QObject::connect(log, &QAction::toggled, &window_, [this](bool on) { window_.chkViewlOG_Click(on); });
+    QObject::connect(view, &QMenu::aboutToShow, &window_, [this] { refresh(parts_.dictation.view); });
+}
+
+void StationMenus::buildConfiguration() {
+    dictation::Dictation& d = parts_.dictation;
+    QMenu* configuration = window_.menuBar()->addMenu(QObject::tr("&Configuration"));
+    configuration->setObjectName("mnuConfiguration");
+    addGreyed(configuration, "mnuFileSaves", QObject::tr("File Names, Folders and Delivery..."));
+    addGreyed(configuration, "mnuRecordingFormats", QObject::tr("Recording Formats..."));
+    add(configuration, "CaseDefaults", QObject::tr("Factory Recording Formats"), [&d] { d.Image7_Click(); });
+    configuration->addSeparator();
+    addGreyed(configuration, "mnuQDUCon", QObject::tr("Quadrant Desk Unit Connected"))->setCheckable(true);
+    addGreyed(configuration, "mnuButtons", QObject::tr("Desk Unit Buttons..."));
+    addGreyed(configuration, "mnuHotKeys", QObject::tr("Hot Keys..."));
+    addGreyed(configuration, "mnuSpeakers", QObject::tr("Speakers..."));
+    addGreyed(configuration, "mnuFilePurge", QObject::tr("Scheduled Deletion..."));
+    configuration->addSeparator();
+    addGreyed(configuration, "mnemail", QObject::tr("Configure Email..."));
+    addGreyed(configuration, "mnFTP", QObject::tr("Configure FTP..."));
+    addGreyed(configuration, "mnDecrypt", QObject::tr("Decrypt a File..."));
+}
+
+void StationMenus::buildPedals() {
+    QMenu* pedals = window_.menuBar()->addMenu(QObject::tr("&Pedals"));
+    pedals->setObjectName("mnuEXTFootPedals");
+    devices::HandsFree* handsFree = parts_.handsFree;
+    const auto pedalEntry = [&](const std::string& name, const QString& text,
+                                const std::function<void(devices::HandsFree&)>& routine) {
+        QAction* entry = handsFree != nullptr
+                             ? add(pedals, name, text, [handsFree, routine] { routine(*handsFree); })
+                             : addGreyed(pedals, name, text);
+        entry->setCheckable(true);
+    };
+    pedalEntry("mnuUSBFootPedals", QObject::tr("USB Foot Pedals"),
+               [](devices::HandsFree& h) { h.usb.mnuUSBFootPedals_Click(); });
+    pedalEntry("mnuSERFootPedals", QObject::tr("Serial Foot Pedals"),
+               [](devices::HandsFree& h) { h.serial.mnuSERFootPedals(); });
+    addGreyed(pedals, "mnuGAMEFootPedals", QObject::tr("Game Port Foot Pedals"))->setCheckable(true);
+    pedals->addSeparator();
+    pedalEntry("mn30VEC", QObject::tr("Use 3.0 Infinity Foot Pedal Controller"),
+               [](devices::HandsFree& h) { h.usb.mn30VEC_Click(); });
+    QMenu* ports = pedals->addMenu(QObject::tr("COM &Port"));
+    ports->setObjectName("mnuComPort");
+    for (int index = 0; index < devices::SerialPedals::kPortCount; ++index) {
+        const std::string name = "mnuComPortItem" + std::to_string(index);
+        const QString text = QStringLiteral("COM%1").arg(index + 1);
+        QAction* entry = handsFree != nullptr
+                             ? add(ports, name, text, [handsFree, index] { handsFree->serial.mnuComPortItem(index); })
+                             : addGreyed(ports, name, text);
+        entry->setCheckable(true);
+    }
+    pedals->addSeparator();
+    addGreyed(pedals, "mnuConfigUSBFootPedals", QObject::tr("USB Pedal Assignments..."));
+    addGreyed(pedals, "mnuConfigSERFootPedals", QObject::tr("Serial Pedal Assignments..."));
+    addGreyed(pedals, "mnuConfigGAMEFootPedals", QObject::tr("Game Port Pedal Assignments..."));
+    QObject::connect(pedals, &QMenu::aboutToShow, &window_, [this] { refreshPedals(); });
+}
+
+void StationMenus::buildTools() {
+    QMenu* tools = window_.menuBar()->addMenu(QObject::tr("&Tools"));
+    tools->setObjectName("mnuTools");
+    addGreyed(tools, "mnAutoSend", QObject::tr("Manually Start AutoSend"));
+    add(tools, "mnuScanConvert", QObject::tr("Scan/Convert..."), [this] {
+        if (window_.onScanConvert) window_.onScanConvert();
+    });
+    tools->addSeparator();
+    add(tools, "mnuDebugTrace", QObject::tr("Debug Trace"), [this] {
+        parts_.debugTrace.DebugOn = true;
+        if (parts_.debugTrace.onShow) parts_.debugTrace.onShow();
+    });
+    QObject::connect(tools, &QMenu::aboutToShow, &window_, [this] { refresh(parts_.dictation.view); });
+}
+
+void StationMenus::buildHelp() {
+    QMenu* help = window_.menuBar()->addMenu(QObject::tr("&Help"));
+    help->setObjectName("mnuHelp");
+    add(help, "mnuHelpTopics", QObject::tr("Help &Topics"), [this] { window_.showHelp(); })
+        ->setShortcut(QKeySequence::HelpContents);
+    add(help, "mnuAbout", QObject::tr("&About"), [this] { window_.showAbout(); });
+}
+
+void StationMenus::buildContextMenu() {
+    dictation::Dictation& d = parts_.dictation;
+    contextMenu_ = new QMenu(&window_);
+    contextMenu_->setObjectName("mnuPopUp");
+    add(contextMenu_, "mnuInsertBeginning", QStringLiteral("Insert Beginning of File"),
+        [&d] { d.mnuInsertBeginning_Click(); });
+    add(contextMenu_, "mnuAppendEnd", QStringLiteral("Append End of File"), [&d] { d.mnuAppendEnd_Click(); });
+    add(contextMenu_, "mnuLastThreeContinue", QStringLiteral("Play Last Three Seconds Continue Recording"),
+        [&d] { d.mnuLastThreeContinue_Click(); });
+}
+
+void StationMenus::refresh(const dictation::MainView& view) {
+    refreshReopen(view);
+    action("mnuScanConvert")->setEnabled(view.mnuScanConvertEnabled && window_.onScanConvert != nullptr);
+    action(std::string("mnu") + faceSetting(window_.face()) + "Face")->setChecked(true);
+    QAction* onTop = action("mnuOnTop");
+    const QSignalBlocker quiet(onTop);
+    onTop->setChecked(parts_.config.record.Ontopcheck.toNumber().value_or(0) == 1);
+    action("mnuQDUCon")->setChecked(!parts_.config.record.QDUDisconnected);
+    refreshPedals();
+}
+
+void StationMenus::refreshPedals() {
+    const settings::SettingsRecord& record = parts_.config.record;
+    if (parts_.handsFree == nullptr) {
+        action("mnuUSBFootPedals")->setChecked(record.UserSelectUSB);
+        action("mnuSERFootPedals")->setChecked(record.UserSelectSerial);
+        action("mnuGAMEFootPedals")->setChecked(record.UserSelectGame);
+        return;
+    }
+    const devices::HandsFree& h = *parts_.handsFree;
+    action("mnuUSBFootPedals")->setChecked(h.usb.menu.mnuUSBFootPedals);
+    action("mnuSERFootPedals")->setChecked(h.serial.mnuSERFootPedalsChecked());
+    action("mnuGAMEFootPedals")->setChecked(h.usb.menu.mnuGAMEFootPedals);
+    action("mn30VEC")->setChecked(record.Use30VEC);
+    for (int index = 0; index < devices::SerialPedals::kPortCount; ++index) {
+        action("mnuComPortItem" + std::to_string(index))->setChecked(h.serial.mnuComPortItemChecked(index));
+    }
+}
+
+void StationMenus::refreshReopen(const dictation::MainView& view) {
+    if (reopenShown_ && view.Reopen == shownReopen_) return;
+    reopenShown_ = true;
+    shownReopen_ = view.Reopen;
+    reopen_->clear();
+    dictation::Dictation& d = parts_.dictation;
+    if (view.Reopen.empty()) {
+        reopen_->addAction(QString::fromLatin1(kNoRecentFiles))->setEnabled(false);
+    }
+    int number = 1;
+    for (const std::string& path : view.Reopen) {
+        const QString text = QStringLiteral("&%1 %2").arg(number++).arg(QString::fromStdString(path));
+        QObject::connect(reopen_->addAction(text), &QAction::triggered, &window_,
+                         [&d, path] { d.OpenMyList(path); });
+    }
+    reopen_->addSeparator();
+    QAction* clear = reopen_->addAction(QObject::tr("Clear"));
+    clear->setObjectName("mnuClear");
+    clear->setEnabled(!view.Reopen.empty());
+    QObject::connect(clear, &QAction::triggered, &window_, [&d] { d.Clear_Click(); });
+}
+
+}  // namespace ovd::ui

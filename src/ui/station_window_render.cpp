@@ -1,0 +1,282 @@
+// The main window following the dictation: every control brought in line with
+// MainView, the faces, the window's place and the windows it opens.
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QLayout>
+#include <QLineEdit>
+#include <QMoveEvent>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScreen>
+#include <QSignalBlocker>
+#include <QSlider>
+#include <QStatusBar>
+#include <QTimer>
+#include <QToolBar>
+
+#include "dictation/dictation.h"
+#include "settings/config_file.h"
+#include "ui/about_box.h"
+#include "ui/device_box.h"
+#include "ui/device_choice.h"
+#include "ui/event_log_window.h"
+#include "ui/help_window.h"
+#include "ui/on_air_lamps.h"
+#include "ui/station_menus.h"
+#include "ui/station_window.h"
+#include "ui/transport_bar.h"
+#include "ui/waveform_view.h"
+
+namespace ovd::ui {
+
+namespace {
+
+QString text(const std::string& value) { return QString::fromStdString(value); }
+
+// The width each face opens at; the height is whatever its controls need.
+int faceWidth(Face face) {
+    switch (face) {
+        case Face::Regular: return 860;
+        case Face::Thin: return 700;
+        case Face::SuperThin: return 700;
+    }
+    return 860;
+}
+
+}  // namespace
+
+void StationWindow::render() {
+    const dictation::MainView& v = parts_.dictation.view;
+    waveform_->refresh();
+    if (v.revision == shownRevision_) return;
+    shownRevision_ = v.revision;
+    const settings::SettingsRecord& record = parts_.config.record;
+
+    setWindowTitle(v.caption.empty() ? titleFor(record.HandsFreeEdition) : text(v.caption));
+    Label40_->setText(text(v.Label40));
+    Label40_->setStyleSheet(v.Label40Warning ? QStringLiteral("color: #ff0000;") : QString());
+    lblReady_->setText(text(v.lblReady));
+    lblMode_->setText(text(v.lblMode));
+    Label37_->setText(text(v.Label37));
+    lblBusy_->setVisible(v.lblBusyVisible);
+    lamps_->show(v.Image5, v.Image6, text(v.lblOnAir), v.lblOnAirVisible);
+
+    // Before the first position is known the displays show nothing measured yet.
+    const auto orBlank = [](const std::string& value, const char* blank) {
+        return value.empty() ? QString::fromLatin1(blank) : text(value);
+    };
+    timeElapsed_->setText(orBlank(v.timeElapsed, "00:00:00"));
+    Label24_->setText(orBlank(v.Label24, "00:00:00"));
+    Label43_->setText(orBlank(v.Label43, "-"));
+    statusPanel1_->setText(text(v.statusPanel1));
+    statusPanel2_->setText(text(v.statusPanel2));
+
+    MMControl1_->render(v.MMControl1, v.transportLabelsVisible);
+    cmdEOL_->setEnabled(v.cmdEOL);
+    Command1_->setEnabled(v.Command1);
+    Command2_->setEnabled(v.Command2);
+    cmdOVR_->setEnabled(v.cmdOVR);
+    Command3_->setEnabled(v.Command3);
+    ButtonEx1_->setVisible(v.ButtonEx1Visible);
+    ButtonEx2_->setVisible(v.ButtonEx2Visible);
+
+    if (!ctSlide1_->isSliderDown()) {
+        const QSignalBlocker quiet(ctSlide1_);
+        ctSlide1_->setValue(v.ctSlide1);
+    }
+    ctSlide1_->setEnabled(v.ctSlide1Enabled);
+    // While a file loads the frame stays in place, greyed, rather than leaving a
+    // hole the window would close up around.
+    audioFrame_->setEnabled(v.audioFrameEnabled && v.audioFrameVisible);
+    if (!txtStepAmt_->hasFocus()) txtStepAmt_->setText(text(v.txtStepAmt));
+
+    formatBox_->setEnabled(v.formatOptionsEnabled);
+    {
+        const QSignalBlocker quiet2(Option2_);
+        const QSignalBlocker quiet3(Option3_);
+        const bool other = record.RecordingFormats == "OPT3";
+        Option2_->setChecked(!other);
+        Option3_->setChecked(other);
+    }
+    speakerBox_->setEnabled(v.frameSpeakerEnabled);
+    const auto& names = parts_.dictation.naming.dictatorNames();
+    if (cboName_->count() != static_cast<int>(names.size()) ||
+        (cboName_->count() > 0 && cboName_->itemText(0) != text(names.front()))) {
+        const QSignalBlocker quiet(cboName_);
+        cboName_->clear();
+        for (const std::string& name : names) cboName_->addItem(text(name));
+    }
+    {
+        const QSignalBlocker quiet(cboName_);
+        cboName_->setCurrentIndex(cboName_->findText(text(v.cboName)));
+    }
+
+    if (v.busyPointer) {
+        setCursor(Qt::WaitCursor);
+    } else {
+        unsetCursor();
+    }
+    menus_->refresh(v);
+}
+
+void StationWindow::Form_Load() {
+    const settings::SettingsRecord& record = parts_.config.record;
+    deviceChoice_->load();
+    deviceBox_->fill();
+    // With logging off there is no log to look at.
+    chkViewlOG_->setChecked(false);
+    chkViewlOG_->setEnabled(!record.NoLogging);
+    chkViewlOG_->setToolTip(record.NoLogging ? tr("Logging is switched off") : QString());
+    face_ = faceFromSetting(record.ScreenSize);
+    applyFace();
+    setOnTop(record.Ontopcheck.toNumber().value_or(0) == 1);
+    shownRevision_ = ~0UL;
+    render();
+    placeWindow();
+    show();
+}
+
+void StationWindow::setFace(Face face) {
+    face_ = face;
+    parts_.config.record.ScreenSize = faceSetting(face);
+    parts_.config.WriteConfig();
+    applyFace();
+}
+
+void StationWindow::applyFace() {
+    const FaceParts parts = partsOf(face_);
+    toolIcons_->setVisible(parts.toolIcons);
+    statusRows_->setVisible(parts.statusLine);
+    audioFrame_->setVisible(parts.waveform);
+    ctSlide1_->setVisible(parts.positionSlider);
+    editRow_->setVisible(parts.editButtons);
+    formatBox_->setVisible(parts.formatBox);
+    speakerBox_->setVisible(parts.speakerBox && parts_.config.record.AddNameToFile);
+    optionsRow_->setVisible(parts.formatBox || parts.speakerBox);
+    deviceBox_->setVisible(parts.deviceBox);
+    if (deskUnit_ != nullptr) deskUnit_->setVisible(parts.deskUnit);
+    statusBar()->setVisible(parts.statusBar);
+    // The window takes the size of the face once the layout has settled.
+    QTimer::singleShot(0, this, [this] {
+        centralWidget()->layout()->activate();
+        layout()->activate();
+        // Regular opens at its natural height; the thin faces as small as they go.
+        const int height = face_ == Face::Regular ? sizeHint().height() : minimumSizeHint().height();
+        resize(faceWidth(face_), height);
+    });
+}
+
+void StationWindow::setOnTop(bool onTop) {
+    settings::SettingsRecord& record = parts_.config.record;
+    const bool stored = record.Ontopcheck.toNumber().value_or(0) == 1;
+    if (stored != onTop) {
+        record.Ontopcheck = onTop ? 1 : 0;
+        parts_.config.WriteConfig();
+    }
+    if (windowFlags().testFlag(Qt::WindowStaysOnTopHint) == onTop) return;
+    const bool wasVisible = isVisible();
+    setWindowFlag(Qt::WindowStaysOnTopHint, onTop);
+    if (wasVisible) show();  // changing a window's flags hides it
+}
+
+void StationWindow::placeWindow() {
+    settings::SettingsRecord& record = parts_.config.record;
+    const auto left = record.MainWindowLeft.toNumber();
+    const auto top = record.MainWindowTop.toNumber();
+    if (left && top) {
+        move(static_cast<int>(*left), static_cast<int>(*top));
+    } else if (const QScreen* screen = QGuiApplication::primaryScreen()) {
+        // Never placed before: centred, and that place is kept from now on.
+        const QRect area = screen->availableGeometry();
+        const QSize size(faceWidth(face_), std::max(height(), minimumSizeHint().height()));
+        move(area.center() - QPoint(size.width() / 2, size.height() / 2));
+        parts_.config.takeWindowPosition(x(), y());
+    }
+    placed_ = true;
+}
+
+void StationWindow::moveEvent(QMoveEvent* event) {
+    QMainWindow::moveEvent(event);
+    if (!placed_) return;
+    // The frame's corner, which is what move() takes back at the next start.
+    parts_.config.record.MainWindowLeft = x();
+    parts_.config.record.MainWindowTop = y();
+}
+
+void StationWindow::chkViewlOG_Click(bool checked) {
+    if (chkViewlOG_->isChecked() != checked) {
+        const QSignalBlocker quiet(chkViewlOG_);
+        chkViewlOG_->setChecked(checked);
+    }
+    if (QAction* entry = menus_->action("mnuViewLog"); entry != nullptr && entry->isChecked() != checked) {
+        const QSignalBlocker quiet(entry);
+        entry->setChecked(checked);
+    }
+    if (checked) {
+        eventLogWindow_->show();
+        eventLogWindow_->raise();
+    } else if (eventLogWindow_->isVisible()) {
+        eventLogWindow_->hide();
+    }
+}
+
+void StationWindow::showHelp() {
+    const std::string dataFolder = parts_.config.dataFolder();
+    const std::string helpFolder = parts_.programFolder + "/help";
+    auto* help = new HelpWindow(loadHelpIndex(dataFolder, parts_.programFolder, parts_.prompts),
+                                {dataFolder, helpFolder}, this);
+    help->setAttribute(Qt::WA_DeleteOnClose);
+    help->show();
+}
+
+void StationWindow::showAbout() {
+    const settings::SettingsRecord& record = parts_.config.record;
+    AboutBox about({titleFor(record.HandsFreeEdition).toStdString(),
+                    QCoreApplication::applicationVersion().toStdString(), parts_.config.dataFolder(),
+                    record.CaptureFilePath.toText(), parts_.soundSystem},
+                   this);
+    about.exec();
+}
+
+void StationWindow::Option_Click(bool otherConditions) {
+    dictation::Dictation& d = parts_.dictation;
+    settings::SettingsRecord& record = parts_.config.record;
+    const std::string chosen = otherConditions ? "OPT3" : "OPT2";
+    // During a take the options do nothing; the render puts the mark back.
+    if (d.state.Recordingstatus || record.RecordingFormats == chosen) {
+        shownRevision_ = ~0UL;
+        render();
+        return;
+    }
+    // The next file is made in the format now chosen; the one in hand keeps its own.
+    record.RecordingFormats = chosen;
+    parts_.config.WriteConfig();
+    if (d.state.flgfileOpen1) {
+        const std::string reason =
+            std::string(" Calling Image2_Click from ") + (otherConditions ? "Option3_Click" : "Option2_Click");
+        if (!d.state.RecordedOnce) {
+            d.CaseStop();
+            d.Image10_Click();
+            parts_.eventLog.trace(reason);
+        } else {
+            const bool armed = d.state.RecordingstatusPaused;
+            if (armed) {
+                parts_.prompts.showMessage(
+                    "Your current recording in progress will be saved now, using your previous settings "
+                    "--will be followed by opening up the next file number in an unrecorded state",
+                    settings::kProductTitle);
+            }
+            d.CaseStop();
+            d.Image10_Click();
+            parts_.eventLog.trace(reason + (armed ? "-2" : "-1"));
+        }
+        d.Image2_Click();
+    }
+    shownRevision_ = ~0UL;
+    render();
+}
+
+}  // namespace ovd::ui

@@ -1,0 +1,84 @@
+#include "ui/transport_bar.h"
+
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QPixmap>
+#include <QStyle>
+#include <QToolButton>
+
+namespace ovd::ui {
+
+namespace {
+
+struct ButtonLook {
+    const char* objectName;
+    const char* caption;
+    QStyle::StandardPixmap icon;
+};
+
+constexpr std::array<ButtonLook, TransportBar::kButtons> kLooks = {{
+    {"MMControl1Prev", "Prev", QStyle::SP_MediaSkipBackward},
+    {"MMControl1Next", "Next", QStyle::SP_MediaSkipForward},
+    {"MMControl1Play", "Play", QStyle::SP_MediaPlay},
+    {"MMControl1Pause", "Pause", QStyle::SP_MediaPause},
+    {"MMControl1Back", "Back", QStyle::SP_MediaSeekBackward},
+    {"MMControl1Step", "Step", QStyle::SP_MediaSeekForward},
+    {"MMControl1Stop", "Stop", QStyle::SP_MediaStop},
+    {"MMControl1Record", "Record", QStyle::SP_CustomBase},
+}};
+
+// The style has no record symbol: a red disc, greyed like the others when disabled.
+QIcon recordIcon() {
+    QIcon icon;
+    for (const bool enabled : {true, false}) {
+        QPixmap pixmap(32, 32);
+        pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(enabled ? QColor(210, 20, 20) : QColor(160, 160, 160));
+        painter.drawEllipse(QRectF(6, 6, 20, 20));
+        painter.end();
+        icon.addPixmap(pixmap, enabled ? QIcon::Normal : QIcon::Disabled);
+    }
+    return icon;
+}
+
+}  // namespace
+
+TransportBar::TransportBar(QWidget* parent) : QWidget(parent) {
+    setObjectName("MMControl1");
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(2);
+    for (int i = 0; i < kButtons; ++i) {
+        const ButtonLook& look = kLooks[static_cast<std::size_t>(i)];
+        auto* button = new QToolButton(this);
+        button->setObjectName(QString::fromLatin1(look.objectName));
+        button->setText(tr(look.caption));
+        button->setToolTip(tr(look.caption));
+        button->setIcon(look.icon == QStyle::SP_CustomBase ? recordIcon()
+                                                           : style()->standardIcon(look.icon));
+        button->setIconSize({28, 28});
+        // Room for the caption under the icon, so the bar does not jump when captions show.
+        button->setMinimumSize(52, 56);
+        button->setEnabled(false);
+        connect(button, &QToolButton::clicked, this, [this, i] {
+            if (onClick[static_cast<std::size_t>(i)]) onClick[static_cast<std::size_t>(i)]();
+        });
+        row->addWidget(button);
+        buttons_[static_cast<std::size_t>(i)] = button;
+    }
+}
+
+void TransportBar::render(const dictation::TransportBar& bar, bool captionsVisible) {
+    const std::array<bool, kButtons> enabled = {bar.Prev, bar.Next, bar.Play, bar.Pause,
+                                                bar.Back, bar.Step, bar.Stop, bar.Record};
+    for (std::size_t i = 0; i < buttons_.size(); ++i) {
+        buttons_[i]->setEnabled(enabled[i]);
+        buttons_[i]->setToolButtonStyle(captionsVisible ? Qt::ToolButtonTextUnderIcon
+                                                        : Qt::ToolButtonIconOnly);
+    }
+}
+
+}  // namespace ovd::ui
