@@ -25,6 +25,7 @@
 #include "ui/qt_event_loop.h"
 #include "ui/desk_unit_panel.h"
 #include "ui/qt_prompts.h"
+#include "ui/reconnection_dialog.h"
 #include "ui/station_window.h"
 
 namespace {
@@ -152,7 +153,8 @@ int main(int argc, char** argv) {
         options.fileName.empty() ? std::string() : absoluteFileName(options.fileName);
     ovd::app::Station station({loop, config, eventLog, *prompts, *sound.backend, dataFolder,
                                ovd::platform::joinPath(programFolder, "prompts"), programFolder,
-                               ovd::platform::executableFolder(), commandFileName});
+                               ovd::platform::executableFolder(), commandFileName,
+                               options.orderPort});
     station.onExit = [] { QCoreApplication::quit(); };
 
     std::unique_ptr<ovd::ui::StationWindow> window;
@@ -160,8 +162,12 @@ int main(int argc, char** argv) {
         window = std::make_unique<ovd::ui::StationWindow>(config, eventLog);
         window->addDeskUnit(new ovd::ui::DeskUnitPanel(station.handsFree().switchModel,
                                                        station.dictation().view, config.record));
+        // The window owns its dialog.
+        auto* reconnection = new ovd::ui::ReconnectionDialogWindow(station.peerLink(), window.get());
+        station.peerLink().onDialogChanged = [reconnection] { reconnection->render(); };
         window->show();
     } else {
+        ovd::ui::answerReconnectionHeadless(station.peerLink(), loop);
         std::cerr << "orvane-voice-desk: running headless on " << dataFolder
                   << "; Ctrl-C or SIGTERM ends the station in order\n";
     }

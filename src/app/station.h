@@ -7,7 +7,10 @@
 #include <memory>
 #include <string>
 
-#include "app/companion.h"
+#include "delivery/companion.h"
+#include "delivery/auto_send.h"
+#include "delivery/peer_link.h"
+#include "devices/delivery_wiring.h"
 #include "devices/end_of_letter.h"
 #include "devices/hands_free.h"
 #include "dictation/dictation.h"
@@ -24,38 +27,6 @@
 
 namespace ovd::app {
 
-// The peer link is not part of this build yet: with TCP switched on in the
-// settings, the log says once that nothing goes to the peer.
-class PeerLinkUnavailable : public dictation::PeerNotices {
-public:
-    [[nodiscard]] bool linkOn() const override { return false; }
-    bool send(const std::string&, const std::string&) override { return false; }
-};
-
-// Delivery is not part of this build either: a finished letter stays in the
-// recordings folder, and the log says so.
-class DeliveryUnavailable : public devices::LetterDelivery {
-public:
-    explicit DeliveryUnavailable(settings::EventLog& log) : log_(log) {}
-    void deliver(const std::string& path) override {
-        log_.trace("Delivery is not part of this build; the letter stays at " + path);
-    }
-    void destinationNotTried(int destination, const std::string& notice) override {
-        log_.trace("Destination " + std::to_string(destination) + " not tried: " + notice);
-    }
-    void sendToDestination(int destination, const std::string& path,
-                           const devices::SendWording&) override {
-        log_.trace("Delivery is not part of this build; " + path + " was not sent to destination " +
-                   std::to_string(destination));
-    }
-    void stageForSending(devices::Staging, const std::string& path) override {
-        log_.trace("Delivery is not part of this build; " + path + " was not staged");
-    }
-
-private:
-    settings::EventLog& log_;
-};
-
 struct StationParts {
     platform::EventLoop& loop;
     settings::ConfigFile& config;
@@ -67,6 +38,7 @@ struct StationParts {
     std::string programFolder;  // Button.cfg
     std::string binaryFolder;   // where the companion programs are installed
     std::string commandFileName;  // the file named on the command line, if any
+    int orderPort = delivery::kOrderPort;  // where the peer's orders are heard
 };
 
 // How far the load of the station came.
@@ -99,6 +71,8 @@ public:
 
     dictation::Dictation& dictation() { return *dictation_; }
     devices::HandsFree& handsFree() { return *handsFree_; }
+    delivery::PeerLink& peerLink() { return peerLink_; }
+    delivery::AutoSendMenu& autoSendMenu() { return autoSendMenu_; }
 
     // Ends the program in order: the exit at end of letter, a port change.
     std::function<void()> onExit;
@@ -118,12 +92,17 @@ private:
     engine::WaveEditor AudioEditor21;
     engine::PromptPlayer voice_;
     settings::SpeakersTable speakers_;
-    PeerLinkUnavailable peer_;
+    delivery::AutoSendCompanion companion_;
+    delivery::AutoSendMenu autoSendMenu_;
+    delivery::PeerLink peerLink_;
+    devices::LinkNotices peer_;
     std::unique_ptr<dictation::Dictation> dictation_;
-    DeliveryUnavailable delivery_;
+    std::unique_ptr<devices::ViewStatusLines> statusLines_;
+    std::unique_ptr<devices::DictationTimersHold> timersHold_;
+    std::unique_ptr<delivery::AutoSend> autoSend_;
+    std::unique_ptr<devices::PipelineDelivery> delivery_;
     std::unique_ptr<devices::EndOfLetter> endOfLetter_;
     std::unique_ptr<devices::HandsFree> handsFree_;
-    AutoSendCompanion companion_;
     bool unloaded_ = false;
 };
 

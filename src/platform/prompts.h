@@ -53,6 +53,8 @@ struct Notification {
     std::string heading;
     std::string body;
     std::string backgroundColor;  // "#rrggbb"
+    // When set, the ground shades from backgroundColor at the top to this at the bottom.
+    std::string backgroundColorEnd;
     std::string textColor;        // "#rrggbb"
     std::string soundFile;        // played when shown; empty for none
     int showMilliseconds = 8000;
