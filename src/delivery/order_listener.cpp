@@ -87,7 +87,8 @@ bool orderSenderAllowed(const std::string& clientAddress,
     const std::string client = plainAddress(clientAddress);
     if (client.empty()) return false;
     if (client == "127.0.0.1" || client == "::1") return true;
-    return std::find(peerAddresses.begin(), peerAddresses.end(), client) != peerAddresses.end();
+    return std::any_of(peerAddresses.begin(), peerAddresses.end(),
+                       [&](const std::string& peer) { return plainAddress(peer) == client; });
 }
 
 std::vector<std::string> addressesOf(const std::string& host) {
