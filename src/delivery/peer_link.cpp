@@ -78,11 +78,19 @@ void PeerLink::orders(const PeerOrders& found) {
     }
 }
 
+void PeerLink::pause(const std::string& tag) {
+    platform::pauseWithTrace(loop_, [this](const std::string& line) { trace(line); },
+                             config_.record.TCPDelay, tag);
+}
+
+std::string PeerLink::tryConnection(const std::string& waitTag) {
+    TCPClient_.CloseSocKet();
+    TCPClient_.OpenSocket(config_.record.TCPIP, config_.record.TCPPort);
+    pause(waitTag);
+    return TCPClient_.LastError();
+}
+
 std::string PeerLink::deliver(const std::string& text, const std::string& waitTag) {
-    const auto pause = [this](const std::string& tag) {
-        platform::pauseWithTrace(loop_, [this](const std::string& line) { trace(line); },
-                                 config_.record.TCPDelay, tag);
-    };
     TCPClient_.CloseSocKet();
     TCPClient_.OpenSocket(config_.record.TCPIP, config_.record.TCPPort);
     pause(" -53 Opening Socket");
@@ -156,11 +164,7 @@ void PeerLink::unloadDialog() {
 void PeerLink::timShowTCPError_Timer() {
     timShowTCPError.setEnabled(false);
     showDialog(false);
-    TCPClient_.CloseSocKet();
-    TCPClient_.OpenSocket(config_.record.TCPIP, config_.record.TCPPort);
-    platform::pauseWithTrace(loop_, [this](const std::string& line) { trace(line); },
-                             config_.record.TCPDelay, " -76");
-    const std::string error = TCPClient_.LastError();
+    const std::string error = tryConnection(" -76");
     if (!error.empty()) {
         unloadDialog();
         TCPCannotConnect = true;
@@ -196,11 +200,7 @@ void PeerLink::cmdConnect_Click() {
 
 void PeerLink::TCPReconnect() {
     if (holdTimers) holdTimers();
-    TCPClient_.CloseSocKet();
-    TCPClient_.OpenSocket(config_.record.TCPIP, config_.record.TCPPort);
-    platform::pauseWithTrace(loop_, [this](const std::string& line) { trace(line); },
-                             config_.record.TCPDelay, " -78");
-    const std::string error = TCPClient_.LastError();
+    const std::string error = tryConnection(" -78");
     if (!error.empty()) {
         TCPRetries += 1;
         label40(error);

@@ -111,6 +111,10 @@ public:
 private:
     // Steps 1 to 4 of the peer send: the error text, empty when delivered.
     std::string deliver(const std::string& text, const std::string& waitTag);
+    // A connection alone, to see whether the peer answers: the error text.
+    std::string tryConnection(const std::string& waitTag);
+    // The link's wait of TCPDelay seconds, traced with the tag.
+    void pause(const std::string& tag);
     void queue(const std::string& text);
     void clearQueue();
     void showDialog(bool modal);

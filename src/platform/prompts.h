@@ -53,11 +53,11 @@ struct Notification {
     std::string heading;
     std::string body;
     std::string backgroundColor;  // "#rrggbb"
-    // When set, the ground shades from backgroundColor at the top to this at the bottom.
-    std::string backgroundColorEnd;
     std::string textColor;        // "#rrggbb"
     std::string soundFile;        // played when shown; empty for none
     int showMilliseconds = 8000;
+    // When set, the ground shades from backgroundColor at the top to this at the bottom.
+    std::string backgroundColorEnd = {};
 };
 
 class Prompts {
