@@ -1,5 +1,7 @@
 #include "app/command_line.h"
 
+#include <cstdlib>
+
 #include "dictation/hand_off.h"
 
 namespace ovd::app {
@@ -32,6 +34,14 @@ StationOptions parseCommandLine(const std::vector<std::string>& arguments) {
             }
         } else if (argument == "--virtual-input") {
             takeValue(options.virtualInput);
+        } else if (argument == "--order-port") {
+            std::string port;
+            takeValue(port);
+            const int number = std::atoi(port.c_str());
+            if (options.error.empty() && (number < 1 || number > 65535 || std::to_string(number) != port)) {
+                options.error = "--order-port takes a port number from 1 to 65535";
+            }
+            options.orderPort = number;
         } else if (argument.rfind("--", 0) == 0) {
             options.error = "unknown option " + argument;
         } else if (options.fileName.empty()) {
@@ -55,6 +65,8 @@ std::string usageText(const std::string& program) {
            "  --audio WHICH      auto (the sound server when one answers, else virtual),\n"
            "                     pulse, or virtual (a tone or a file in, nothing out)\n"
            "  --virtual-input F  a WAV file the virtual microphone plays in a loop\n"
+           "  --order-port PORT  where the peer's orders are heard when the TCP link is\n"
+           "                     on (default 2013), for a second station on one machine\n"
            "  --version          print the version and stop\n"
            "  --help             print this text and stop\n"
            "  file               a recording to dictate into\n";

@@ -15,6 +15,7 @@ struct StationOptions {
     std::string answersFile;  // headless answers to message boxes
     std::string audio = "auto";  // "auto", "pulse" or "virtual"
     std::string virtualInput;    // a WAV file for the virtual microphone
+    int orderPort = 2013;        // where the peer's orders are heard
     std::string fileName;     // the file named on the command line, quotes removed
     std::string error;        // set when the command line can't be used
 };

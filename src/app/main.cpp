@@ -27,6 +27,7 @@
 #include "ui/desk_unit_panel.h"
 #include "ui/scan_convert_window.h"
 #include "ui/qt_prompts.h"
+#include "ui/reconnection_dialog.h"
 #include "ui/station_window.h"
 
 namespace {
@@ -154,7 +155,8 @@ int main(int argc, char** argv) {
         options.fileName.empty() ? std::string() : absoluteFileName(options.fileName);
     ovd::app::Station station({loop, config, eventLog, *prompts, *sound.backend, dataFolder,
                                ovd::platform::joinPath(programFolder, "prompts"), programFolder,
-                               ovd::platform::executableFolder(), commandFileName});
+                               ovd::platform::executableFolder(), commandFileName,
+                               options.orderPort});
     station.onExit = [] { QCoreApplication::quit(); };
     ovd::settings::DebugTrace debugTrace(loop);
     station.handsFree().usb.trace = &debugTrace;
@@ -174,7 +176,11 @@ int main(int argc, char** argv) {
         window->onRestartNeeded = [&station] { station.mnuExit_Click(); };
         window->onScanConvert = [&station] { station.mnuScanConvert_Click(); };
         static_cast<ovd::ui::QtPrompts&>(*prompts).setMainWindow(window.get());
+        // The window owns its dialog.
+        auto* reconnection = new ovd::ui::ReconnectionDialogWindow(station.peerLink(), window.get());
+        station.peerLink().onDialogChanged = [reconnection] { reconnection->render(); };
     } else {
+        ovd::ui::answerReconnectionHeadless(station.peerLink(), loop);
         std::cerr << "orvane-voice-desk: running headless on " << dataFolder
                   << "; Ctrl-C or SIGTERM ends the station in order\n";
     }

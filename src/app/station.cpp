@@ -11,13 +11,21 @@ Station::Station(StationParts parts)
       AudioEditor21(parts_.loop, parts_.sound, clipboard_, "AudioEditor21"),
       voice_(parts_.sound, parts_.promptFolder),
       speakers_(parts_.dataFolder),
-      delivery_(parts_.log),
-      companion_(parts_.log, parts_.binaryFolder, parts_.dataFolder) {
+      companion_(parts_.log, parts_.binaryFolder, parts_.dataFolder),
+      autoSendMenu_(parts_.loop, parts_.config.record, companion_),
+      peerLink_({parts_.loop, parts_.config, parts_.log, parts_.prompts, parts_.orderPort}),
+      peer_(peerLink_) {
     dictation_ = std::make_unique<dictation::Dictation>(dictation::DictationParts{
         parts_.loop, parts_.config, parts_.log, parts_.prompts, AudioEditor1, AudioEditor21, voice_,
         speakers_, peer_, parts_.dataFolder});
+    statusLines_ = std::make_unique<devices::ViewStatusLines>(*dictation_);
+    timersHold_ = std::make_unique<devices::DictationTimersHold>(*dictation_);
+    autoSend_ = std::make_unique<delivery::AutoSend>(delivery::AutoSendParts{
+        parts_.loop, parts_.config, parts_.log, parts_.prompts, peerLink_, voice_, autoSendMenu_,
+        companion_, *statusLines_, parts_.promptFolder});
+    delivery_ = std::make_unique<devices::PipelineDelivery>(*autoSend_);
     endOfLetter_ = std::make_unique<devices::EndOfLetter>(*dictation_, parts_.config, parts_.log,
-                                                          parts_.loop, voice_, delivery_);
+                                                          parts_.loop, voice_, *delivery_);
     handsFree_ = std::make_unique<devices::HandsFree>(devices::HandsFreeParts{
         *dictation_, AudioEditor1, parts_.config, parts_.log, parts_.prompts, parts_.loop, peer_,
         *endOfLetter_, platform::joinPath(parts_.programFolder, "Button.cfg"), {}});
@@ -25,6 +33,11 @@ Station::Station(StationParts parts)
     const auto exit = [this] { unloadForm(); };
     endOfLetter_->onExit = exit;
     handsFree_->onEndProgram = exit;
+    peerLink_.onExitOrder = [this] { TCPSaysExit(); };
+    peerLink_.onCloseOrder = [this] { TCPSaysClose(); };
+    peerLink_.showLabel40 = [this](const std::string& text) { statusLines_->showLabel40(text); };
+    peerLink_.holdTimers = [this] { timersHold_->hold(); };
+    peerLink_.releaseTimers = [this] { timersHold_->release(); };
 }
 
 Station::~Station() = default;

@@ -7,8 +7,11 @@
 #include <memory>
 #include <string>
 
-#include "app/companion.h"
 #include "conversion/scan_convert.h"
+#include "delivery/companion.h"
+#include "delivery/auto_send.h"
+#include "delivery/peer_link.h"
+#include "devices/delivery_wiring.h"
 #include "devices/end_of_letter.h"
 #include "devices/hands_free.h"
 #include "dictation/dictation.h"
@@ -25,38 +28,6 @@
 
 namespace ovd::app {
 
-// The peer link is not part of this build yet: with TCP switched on in the
-// settings, the log says once that nothing goes to the peer.
-class PeerLinkUnavailable : public dictation::PeerNotices {
-public:
-    [[nodiscard]] bool linkOn() const override { return false; }
-    bool send(const std::string&, const std::string&) override { return false; }
-};
-
-// Delivery is not part of this build either: a finished letter stays in the
-// recordings folder, and the log says so.
-class DeliveryUnavailable : public devices::LetterDelivery {
-public:
-    explicit DeliveryUnavailable(settings::EventLog& log) : log_(log) {}
-    void deliver(const std::string& path) override {
-        log_.trace("Delivery is not part of this build; the letter stays at " + path);
-    }
-    void destinationNotTried(int destination, const std::string& notice) override {
-        log_.trace("Destination " + std::to_string(destination) + " not tried: " + notice);
-    }
-    void sendToDestination(int destination, const std::string& path,
-                           const devices::SendWording&) override {
-        log_.trace("Delivery is not part of this build; " + path + " was not sent to destination " +
-                   std::to_string(destination));
-    }
-    void stageForSending(devices::Staging, const std::string& path) override {
-        log_.trace("Delivery is not part of this build; " + path + " was not staged");
-    }
-
-private:
-    settings::EventLog& log_;
-};
-
 struct StationParts {
     platform::EventLoop& loop;
     settings::ConfigFile& config;
@@ -68,6 +39,7 @@ struct StationParts {
     std::string programFolder;  // Button.cfg
     std::string binaryFolder;   // where the companion programs are installed
     std::string commandFileName;  // the file named on the command line, if any
+    int orderPort = delivery::kOrderPort;  // where the peer's orders are heard
 };
 
 // How far the load of the station came.
@@ -103,6 +75,8 @@ public:
     // The two editors, for the window's waveform, level meter and device lists.
     engine::WaveEditor& recordingEditor() { return AudioEditor1; }
     engine::WaveEditor& scratchEditor() { return AudioEditor21; }
+    delivery::PeerLink& peerLink() { return peerLink_; }
+    delivery::AutoSendMenu& autoSendMenu() { return autoSendMenu_; }
 
     // Ends the program in order: the exit at end of letter, a port change.
     std::function<void()> onExit;
@@ -126,12 +100,17 @@ private:
     engine::WaveEditor AudioEditor21;
     engine::PromptPlayer voice_;
     settings::SpeakersTable speakers_;
-    PeerLinkUnavailable peer_;
+    delivery::AutoSendCompanion companion_;
+    delivery::AutoSendMenu autoSendMenu_;
+    delivery::PeerLink peerLink_;
+    devices::LinkNotices peer_;
     std::unique_ptr<dictation::Dictation> dictation_;
-    DeliveryUnavailable delivery_;
+    std::unique_ptr<devices::ViewStatusLines> statusLines_;
+    std::unique_ptr<devices::DictationTimersHold> timersHold_;
+    std::unique_ptr<delivery::AutoSend> autoSend_;
+    std::unique_ptr<devices::PipelineDelivery> delivery_;
     std::unique_ptr<devices::EndOfLetter> endOfLetter_;
     std::unique_ptr<devices::HandsFree> handsFree_;
-    AutoSendCompanion companion_;
     std::unique_ptr<conversion::ScanConvert> scanConvert_;
     bool unloaded_ = false;
 };

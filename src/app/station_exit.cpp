@@ -8,7 +8,10 @@ namespace ovd::app {
 void Station::mnuExit_Click() {
     parts_.log.trace(" User selected File Menu Exit");
     // Unanswered, the link keeps the message for a later reconnection.
-    if (peer_.linkOn()) peer_.send("UserExit_", " -69");
+    if (peerLink_.linkOn()) {
+        parts_.log.timlog.setEnabled(true);
+        peerLink_.send({"UserExit_", " -69"});
+    }
     parts_.config.WriteConfig();
     KillAllPedals();
     unloadForm();
@@ -44,6 +47,8 @@ void Station::Form_Unload() {
     d.tmCommand.setEnabled(false);
     d.Timer28.setEnabled(false);
     d.Timer34.setEnabled(false);
+    peerLink_.stop();
+    autoSendMenu_.tmchkAutoSend.setEnabled(false);
     companion_.stop();
     if (d.state.FileChanged) d.Image10_Click();
     KillAllPedals();

@@ -54,7 +54,8 @@ LoadResult Station::Form_Load() {
     log.trace("Loading: recordings in " + recordings);
 
     if (record.TCP) {
-        log.trace("TCP peer link: not available in this build; nothing is sent to " + record.TCPIP);
+        // A station that can't hear its peer's orders must not run: the user was told.
+        if (!peerLink_.start()) return LoadResult::EndProgram;
     } else {
         record.TCPButtonScreen = false;
     }
@@ -158,14 +159,20 @@ void Station::loadAutoSend() {
     const settings::SettingsRecord& record = parts_.config.record;
     const std::string recordings = record.CaptureFilePath.toText();
     if (!record.AutoFTP && !record.AutoEmail) {
+        autoSendMenu_.tmchkAutoSend.setEnabled(false);
         companion_.stop();
+        autoSendMenu_.Caption = delivery::kManuallyStartAutoSend;
         parts_.log.trace("Loading: automatic sending off");
         return;
     }
-    if (companion_.running()) return;
+    autoSendMenu_.tmchkAutoSend.setEnabled(true);
+    if (companion_.running()) {
+        autoSendMenu_.refresh();
+        return;
+    }
     if (record.AutoFTP) platform::createFolder(platform::joinPath(recordings, "FTPTemp"));
     if (record.AutoEmail) platform::createFolder(platform::joinPath(recordings, "EmailTemp"));
-    companion_.start();
+    autoSend_->LaunchCompanion();
 }
 
 }  // namespace ovd::app

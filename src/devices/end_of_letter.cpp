@@ -1,7 +1,6 @@
 #include "devices/end_of_letter.h"
 
 #include "platform/system_queries.h"
-
 #include "platform/text.h"
 
 namespace ovd::devices {
@@ -27,6 +26,9 @@ void EndOfLetter::beep() { voice_.PlayPrompt("ding.wav", true); }
 void EndOfLetter::startEndOfLetter() {
     DoingEOL = false;
     endOfLetter();
+    // The finished letter's mark in the window's title.
+    d_.view.MyPicture = kFinishedLetterPicture;
+    ++d_.view.revision;
 }
 
 void EndOfLetter::showReady() {
@@ -77,13 +79,11 @@ void EndOfLetter::endOfLetter() {
         DoingEOL = false;
         return;
     }
-    while (!platform::FileAvailable(SaveFileNameForSending)) {
-        const bool thin = record.ScreenSize == "SuperThin";
-        d_.view.lblReady = thin ? "" : "Waiting For File to be Available";
-        ++d_.view.revision;
-        loop_.wait(platform::Milliseconds(100));
+    waitForFile();
+    if (!delivery_.deliver(SaveFileNameForSending)) {
+        DoingEOL = false;
+        return;
     }
-    delivery_.deliver(SaveFileNameForSending);
 
     SaveFileNameForSending.clear();
     state.EOLHAPPENED = true;
@@ -111,6 +111,16 @@ void EndOfLetter::endOfLetter() {
     DoingEOL = false;
 }
 
+void EndOfLetter::waitForFile() {
+    // No time limit: the save may still hold the file, and nothing goes out half written.
+    while (!SaveFileNameForSending.empty() && !platform::FileAvailable(SaveFileNameForSending)) {
+        const bool thin = config_.record.ScreenSize == "SuperThin";
+        d_.view.lblReady = thin ? "" : delivery::kWaitingForFile;
+        ++d_.view.revision;
+        loop_.wait(platform::Milliseconds(100));
+    }
+}
+
 void EndOfLetter::startTimClose() { TimClose.setEnabled(true); }
 
 void EndOfLetter::exitProgram() {
@@ -124,6 +134,10 @@ void EndOfLetter::destinationNotTried(int destination, const std::string& notice
 void EndOfLetter::sendToDestination(int destination, const std::string& path,
                                     const SendWording& wording) {
     delivery_.sendToDestination(destination, path, wording);
+    d_.view.Label40 = dictation::kReadyAfterSave;
+    showReady();
+    // A file named from outside waits for its next name; otherwise the next letter begins.
+    if (!d_.state.commandLine.CommandLineLaunched) d_.Image2_Click();
 }
 
 void EndOfLetter::stageForSending(Staging staging, const std::string& path) {

@@ -15,14 +15,17 @@
 namespace ovd::devices {
 
 inline constexpr const char* kEOLExecuting = "EOL is Executing";
+inline constexpr const char* kFinishedLetterPicture = "Match.ico";
 
 // What happens to a closed letter: the destination copies, the report and the
 // staging for e-mail and FTP, and the desk unit's one-destination sends.
 class LetterDelivery {
 public:
     virtual ~LetterDelivery() = default;
-    // Copies, reports and stages the closed file at path, as the settings ask.
-    virtual void deliver(const std::string& path) = 0;
+    // Copies, reports and stages the closed file whose path the variable holds,
+    // as the settings ask. The variable is read again before each destination and
+    // each staging; found empty, the delivery stops there and returns false.
+    virtual bool deliver(const std::string& SaveFileNameForSending) = 0;
     virtual void destinationNotTried(int destination, const std::string& notice) = 0;
     virtual void sendToDestination(int destination, const std::string& path,
                                    const SendWording& wording) = 0;
@@ -55,6 +58,7 @@ public:
 
 private:
     void showReady();
+    void waitForFile();
 
     dictation::Dictation& d_;
     settings::ConfigFile& config_;

@@ -5,19 +5,14 @@
 
 #include <string>
 
+#include "delivery/auto_send.h"
+
 namespace ovd::devices {
 
-// The words a desk unit send action uses in the one-destination copy. They are
-// not those of the end of letter, and destination one's question names "Two":
-// the unit has always asked it that way.
-struct SendWording {
-    std::string keepTrying;     // the question after 10 seconds without the copy
-    std::string notSent;        // the box after No
-    std::string missingTrace;   // the copy is not in the folder after the wait: traced
-    std::string missingNotice;  // and shown in the error pop-up
-};
-
-enum class Staging { Email, Ftp };
+// The words of a one-destination copy and the staging folders are the
+// delivery's own.
+using delivery::SendWording;
+using delivery::Staging;
 
 class LetterActions {
   public:

@@ -219,7 +219,7 @@ void FileNaming::announce() {
     log_.trace("LOADED New File: " + state_.Filename + " Procedure - CREATEFILENAME");
     if (config_.record.TCP) {
         log_.trace(" -58 Sending Message in CreateFileName");
-        view_.Label40 = hooks_.sendLoaded(platform::baseNameOf(state_.Filename));
+        view_.Label40 = hooks_.sendLoaded(platform::withoutFolder(state_.Filename));
         ++view_.revision;
     }
     state_.FileSaveError = false;

@@ -23,6 +23,7 @@ struct MainView {
     std::string Label43;  // the file's size
     std::string Label24;  // "Time Remaining"
     std::string Label37;   // name of a long operation
+    std::string MyPicture;  // the title's icon, from the program's folder; empty: the usual one
     std::string statusPanel1;  // the full file name
     std::string statusPanel2;  // the file's size
 

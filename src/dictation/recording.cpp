@@ -107,7 +107,7 @@ void Dictation::timRecord_Timer() {
     trace(state.Filename + " Disk Full Warning during Recording");
     const std::string name = state.Filename;
     if (config_.record.DFStopRec) Image10_Click();
-    notifyPeer("DiskErr_" + platform::baseNameOf(name), " -68");
+    notifyPeer("DiskErr_" + platform::withoutFolder(name), " -68");
 }
 
 void Dictation::timLight_Timer() {

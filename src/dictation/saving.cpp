@@ -60,7 +60,7 @@ void Dictation::SaveFile() {
         view.lblReady = kReadyAfterSave;
         view.caption = applicationTitle(config_.record.HandsFreeEdition) + " - " + kSaveErrorText;
         if (!superThin) view.lblReady = kSaveErrorText;
-        notifyPeer("FileSaveErr_" + platform::baseNameOf(state.Filename), waitTag);
+        notifyPeer("FileSaveErr_" + platform::withoutFolder(state.Filename), waitTag);
         view.transportLabelsVisible = true;
         view.busyPointer = false;
         changed();
@@ -151,7 +151,7 @@ void Dictation::makeRoomToSave() {
         }
         config_.WriteConfig();
         left = room(3);
-        notifyPeer("DiskErr_" + platform::baseNameOf(state.Filename), " -72");
+        notifyPeer("DiskErr_" + platform::withoutFolder(state.Filename), " -72");
     }
 }
 
@@ -304,7 +304,8 @@ void Dictation::closeByUserOrPeer(const std::string& logLine, const std::string&
         return;
     }
     trace(logLine);
-    if (!state.TCPClose) notifyPeer("UserClose_", waitTag);
+    // The peer hears which file the author closed; a close it ordered itself is not told back.
+    if (!state.TCPClose) notifyPeer("UserClose_" + platform::withoutFolder(state.Filename), waitTag);
     TempFileNameFileLength();
     if (state.NewTempFileLength && *state.NewTempFileLength < kMinimumRecordedBytes &&
         !state.RecordedOnce) {

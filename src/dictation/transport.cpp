@@ -84,7 +84,7 @@ void Dictation::CaseNew() {
     }
     trace("CaseNew-FileSaveError =: " + platform::boolText(state.FileSaveError));
     trace("LOADED New File: " + state.Filename + " Procedure - CASE NEW");
-    notifyPeer("LOADED_" + platform::baseNameOf(state.Filename), " -57");
+    notifyPeer("LOADED_" + platform::withoutFolder(state.Filename), " -57");
     // The author hears that the new file is ready even with prompts switched off.
     voice_.PlayPrompt("TwoBeeps.wav", true);
 }

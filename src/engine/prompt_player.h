@@ -17,6 +17,8 @@ public:
     void PlayPrompt(const std::string& name, bool voicePrompts);
 
     [[nodiscard]] const std::string& LastVoicePrompt() const { return last_; }
+    // True while the last prompt is still sounding.
+    [[nodiscard]] bool Playing() const { return backend_.promptPlaying(); }
     [[nodiscard]] std::string pathOf(const std::string& name) const;
 
 private:

@@ -56,6 +56,8 @@ struct Notification {
     std::string textColor;        // "#rrggbb"
     std::string soundFile;        // played when shown; empty for none
     int showMilliseconds = 8000;
+    // When set, the ground shades from backgroundColor at the top to this at the bottom.
+    std::string backgroundColorEnd = {};
 };
 
 class Prompts {

@@ -1,6 +1,7 @@
 #include "ui/notification_popup.h"
 
 #include <QColor>
+#include <QLinearGradient>
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QLabel>
@@ -51,6 +52,15 @@ NotificationPopup::NotificationPopup(const platform::Notification& notification,
     QPalette colours = palette();
     setRoleColor(colours, QPalette::Window, notification.backgroundColor);
     setRoleColor(colours, QPalette::WindowText, notification.textColor);
+    const QColor top = QColor::fromString(QString::fromStdString(notification.backgroundColor));
+    const QColor bottom = QColor::fromString(QString::fromStdString(notification.backgroundColorEnd));
+    if (top.isValid() && bottom.isValid()) {
+        QLinearGradient shade(0, 0, 0, 1);
+        shade.setCoordinateMode(QGradient::ObjectMode);
+        shade.setColorAt(0, top);
+        shade.setColorAt(1, bottom);
+        colours.setBrush(QPalette::Window, QBrush(shade));
+    }
     setPalette(colours);
     setAutoFillBackground(true);
     setFrameStyle(QFrame::Box | QFrame::Plain);

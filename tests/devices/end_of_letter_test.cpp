@@ -11,9 +11,10 @@ namespace {
 struct DeliveryLog : LetterDelivery {
     std::vector<std::string> delivered;
     std::function<void()> whileDelivering;
-    void deliver(const std::string& path) override {
+    bool deliver(const std::string& path) override {
         delivered.push_back(path);
         if (whileDelivering) whileDelivering();
+        return true;
     }
     void destinationNotTried(int, const std::string&) override {}
     void sendToDestination(int, const std::string&, const SendWording&) override {}

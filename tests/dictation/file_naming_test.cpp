@@ -209,8 +209,8 @@ TEST_F(FileNamingTest, AnExistingFileIsOverwrittenOnlyOnYesOrWithoutWarnings) {
         EXPECT_EQ(state.Filename.empty(), !c.kept);
         EXPECT_EQ(state.UserSelectedNo, !c.kept);
         const Calls expected =
-            c.kept ? Calls{"LOADED_" + stamp, "MP3", "timSave"}
-                   : Calls{"LOADED_" + stamp, "peer: refused", "CaseClose", "Reset"};
+            c.kept ? Calls{"LOADED_" + stamp + ".MP3", "MP3", "timSave"}
+                   : Calls{"LOADED_" + stamp + ".MP3", "peer: refused", "CaseClose", "Reset"};
         EXPECT_EQ(hooks.calls, expected);
         EXPECT_EQ(logCount("User Selected NO to overwrite file") - refusals, c.kept ? 0 : 1);
         EXPECT_EQ(state.WhichBut, c.answer == Answer::Yes ? "New" : "");
@@ -226,7 +226,8 @@ TEST_F(FileNamingTest, TheNameIsAnnouncedUnlessTakenUpAndAHandedOverNameReplaces
     naming.CreateFileName();
     EXPECT_EQ(state.Filename, rec + "/Handed.MP3");
     EXPECT_TRUE(prompts.transcript().empty());
-    EXPECT_EQ(hooks.calls, Calls{"LOADED_Handed"});
+    // The peer is told the file's name with its extension.
+    EXPECT_EQ(hooks.calls, Calls{"LOADED_Handed.MP3"});
     EXPECT_EQ(view.Label40, "Connection refused");
     for (const char* line :
          {" Procedure - CREATEFILENAME", " -58 Sending Message in CreateFileName",

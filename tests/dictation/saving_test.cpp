@@ -42,7 +42,7 @@ TEST_F(SavingTest, AWorkFileOneByteShortIsNotSavedAndTheLimitItselfIs) {
     EXPECT_EQ(view().lblReady, kSaveErrorText);
     EXPECT_TRUE(logged(name + "  File Length is :30310 and is < 30311 - File Save ERROR"));
     ASSERT_FALSE(peer.messages.empty());
-    EXPECT_EQ(peer.messages.back(), "FileSaveErr_" + platform::baseNameOf(name));
+    EXPECT_EQ(peer.messages.back(), "FileSaveErr_" + platform::withoutFolder(name));
     EXPECT_TRUE(prompts.transcript().empty()) << "a short take is told in the log, never in a box";
 
     workFileOf(kMinimumRecordedBytes);

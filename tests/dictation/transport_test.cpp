@@ -171,7 +171,7 @@ TEST_F(DictationTest, APedalDuringTheNewFilesAnnouncementIsRefusedOnTheSecondPat
     ASSERT_FALSE(prompts.texts().empty());
     EXPECT_EQ(prompts.texts()[0], refusalText("CaseNew-2"));
     ASSERT_FALSE(peer.messages.empty());
-    EXPECT_EQ(peer.messages[0], "LOADED_AB0002");
+    EXPECT_EQ(peer.messages[0], "LOADED_AB0002.WAV");
 }
 
 TEST_F(DictationTest, CrashProtectionSavesAtEveryStopAndTheSaveTimerRunsOn) {

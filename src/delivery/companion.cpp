@@ -1,10 +1,10 @@
-#include "app/companion.h"
+#include "delivery/companion.h"
 
 #include "platform/files.h"
 #include "platform/processes.h"
 #include "platform/system_queries.h"
 
-namespace ovd::app {
+namespace ovd::delivery {
 
 AutoSendCompanion::AutoSendCompanion(settings::EventLog& log, std::string binaryFolder,
                                      std::string dataFolder)
@@ -40,4 +40,30 @@ void AutoSendCompanion::stop() {
     }
 }
 
-}  // namespace ovd::app
+AutoSendMenu::AutoSendMenu(platform::EventLoop& loop, const settings::SettingsRecord& settings,
+                           CompanionSender& companion)
+    : tmchkAutoSend(loop, "tmchkAutoSend", 500), settings_(settings), companion_(companion) {
+    tmchkAutoSend.setOnTick([this] { refresh(); });
+}
+
+void AutoSendMenu::refresh() {
+    Caption = companion_.running() ? kManuallyStopAutoSend : kManuallyStartAutoSend;
+}
+
+void AutoSendMenu::started() { Caption = kManuallyStopAutoSend; }
+
+void AutoSendMenu::mnAutoSend_Click() {
+    if (!settings_.AutoFTP && !settings_.AutoEmail) return;
+    if (!companion_.running()) {
+        // One start for each kind of sending that is on; a running companion
+        // ignores the second.
+        if (settings_.AutoFTP) companion_.start();
+        if (settings_.AutoEmail) companion_.start();
+        Caption = kManuallyStopAutoSend;
+    } else {
+        companion_.stop();
+        Caption = kManuallyStartAutoSend;
+    }
+}
+
+}  // namespace ovd::delivery

@@ -1,0 +1,179 @@
+#include "delivery/order_listener.h"
+
+#include <arpa/inet.h>
+#include <netdb.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cerrno>
+#include <cstring>
+
+namespace ovd::delivery {
+
+namespace {
+
+bool containsIgnoringCase(std::string_view text, std::string_view word) {
+    const auto found = std::search(text.begin(), text.end(), word.begin(), word.end(),
+                                   [](char a, char b) {
+                                       return std::toupper(static_cast<unsigned char>(a)) ==
+                                              std::toupper(static_cast<unsigned char>(b));
+                                   });
+    return found != text.end();
+}
+
+// "::ffff:127.0.0.2" is how a dual-stack socket shows an IPv4 client.
+std::string plainAddress(std::string address) {
+    constexpr std::string_view mapped = "::ffff:";
+    if (address.size() > mapped.size() && address.compare(0, mapped.size(), mapped) == 0 &&
+        address.find('.') != std::string::npos) {
+        address.erase(0, mapped.size());
+    }
+    return address;
+}
+
+std::string numericAddress(const sockaddr* address, socklen_t size) {
+    std::array<char, NI_MAXHOST> host{};
+    if (::getnameinfo(address, size, host.data(), host.size(), nullptr, 0, NI_NUMERICHOST) != 0) {
+        return "";
+    }
+    return plainAddress(host.data());
+}
+
+int listeningSocket(int family, int port, std::string& error) {
+    const int fd = ::socket(family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+    if (fd < 0) {
+        error = std::strerror(errno);
+        return -1;
+    }
+    const int on = 1;
+    // A station started again at once finds its port free, not held by the last run.
+    ::setsockopt(fd, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+    int result = -1;
+    if (family == AF_INET6) {
+        const int off = 0;
+        ::setsockopt(fd, IPPROTO_IPV6, IPV6_V6ONLY, &off, sizeof off);
+        sockaddr_in6 any{};
+        any.sin6_family = AF_INET6;
+        any.sin6_addr = in6addr_any;
+        any.sin6_port = htons(static_cast<std::uint16_t>(port));
+        result = ::bind(fd, reinterpret_cast<sockaddr*>(&any), sizeof any);
+    } else {
+        sockaddr_in any{};
+        any.sin_family = AF_INET;
+        any.sin_addr.s_addr = htonl(INADDR_ANY);
+        any.sin_port = htons(static_cast<std::uint16_t>(port));
+        result = ::bind(fd, reinterpret_cast<sockaddr*>(&any), sizeof any);
+    }
+    if (result != 0 || ::listen(fd, 64) != 0) {
+        error = std::strerror(errno);
+        ::close(fd);
+        return -1;
+    }
+    return fd;
+}
+
+}  // namespace
+
+PeerOrders findOrders(std::string_view text) {
+    return {containsIgnoringCase(text, "EXIT"), containsIgnoringCase(text, "CLOSE")};
+}
+
+bool orderSenderAllowed(const std::string& clientAddress,
+                        const std::vector<std::string>& peerAddresses) {
+    const std::string client = plainAddress(clientAddress);
+    if (client.empty()) return false;
+    if (client == "127.0.0.1" || client == "::1") return true;
+    return std::any_of(peerAddresses.begin(), peerAddresses.end(),
+                       [&](const std::string& peer) { return plainAddress(peer) == client; });
+}
+
+std::vector<std::string> addressesOf(const std::string& host) {
+    std::vector<std::string> addresses;
+    if (host.empty()) return addresses;
+    addrinfo hints{};
+    hints.ai_family = AF_UNSPEC;
+    hints.ai_socktype = SOCK_STREAM;
+    addrinfo* found = nullptr;
+    if (::getaddrinfo(host.c_str(), nullptr, &hints, &found) != 0) return addresses;
+    for (const addrinfo* entry = found; entry != nullptr; entry = entry->ai_next) {
+        std::string address = numericAddress(entry->ai_addr, entry->ai_addrlen);
+        if (!address.empty()) addresses.push_back(std::move(address));
+    }
+    ::freeaddrinfo(found);
+    return addresses;
+}
+
+OrderListener::OrderListener(platform::EventLoop& loop,
+                             std::function<void(const std::string&)> trace)
+    : loop_(loop), trace_(std::move(trace)) {}
+
+OrderListener::~OrderListener() { close(); }
+
+bool OrderListener::listen(int port, std::string& error) {
+    close();
+    listenFd_ = listeningSocket(AF_INET6, port, error);
+    // A machine without IPv6 still hears its peer on IPv4.
+    if (listenFd_ < 0 && error != std::strerror(EADDRINUSE)) {
+        listenFd_ = listeningSocket(AF_INET, port, error);
+    }
+    if (listenFd_ < 0) return false;
+    listenWatch_ = loop_.watchFd(listenFd_, platform::FdEvent::Readable, [this] { accept(); });
+    return true;
+}
+
+void OrderListener::close() {
+    dropPeer();
+    if (listenWatch_ != 0) loop_.unwatchFd(listenWatch_);
+    listenWatch_ = 0;
+    if (listenFd_ >= 0) ::close(listenFd_);
+    listenFd_ = -1;
+}
+
+void OrderListener::dropPeer() {
+    if (peerWatch_ != 0) loop_.unwatchFd(peerWatch_);
+    peerWatch_ = 0;
+    if (peerFd_ >= 0) ::close(peerFd_);
+    peerFd_ = -1;
+}
+
+void OrderListener::accept() {
+    // Everything waiting is taken at once, so a crowd of clients never fills the backlog.
+    for (;;) {
+        sockaddr_storage from{};
+        socklen_t size = sizeof from;
+        const int fd = ::accept4(listenFd_, reinterpret_cast<sockaddr*>(&from), &size,
+                                 SOCK_NONBLOCK | SOCK_CLOEXEC);
+        if (fd < 0) return;
+        const std::string client = numericAddress(reinterpret_cast<sockaddr*>(&from), size);
+        const std::vector<std::string> peer =
+            peerAddress ? addressesOf(peerAddress()) : std::vector<std::string>{};
+        if (!orderSenderAllowed(client, peer)) {
+            ::close(fd);
+            if (trace_) trace_("TCP order connection from " + client + " closed unread: not the peer");
+            continue;
+        }
+        // Only one peer is served: the newer connection takes the place of the older.
+        dropPeer();
+        peerFd_ = fd;
+        peerWatch_ = loop_.watchFd(peerFd_, platform::FdEvent::Readable, [this] { read(); });
+    }
+}
+
+void OrderListener::read() {
+    std::array<char, 65536> buffer;
+    const ssize_t got = ::recv(peerFd_, buffer.data(), buffer.size(), 0);
+    if (got < 0 && (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR)) return;
+    if (got <= 0) {
+        dropPeer();
+        return;
+    }
+    const PeerOrders orders = findOrders(std::string_view(buffer.data(), static_cast<std::size_t>(got)));
+    // The orders may end the program or close this listener: nothing of it is used after.
+    if ((orders.exit || orders.close) && onOrders) onOrders(orders);
+}
+
+}  // namespace ovd::delivery

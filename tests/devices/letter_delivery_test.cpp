@@ -1,0 +1,110 @@
+// The end of letter on a real dictation with the real delivery behind it: the
+// letter is saved, copied to the destination folders and staged, and the next
+// file opens; a second trigger during the ten-second wait changes nothing.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "delivery/auto_send.h"
+#include "devices/delivery_wiring.h"
+#include "devices/end_of_letter.h"
+#include "dictation/dictation_fixture.h"
+
+namespace ovd::devices {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Scripted prompts that let the test act while a box is up.
+class ReactingPrompts : public ::ovd::testing::ScriptedPrompts {
+public:
+    std::function<void()> whileAsking;
+    platform::Answer message(const platform::MessageRequest& request) override {
+        if (whileAsking) whileAsking();
+        return ScriptedPrompts::message(request);
+    }
+};
+
+struct CompanionSeam : delivery::CompanionSender {
+    int starts = 0;
+    [[nodiscard]] bool running() const override { return starts > 0; }
+    void start() override { ++starts; }
+    void stop() override {}
+};
+
+class LetterDeliveryTest : public dictation::testing::DictationTest {
+protected:
+    LetterDeliveryTest() {
+        auto& r = config.record;
+        r.AutoSend1 = r.AutoSend2 = true;
+        r.SendToOne = folder.file("One");
+        r.SendToTwo = folder.file("Two");
+        r.AutoEmail = true;
+        platform::createFolder(r.SendToOne);
+        platform::createFolder(r.SendToTwo);
+    }
+
+    ReactingPrompts boxes;
+    delivery::PeerLink link{{loop, config, log, boxes, 0}};
+    CompanionSeam companion;
+    delivery::AutoSendMenu menu{loop, config.record, companion};
+    ViewStatusLines screen{d()};
+    delivery::AutoSend pipeline{{loop, config, log, boxes, link, voice, menu, companion, screen, ""}};
+    PipelineDelivery delivery{pipeline};
+    EndOfLetter eol{d(), config, log, loop, voice, delivery};
+};
+
+TEST_F(LetterDeliveryTest, TheLetterReachesBothFoldersAndTheStagingAndTheNextFileOpens) {
+    dictate(3000);
+    const std::string letter = state().Filename;
+    const std::string name = fs::path(letter).filename();
+    eol.startEndOfLetter();
+
+    const auto size = platform::fileSize(letter).value_or(0);
+    EXPECT_GT(size, 90000u);
+    EXPECT_EQ(platform::fileSize(config.record.SendToOne + "/" + name), size);
+    EXPECT_EQ(platform::fileSize(config.record.SendToTwo + "/" + name), size);
+    EXPECT_EQ(platform::fileSize(recordings + "/EmailTemp/" + name), size);
+    EXPECT_EQ(companion.starts, 1);
+    EXPECT_NE(state().Filename, letter) << "the next letter is open";
+    EXPECT_EQ(view().MyPicture, "Match.ico");
+    EXPECT_TRUE(boxes.transcript().empty()) << "a clean delivery shows nothing";
+}
+
+TEST_F(LetterDeliveryTest, ASecondTriggerDuringTheTenSecondWaitDoesNotRestartTheSequence) {
+    dictate(2000);
+    const std::string name = fs::path(state().Filename).filename();
+    fs::create_directory(fs::path(config.record.SendToOne) / name);  // the copy can't land
+    int triggers = 0;
+    boxes.whileAsking = [&] {
+        if (triggers++ == 0) eol.endOfLetter();  // the author presses the pedal again
+    };
+    eol.startEndOfLetter();
+
+    EXPECT_TRUE(logged("EOL is Executing - DoingEOL = True"));
+    // One question, the not-sent box after No and the pop-up; destination two
+    // still has the letter.
+    EXPECT_EQ(boxes.texts(), (std::vector<std::string>{
+                                 "File has been sending to Destination 1 for 10 Seconds. Would you like "
+                                 "to keep trying to send?",
+                                 "File may have not been sent to Destination 1",
+                                 "OVQDUDR Sending Status :       Destination " + config.record.SendToOne +
+                                     ": User Canceled-Bypassing step"}));
+    EXPECT_TRUE(platform::fileExists(config.record.SendToTwo + "/" + name));
+    EXPECT_TRUE(platform::fileExists(recordings + "/EmailTemp/" + name));
+    EXPECT_FALSE(eol.DoingEOL);
+    EXPECT_TRUE(state().flgfileOpen1) << "the next letter is open";
+}
+
+TEST_F(LetterDeliveryTest, AnEmptyLetterIsNeitherSentNorStaged) {
+    d().Image2_Click();
+    const std::string name = fs::path(state().Filename).filename();
+    eol.startEndOfLetter();
+    EXPECT_FALSE(platform::fileExists(config.record.SendToOne + "/" + name));
+    EXPECT_FALSE(platform::fileExists(recordings + "/EmailTemp/" + name));
+    EXPECT_EQ(companion.starts, 0);
+}
+
+}  // namespace
+}  // namespace ovd::devices
