@@ -175,6 +175,8 @@ int main(int argc, char** argv) {
         window->onExit = [&station] { station.mnuExit_Click(); };
         window->onRestartNeeded = [&station] { station.mnuExit_Click(); };
         window->onScanConvert = [&station] { station.mnuScanConvert_Click(); };
+        window->onAutoSend = [&station] { station.autoSendMenu().mnAutoSend_Click(); };
+        window->autoSendCaption = [&station] { return station.autoSendMenu().Caption; };
         static_cast<ovd::ui::QtPrompts&>(*prompts).setMainWindow(window.get());
         // The window owns its dialog.
         auto* reconnection = new ovd::ui::ReconnectionDialogWindow(station.peerLink(), window.get());

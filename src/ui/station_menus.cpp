@@ -166,7 +166,9 @@ void StationMenus::buildPedals() {
 void StationMenus::buildTools() {
     QMenu* tools = window_.menuBar()->addMenu(QObject::tr("&Tools"));
     tools->setObjectName("mnuTools");
-    addGreyed(tools, "mnAutoSend", QObject::tr("Manually Start AutoSend"));
+    add(tools, "mnAutoSend", QObject::tr("Manually Start AutoSend"), [this] {
+        if (window_.onAutoSend) window_.onAutoSend();
+    })->setEnabled(false);
     add(tools, "mnuScanConvert", QObject::tr("Scan/Convert..."), [this] {
         if (window_.onScanConvert) window_.onScanConvert();
     });
@@ -200,6 +202,9 @@ void StationMenus::buildContextMenu() {
 void StationMenus::refresh(const dictation::MainView& view) {
     refreshReopen(view);
     action("mnuScanConvert")->setEnabled(view.mnuScanConvertEnabled && window_.onScanConvert != nullptr);
+    QAction* autoSend = action("mnAutoSend");
+    autoSend->setEnabled(window_.onAutoSend != nullptr);
+    if (window_.autoSendCaption) autoSend->setText(QString::fromStdString(window_.autoSendCaption()));
     action(std::string("mnu") + faceSetting(window_.face()) + "Face")->setChecked(true);
     QAction* onTop = action("mnuOnTop");
     const QSignalBlocker quiet(onTop);

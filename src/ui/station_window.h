@@ -105,6 +105,10 @@ public:
     std::function<void()> onExit;
     // Scan/Convert: the recovery window; the entry is greyed while this is unset.
     std::function<void()> onScanConvert;
+    // The companion sender's entry: its caption says whether a click starts or stops it;
+    // greyed while unset.
+    std::function<void()> onAutoSend;
+    std::function<std::string()> autoSendCaption;
     // The device lists failed too often: the station ends.
     std::function<void()> onRestartNeeded;
 
