@@ -81,7 +81,7 @@ LoadResult Station::Form_Load() {
         case settings::RecoveryAtStart::Nothing: break;
         case settings::RecoveryAtStart::LetBeThisOnce:
             log.trace("Loading: work files of an earlier run left for the next start "
-                      "(File > Scan/Convert recovers them now)");
+                      "(Tools > Scan/Convert recovers them now)");
             break;
         case settings::RecoveryAtStart::OpenRecovery:
             log.trace("Loading: recovering the work files of a run that did not end in order");
