@@ -42,6 +42,10 @@ std::string ScanConvert::folderFor(FileBox box) const {
 }
 
 void ScanConvert::Form_Load(ScanMode mode) {
+    // Each opening starts afresh: nothing of an earlier run shows as if it were this one's.
+    const unsigned long revision = view.revision;
+    view = ScanConvertView{};
+    view.revision = revision;
     view.caption = mode == ScanMode::Recovery ? kRecoveryCaption : kByHandCaption;
     // Errors on making the folders are not shown: the lists then stay empty.
     for (FileBox box : {FileBox::Temp, FileBox::Back, FileBox::Recordings, FileBox::Save}) {

@@ -188,6 +188,13 @@ TEST_F(ScanConvertTest, AfterAnOrderlyEndTheWindowWaitsForTheUser) {
     scan.Command2_Click();
     EXPECT_TRUE(platform::fileExists(recordings + "/take-1.MP3"));
     EXPECT_EQ(scan.view.fileBox2, std::vector<std::string>{});
+    EXPECT_EQ(scan.view.Label5, kRecoveredText);
+
+    // Opened again, the window tells nothing of the run before.
+    scan.Form_Load(ScanMode::ByHand);
+    EXPECT_EQ(scan.view.Label5, "");
+    EXPECT_TRUE(scan.view.viewEvent.empty());
+    EXPECT_EQ(scan.view.fileBox3, std::vector<std::string>{"take-1.MP3"});
 }
 
 TEST_F(ScanConvertTest, AChosenFileIsConvertedAndKept) {
