@@ -187,9 +187,18 @@ int main(int argc, char** argv) {
                   << "; Ctrl-C or SIGTERM ends the station in order\n";
     }
 
+    bool terminationRequested = false;
     if (terminationSignals.fd() >= 0) {
-        loop.watchFd(terminationSignals.fd(), ovd::platform::FdEvent::Readable, [&terminationSignals] {
-            if (terminationSignals.take() != 0) QCoreApplication::quit();
+        loop.watchFd(terminationSignals.fd(), ovd::platform::FdEvent::Readable,
+                     [&terminationSignals, &terminationRequested, &options] {
+            if (terminationSignals.take() == 0) return;
+            // Asked for during the load, the end is remembered and the main loop is
+            // never entered; a box waiting for an answer takes its default.
+            terminationRequested = true;
+            QCoreApplication::quit();
+            if (!options.headless) {
+                if (QWidget* box = QApplication::activeModalWidget()) box->close();
+            }
         });
     }
     if (station.Form_Load() == ovd::app::LoadResult::EndProgram) {
@@ -203,7 +212,7 @@ int main(int argc, char** argv) {
                                                        station.dictation().view, config.record));
         window->Form_Load();
     }
-    const int status = QCoreApplication::exec();
+    const int status = terminationRequested ? 0 : QCoreApplication::exec();
     station.Form_Unload();
     scanConvertWindow.reset();
     window.reset();
