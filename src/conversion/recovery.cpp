@@ -33,22 +33,6 @@ std::string stemOf(const std::string& name, Temporary kind) {
     return name.substr(0, name.size() - cut);
 }
 
-bool copyOver(const std::string& from, const std::string& to) {
-    std::error_code error;
-    return std::filesystem::copy_file(from, to, std::filesystem::copy_options::overwrite_existing, error);
-}
-
-std::string firstFileIn(const std::string& folder) {
-    std::string first;
-    std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
-        if (!entry.is_regular_file(error)) continue;  // folders are listed, never entered
-        const std::string name = entry.path().filename().string();
-        if (first.empty() || name < first) first = name;
-    }
-    return first;
-}
-
 }  // namespace
 
 void ScanConvert::RecoverAll() {
@@ -77,12 +61,14 @@ void ScanConvert::RecoverFolder(const std::string& folder) {
     std::string previous;
     bool emptied = false;
     for (;;) {
-        const std::string name = firstFileIn(folder);
-        if (name.empty()) {
+        // Folders are listed, never entered.
+        const std::vector<std::string> files = platform::filesInFolder(folder);
+        if (files.empty()) {
             view.Command2Colour = kWorkingColour;
             emptied = true;
             break;
         }
+        const std::string& name = files.front();
         if (name == previous) {
             // The file could be neither converted nor moved away: leave it for the next start.
             LogEvent("Error: " + name + " can't be removed from " + folder);
@@ -148,7 +134,7 @@ bool ScanConvert::recoverFirstFile(const std::string& path) {
         RenameTemporary(path);
         return true;
     }
-    copyOver(*made, platform::joinPath(folderFor(FileBox::Back), platform::withoutFolder(*made)));
+    platform::copyFileOver(*made, platform::joinPath(folderFor(FileBox::Back), platform::withoutFolder(*made)));
     std::filesystem::remove(path, error);
     parts_.log.trace("Recovered " + path + " as " + *made);
     refreshLists();
@@ -161,8 +147,8 @@ void ScanConvert::RenameTemporary(const std::string& path) {
     if (temporaryKind(name) == Temporary::TmpWav) {
         const std::string backup = platform::joinPath(folderFor(FileBox::Save), "BACKUP " + name);
         const std::string back = platform::joinPath(folderFor(FileBox::Back), name);
-        bool kept = copyOver(path, backup);
-        if (back != path) kept = copyOver(path, back) && kept;
+        bool kept = platform::copyFileOver(path, backup);
+        if (back != path) kept = platform::copyFileOver(path, back) && kept;
         if (kept) {
             std::filesystem::remove(path, error);
             LogEvent("Kept " + name + " as " + backup);

@@ -2,7 +2,6 @@
 
 #include "conversion/scan_convert.h"
 
-#include <algorithm>
 #include <filesystem>
 
 #include "platform/files.h"
@@ -13,15 +12,6 @@ namespace {
 // Started after the load so that the window is up before the first file is touched.
 constexpr int kRecoveryDelayMs = 100;
 
-std::vector<std::string> filesIn(const std::string& folder) {
-    std::vector<std::string> names;
-    std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
-        if (entry.is_regular_file(error)) names.push_back(entry.path().filename().string());
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-}
 }  // namespace
 
 ScanConvert::ScanConvert(ScanConvertParts parts)
@@ -132,10 +122,10 @@ void ScanConvert::ConvertChosenFile() {
 }
 
 void ScanConvert::refreshLists() {
-    view.fileBox1 = filesIn(folderFor(FileBox::Save));
-    view.fileBox2 = filesIn(folderFor(FileBox::Temp));
-    view.fileBox3 = filesIn(folderFor(FileBox::Recordings));
-    view.fileBox4 = filesIn(folderFor(FileBox::Back));
+    view.fileBox1 = platform::filesInFolder(folderFor(FileBox::Save));
+    view.fileBox2 = platform::filesInFolder(folderFor(FileBox::Temp));
+    view.fileBox3 = platform::filesInFolder(folderFor(FileBox::Recordings));
+    view.fileBox4 = platform::filesInFolder(folderFor(FileBox::Back));
     changed();
 }
 

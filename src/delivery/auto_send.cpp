@@ -1,6 +1,5 @@
 #include "delivery/auto_send.h"
 
-#include <filesystem>
 
 #include "platform/files.h"
 #include "platform/system_queries.h"
@@ -164,10 +163,8 @@ AutoSend::CopyOutcome AutoSend::copyStep(int n, const std::string& source,
                           " Does NOT Exist or NOT Available-Bypassing step: " + target);
         }
         lblReady(std::string("Sending File to Destination ") + kNumberWords[index(n)]);
-        std::error_code ignored;
         // A copy that fails shows as a copy that never becomes available.
-        std::filesystem::copy_file(source, target, std::filesystem::copy_options::overwrite_existing,
-                                   ignored);
+        platform::copyFileOver(source, target);
         const bool copied = waitForCopy(target, kCopyTags[index(n)]);
         if (sendAction && !platform::fileExists(target)) {
             trace(wording.missingTrace);
@@ -222,9 +219,7 @@ void AutoSend::stage(Staging staging, const std::string& source) {
         platform::joinPath(config_.record.CaptureFilePath.toText(), email ? "EmailTemp" : "FTPTemp");
     platform::createFolder(folder);
     const std::string baseName = platform::withoutFolder(source);
-    std::error_code ignored;
-    std::filesystem::copy_file(source, platform::joinPath(folder, baseName),
-                               std::filesystem::copy_options::overwrite_existing, ignored);
+    platform::copyFileOver(source, platform::joinPath(folder, baseName));
     screen_.showLabel40(email ? "File is ready to EMail" : "File is ready to FTP");
     trace(baseName + (email ? " File is ready to Email" : " File is ready to FTP"));
 }

@@ -3,7 +3,6 @@
 // until the engine lets go of the file, and a disk without room is never
 // written to blindly.
 
-#include <filesystem>
 
 #include "dictation/dictation.h"
 #include "platform/files.h"
@@ -170,10 +169,9 @@ void Dictation::SaveFileAs() {
         state.Filename = state.SaveOldFileName;
         return;
     }
-    std::error_code error;
-    std::filesystem::copy_file(state.SaveOldFileName, *chosen,
-                               std::filesystem::copy_options::overwrite_existing, error);
-    if (error) trace("Save As copy to " + *chosen + " failed: " + error.message());
+    if (std::string reason; !platform::copyFileOver(state.SaveOldFileName, *chosen, &reason)) {
+        trace("Save As copy to " + *chosen + " failed: " + reason);
+    }
     OpenMyList(*chosen);
     CaseEnd();
     view.lblBusyVisible = false;

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -65,6 +66,23 @@ bool createFolder(const std::string& path) {
     std::error_code ec;
     fs::create_directories(path, ec);
     return folderExists(path);
+}
+
+std::vector<std::string> filesInFolder(const std::string& folder) {
+    std::vector<std::string> names;
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
+        if (entry.is_regular_file(error)) names.push_back(entry.path().filename().string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+bool copyFileOver(const std::string& from, const std::string& to, std::string* reason) {
+    std::error_code error;
+    std::filesystem::copy_file(from, to, std::filesystem::copy_options::overwrite_existing, error);
+    if (error && reason != nullptr) *reason = error.message();
+    return !error;
 }
 
 std::optional<std::uintmax_t> fileSize(const std::string& path) {

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace ovd::platform {
 
@@ -29,6 +30,10 @@ bool folderExists(const std::string& path);
 // Creates the folder and its parents; false when it can't be made.
 bool createFolder(const std::string& path);
 std::optional<std::uintmax_t> fileSize(const std::string& path);
+// The names of the files in the folder, in order; its subfolders are not listed.
+std::vector<std::string> filesInFolder(const std::string& folder);
+// Copies the file over any of that name; false, with the reason when asked for, when it fails.
+bool copyFileOver(const std::string& from, const std::string& to, std::string* reason = nullptr);
 
 std::optional<std::string> readWholeFile(const std::string& path);
 // Replaces the file with the text; false (with errno left set) when it can't be written.
