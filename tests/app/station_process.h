@@ -8,7 +8,9 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -84,6 +86,33 @@ public:
         return end;
     }
 
+    // SIGTERM and the time the station took to end after it.
+    struct TimedEnd {
+        ProcessEnd end;
+        std::chrono::milliseconds took{0};
+    };
+    TimedEnd terminateTimed() {
+        const auto before = std::chrono::steady_clock::now();
+        ProcessEnd end = terminate(SIGTERM);
+        return {end, std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - before)};
+    }
+
+    // The share of one core the station used over the period, in percent, from
+    // the kernel's count of its user and system time.
+    [[nodiscard]] double cpuPercentOver(std::chrono::milliseconds period) const {
+        const long ticksPerSecond = ::sysconf(_SC_CLK_TCK);
+        const long long before = cpuTicks();
+        std::this_thread::sleep_for(period);
+        const long long after = cpuTicks();
+        if (before < 0 || after < 0 || ticksPerSecond <= 0) return -1;
+        return 100.0 * static_cast<double>(after - before) / static_cast<double>(ticksPerSecond) /
+               (static_cast<double>(period.count()) / 1000.0);
+    }
+
+    [[nodiscard]] std::uintmax_t eventLogBytes() const { return eventLog().size(); }
+
+    [[nodiscard]] pid_t pid() const { return child_; }
+
     [[nodiscard]] std::string eventLog() const {
         if (!std::filesystem::exists(folder.file("Event Logs"))) return "";
         for (const auto& entry : std::filesystem::directory_iterator(folder.file("Event Logs"))) {
@@ -113,6 +142,26 @@ public:
     PseudoTerminal pty;
 
 private:
+    // utime + stime of the child, or -1 when it can't be read.
+    [[nodiscard]] long long cpuTicks() const {
+        const auto stat = platform::readWholeFile("/proc/" + std::to_string(child_) + "/stat");
+        if (!stat) return -1;
+        // The command name may hold spaces: the fields are counted from its closing bracket.
+        const auto close = stat->rfind(')');
+        if (close == std::string::npos) return -1;
+        std::istringstream fields(stat->substr(close + 2));
+        std::string field;
+        long long utime = 0, stime = 0;
+        for (int index = 3; fields >> field; ++index) {
+            if (index == 14) utime = std::stoll(field);
+            if (index == 15) {
+                stime = std::stoll(field);
+                return utime + stime;
+            }
+        }
+        return -1;
+    }
+
     pid_t spawn(const std::vector<std::string>& extra, int errorFd) {
         const pid_t pid = ::fork();
         if (pid == 0) {
