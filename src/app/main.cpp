@@ -8,6 +8,7 @@
 #include <functional>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -49,13 +50,22 @@ std::string absoluteFileName(const std::string& name) {
     return error ? name : absolute.lexically_normal().string();
 }
 
-std::string alreadyRunningText() {
+// The running station is found by its window or its process number here: there is
+// no task bar list or task list to point the user at, so those steps say how it ends.
+std::string alreadyRunningText(std::optional<long> runningProcess) {
+    const std::string howToEnd =
+        runningProcess ? "type kill " + std::to_string(*runningProcess) +
+                             " in a terminal (the running station's process number is " +
+                             std::to_string(*runningProcess) + ")"
+                       : "find its process number with ps -C orvane-voice-desk -o pid,args in a "
+                         "terminal and type kill and that number";
     return "This program is already running! Please locate the other Orvane Voice Desk program "
-           "that is already running. You can do this by looking on your task bar at the bottom of "
-           "the Windows screen for the Orvane Voice Desk application. If you can't locate the "
-           "Orvane Voice Desk application already running, please type CTRL+ALT+DEL and highlight "
-           "any Orvane application(s) from the Task List, and then click on the END TASK button. "
-           "Once this is done, you can then try re-starting the Orvane Voice Desk program.  ";
+           "that is already running. You can do this by looking on your desktop for the Orvane "
+           "Voice Desk window and choosing File > Exit there. If you can't locate the Orvane Voice "
+           "Desk application already running, please " +
+           howToEnd +
+           ", and the running station ends in order. Once this is done, you can then try "
+           "re-starting the Orvane Voice Desk program.  ";
 }
 
 std::unique_ptr<ovd::platform::Prompts> makePrompts(bool headless,
@@ -118,7 +128,7 @@ int main(int argc, char** argv) {
         }
         // The running station owns the day's event log: this one writes nothing there.
         const auto prompts = makePrompts(options.headless, [](const std::string&) {});
-        prompts->showMessage(alreadyRunningText(), ovd::settings::kProductTitle,
+        prompts->showMessage(alreadyRunningText(ovd::platform::InstanceLock::holder(dataFolder)), ovd::settings::kProductTitle,
                              ovd::platform::Severity::Warning);
         return 1;
     }

@@ -88,11 +88,19 @@ public:
 
 private:
     bool loadRecordingDevice();
+    // The user hears once when the settings can't be written, after the step that wrote.
+    void tellWhenSettingsCantBeWritten();
+    // The chosen recordings folder, or, after telling the user, the data folder's own
+    // when the chosen one can't hold takes.
+    std::string recordingsFolderInUse();
     void createDestinationFolders();
     void loadAutoSend();
     void KillAllPedals();
     conversion::ScanConvert& openScanConvert(conversion::ScanMode mode);
     void unloadForm();
+    // At the end: the editors let go of their work files unless a take in them
+    // could not be saved.
+    void closeWorkFiles();
 
     StationParts parts_;
     std::shared_ptr<engine::Clipboard> clipboard_;

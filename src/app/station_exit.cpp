@@ -1,7 +1,9 @@
 // The ways out of the station and the one unload they all end in.
 
 #include "app/station.h"
+#include "conversion/letter_notes.h"
 #include "dictation/hand_off.h"
+#include "platform/files.h"
 
 namespace ovd::app {
 
@@ -51,12 +53,38 @@ void Station::Form_Unload() {
     autoSendMenu_.tmchkAutoSend.setEnabled(false);
     companion_.stop();
     if (d.state.FileChanged) d.Image10_Click();
+    closeWorkFiles();
     KillAllPedals();
-    parts_.config.record.gNormalShutDown = true;
+    settings::SettingsRecord& record = parts_.config.record;
+    const std::string temp = platform::joinPath(record.CaptureFilePath.toText(), "Temp");
+    // Takes that wait in Temp (a crash's, or one that could not be saved) keep the
+    // crash state, so that the next start recovers them rather than letting them be.
+    const bool takesWait = record.RecoveryModule && conversion::anyWorkFileIn(temp);
+    record.gNormalShutDown = !takesWait;
     parts_.config.WriteConfig();
     dictation::deleteHandOff(parts_.dataFolder);
-    parts_.log.trace("Station ended in order");
+    parts_.log.trace(takesWait ? "Station ended in order; work files wait in " + temp +
+                                     " for the recovery at the next start"
+                               : std::string("Station ended in order"));
     parts_.log.SaveEventLog();
+}
+
+void Station::closeWorkFiles() {
+    dictation::Dictation& d = *dictation_;
+    d.TempFileNameFileLength();
+    const bool unsavedTake = d.state.FileSaveError && d.state.NewTempFileLength &&
+                             *d.state.NewTempFileLength >= dictation::kMinimumRecordedBytes;
+    if (unsavedTake) {
+        // The take could not be saved: its work file stays for the recovery.
+        parts_.log.trace("The take of " + d.state.Filename + " was not saved; it stays in " +
+                         d.state.NewTempFile + " for the recovery");
+        return;
+    }
+    // Saved or never recorded on: an orderly end leaves no work file behind to be
+    // recovered as a second copy of the letter.
+    AudioEditor1.Close();
+    AudioEditor21.Close();
+    conversion::pruneLetterNotes(platform::joinPath(parts_.config.record.CaptureFilePath.toText(), "Temp"));
 }
 
 }  // namespace ovd::app

@@ -1,10 +1,11 @@
 // The load of the station, in its fixed order. Each step writes what it did to
 // the event log, so that support can see how far a station came up.
 
-#include <dirent.h>
+#include <unistd.h>
 
 #include "app/station.h"
 #include "dictation/hand_off.h"
+#include "conversion/letter_notes.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
@@ -13,21 +14,46 @@ namespace ovd::app {
 namespace {
 constexpr const char* kSoundOutputFailed = "Unable to start DirectSound";
 
-bool anyWorkFile(const std::string& folder) {
-    DIR* dir = ::opendir(folder.c_str());
-    if (dir == nullptr) return false;
-    bool found = false;
-    while (const dirent* entry = ::readdir(dir)) {
-        const std::string name = entry->d_name;
-        if (name.size() > 4 && platform::toUpper(name.substr(name.size() - 4)) == ".TMP") {
-            found = true;
-            break;
-        }
-    }
-    ::closedir(dir);
-    return found;
+// A folder the station can keep takes in: it exists (or was made) and a file can be made in it.
+bool usableFolder(const std::string& folder) {
+    if (folder.empty() || folder.front() != '/' || !platform::createFolder(folder)) return false;
+    return ::access(folder.c_str(), W_OK | X_OK) == 0;
 }
 }  // namespace
+
+void Station::tellWhenSettingsCantBeWritten() {
+    parts_.config.onWriteFailed = [this](const std::string& reason) {
+        const std::string path = parts_.config.path();
+        parts_.log.trace("WriteConfig failed: " + path + ": " + reason);
+        const std::string text =
+            "The settings could not be saved to " + path + " (" + reason +
+            "). The station goes on with the settings in memory and numbers the next files on from "
+            "the last one, but changes made now are lost when it ends. Please free some space on "
+            "that disk or make the folder writable.";
+        // Told after the step that wrote, never in the middle of it.
+        parts_.loop.postFromAnyThread([this, text] {
+            parts_.prompts.showMessage(text, settings::kProductTitle, platform::Severity::Warning);
+        });
+    };
+}
+
+std::string Station::recordingsFolderInUse() {
+    settings::SettingsRecord& record = parts_.config.record;
+    const std::string chosen = record.CaptureFilePath.toText();
+    if (usableFolder(chosen) && usableFolder(platform::joinPath(chosen, "Temp"))) return chosen;
+    // Takes must have somewhere to go: the recordings folder of the data folder.
+    const std::string fallback = platform::joinPath(parts_.dataFolder, "Recordings");
+    const std::string text = "The recordings folder " + chosen +
+                             " can't be used: it is not a folder the station can write in. The "
+                             "recordings go to " + fallback +
+                             " instead; choose another folder in the file-save settings if you wish.";
+    parts_.log.trace("Loading: recordings folder " + chosen + " can't be used; using " + fallback);
+    parts_.prompts.showMessage(text, settings::kProductTitle, platform::Severity::Warning);
+    record.CaptureFilePath = fallback;
+    platform::createFolder(fallback);
+    parts_.config.WriteConfig();
+    return fallback;
+}
 
 LoadResult Station::Form_Load() {
     dictation::Dictation& d = *dictation_;
@@ -46,11 +72,11 @@ LoadResult Station::Form_Load() {
     d.loadScreen();
     log.trace("Loading: " + std::to_string(d.view.Reopen.size()) + " recent files");
 
+    tellWhenSettingsCantBeWritten();
     if (!parts_.config.startUp(parts_.prompts)) return LoadResult::EndProgram;
     log.trace("Loading: settings read from " + parts_.config.path());
 
-    const std::string recordings = record.CaptureFilePath.toText();
-    platform::createFolder(recordings);
+    const std::string recordings = recordingsFolderInUse();
     log.trace("Loading: recordings in " + recordings);
 
     if (record.TCP) {
@@ -76,12 +102,12 @@ LoadResult Station::Form_Load() {
                                    platform::Severity::Critical);
         return LoadResult::EndProgram;
     }
-    const bool workFiles = anyWorkFile(platform::joinPath(recordings, "Temp"));
+    const bool workFiles = conversion::anyWorkFileIn(platform::joinPath(recordings, "Temp"));
     switch (parts_.config.recoveryAtStart(workFiles)) {
         case settings::RecoveryAtStart::Nothing: break;
         case settings::RecoveryAtStart::LetBeThisOnce:
-            log.trace("Loading: work files of an earlier run left for the next start "
-                      "(Tools > Scan/Convert recovers them now)");
+            log.trace("Loading: work files of an earlier run left for the next start, which "
+                      "recovers them (Tools > Scan/Convert does it now)");
             break;
         case settings::RecoveryAtStart::OpenRecovery:
             log.trace("Loading: recovering the work files of a run that did not end in order");

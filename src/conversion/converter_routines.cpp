@@ -76,7 +76,12 @@ std::optional<std::string> ScanConvert::convertToFormatInForce(const std::string
         std::error_code error;
         std::filesystem::remove(intermediate, error);
     }
-    if (!converted) return std::nullopt;
+    if (!converted) {
+        // A target cut short (a full disk, a cancel) is not a recording.
+        std::error_code error;
+        std::filesystem::remove(target, error);
+        return std::nullopt;
+    }
     return target;
 }
 

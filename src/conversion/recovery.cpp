@@ -5,6 +5,7 @@
 
 #include <filesystem>
 
+#include "conversion/letter_notes.h"
 #include "conversion/scan_convert.h"
 #include "engine/codecs.h"
 #include "platform/files.h"
@@ -33,22 +34,69 @@ std::string stemOf(const std::string& name, Temporary kind) {
     return name.substr(0, name.size() - cut);
 }
 
+// The longest name a folder entry can have; a recovered name must leave room for
+// its length, its extension and the "_DSP" of a speech file.
+constexpr std::size_t kLongestName = 255;
+constexpr std::size_t kRoomForLengthAndExtension = 24;
+
+bool removed(const std::string& path) {
+    std::error_code error;
+    std::filesystem::remove(path, error);
+    return !platform::fileExists(path);
+}
+
 }  // namespace
+
+bool anyWorkFileIn(const std::string& folder) {
+    for (const std::string& name : platform::filesInFolder(folder)) {
+        if (temporaryKind(name) != Temporary::No) return true;
+    }
+    return false;
+}
+
+void ScanConvert::clearInterruptedSaves() {
+    const std::string temp = folderFor(FileBox::Temp);
+    for (const std::string& name : platform::filesInFolder(temp)) {
+        const std::string workFile = platform::joinPath(temp, name);
+        const auto letter = letterOfWorkFile(workFile);
+        // A take still held belongs to a save that may be under way right now.
+        if (!letter || !platform::FileAvailable(workFile)) continue;
+        // What a save cut short left is never a letter: the take it was made from is here.
+        const std::string partial = *letter + kPartialSuffix;
+        if (platform::fileExists(partial) && removed(partial)) LogEvent("Deleted " + partial + ": an interrupted save");
+        if (platform::fileExists(*letter) && platform::fileSize(*letter).value_or(1) == 0 && removed(*letter)) {
+            LogEvent("Deleted " + *letter + ": an interrupted save left it empty");
+        }
+    }
+    pruneLetterNotes(temp);
+}
+
+std::string ScanConvert::recoveredStem(const std::string& workFile, const std::string& fallback) const {
+    const auto letter = letterOfWorkFile(workFile);
+    if (!letter) return fallback;
+    const std::string stem = platform::baseNameOf(*letter);
+    if (stem.empty() || stem.size() + kRoomForLengthAndExtension > kLongestName) return fallback;
+    return stem;
+}
 
 void ScanConvert::RecoverAll() {
     UserCanceled = false;
+    spaceShort_ = false;
     view.Image1 = true;
     changed();
+    clearInterruptedSaves();
     RecoverFolder(folderFor(FileBox::Temp));
     refreshLists();
     view.Image1 = false;
-    if (!UserCanceled) {
+    if (!UserCanceled && !spaceShort_) {
         view.Image1 = true;
         changed();
         RecoverFolder(folderFor(FileBox::Back));
         view.Image1 = false;
     }
-    parts_.config.record.gNormalShutDown = true;
+    // Takes still waiting (held, or short of room) keep the crash state, so that the
+    // next start tries them again by itself.
+    parts_.config.record.gNormalShutDown = !anyWorkFileIn(folderFor(FileBox::Temp));
     parts_.config.WriteConfig();
     view.Label5 = kRecoveredText;
     LogEvent(kRecoveredText);
@@ -99,7 +147,11 @@ bool ScanConvert::recoverFirstFile(const std::string& path) {
     if (platform::fileSize(path).value_or(0) < kMinimumFileBytes) {
         parts_.prompts.showMessage(kEmptyFileDeleted, settings::kProductTitle);
         view.Command2Colour = kWorkingColour;
-        std::filesystem::remove(path, error);
+        if (!removed(path)) {
+            LogEvent("Error: " + name + " can't be deleted");
+            return false;
+        }
+        forgetLetterOfWorkFile(path);
         LogEvent("Deleted " + name + ": nothing recorded");
         refreshLists();
         return true;
@@ -117,27 +169,56 @@ bool ScanConvert::recoverFirstFile(const std::string& path) {
     }
     const std::int64_t seconds = milliseconds / 1000;
     if (seconds == 0) {
-        std::filesystem::remove(path, error);
+        if (!removed(path)) {
+            LogEvent("Error: " + name + " can't be deleted");
+            return false;
+        }
+        forgetLetterOfWorkFile(path);
         LogEvent("Deleted " + name + ": shorter than a second");
         refreshLists();
         return true;
     }
     currentFile_ = path;
-    TempName = platform::joinPath(recordings(), stemOf(name, kind) + "-" + std::to_string(seconds));
+    // The letter's own name where the take noted it; an existing letter of that name
+    // is never replaced by its recovered take.
+    const std::string length = "-" + std::to_string(seconds);
+    TempName = platform::joinPath(recordings(), recoveredStem(path, stemOf(name, kind)) + length);
+    if (platform::fileExists(TempName + "." + gFormatType_)) {
+        TempName = platform::joinPath(recordings(), stemOf(name, kind) + length);
+    }
     view.Label6 = TempName;
     changed();
 
     const auto made = convertToFormatInForce(path);
     if (!made) {
         if (UserCanceled) return false;
+        if (shortOfRoomFor(path)) return false;
         // The take stays, under a name the next round keeps as a backup.
         RenameTemporary(path);
         return true;
     }
-    platform::copyFileOver(*made, platform::joinPath(folderFor(FileBox::Back), platform::withoutFolder(*made)));
+    const std::string back = platform::joinPath(folderFor(FileBox::Back), platform::withoutFolder(*made));
+    // A copy cut short by a full disk is no copy.
+    if (!platform::copyFileOver(*made, back)) std::filesystem::remove(back, error);
     std::filesystem::remove(path, error);
+    forgetLetterOfWorkFile(path);
     parts_.log.trace("Recovered " + path + " as " + *made);
     refreshLists();
+    return true;
+}
+
+bool ScanConvert::shortOfRoomFor(const std::string& path) {
+    const auto free = platform::freeDiskBytes(recordings());
+    const auto needed = platform::fileSize(path).value_or(0);
+    if (!free || *free >= needed) return false;
+    // The take is worth more than the round: it waits, untouched, for a disk with room.
+    spaceShort_ = true;
+    const std::string text = "There is not enough disk space to recover " + platform::withoutFolder(path) +
+                             " in " + recordings() +
+                             ". The recording stays in the Temp folder and is recovered at the next "
+                             "start; please free some space on that disk.";
+    LogEvent("Error: not enough disk space to recover " + platform::withoutFolder(path));
+    parts_.prompts.showMessage(text, settings::kProductTitle, platform::Severity::Warning);
     return true;
 }
 
@@ -151,7 +232,13 @@ void ScanConvert::RenameTemporary(const std::string& path) {
         if (back != path) kept = platform::copyFileOver(path, back) && kept;
         if (kept) {
             std::filesystem::remove(path, error);
+            forgetLetterOfWorkFile(path);
             LogEvent("Kept " + name + " as " + backup);
+        } else {
+            // Copies cut short by a full disk are not kept beside the whole take.
+            std::filesystem::remove(backup, error);
+            if (back != path) std::filesystem::remove(back, error);
+            LogEvent("Error: " + name + " can't be copied; kept as it is");
         }
     } else {
         std::filesystem::rename(path, path + ".wav", error);

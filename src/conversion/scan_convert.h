@@ -111,6 +111,9 @@ public:
     // Works through one folder until nothing is left in it, or a file in use or a
     // file that is no work file ends the round.
     void RecoverFolder(const std::string& folder);
+    // Removes what saves cut short by a crash left beside the letters whose takes
+    // wait in Temp: the half-written file and an empty letter.
+    void clearInterruptedSaves();
 
     // The recovery was asked for or runs: the main window takes no commands meanwhile.
     [[nodiscard]] bool working() const { return view.busy || Timer1.Enabled(); }
@@ -136,6 +139,11 @@ private:
 
     // One round of RecoverFolder on its first file; false when the round ends the procedure.
     bool recoverFirstFile(const std::string& folder);
+    // The name a recovered take starts with: its letter's, or the fallback.
+    [[nodiscard]] std::string recoveredStem(const std::string& workFile, const std::string& fallback) const;
+    // After a failed conversion: true, after telling the user, when the disk has no
+    // room for the take; the work file then stays as it is.
+    bool shortOfRoomFor(const std::string& path);
     void RenameTemporary(const std::string& path);
     // The conversion of one file into TempName's target in the format in force;
     // the target made, or nothing when the conversion failed or was cancelled.
@@ -158,6 +166,10 @@ private:
     std::string currentFile_;
     std::string TempName;  // the target's name without extension
     bool UserCanceled = false;
+    bool spaceShort_ = false;
 };
+
+// True when the folder holds a work file (a temporary) that waits for the recovery.
+[[nodiscard]] bool anyWorkFileIn(const std::string& folder);
 
 }  // namespace ovd::conversion

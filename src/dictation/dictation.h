@@ -254,6 +254,8 @@ private:
     bool newFileAbandoned();
     void rotateWorkFileNames();
     void closeByUserOrPeer(const std::string& logLine, const std::string& waitTag);
+    // At a close: a take whose save failed keeps its work file for the recovery.
+    void keepUnsavedTake();
     void notifyPeer(const std::string& message, const std::string& waitTag);
     void waitTraced(double seconds, const std::string& tag);
     void trace(const std::string& line);
@@ -272,6 +274,7 @@ private:
     engine::PromptPlayer& voice_;
     PeerNotices& peer_;
     std::string dataFolder_;
+    std::string keptWorkFile_;  // the work file of an unsaved take, left for the recovery
     platform::WallClock::time_point startedAt_;
 };
 

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 
+#include "conversion/letter_notes.h"
 #include "dictation/dictation.h"
 #include "platform/files.h"
 #include "platform/system_queries.h"
@@ -156,6 +157,8 @@ void Dictation::rotateWorkFileNames() {
     names[0] = names[1];
     names[1] = names[2];
     names[2] = current;
+    // A crash's recovery then names the take after this letter.
+    conversion::noteLetterOfWorkFile(current, state.Filename);
 }
 
 void Dictation::ctSlide1_MouseDown() {

@@ -41,6 +41,7 @@ void Dictation::SaveFile() {
     // end of letter or the save icon, comes through.
     if (!state.FileSaveAtStop && !state.SaveRequested) return;
     state.SaveRequested = false;
+    const bool failedBefore = state.FileSaveError;
     const bool superThin = config_.record.ScreenSize == "SuperThin";
 
     view.busyPointer = true;
@@ -88,14 +89,24 @@ void Dictation::SaveFile() {
     trace("Starting File Save : " + state.Filename);
     AudioEditor1.setComment("OVDESK");
     addPriorityMarker(state);
+    // Only the log would know: the author is told once, while the take is still safe.
+    const auto tellSaveFailed = [&](const std::string& error) {
+        if (failedBefore) return;
+        prompts_.showMessage("The file " + state.Filename + " could not be saved: " + error +
+                                 ". The recording is kept in the Temp folder and is recovered at the "
+                                 "next start.",
+                             settings::kProductTitle, platform::Severity::Warning);
+    };
     if (auto saved = AudioEditor1.SaveAs(state.Filename); !saved) {
         saveFailed(state.Filename + " File Save ERROR: " + saved.error(), " -71");
+        tellSaveFailed(saved.error());
         return;
     }
     waitUntilFileIsFree();
     if (const std::string error = AudioEditor1.lastSaveError(); !error.empty()) {
         // The work file still holds the take: the next save tries again.
         saveFailed(state.Filename + " File Save ERROR: " + error, " -71");
+        tellSaveFailed(error);
         return;
     }
     trace("Ending File Save : " + state.Filename);
@@ -260,6 +271,7 @@ void Dictation::CaseClose() {
     view.mnuScanConvertEnabled = true;
     ResetRecorderState();
     state.SaveNCTTempFileName = AudioEditor1.TempFileName();
+    keepUnsavedTake();
     AudioEditor1.Close();
     AudioEditor21.Close();
     view.audioFrameVisible = true;
@@ -275,7 +287,9 @@ void Dictation::CaseClose() {
     state.NextString.clear();
     view.Label43.clear();
     for (std::string& workFile : state.LastThreeNCTTmps) {
-        if (!workFile.empty() && platform::fileExists(workFile)) std::remove(workFile.c_str());
+        if (!workFile.empty() && workFile != keptWorkFile_ && platform::fileExists(workFile)) {
+            std::remove(workFile.c_str());
+        }
         workFile.clear();
     }
     normalise(state);
@@ -287,6 +301,18 @@ void Dictation::CaseClose() {
     state.RecordedOnce = false;
     view.cmdEOL = false;
     changed();
+}
+
+void Dictation::keepUnsavedTake() {
+    keptWorkFile_.clear();
+    if (!state.FileSaveError) return;
+    TempFileNameFileLength();
+    state.FileSaveError = true;
+    if (!state.NewTempFileLength || *state.NewTempFileLength < kMinimumRecordedBytes) return;
+    // A take that could not be saved stays where the recovery finds it at the next start.
+    keptWorkFile_ = state.NewTempFile;
+    trace("The take of " + state.Filename + " was not saved; it stays in " + keptWorkFile_);
+    AudioEditor1.CloseKeepingWorkFile();
 }
 
 void Dictation::Image10_Click() {

@@ -104,6 +104,9 @@ public:
     [[nodiscard]] virtual bool saving() const = 0;
     [[nodiscard]] virtual std::string lastSaveError() const = 0;
     virtual void Close() = 0;  // harmless with nothing loaded
+    // Closes the document and leaves its work file in the folder, for the recovery
+    // of a take that could not be saved.
+    virtual void CloseKeepingWorkFile() = 0;
 
     virtual EngineResult Play(int mode = 0) = 0;  // from the cursor
     virtual EngineResult Record() = 0;  // at the cursor, or over the selection

@@ -67,6 +67,7 @@ public:
     EngineResult New(int samplesPerSecond, int channels) override;
     EngineResult SaveAs(const std::string& path) override;
     void Close() override;
+    void CloseKeepingWorkFile() override { dropDocument(false); }
 
     EngineResult Play(int mode = 0) override;
     EngineResult Record() override;

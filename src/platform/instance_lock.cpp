@@ -4,6 +4,7 @@
 #include <sys/file.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <utility>
 
 #include "platform/files.h"
@@ -22,7 +23,19 @@ std::optional<InstanceLock> InstanceLock::take(const std::string& dataFolder) {
         ::close(fd);
         return std::nullopt;
     }
+    // The holder's number, so that a second start can tell the user which process to end.
+    const std::string number = std::to_string(::getpid()) + "\n";
+    if (::ftruncate(fd, 0) == 0) (void)writeAll(fd, number.data(), number.size());
     return InstanceLock(fd);
+}
+
+std::optional<long> InstanceLock::holder(const std::string& dataFolder) {
+    const auto text = readWholeFile(joinPath(dataFolder, kLockFileName));
+    if (!text || text->empty()) return std::nullopt;
+    char* end = nullptr;
+    const long number = std::strtol(text->c_str(), &end, 10);
+    if (number <= 0 || end == text->c_str()) return std::nullopt;
+    return number;
 }
 
 InstanceLock::InstanceLock(InstanceLock&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}

@@ -13,6 +13,9 @@ public:
     // The lock, or nothing when another process holds it. A folder where the
     // lock file can't be made counts as free: the station runs rather than refuse.
     static std::optional<InstanceLock> take(const std::string& dataFolder);
+    // The process number of the station holding the folder's lock, as it wrote it
+    // there; nothing when it can't be told.
+    static std::optional<long> holder(const std::string& dataFolder);
 
     InstanceLock(InstanceLock&& other) noexcept;
     InstanceLock& operator=(InstanceLock&& other) noexcept;

@@ -1,22 +1,86 @@
 #include "settings/config_file.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+
 #include "platform/files.h"
-#include "settings/record_grammar.h"
 
 namespace ovd::settings {
 
 namespace {
 constexpr const char* kRecordingsFolder = "Recordings";
 constexpr const char* kRegularFace = "Regular";
+
+// The text beside the file, synced, then renamed over it: a full disk or a
+// crash leaves the old record whole. The reason when it fails.
+std::optional<std::string> writeBesideAndRename(const std::string& path, const std::string& text) {
+    const std::string fresh = path + ".new";
+    const int fd = ::open(fresh.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    if (fd < 0) return std::string(std::strerror(errno));
+    std::optional<std::string> failure;
+    if (!platform::writeAll(fd, text.data(), text.size()) || ::fsync(fd) != 0) {
+        failure = std::strerror(errno);
+    }
+    if (::close(fd) != 0 && !failure) failure = std::strerror(errno);
+    if (!failure && std::rename(fresh.c_str(), path.c_str()) != 0) failure = std::strerror(errno);
+    if (failure) std::remove(fresh.c_str());
+    return failure;
+}
+
+std::string localStamp() {
+    const std::time_t now = std::time(nullptr);
+    std::tm parts{};
+    localtime_r(&now, &parts);
+    char buffer[32];
+    const std::size_t length = std::strftime(buffer, sizeof buffer, "%Y%m%d-%H%M%S", &parts);
+    return std::string(buffer, length);
+}
 }  // namespace
+
+std::string damagedSettingsText(const std::string& path, const RecordDamage& damage, const std::string& copy) {
+    std::string text = "The settings file " + path + " was damaged";
+    text += copy.empty() ? ", and no copy of it could be kept." : "; a copy of it is kept as " + copy + ".";
+    const std::size_t expected = settingsFields().size();
+    if (damage.fieldsFound < expected) {
+        text += " It held " + std::to_string(damage.fieldsFound) + " of its " + std::to_string(expected) +
+                " settings: the settings after the " + std::to_string(damage.fieldsFound) +
+                " that were there keep their first values.";
+    } else if (damage.fieldsFound > expected) {
+        text += " It held " + std::to_string(damage.fieldsFound) + " values where there are " +
+                std::to_string(expected) + " settings.";
+    }
+    if (!damage.unreadFields.empty()) {
+        text += " These settings could not be read and were reset:";
+        for (std::size_t i = 0; i < damage.unreadFields.size(); ++i) {
+            text += (i == 0 ? " " : ", ") + damage.unreadFields[i];
+        }
+        text += ".";
+    }
+    text += " Please check the settings before dictating.";
+    return text;
+}
 
 ConfigFile::ConfigFile(std::string dataFolder)
     : dataFolder_(std::move(dataFolder)), path_(platform::joinPath(dataFolder_, kConfigFileName)) {}
 
 void ConfigFile::ReadConfig() {
-    if (const auto content = platform::readWholeFile(path_)) {
-        applyRecord(record, tokenizeRecord(*content));
+    if (unwritten_) {
+        // The file is older than the settings in force: going back to it would hand
+        // out a file number again.
+        record = *unwritten_;
+    } else if (const auto content = platform::readWholeFile(path_)) {
+        RecordDamage found = applyRecord(record, tokenizeRecord(*content));
+        if (found.any() && !damage_) {
+            damage_ = std::move(found);
+            keepDamagedCopy();
+        }
     }
+    resolveFolderSettings();
     if (record.ScreenSize.empty()) {
         record.ScreenSize = kRegularFace;
         WriteConfig();
@@ -27,11 +91,38 @@ void ConfigFile::ReadConfig() {
     }
 }
 
-void ConfigFile::WriteConfig() {
+bool ConfigFile::WriteConfig() {
     if (record.Port == 0) record.Port = 1;
     ++writeCount_;
-    // A failed write is let be: the settings stay in force in memory.
-    (void)platform::replaceFile(path_, formatRecord(record));
+    const auto failure = writeBesideAndRename(path_, formatRecord(record));
+    if (!failure) {
+        unwritten_.reset();
+        return true;
+    }
+    // The settings stay in force in memory; the user hears of it once, not at every change.
+    const bool first = !unwritten_;
+    unwritten_ = record;
+    if (first && onWriteFailed) onWriteFailed(*failure);
+    return false;
+}
+
+void ConfigFile::keepDamagedCopy() {
+    const std::string copy = path_ + ".damaged-" + localStamp();
+    std::string reason;
+    if (platform::copyFileOver(path_, copy, &reason)) damagedCopy_ = copy;
+}
+
+void ConfigFile::resolveFolderSettings() {
+    const auto resolved = [this](const std::string& folder) {
+        return folder.empty() || folder.front() == '/' ? folder : platform::joinPath(dataFolder_, folder);
+    };
+    if (record.CaptureFilePath.isText()) {
+        const std::string folder = record.CaptureFilePath.toText();
+        if (resolved(folder) != folder) record.CaptureFilePath = resolved(folder);
+    }
+    for (std::string* folder : {&record.SendToOne, &record.SendToTwo, &record.SendToThree}) {
+        *folder = resolved(*folder);
+    }
 }
 
 void ConfigFile::ResetRecorderState(const std::function<void()>& clearWorkingState) {
@@ -64,6 +155,11 @@ bool ConfigFile::startUp(platform::Prompts& prompts) {
         return false;
     }
     ReadConfig();
+    if (damage_ && !damageTold_) {
+        damageTold_ = true;
+        prompts.showMessage(damagedSettingsText(path_, *damage_, damagedCopy_), kProductTitle,
+                            platform::Severity::Warning);
+    }
     if (!record.FirstRunDone) {
         record.FirstRunDone = true;
         WriteConfig();

@@ -1,5 +1,6 @@
 #include "settings/record_grammar.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
@@ -96,20 +97,42 @@ std::string writeVariant(const ConfigVariant& value) {
     return formatNumber(value.toNumber().value_or(0.0));
 }
 
+// Text a settings field can hold: no control characters (a line break in a
+// value is what damages the record), and no longer than its use can take.
+bool fitsField(const std::string& text, std::size_t longest) {
+    if (text.size() > longest) return false;
+    return std::none_of(text.begin(), text.end(),
+                        [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; });
+}
+
+// Each operator is true when the token was taken onto the field.
 struct ApplyToken {
     SettingsRecord& record;
     const RecordToken& token;
-    void operator()(std::string SettingsRecord::*member) const {
-        if (auto text = readText(token)) record.*member = std::move(*text);
+    std::size_t longest;
+    bool folderSetting;  // a yes/no or a number there is no folder
+    bool operator()(std::string SettingsRecord::*member) const {
+        auto text = readText(token);
+        if (!text || !fitsField(*text, longest)) return false;
+        record.*member = std::move(*text);
+        return true;
     }
-    void operator()(std::int16_t SettingsRecord::*member) const {
-        if (const auto number = readInteger(token)) record.*member = *number;
+    bool operator()(std::int16_t SettingsRecord::*member) const {
+        const auto number = readInteger(token);
+        if (number) record.*member = *number;
+        return number.has_value();
     }
-    void operator()(bool SettingsRecord::*member) const {
-        if (const auto flag = readBoolean(token)) record.*member = *flag;
+    bool operator()(bool SettingsRecord::*member) const {
+        const auto flag = readBoolean(token);
+        if (flag) record.*member = *flag;
+        return flag.has_value();
     }
-    void operator()(ConfigVariant SettingsRecord::*member) const {
-        record.*member = readVariant(token);
+    bool operator()(ConfigVariant SettingsRecord::*member) const {
+        ConfigVariant value = readVariant(token);
+        if (value.isText() && !fitsField(value.toText(), longest)) return false;
+        if (folderSetting && !value.isText() && !value.isEmpty()) return false;
+        record.*member = std::move(value);
+        return true;
     }
 };
 
@@ -158,12 +181,33 @@ std::vector<RecordToken> tokenizeRecord(std::string_view content) {
     return tokens;
 }
 
-void applyRecord(SettingsRecord& record, const std::vector<RecordToken>& tokens) {
+bool RecordDamage::any() const {
+    return !unreadFields.empty() || fieldsFound != settingsFields().size();
+}
+
+std::size_t longestValueOf(const std::string& fieldName) {
+    // PATH_MAX less its terminating zero, and NAME_MAX.
+    constexpr std::size_t kLongestPath = 4095;
+    constexpr std::size_t kLongestName = 255;
+    for (const char* path : {"LastFolderOpened", "LastPathFileOpened", "CaptureFilePath", "SendToOne",
+                             "SendToTwo", "SendToThree"}) {
+        if (fieldName == path) return kLongestPath;
+    }
+    return kLongestName;
+}
+
+RecordDamage applyRecord(SettingsRecord& record, const std::vector<RecordToken>& tokens) {
     const auto& fields = settingsFields();
+    RecordDamage damage;
+    damage.fieldsFound = tokens.size();
     const std::size_t count = std::min(fields.size(), tokens.size());
     for (std::size_t i = 0; i < count; ++i) {
-        std::visit(ApplyToken{record, tokens[i]}, fields[i].member);
+        const std::string name = fields[i].name;
+        const bool taken = std::visit(
+            ApplyToken{record, tokens[i], longestValueOf(name), name == "CaptureFilePath"}, fields[i].member);
+        if (!taken) damage.unreadFields.emplace_back(fields[i].name);
     }
+    return damage;
 }
 
 std::string formatRecord(const SettingsRecord& record) {

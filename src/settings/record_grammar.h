@@ -23,9 +23,22 @@ struct RecordToken {
 // Splits the file's content into fields.
 std::vector<RecordToken> tokenizeRecord(std::string_view content);
 
+// What a load found wrong with the record: the fields that could not be taken
+// (their former values stay), and whether the record had the wrong number of fields.
+struct RecordDamage {
+    std::vector<std::string> unreadFields;
+    std::size_t fieldsFound = 0;
+    [[nodiscard]] bool any() const;
+};
+
+// The longest value a field's use can take: a folder or path setting a path, any
+// other a name. A longer value is damage, never a setting.
+[[nodiscard]] std::size_t longestValueOf(const std::string& fieldName);
+
 // Takes the fields onto the record in order; fields past the end of the tokens,
-// and fields whose text does not fit their kind, keep their former values.
-void applyRecord(SettingsRecord& record, const std::vector<RecordToken>& tokens);
+// and fields whose text does not fit their kind, keep their former values. Text
+// with control characters, or longer than its field can take, does not fit.
+RecordDamage applyRecord(SettingsRecord& record, const std::vector<RecordToken>& tokens);
 
 // The whole record as one line, CR LF included.
 std::string formatRecord(const SettingsRecord& record);

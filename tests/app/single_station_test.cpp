@@ -34,6 +34,13 @@ TEST(SingleStationTest, StartsInOrderAndASecondBareStartSaysOneIsRunning) {
                                  "Voice Desk program that is already running."),
               std::string::npos)
         << second.errors;
+    // The user is told how this system ends the running station, by its own number.
+    EXPECT_NE(second.errors.find("kill " + std::to_string(station.pid())), std::string::npos)
+        << second.errors;
+    EXPECT_NE(second.errors.find("File > Exit"), std::string::npos) << second.errors;
+    for (const char* windowsOnly : {"Windows screen", "CTRL+ALT+DEL", "END TASK"}) {
+        EXPECT_EQ(second.errors.find(windowsOnly), std::string::npos) << second.errors;
+    }
     EXPECT_FALSE(platform::fileExists(station.folder.file("ovtitemp.ini")));
 
     const testing::ProcessEnd end = station.terminate();
