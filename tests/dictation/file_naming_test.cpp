@@ -5,6 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/mount.h>
+
+#include <cerrno>
+#include <cstring>
+
 #include "platform/files.h"
 #include "support/scripted_prompts.h"
 #include "support/temp_folder.h"
@@ -263,6 +268,54 @@ TEST(PriorityMarkerTest, EverySaveWithTheFlagOnAddsTheMarkerAgain) {
     addPriorityMarker(state);
     EXPECT_EQ(state.Filename, "/rec/v1.2/AB0007-PRIORITY-PRIORITY.MP3");
     EXPECT_EQ(withPriorityMarker("/rec/v1.2/Take"), "/rec/v1.2/Take-PRIORITY.");
+}
+
+TEST(FileNamingOnUnwritableSettingsTest, TheNumberMovesOnInMemorySoNoLetterIsNamedTwice) {
+    testing::TempFolder folder;
+    const std::string data = folder.file("data");
+    const std::string rec = folder.file("Rec");
+    platform::createFolder(data);
+    platform::createFolder(rec);
+    if (::mount("tmpfs", data.c_str(), "tmpfs", 0, "size=1m") != 0) {
+        GTEST_SKIP() << "a small tmpfs can't be mounted here (" << std::strerror(errno) << ")";
+    }
+    testing::VirtualEventLoop loop{testing::localTime(2006, 11, 2, 14, 3, 9)};
+    settings::ConfigFile config{data};
+    auto& r = config.record;
+    r.CaptureFilePath = rec;
+    r.ScreenSize = "Regular";
+    r.FileLabelActive = true;
+    r.FileLabelText = "AB";
+    r.SequentialNumbering = true;
+    r.FileNameIncrement = 6;
+    r.FileNameIncrementStartingNum = 6;
+    r.Places = 4;
+    r.FormatType = "MP3";
+    ASSERT_TRUE(config.WriteConfig());
+    // The data folder turns read-only (or full) under the running station.
+    ASSERT_EQ(::mount(nullptr, data.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, "size=1m"), 0)
+        << std::strerror(errno);
+    settings::EventLog log{loop, folder.path(), config.record};
+    testing::ScriptedPrompts prompts;
+    settings::SpeakersTable speakers{folder.path()};
+    DictationState state;
+    MainView view;
+    RecordingHooks hooks;
+    FileNaming naming{state, view, config, log, prompts, loop, speakers, hooks};
+
+    std::vector<std::string> names;
+    for (int letter = 0; letter < 3; ++letter) {
+        naming.Newfile();
+        names.push_back(platform::withoutFolder(state.Filename));
+        // The letter is dictated and saved, then closed: the close reloads the settings.
+        platform::writeWholeFile(state.Filename, "a letter");
+        config.ResetRecorderState();
+    }
+
+    EXPECT_EQ(names, (std::vector<std::string>{"AB0007.MP3", "AB0008.MP3", "AB0009.MP3"}));
+    EXPECT_TRUE(prompts.texts().empty()) << "no letter is offered for overwriting";
+    EXPECT_TRUE(config.writeFailing());
+    ::umount2(data.c_str(), MNT_DETACH);
 }
 
 }  // namespace
