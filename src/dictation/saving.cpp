@@ -266,12 +266,12 @@ void Dictation::CaseClose() {
     } else {
         state.FileChanged = false;
     }
+    keepUnsavedTake();
     state.PRERECORDED = false;
     state.clearSwitchPositions();
     view.mnuScanConvertEnabled = true;
     ResetRecorderState();
     state.SaveNCTTempFileName = AudioEditor1.TempFileName();
-    keepUnsavedTake();
     AudioEditor1.Close();
     AudioEditor21.Close();
     view.audioFrameVisible = true;
