@@ -7,6 +7,12 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/mount.h>
+#include <sys/statvfs.h>
+
+#include <cerrno>
+#include <cstring>
+
 #include <chrono>
 #include <filesystem>
 #include <random>
@@ -170,6 +176,67 @@ TEST_F(LifecycleStationTest, ARecordingsFolderThatIsAFileIsToldAtStartAndTakesSt
     EXPECT_EQ(platform::folderOf(letter), station.folder.file("Recordings"));
     EXPECT_GT(platform::fileSize(letter).value_or(0), 30311u);
     expectQuietAndEndInOrder();
+}
+
+TEST(UnwritableDataFolderStationTest, TheAuthorIsToldOnceAndTheNextLetterNeverTakesTheLastOnesName) {
+    testing::StationProcess station;
+    testing::TempFolder outside;
+    const std::string recordings = outside.file("Rec");
+    station.changeSettings([&](settings::SettingsRecord& r) {
+        r.CaptureFilePath = recordings;
+        r.FileLabelActive = true;
+        r.FileLabelText = "AB";
+        r.SequentialNumbering = true;
+        r.FileNameIncrement = 6;
+        r.FileNameIncrementStartingNum = 6;
+        r.Places = 4;
+        r.FileSaveAtStop = true;
+    });
+    // The data folder on a disk of its own, which fills up under the station.
+    const std::string data = station.folder.path();
+    std::vector<std::pair<std::string, std::string>> files;
+    for (const std::string& name : platform::filesInFolder(data)) {
+        files.emplace_back(name, platform::readWholeFile(data + "/" + name).value_or(""));
+    }
+    if (::mount("tmpfs", data.c_str(), "tmpfs", 0, "size=4m") != 0) {
+        GTEST_SKIP() << "a small tmpfs can't be mounted here (" << std::strerror(errno) << ")";
+    }
+    for (const auto& [name, content] : files) platform::writeWholeFile(data + "/" + name, content);
+    const std::string errors = outside.file("station.err");
+    station.startWithErrorsTo(errors);
+    ASSERT_TRUE(station.logShows("Procedure - CASE NEW")) << station.eventLog();
+    {
+        struct statvfs disk {};
+        ASSERT_EQ(::statvfs(data.c_str(), &disk), 0);
+        const std::uint64_t free = static_cast<std::uint64_t>(disk.f_bavail) * disk.f_frsize;
+        platform::writeWholeFile(data + "/filler", std::string(free, 'f'));
+    }
+
+    // Two letters, each ended by the end of letter pedal; the log can't be written now.
+    const auto dictate = [&](std::chrono::milliseconds held) {
+        station.press(testing::kMiddlePedal, held);
+        std::this_thread::sleep_for(1500ms);
+        station.press(testing::kRightPedal, 300ms);
+        std::this_thread::sleep_for(2500ms);
+    };
+    dictate(4s);
+    dictate(2s);
+
+    EXPECT_GT(engine::fileLengthMilliseconds(recordings + "/AB0007.WAV"), 3500);
+    EXPECT_GT(engine::fileLengthMilliseconds(recordings + "/AB0008.WAV"), 1500);
+    const std::string shown = platform::readWholeFile(errors).value_or("");
+    std::size_t told = 0;
+    for (auto at = shown.find("could not be saved to"); at != std::string::npos;
+         at = shown.find("could not be saved to", at + 1)) {
+        ++told;
+    }
+    EXPECT_EQ(told, 1u) << shown;
+    EXPECT_EQ(shown.find("Overwrite existing file?"), std::string::npos) << shown;
+    EXPECT_LE(station.cpuPercentOver(2s), 5.0);
+    const testing::StationProcess::TimedEnd end = station.terminateTimed();
+    EXPECT_TRUE(end.end.exited && end.end.status == 0) << end.end.status;
+    EXPECT_LT(end.took, 5s);
+    ::umount2(data.c_str(), MNT_DETACH);
 }
 
 // Damage as it meets a station in the field: a record cut short, bytes that are

@@ -67,6 +67,12 @@ public:
     }
 
     void start(const std::vector<std::string>& extra = {}) { child_ = spawn(extra, -1); }
+    // The same, with what it writes to standard error (every text it shows) in a file.
+    void startWithErrorsTo(const std::string& path, const std::vector<std::string>& extra = {}) {
+        const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        child_ = spawn(extra, fd);
+        ::close(fd);
+    }
 
     // Another station process on the same data folder, run to its end.
     ProcessEnd runSecond(const std::vector<std::string>& extra) {
