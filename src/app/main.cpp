@@ -128,8 +128,8 @@ int main(int argc, char** argv) {
         }
         // The running station owns the day's event log: this one writes nothing there.
         const auto prompts = makePrompts(options.headless, [](const std::string&) {});
-        prompts->showMessage(alreadyRunningText(ovd::platform::InstanceLock::holder(dataFolder)), ovd::settings::kProductTitle,
-                             ovd::platform::Severity::Warning);
+        prompts->showMessage(alreadyRunningText(ovd::platform::InstanceLock::holder(dataFolder)),
+                             ovd::settings::kProductTitle, ovd::platform::Severity::Warning);
         return 1;
     }
 

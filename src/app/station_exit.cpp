@@ -84,7 +84,8 @@ void Station::closeWorkFiles() {
     // recovered as a second copy of the letter.
     AudioEditor1.Close();
     AudioEditor21.Close();
-    conversion::pruneLetterNotes(platform::joinPath(parts_.config.record.CaptureFilePath.toText(), "Temp"));
+    conversion::pruneLetterNotes(
+        platform::joinPath(parts_.config.record.CaptureFilePath.toText(), "Temp"));
 }
 
 }  // namespace ovd::app

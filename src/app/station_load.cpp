@@ -4,8 +4,8 @@
 #include <unistd.h>
 
 #include "app/station.h"
-#include "dictation/hand_off.h"
 #include "conversion/letter_notes.h"
+#include "dictation/hand_off.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
@@ -43,10 +43,11 @@ std::string Station::recordingsFolderInUse() {
     if (usableFolder(chosen) && usableFolder(platform::joinPath(chosen, "Temp"))) return chosen;
     // Takes must have somewhere to go: the recordings folder of the data folder.
     const std::string fallback = platform::joinPath(parts_.dataFolder, "Recordings");
-    const std::string text = "The recordings folder " + chosen +
-                             " can't be used: it is not a folder the station can write in. The "
-                             "recordings go to " + fallback +
-                             " instead; choose another folder in the file-save settings if you wish.";
+    const std::string text =
+        "The recordings folder " + chosen +
+        " can't be used: it is not a folder the station can write in. The "
+        "recordings go to " +
+        fallback + " instead; choose another folder in the file-save settings if you wish.";
     parts_.log.trace("Loading: recordings folder " + chosen + " can't be used; using " + fallback);
     parts_.prompts.showMessage(text, settings::kProductTitle, platform::Severity::Warning);
     record.CaptureFilePath = fallback;
@@ -106,8 +107,9 @@ LoadResult Station::Form_Load() {
     switch (parts_.config.recoveryAtStart(workFiles)) {
         case settings::RecoveryAtStart::Nothing: break;
         case settings::RecoveryAtStart::LetBeThisOnce:
-            log.trace("Loading: work files of an earlier run left for the next start, which "
-                      "recovers them (Tools > Scan/Convert does it now)");
+            log.trace(
+                "Loading: work files of an earlier run left for the next start, which "
+                "recovers them (Tools > Scan/Convert does it now)");
             break;
         case settings::RecoveryAtStart::OpenRecovery:
             log.trace("Loading: recovering the work files of a run that did not end in order");

@@ -63,15 +63,18 @@ void ScanConvert::clearInterruptedSaves() {
         if (!letter || !platform::FileAvailable(workFile)) continue;
         // What a save cut short left is never a letter: the take it was made from is here.
         const std::string partial = *letter + kPartialSuffix;
-        if (platform::fileExists(partial) && removed(partial)) LogEvent("Deleted " + partial + ": an interrupted save");
-        if (platform::fileExists(*letter) && platform::fileSize(*letter).value_or(1) == 0 && removed(*letter)) {
+        if (platform::fileExists(partial) && removed(partial))
+            LogEvent("Deleted " + partial + ": an interrupted save");
+        if (platform::fileExists(*letter) && platform::fileSize(*letter).value_or(1) == 0 &&
+            removed(*letter)) {
             LogEvent("Deleted " + *letter + ": an interrupted save left it empty");
         }
     }
     pruneLetterNotes(temp);
 }
 
-std::string ScanConvert::recoveredStem(const std::string& workFile, const std::string& fallback) const {
+std::string ScanConvert::recoveredStem(const std::string& workFile,
+                                       const std::string& fallback) const {
     const auto letter = letterOfWorkFile(workFile);
     if (!letter) return fallback;
     const std::string stem = platform::baseNameOf(*letter);
@@ -197,7 +200,8 @@ bool ScanConvert::recoverFirstFile(const std::string& path) {
         RenameTemporary(path);
         return true;
     }
-    const std::string back = platform::joinPath(folderFor(FileBox::Back), platform::withoutFolder(*made));
+    const std::string back =
+        platform::joinPath(folderFor(FileBox::Back), platform::withoutFolder(*made));
     // A copy cut short by a full disk is no copy.
     if (!platform::copyFileOver(*made, back)) std::filesystem::remove(back, error);
     std::filesystem::remove(path, error);
@@ -213,10 +217,11 @@ bool ScanConvert::shortOfRoomFor(const std::string& path) {
     if (!free || *free >= needed) return false;
     // The take is worth more than the round: it waits, untouched, for a disk with room.
     spaceShort_ = true;
-    const std::string text = "There is not enough disk space to recover " + platform::withoutFolder(path) +
-                             " in " + recordings() +
-                             ". The recording stays in the Temp folder and is recovered at the next "
-                             "start; please free some space on that disk.";
+    const std::string text =
+        "There is not enough disk space to recover " + platform::withoutFolder(path) + " in " +
+        recordings() +
+        ". The recording stays in the Temp folder and is recovered at the next "
+        "start; please free some space on that disk.";
     LogEvent("Error: not enough disk space to recover " + platform::withoutFolder(path));
     parts_.prompts.showMessage(text, settings::kProductTitle, platform::Severity::Warning);
     return true;

@@ -140,7 +140,8 @@ private:
     // One round of RecoverFolder on its first file; false when the round ends the procedure.
     bool recoverFirstFile(const std::string& folder);
     // The name a recovered take starts with: its letter's, or the fallback.
-    [[nodiscard]] std::string recoveredStem(const std::string& workFile, const std::string& fallback) const;
+    [[nodiscard]] std::string recoveredStem(const std::string& workFile,
+                                            const std::string& fallback) const;
     // After a failed conversion: true, after telling the user, when the disk has no
     // room for the take; the work file then stays as it is.
     bool shortOfRoomFor(const std::string& path);

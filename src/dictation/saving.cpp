@@ -92,10 +92,11 @@ void Dictation::SaveFile() {
     // Only the log would know: the author is told once, while the take is still safe.
     const auto tellSaveFailed = [&](const std::string& error) {
         if (failedBefore) return;
-        prompts_.showMessage("The file " + state.Filename + " could not be saved: " + error +
-                                 ". The recording is kept in the Temp folder and is recovered at the "
-                                 "next start.",
-                             settings::kProductTitle, platform::Severity::Warning);
+        prompts_.showMessage(
+            "The file " + state.Filename + " could not be saved: " + error +
+                ". The recording is kept in the Temp folder and is recovered at the "
+                "next start.",
+            settings::kProductTitle, platform::Severity::Warning);
     };
     if (auto saved = AudioEditor1.SaveAs(state.Filename); !saved) {
         saveFailed(state.Filename + " File Save ERROR: " + saved.error(), " -71");

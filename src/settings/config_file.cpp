@@ -42,14 +42,16 @@ std::string localStamp() {
 }
 }  // namespace
 
-std::string damagedSettingsText(const std::string& path, const RecordDamage& damage, const std::string& copy) {
+std::string damagedSettingsText(const std::string& path, const RecordDamage& damage,
+                                const std::string& copy) {
     std::string text = "The settings file " + path + " was damaged";
-    text += copy.empty() ? ", and no copy of it could be kept." : "; a copy of it is kept as " + copy + ".";
+    text += copy.empty() ? ", and no copy of it could be kept."
+                         : "; a copy of it is kept as " + copy + ".";
     const std::size_t expected = settingsFields().size();
     if (damage.fieldsFound < expected) {
-        text += " It held " + std::to_string(damage.fieldsFound) + " of its " + std::to_string(expected) +
-                " settings: the settings after the " + std::to_string(damage.fieldsFound) +
-                " that were there keep their first values.";
+        text += " It held " + std::to_string(damage.fieldsFound) + " of its " +
+                std::to_string(expected) + " settings: the settings after the " +
+                std::to_string(damage.fieldsFound) + " that were there keep their first values.";
     } else if (damage.fieldsFound > expected) {
         text += " It held " + std::to_string(damage.fieldsFound) + " values where there are " +
                 std::to_string(expected) + " settings.";
@@ -114,7 +116,8 @@ void ConfigFile::keepDamagedCopy() {
 
 void ConfigFile::resolveFolderSettings() {
     const auto resolved = [this](const std::string& folder) {
-        return folder.empty() || folder.front() == '/' ? folder : platform::joinPath(dataFolder_, folder);
+        return folder.empty() || folder.front() == '/' ? folder
+                                                       : platform::joinPath(dataFolder_, folder);
     };
     if (record.CaptureFilePath.isText()) {
         const std::string folder = record.CaptureFilePath.toText();

@@ -189,8 +189,8 @@ std::size_t longestValueOf(const std::string& fieldName) {
     // PATH_MAX less its terminating zero, and NAME_MAX.
     constexpr std::size_t kLongestPath = 4095;
     constexpr std::size_t kLongestName = 255;
-    for (const char* path : {"LastFolderOpened", "LastPathFileOpened", "CaptureFilePath", "SendToOne",
-                             "SendToTwo", "SendToThree"}) {
+    for (const char* path : {"LastFolderOpened", "LastPathFileOpened", "CaptureFilePath",
+                             "SendToOne", "SendToTwo", "SendToThree"}) {
         if (fieldName == path) return kLongestPath;
     }
     return kLongestName;
@@ -204,7 +204,8 @@ RecordDamage applyRecord(SettingsRecord& record, const std::vector<RecordToken>&
     for (std::size_t i = 0; i < count; ++i) {
         const std::string name = fields[i].name;
         const bool taken = std::visit(
-            ApplyToken{record, tokens[i], longestValueOf(name), name == "CaptureFilePath"}, fields[i].member);
+            ApplyToken{record, tokens[i], longestValueOf(name), name == "CaptureFilePath"},
+            fields[i].member);
         if (!taken) damage.unreadFields.emplace_back(fields[i].name);
     }
     return damage;

@@ -6,14 +6,12 @@
 // current directory. Each run stays quiet and ends in order on SIGTERM.
 
 #include <gtest/gtest.h>
-
 #include <sys/mount.h>
 #include <sys/statvfs.h>
 
 #include <cerrno>
-#include <cstring>
-
 #include <chrono>
+#include <cstring>
 #include <filesystem>
 #include <random>
 #include <regex>
@@ -29,7 +27,7 @@ namespace {
 using namespace std::chrono_literals;
 
 class LifecycleStationTest : public ::testing::Test {
-protected:
+  protected:
     LifecycleStationTest() {
         station.changeSettings([&](settings::SettingsRecord& r) {
             r.CaptureFilePath = recordings;
@@ -92,10 +90,12 @@ TEST_F(LifecycleStationTest, AnOrderlyEndLeavesNoWorkFileToBeRecoveredAsASecondC
     ASSERT_TRUE(station.logShows("Loading: done", from)) << station.eventLog().substr(from);
     EXPECT_EQ(station.eventLog().find("work files of an earlier run", from), std::string::npos);
     station.terminate();
-    EXPECT_EQ(platform::filesInFolder(recordings), std::vector<std::string>{platform::withoutFolder(letter)});
+    EXPECT_EQ(platform::filesInFolder(recordings),
+              std::vector<std::string>{platform::withoutFolder(letter)});
 }
 
-TEST_F(LifecycleStationTest, ACrashsTakeIsRecoveredByTheStartAfterTheOneThatNotesItUnderItsLettersName) {
+TEST_F(LifecycleStationTest,
+       ACrashsTakeIsRecoveredByTheStartAfterTheOneThatNotesItUnderItsLettersName) {
     station.start();
     ASSERT_TRUE(station.logShows("Procedure - CASE NEW")) << station.eventLog();
     station.pty.send(testing::kMiddlePedal);  // held: the take goes on until the crash
@@ -108,7 +108,8 @@ TEST_F(LifecycleStationTest, ACrashsTakeIsRecoveredByTheStartAfterTheOneThatNote
     // The first start only notes that the take waits, and this time ends in order.
     std::size_t from = station.eventLog().size();
     station.start();
-    ASSERT_TRUE(station.logShows("Loading: work files of an earlier run left for the next start", from))
+    ASSERT_TRUE(
+        station.logShows("Loading: work files of an earlier run left for the next start", from))
         << station.eventLog().substr(from);
     ASSERT_TRUE(station.logShows("Loading: done", from));
     expectQuietAndEndInOrder();
@@ -117,9 +118,11 @@ TEST_F(LifecycleStationTest, ACrashsTakeIsRecoveredByTheStartAfterTheOneThatNote
 
     from = station.eventLog().size();
     station.start();
-    ASSERT_TRUE(station.logShows("Loading: recovery done", from)) << station.eventLog().substr(from);
-    const std::regex recovered(std::regex_replace(platform::baseNameOf(letter), std::regex(R"([.])"), R"(\.)") +
-                               R"(-[0-9]+\.WAV)");
+    ASSERT_TRUE(station.logShows("Loading: recovery done", from))
+        << station.eventLog().substr(from);
+    const std::regex recovered(
+        std::regex_replace(platform::baseNameOf(letter), std::regex(R"([.])"), R"(\.)") +
+        R"(-[0-9]+\.WAV)");
     std::vector<std::string> made;
     for (const std::string& name : platform::filesInFolder(recordings)) {
         if (std::regex_match(name, recovered)) made.push_back(name);
@@ -158,7 +161,8 @@ TEST_F(LifecycleStationTest, AKillJustAfterTheEndOfLetterLeavesNothingHalfWritte
         const std::string path = recordings + "/" + name;
         EXPECT_EQ(name.find(".partial"), std::string::npos) << name;
         EXPECT_GT(platform::fileSize(path).value_or(0), 0u) << name;
-        const bool theLetter = path == letter || name.rfind(platform::baseNameOf(letter) + "-", 0) == 0;
+        const bool theLetter =
+            path == letter || name.rfind(platform::baseNameOf(letter) + "-", 0) == 0;
         if (theLetter && engine::fileLengthMilliseconds(path) >= 3500) whole = true;
     }
     EXPECT_TRUE(whole) << "the letter, saved or recovered, holds the take\n" << station.eventLog();
@@ -178,7 +182,8 @@ TEST_F(LifecycleStationTest, ARecordingsFolderThatIsAFileIsToldAtStartAndTakesSt
     expectQuietAndEndInOrder();
 }
 
-TEST(UnwritableDataFolderStationTest, TheAuthorIsToldOnceAndTheNextLetterNeverTakesTheLastOnesName) {
+TEST(UnwritableDataFolderStationTest,
+     TheAuthorIsToldOnceAndTheNextLetterNeverTakesTheLastOnesName) {
     testing::StationProcess station;
     testing::TempFolder outside;
     const std::string recordings = outside.file("Rec");
@@ -244,7 +249,8 @@ TEST(UnwritableDataFolderStationTest, TheAuthorIsToldOnceAndTheNextLetterNeverTa
 class DamagedSettingsStationTest : public ::testing::TestWithParam<const char*> {};
 
 std::string damagedRecord(const std::string& kind) {
-    const std::string shipped = platform::readWholeFile(OVD_TEST_ASSETS "/DigitalRecorder.cfg").value_or("");
+    const std::string shipped =
+        platform::readWholeFile(OVD_TEST_ASSETS "/DigitalRecorder.cfg").value_or("");
     if (kind == "first 40 fields") {
         std::size_t at = 0;
         for (int comma = 0; comma < 40; ++comma) at = shipped.find(',', at) + 1;
@@ -279,14 +285,16 @@ TEST_P(DamagedSettingsStationTest, TheUserIsToldTheFileIsKeptAndTheStationStaysQ
     std::this_thread::sleep_for(1s);
     EXPECT_LE(station.cpuPercentOver(3s), 5.0);
     EXPECT_LT(station.eventLogBytes(), 1024u * 1024u);
-    EXPECT_TRUE(std::filesystem::is_empty(workingFolder)) << "nothing made in the current directory";
+    EXPECT_TRUE(std::filesystem::is_empty(workingFolder))
+        << "nothing made in the current directory";
     std::vector<std::string> copies;
     for (const std::string& name : platform::filesInFolder(station.folder.path())) {
         if (name.rfind("DigitalRecorder.cfg.damaged-", 0) == 0) copies.push_back(name);
     }
     ASSERT_EQ(copies.size(), 1u);
     EXPECT_EQ(platform::readWholeFile(station.folder.file(copies[0])), damaged);
-    EXPECT_LT(platform::fileSize(station.folder.file("DigitalRecorder.cfg")).value_or(0), 64u * 1024u);
+    EXPECT_LT(platform::fileSize(station.folder.file("DigitalRecorder.cfg")).value_or(0),
+              64u * 1024u);
 
     const testing::StationProcess::TimedEnd end = station.terminateTimed();
     EXPECT_TRUE(end.end.exited && end.end.status == 0) << end.end.status;

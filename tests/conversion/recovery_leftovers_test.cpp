@@ -2,10 +2,9 @@
 // names a take after its letter, clears what an interrupted save left, and
 // never trades the work file for copies cut short.
 
+#include <gtest/gtest.h>
 #include <sys/mount.h>
 #include <sys/statvfs.h>
-
-#include <gtest/gtest.h>
 
 #include <cerrno>
 #include <cstring>
@@ -27,7 +26,7 @@ namespace {
 using platform::Milliseconds;
 
 class RecoveryLeftoversTest : public ::testing::Test {
-protected:
+  protected:
     void useSettings() {
         auto& r = config.record;
         r.CaptureFilePath = recordings;
@@ -46,7 +45,8 @@ protected:
     std::string workFile(const std::string& name, double seconds) {
         engine::testing::ToneSource tone({16000, 1}, seconds);
         const std::string path = temp() + "/" + name;
-        const engine::EngineResult written = engine::encodeFile(tone, path, engine::TargetFormat{}, "", {});
+        const engine::EngineResult written =
+            engine::encodeFile(tone, path, engine::TargetFormat{}, "", {});
         EXPECT_TRUE(written) << written.error();
         return path;
     }
@@ -86,7 +86,8 @@ TEST_F(RecoveryLeftoversTest, ATakeIsRecoveredUnderItsLetterAndTheInterruptedSav
     // A take still being recorded by a running station (listed last: a held file ends
     // the round): its letter is not touched.
     std::string error;
-    const auto held = engine::WorkFile::create(temp() + "/ovd99-AudioEditor1-1.tmp", {16000, 1}, error);
+    const auto held =
+        engine::WorkFile::create(temp() + "/ovd99-AudioEditor1-1.tmp", {16000, 1}, error);
     ASSERT_TRUE(held) << error;
     const std::string liveLetter = recordings + "/AB0008.MP3";
     noteLetterOfWorkFile(held->path(), liveLetter);
@@ -108,7 +109,7 @@ TEST_F(RecoveryLeftoversTest, ATakeIsRecoveredUnderItsLetterAndTheInterruptedSav
 }
 
 class FullDiskRecoveryTest : public RecoveryLeftoversTest {
-protected:
+  protected:
     void SetUp() override {
         platform::createFolder(recordings);
         if (::mount("tmpfs", recordings.c_str(), "tmpfs", 0, "size=1m") != 0) {

@@ -9,7 +9,7 @@ namespace ovd::dictation::testing {
 namespace {
 
 class UnsavedTakeTest : public DictationTest {
-protected:
+  protected:
     UnsavedTakeTest() {
         config.record.FileLabelText = std::string(250, 'L');  // with the number, past 255
         config.record.FileSaveAtStop = true;
@@ -36,7 +36,8 @@ TEST_F(UnsavedTakeTest, TheAuthorIsToldOnceAndTheTakeStaysInTempAfterTheClose) {
     d().MMControl1_StopClick();
 
     ASSERT_EQ(prompts.texts().size(), 1u) << log.text();
-    EXPECT_NE(prompts.texts()[0].find("could not be saved"), std::string::npos) << prompts.texts()[0];
+    EXPECT_NE(prompts.texts()[0].find("could not be saved"), std::string::npos)
+        << prompts.texts()[0];
     EXPECT_NE(prompts.texts()[0].find("recovered at the next start"), std::string::npos);
 
     d().Image10_Click();

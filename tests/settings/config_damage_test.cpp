@@ -3,9 +3,8 @@
 // into the current directory, and a write that fails is reported while the
 // settings in force stay in memory.
 
-#include <sys/mount.h>
-
 #include <gtest/gtest.h>
+#include <sys/mount.h>
 
 #include <cerrno>
 #include <cstring>
@@ -27,7 +26,8 @@ using testing::ScriptedPrompts;
 using testing::TempFolder;
 
 std::string shippedRecord() {
-    return platform::readWholeFile(std::string(OVD_TEST_ASSETS) + "/DigitalRecorder.cfg").value_or("");
+    return platform::readWholeFile(std::string(OVD_TEST_ASSETS) + "/DigitalRecorder.cfg")
+        .value_or("");
 }
 
 // The record cut after its first fields, as a failing disk may leave it.
@@ -62,7 +62,9 @@ std::string withFields(const std::map<std::size_t, std::string>& raws) {
     }
     return line + "\r\n";
 }
-std::string withField(std::size_t index, const std::string& raw) { return withFields({{index, raw}}); }
+std::string withField(std::size_t index, const std::string& raw) {
+    return withFields({{index, raw}});
+}
 
 std::vector<std::string> damagedCopies(const TempFolder& folder) {
     std::vector<std::string> copies;
@@ -97,7 +99,8 @@ TEST(ConfigDamageTest, ADamagedFileIsKeptTheUserIsToldOnceAndNoValueOutgrowsItsU
 
         const std::vector<std::string> copies = damagedCopies(folder);
         ASSERT_EQ(copies.size(), 1u);
-        EXPECT_EQ(platform::readWholeFile(folder.file(copies[0])), c.content) << "the user's file, as it was";
+        EXPECT_EQ(platform::readWholeFile(folder.file(copies[0])), c.content)
+            << "the user's file, as it was";
         ASSERT_EQ(prompts.texts().size(), 1u);
         const std::string told = prompts.texts()[0];
         EXPECT_NE(told.find("was damaged"), std::string::npos) << told;
@@ -107,7 +110,8 @@ TEST(ConfigDamageTest, ADamagedFileIsKeptTheUserIsToldOnceAndNoValueOutgrowsItsU
         }
 
         for (const SettingsField& field : settingsFields()) {
-            EXPECT_LE(describeField(config.record, field).size(), longestValueOf(field.name)) << field.name;
+            EXPECT_LE(describeField(config.record, field).size(), longestValueOf(field.name))
+                << field.name;
         }
         const std::string recordings = config.record.CaptureFilePath.toText();
         EXPECT_EQ(recordings.rfind(folder.path(), 0), 0u) << recordings;
@@ -137,7 +141,7 @@ TEST(ConfigDamageTest, AHealthyRecordIsNotCopiedAndRelativeFoldersLieBelowTheDat
 }
 
 class UnwritableSettingsTest : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         if (::mount("tmpfs", folder.path().c_str(), "tmpfs", 0, "size=1m") != 0) {
             GTEST_SKIP() << "a small tmpfs can't be mounted here (" << std::strerror(errno) << ")";
