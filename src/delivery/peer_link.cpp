@@ -1,6 +1,8 @@
 #include "delivery/peer_link.h"
 
+#include <algorithm>
 #include <ctime>
+#include <utility>
 
 #include "platform/waiting.h"
 
@@ -10,10 +12,12 @@ namespace {
 constexpr const char* kLineEnd = "\r\n";
 constexpr const char* kResendErrorTrace = " * 2-TCP CONNECTION ERROR* ";
 constexpr const char* kNowConnected = "TCP Now Connected";
+constexpr const char* kQueuedResendTag = " -80 Sending Queued Message";
 }  // namespace
 
 PeerLink::PeerLink(PeerLinkParts parts)
     : timShowTCPError(parts.loop, "timShowTCPError", 100),
+      queueRetry(parts.loop, "queueRetry", kQueueRetryMs),
       loop_(parts.loop),
       config_(parts.config),
       log_(parts.log),
@@ -21,8 +25,10 @@ PeerLink::PeerLink(PeerLinkParts parts)
       orderPort_(parts.orderPort),
       tcpServer(parts.loop, [this](const std::string& line) { trace(line); }),
       TCPClient_(parts.loop),
+      probe_(parts.loop),
       TCPFailedMessages(kQueueSlots + 1) {
     timShowTCPError.setOnTick([this] { timShowTCPError_Timer(); });
+    queueRetry.setOnTick([this] { queueRetryTick(); });
     tcpServer.peerAddress = [this] { return config_.record.TCPIP; };
     tcpServer.onOrders = [this](const PeerOrders& found) { orders(found); };
 }
@@ -61,8 +67,11 @@ bool PeerLink::start() {
 
 void PeerLink::stop() {
     timShowTCPError.setEnabled(false);
+    queueRetry.setEnabled(false);
     tcpServer.close();
     TCPClient_.CloseSocKet();
+    probe_.CloseSocKet();
+    probing_ = false;
 }
 
 void PeerLink::orders(const PeerOrders& found) {
@@ -100,19 +109,75 @@ std::string PeerLink::deliver(const std::string& text, const std::string& waitTa
 }
 
 bool PeerLink::send(const PeerMessage& message) {
-    const std::string error = deliver(message.text, message.waitTag);
+    const std::string kept = message.queuedAs.empty() ? message.text : message.queuedAs;
+    if (sending_) {
+        // The one connection carries another message right now: this one follows it.
+        trace("MSG " + message.text + " waits for the message on its way");
+        queue(kept);
+        return false;
+    }
+    sending_ = true;
+    // What waits goes first, so that the peer hears everything in the order it
+    // happened. While the reconnection dialog is up, the user deals with the queue.
+    std::string error = frmTCPReConnection.loaded ? std::string() : sendQueued();
+    if (error.empty()) error = deliver(message.text, message.waitTag);
     if (error.empty()) {
         trace(today() + " " + message.text + message.sentTrace);
         label40(error);
+        // What came while this one was on its way follows it now.
+        if (!frmTCPReConnection.loaded) (void)sendQueued();
+        sending_ = false;
         return true;
     }
+    sending_ = false;
     label40(error);
     trace(error);
     trace("MSG NOT SENT " + message.text + kConnectionErrorTrace);
-    queue(message.queuedAs.empty() ? message.text : message.queuedAs);
+    queue(kept);
     // A dialog already open means the user knows: the message only waits.
     if (!frmTCPReConnection.loaded) timShowTCPError.setEnabled(true);
     return false;
+}
+
+std::string PeerLink::sendQueued() {
+    while (queuedCount() > 0) {
+        const std::string message = TCPFailedMessages[1];
+        const std::string error = deliver(message, kQueuedResendTag);
+        if (!error.empty()) return error;
+        trace(today() + " " + message + kSentTrace);
+        label40(error);
+        dropFront(1);
+    }
+    return "";
+}
+
+void PeerLink::queueRetryTick() {
+    if (queuedCount() == 0) {
+        queueRetry.setEnabled(false);
+        probe_.CloseSocKet();
+        probing_ = false;
+        return;
+    }
+    // A message on its way or the reconnection dialog takes the queue along itself.
+    if (sending_ || frmTCPReConnection.loaded || timShowTCPError.Enabled()) return;
+    if (probing_) {
+        const bool listening = probe_.LastError().empty();
+        probe_.CloseSocKet();
+        probing_ = false;
+        if (listening) {
+            sending_ = true;
+            const std::string error = sendQueued();
+            sending_ = false;
+            if (!error.empty()) {
+                trace(error);
+                trace("MSG NOT SENT " + TCPFailedMessages[1] + kConnectionErrorTrace);
+            }
+            return;
+        }
+    }
+    // Quietly: a peer that stays away must not fill the event log.
+    probe_.OpenSocket(config_.record.TCPIP, config_.record.TCPPort);
+    probing_ = true;
 }
 
 void PeerLink::queue(const std::string& text) {
@@ -120,21 +185,36 @@ void PeerLink::queue(const std::string& text) {
     if (TCPFailedCount < kQueueSlots) {
         TCPFailedMessages[static_cast<std::size_t>(TCPFailedCount)] = text;
     }
+    if (!queueRetry.Enabled()) queueRetry.setEnabled(true);
+}
+
+std::size_t PeerLink::queuedCount() const {
+    return static_cast<std::size_t>(std::min<double>(TCPFailedCount, kQueueSlots - 1));
 }
 
 std::vector<std::string> PeerLink::queued() const {
-    const auto kept = static_cast<std::size_t>(std::min<double>(TCPFailedCount, kQueueSlots - 1));
-    return {TCPFailedMessages.begin() + 1, TCPFailedMessages.begin() + 1 + static_cast<std::ptrdiff_t>(kept)};
+    return {TCPFailedMessages.begin() + 1,
+            TCPFailedMessages.begin() + 1 + static_cast<std::ptrdiff_t>(queuedCount())};
 }
 
-std::string PeerLink::lastQueued() const {
-    const auto kept = static_cast<std::size_t>(std::min<double>(TCPFailedCount, kQueueSlots - 1));
-    return TCPFailedMessages[kept];
+std::string PeerLink::lastQueued() const { return TCPFailedMessages[queuedCount()]; }
+
+void PeerLink::dropFront(std::size_t count) {
+    const std::size_t kept = queuedCount();
+    count = std::min(count, kept);
+    std::move(TCPFailedMessages.begin() + 1 + static_cast<std::ptrdiff_t>(count),
+              TCPFailedMessages.begin() + 1 + static_cast<std::ptrdiff_t>(kept),
+              TCPFailedMessages.begin() + 1);
+    std::fill(TCPFailedMessages.begin() + 1 + static_cast<std::ptrdiff_t>(kept - count),
+              TCPFailedMessages.end(), std::string());
+    // Messages counted past the slots were never kept: they are gone for good.
+    TCPFailedCount = static_cast<double>(kept - count);
+    if (TCPFailedCount == 0) queueRetry.setEnabled(false);
 }
 
-void PeerLink::clearQueue() {
-    std::fill(TCPFailedMessages.begin(), TCPFailedMessages.end(), std::string());
-    TCPFailedCount = 0;
+void PeerLink::clearQueue(std::size_t resent) {
+    // Only what was resent leaves: a message queued while the resend ran waits on.
+    dropFront(resent);
     TCPRetries = 0;
 }
 
@@ -162,7 +242,10 @@ void PeerLink::unloadDialog() {
 }
 
 void PeerLink::timShowTCPError_Timer() {
+    // The one connection carries a message right now: the timer comes again after it.
+    if (sending_) return;
     timShowTCPError.setEnabled(false);
+    sending_ = true;
     showDialog(false);
     const std::string error = tryConnection(" -76");
     if (!error.empty()) {
@@ -172,15 +255,18 @@ void PeerLink::timShowTCPError_Timer() {
         label40(error);
         trace(error);
         trace(lastQueued() + kResendErrorTrace);
+        sending_ = false;
         return;
     }
     unloadDialog();
     // A message that fails again now is not put back: the queue is cleared after.
-    for (const std::string& message : queued()) {
+    const std::vector<std::string> resending = queued();
+    for (const std::string& message : resending) {
         const std::string resent = deliver(message, " -77");
         trace(message + (resent.empty() ? kSentTrace : kResendErrorTrace));
     }
-    clearQueue();
+    clearQueue(resending.size());
+    sending_ = false;
 }
 
 void PeerLink::cmdOK_Click() {
@@ -200,6 +286,8 @@ void PeerLink::cmdConnect_Click() {
 
 void PeerLink::TCPReconnect() {
     if (holdTimers) holdTimers();
+    // A message that comes while the queue goes out waits behind it.
+    const bool wasSending = std::exchange(sending_, true);
     const std::string error = tryConnection(" -78");
     if (!error.empty()) {
         TCPRetries += 1;
@@ -211,7 +299,8 @@ void PeerLink::TCPReconnect() {
         ++frmTCPReConnection.revision;
         if (onDialogChanged) onDialogChanged();
     } else {
-        for (const std::string& message : queued()) {
+        const std::vector<std::string> resending = queued();
+        for (const std::string& message : resending) {
             const std::string resent = deliver(message, " -79");
             label40(resent);
             if (resent.empty()) {
@@ -223,9 +312,10 @@ void PeerLink::TCPReconnect() {
             }
         }
         prompts_.showMessage(kNowConnected, settings::kProductTitle);
-        clearQueue();
+        clearQueue(resending.size());
         unloadDialog();
     }
+    sending_ = wasSending;
     if (releaseTimers) releaseTimers();
 }
 

@@ -16,7 +16,8 @@ HandsFree::HandsFree(HandsFreeParts parts)
       serial(parts.config, parts.prompts, parts.loop, dispatcher, parts.dictation.hits,
              parts.dictation.state, timSERStepBACK, *this),
       dictation_(parts.dictation),
-      config_(parts.config) {
+      config_(parts.config),
+      log_(parts.log) {
     dispatcher.usbPedalHeld = [this] { return usb.decoder.pedalHeld(); };
     usb.PedalsBusy = [this] { return dictation_.state.PedalsBusy; };
     usb.showConfigDialog = [this] {
@@ -59,6 +60,23 @@ void HandsFree::showConfigSERFootPedals() {
 
 void HandsFree::endProgram() {
     if (onEndProgram) onEndProgram();
+}
+
+void HandsFree::showStatus(const std::string& text) {
+    dictation_.view.Label40 = text;
+    ++dictation_.view.revision;
+    if (dictation_.onViewChanged) dictation_.onViewChanged();
+}
+
+void HandsFree::tellSerialPortProblem(const std::string& text) {
+    log_.trace(text);
+    showStatus(text);
+}
+
+void HandsFree::tellSerialPortOpened(const std::string& text) {
+    log_.trace(text);
+    // The warning goes once the pedal works; a newer status stays.
+    if (dictation_.view.Label40.rfind(kFootPedalPortNotice, 0) == 0) showStatus(text);
 }
 
 }  // namespace ovd::devices

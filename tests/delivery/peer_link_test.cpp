@@ -7,6 +7,12 @@
 
 #include <gtest/gtest.h>
 
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <chrono>
 #include <thread>
 
 #include "support/loopback_peer.h"
@@ -145,6 +151,53 @@ TEST_F(PeerLinkTest, TheQueueKeepsTheVariantTextAndDropsMessagesPastItsSlots) {
     EXPECT_EQ(link.failedCount(), 502) << "the count goes on past the slots";
 }
 
+// The peer goes away and comes back by itself, with no one at the dialog's
+// Connect: what waited goes out oldest first, each message once, and a peer that
+// stays away leaves the event log alone meanwhile.
+TEST_F(PeerLinkTest, TheQueueGoesOutByItselfOnceThePeerListensAgain) {
+    const int port = testing::unusedLoopbackPort();
+    config.record.TCPPort = std::to_string(port);
+    for (const char* text : {"LOADED_AB0001.WAV", "UserClose_AB0001.WAV"}) {
+        EXPECT_FALSE(link.send({text, " -73"}));
+        run(500);
+        link.cmdOK_Click();  // as the headless station answers the dialog
+    }
+    ASSERT_EQ(link.queued(), (std::vector<std::string>{"LOADED_AB0001.WAV", "UserClose_AB0001.WAV"}));
+
+    const std::size_t logBefore = log.text().size();
+    run(30000);
+    EXPECT_EQ(log.text().size(), logBefore) << log.text().substr(logBefore);
+    EXPECT_EQ(link.queued().size(), 2u);
+
+    testing::LoopbackPeer back("127.0.0.1", port);
+    run(2 * kQueueRetryMs + 500);
+    EXPECT_EQ(back.receive(2), (std::vector<std::string>{"LOADED_AB0001.WAV\r\n", "UserClose_AB0001.WAV\r\n"}));
+    EXPECT_TRUE(link.queued().empty());
+    EXPECT_EQ(link.failedCount(), 0);
+    EXPECT_TRUE(logged(" LOADED_AB0001.WAV * TCP MSG SUCESSFULLY SENT* "));
+
+    run(4 * kQueueRetryMs);
+    EXPECT_TRUE(link.send({"DICT_AB0001.WAV", " -H"}));
+    EXPECT_EQ(back.receive(3).size(), 3u);
+    run(500);
+    EXPECT_EQ(back.received().size(), 3u) << "each message once";
+}
+
+TEST_F(PeerLinkTest, TheNextMessageThatGoesThroughTakesTheQueueAlongFirst) {
+    const int port = testing::unusedLoopbackPort();
+    config.record.TCPPort = std::to_string(port);
+    link.send({"LOADED_AB0001.WAV", " -73"});
+    run(500);
+    link.cmdOK_Click();
+
+    testing::LoopbackPeer back("127.0.0.1", port);
+    EXPECT_TRUE(link.send({"UserClose_AB0001.WAV", " -63"}));
+    EXPECT_EQ(back.receive(2), (std::vector<std::string>{"LOADED_AB0001.WAV\r\n", "UserClose_AB0001.WAV\r\n"}));
+    EXPECT_TRUE(link.queued().empty());
+    EXPECT_FALSE(link.timShowTCPError.Enabled());
+    EXPECT_TRUE(dialogShown.back().loaded == false);
+}
+
 // ---- Orders ----
 
 class PeerOrdersTest : public PeerLinkTest {
@@ -202,6 +255,31 @@ TEST_F(PeerOrdersTest, GarbageAndAThousandConnectionsChangeNothing) {
     EXPECT_TRUE(heard.empty());
     order("127.0.0.1", "exit");
     EXPECT_EQ(heard, std::vector<std::string>{"exit"}) << "the listener still hears its peer";
+}
+
+// An order the network hands over in two pieces, the second a moment later, on
+// a connection the peer keeps open.
+TEST_F(PeerOrdersTest, AnOrderSplitAcrossTwoPacketsIsHeardOnce) {
+    const int client = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in to{};
+    to.sin_family = AF_INET;
+    to.sin_port = htons(static_cast<std::uint16_t>(orderPort));
+    to.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    ASSERT_EQ(::connect(client, reinterpret_cast<sockaddr*>(&to), sizeof to), 0);
+    const auto piece = [&](const std::string& text) {
+        ASSERT_EQ(::send(client, text.data(), text.size(), MSG_NOSIGNAL), static_cast<ssize_t>(text.size()));
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        run(300);
+    };
+    piece("cl");
+    piece("OSE");
+    EXPECT_EQ(heard, std::vector<std::string>{"close"});
+    piece("\r\n");
+    piece("EX");
+    EXPECT_EQ(heard, std::vector<std::string>{"close"});
+    piece("IT\r\n");  // the last: the exit closes the listener
+    EXPECT_EQ(heard, (std::vector<std::string>{"close", "exit"}));
+    ::close(client);
 }
 
 TEST_F(PeerLinkTest, APortAlreadyTakenEndsTheProgramWithItsMessage) {
