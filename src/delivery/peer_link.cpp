@@ -117,15 +117,13 @@ bool PeerLink::send(const PeerMessage& message) {
         return false;
     }
     sending_ = true;
-    // What waits goes first, so that the peer hears everything in the order it
-    // happened. While the reconnection dialog is up, the user deals with the queue.
-    std::string error = frmTCPReConnection.loaded ? std::string() : sendQueued();
-    if (error.empty()) error = deliver(message.text, message.waitTag);
+    const std::string error = deliver(message.text, message.waitTag);
     if (error.empty()) {
         trace(today() + " " + message.text + message.sentTrace);
         label40(error);
-        // What came while this one was on its way follows it now.
-        if (!frmTCPReConnection.loaded) (void)sendQueued();
+        // The peer listens again: what waited follows at once, oldest first. While
+        // the reconnection dialog is up, the user deals with the queue.
+        if (!frmTCPReConnection.loaded) sendQueuedOrTrace();
         sending_ = false;
         return true;
     }
@@ -151,6 +149,14 @@ std::string PeerLink::sendQueued() {
     return "";
 }
 
+void PeerLink::sendQueuedOrTrace() {
+    const std::string error = sendQueued();
+    if (error.empty()) return;
+    label40(error);
+    trace(error);
+    trace("MSG NOT SENT " + TCPFailedMessages[1] + kConnectionErrorTrace);
+}
+
 void PeerLink::queueRetryTick() {
     if (queuedCount() == 0) {
         queueRetry.setEnabled(false);
@@ -166,12 +172,8 @@ void PeerLink::queueRetryTick() {
         probing_ = false;
         if (listening) {
             sending_ = true;
-            const std::string error = sendQueued();
+            sendQueuedOrTrace();
             sending_ = false;
-            if (!error.empty()) {
-                trace(error);
-                trace("MSG NOT SENT " + TCPFailedMessages[1] + kConnectionErrorTrace);
-            }
             return;
         }
     }

@@ -5,8 +5,8 @@
 // a queue; the reconnection dialog tries again by itself once, then leaves the
 // choice to the user. Besides, whenever the peer answers again (the next message
 // goes through, or a quiet look every few seconds finds it listening) the queue
-// goes out first, oldest first, each message once, so the peer hears everything
-// in the order it happened. A peer that can't be reached never stops the dictation.
+// goes out, oldest first, each message once. A peer that can't be reached never
+// stops the dictation.
 
 #include <functional>
 #include <string>
@@ -123,6 +123,8 @@ private:
     // Sends what waits, oldest first, until one fails: that one and those after it
     // wait on. The error text of the failure, empty when the queue went out.
     std::string sendQueued();
+    // The same, with the failure shown and traced as the peer send does.
+    void sendQueuedOrTrace();
     // The queue retry's tick: the verdict of the last look, then a new look.
     void queueRetryTick();
     // Takes the first `count` messages off the queue; those queued behind them move up.

@@ -183,19 +183,24 @@ TEST_F(PeerLinkTest, TheQueueGoesOutByItselfOnceThePeerListensAgain) {
     EXPECT_EQ(back.received().size(), 3u) << "each message once";
 }
 
-TEST_F(PeerLinkTest, TheNextMessageThatGoesThroughTakesTheQueueAlongFirst) {
+TEST_F(PeerLinkTest, TheNextMessageThatGoesThroughBringsTheQueueAfterIt) {
     const int port = testing::unusedLoopbackPort();
     config.record.TCPPort = std::to_string(port);
     link.send({"LOADED_AB0001.WAV", " -73"});
     run(500);
     link.cmdOK_Click();
 
+    link.send({"DICT_AB0001.WAV", " -H"});
+    run(500);
+    link.cmdOK_Click();
+
     testing::LoopbackPeer back("127.0.0.1", port);
     EXPECT_TRUE(link.send({"UserClose_AB0001.WAV", " -63"}));
-    EXPECT_EQ(back.receive(2), (std::vector<std::string>{"LOADED_AB0001.WAV\r\n", "UserClose_AB0001.WAV\r\n"}));
+    EXPECT_EQ(back.receive(3), (std::vector<std::string>{"UserClose_AB0001.WAV\r\n", "LOADED_AB0001.WAV\r\n",
+                                                         "DICT_AB0001.WAV\r\n"}));
     EXPECT_TRUE(link.queued().empty());
     EXPECT_FALSE(link.timShowTCPError.Enabled());
-    EXPECT_TRUE(dialogShown.back().loaded == false);
+    EXPECT_FALSE(link.frmTCPReConnection.loaded);
 }
 
 // ---- Orders ----
