@@ -39,7 +39,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     ovd::delivery::PeerOrders heard;
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t length = std::min<std::size_t>(text.size() - at, data[at] % 7 + 1);
-        const ovd::delivery::PeerOrders found = lines.take(std::string_view(text).substr(at, length));
+        const ovd::delivery::PeerOrders found =
+            lines.take(std::string_view(text).substr(at, length));
         heard.exit = heard.exit || found.exit;
         heard.close = heard.close || found.close;
         check(lines.unfinishedSize() <= ovd::delivery::OrderLines::kLongestLine);
@@ -49,7 +50,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::size_t start = 0;
     for (std::size_t i = 0; i <= text.size(); ++i) {
         if (i < text.size() && text[i] != '\r' && text[i] != '\n') continue;
-        const ovd::delivery::PeerOrders found = ovd::delivery::findOrders(text.substr(start, i - start));
+        const ovd::delivery::PeerOrders found =
+            ovd::delivery::findOrders(text.substr(start, i - start));
         inLines.exit = inLines.exit || found.exit;
         inLines.close = inLines.close || found.close;
         start = i + 1;

@@ -14,8 +14,8 @@
 #include <string>
 
 // The fuzz targets link the settings library only: the decoder is built in here.
-#include "support/scripted_serial_line.h"
 #include "../src/devices/serial_pedal_decoder.cpp"
+#include "support/scripted_serial_line.h"
 
 namespace {
 
@@ -80,7 +80,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         check(taken <= SerialPedalDecoder::kSlots + 1);
         // A turn that ran through took all it could: the port's receive loop counts
         // on it to empty the line.
-        if (ranThrough) check(taken == std::min<std::size_t>(before, SerialPedalDecoder::kSlots + 1));
+        if (ranThrough)
+            check(taken == std::min<std::size_t>(before, SerialPedalDecoder::kSlots + 1));
         if (silenced) check(taken == 0);
 
         check(!(hits.RIGHTSERPEDALHit && hits.RIGHTSERPEDALUpHit) || modemLines);

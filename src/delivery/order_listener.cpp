@@ -20,11 +20,11 @@ constexpr std::string_view kExitOrder = "EXIT";
 constexpr std::string_view kCloseOrder = "CLOSE";
 
 bool containsIgnoringCase(std::string_view text, std::string_view word) {
-    const auto found = std::search(text.begin(), text.end(), word.begin(), word.end(),
-                                   [](char a, char b) {
-                                       return std::toupper(static_cast<unsigned char>(a)) ==
-                                              std::toupper(static_cast<unsigned char>(b));
-                                   });
+    const auto found =
+        std::search(text.begin(), text.end(), word.begin(), word.end(), [](char a, char b) {
+            return std::toupper(static_cast<unsigned char>(a)) ==
+                   std::toupper(static_cast<unsigned char>(b));
+        });
     return found != text.end();
 }
 
@@ -189,7 +189,8 @@ void OrderListener::accept() {
             peerAddress ? addressesOf(peerAddress()) : std::vector<std::string>{};
         if (!orderSenderAllowed(client, peer)) {
             ::close(fd);
-            if (trace_) trace_("TCP order connection from " + client + " closed unread: not the peer");
+            if (trace_)
+                trace_("TCP order connection from " + client + " closed unread: not the peer");
             continue;
         }
         // Only one peer is served: the newer connection takes the place of the older.
@@ -207,7 +208,8 @@ void OrderListener::read() {
         dropPeer();
         return;
     }
-    const PeerOrders orders = lines_.take(std::string_view(buffer.data(), static_cast<std::size_t>(got)));
+    const PeerOrders orders =
+        lines_.take(std::string_view(buffer.data(), static_cast<std::size_t>(got)));
     // The orders may end the program or close this listener: nothing of it is used after.
     if ((orders.exit || orders.close) && onOrders) onOrders(orders);
 }

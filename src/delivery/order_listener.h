@@ -33,14 +33,14 @@ PeerOrders findOrders(std::string_view text);
 // unfinished line is kept up to a bound, beyond which only its last letters are,
 // enough to finish an order: a client that never ends its line can't grow memory.
 class OrderLines {
-public:
+  public:
     static constexpr std::size_t kLongestLine = 1024;
 
     PeerOrders take(std::string_view data);
     void clear() { unfinished_.clear(); }
     [[nodiscard]] std::size_t unfinishedSize() const { return unfinished_.size(); }
 
-private:
+  private:
     std::string unfinished_;
 };
 
@@ -54,7 +54,7 @@ bool orderSenderAllowed(const std::string& clientAddress,
 std::vector<std::string> addressesOf(const std::string& host);
 
 class OrderListener {
-public:
+  public:
     OrderListener(platform::EventLoop& loop, std::function<void(const std::string&)> trace);
     ~OrderListener();
     OrderListener(const OrderListener&) = delete;
@@ -73,7 +73,7 @@ public:
     // Called for the orders found in one arrival of data.
     std::function<void(const PeerOrders&)> onOrders;
 
-private:
+  private:
     void accept();
     void read();
     void dropPeer();

@@ -51,7 +51,8 @@ std::string PeerLink::today() const {
 bool PeerLink::start() {
     std::string reason;
     if (!tcpServer.listen(orderPort_, reason)) {
-        const std::string text = "Error starting Port: " + std::string(" ") + std::to_string(orderPort_) +
+        const std::string text = "Error starting Port: " + std::string(" ") +
+                                 std::to_string(orderPort_) +
                                  " -Server listener. Port already in use. Program will end";
         prompts_.showMessage(text, settings::kProductTitle, platform::Severity::Critical);
         trace(text);
@@ -61,7 +62,8 @@ bool PeerLink::start() {
     trace("TCP order listener on port " + std::to_string(orderPort_) + ", peer " +
           config_.record.TCPIP + ":" + config_.record.TCPPort);
     // The peer comes up beside the station: it is given a moment before the first message.
-    platform::pauseWithTrace(loop_, [this](const std::string& line) { trace(line); }, 2, " -62 On Load");
+    platform::pauseWithTrace(
+        loop_, [this](const std::string& line) { trace(line); }, 2, " -62 On Load");
     return true;
 }
 
@@ -88,8 +90,8 @@ void PeerLink::orders(const PeerOrders& found) {
 }
 
 void PeerLink::pause(const std::string& tag) {
-    platform::pauseWithTrace(loop_, [this](const std::string& line) { trace(line); },
-                             config_.record.TCPDelay, tag);
+    platform::pauseWithTrace(
+        loop_, [this](const std::string& line) { trace(line); }, config_.record.TCPDelay, tag);
 }
 
 std::string PeerLink::tryConnection(const std::string& waitTag) {
@@ -295,7 +297,8 @@ void PeerLink::TCPReconnect() {
         TCPRetries += 1;
         label40(error);
         trace(error);
-        trace(lastQueued() + "-TCP CONNECTION ERROR* " + " * TRYS =" + platform::formatSeconds(TCPRetries));
+        trace(lastQueued() + "-TCP CONNECTION ERROR* " +
+              " * TRYS =" + platform::formatSeconds(TCPRetries));
         frmTCPReConnection.cmdOKVisible = true;
         frmTCPReConnection.cmdConnectVisible = true;
         ++frmTCPReConnection.revision;
@@ -309,8 +312,8 @@ void PeerLink::TCPReconnect() {
                 trace(today() + " " + message + kSentTrace);
             } else {
                 trace(resent);
-                trace("MSG NOT SENT " + message + kConnectionErrorTrace + " * TRYS =" +
-                      platform::formatSeconds(TCPRetries));
+                trace("MSG NOT SENT " + message + kConnectionErrorTrace +
+                      " * TRYS =" + platform::formatSeconds(TCPRetries));
             }
         }
         prompts_.showMessage(kNowConnected, settings::kProductTitle);

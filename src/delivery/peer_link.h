@@ -72,7 +72,7 @@ struct PeerLinkParts {
 };
 
 class PeerLink {
-public:
+  public:
     explicit PeerLink(PeerLinkParts parts);
     PeerLink(const PeerLink&) = delete;
     PeerLink& operator=(const PeerLink&) = delete;
@@ -115,7 +115,7 @@ public:
     // The dialog's view changed: show, redraw or unload it.
     std::function<void()> onDialogChanged;
 
-private:
+  private:
     // Steps 1 to 4 of the peer send: the error text, empty when delivered.
     std::string deliver(const std::string& text, const std::string& waitTag);
     // A connection alone, to see whether the peer answers: the error text.

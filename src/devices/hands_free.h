@@ -32,7 +32,7 @@ struct HandsFreeParts {
 };
 
 class HandsFree : private SerialPedalsHost {
-public:
+  public:
     explicit HandsFree(HandsFreeParts parts);
     ~HandsFree() override;
     HandsFree(const HandsFree&) = delete;
@@ -58,7 +58,7 @@ public:
     UsbPedals usb;
     SerialPedals serial;
 
-private:
+  private:
     [[nodiscard]] bool USBPedals() const override;
     [[nodiscard]] bool GamePortPedals() const override;
     [[nodiscard]] bool pedalInputSilenced() const override;

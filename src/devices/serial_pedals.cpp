@@ -26,9 +26,7 @@ SerialPedals::SerialPedals(settings::ConfigFile& config, platform::Prompts& prom
     retryOpen_.setOnTick([this] { retryOpenTick(); });
 }
 
-std::string SerialPedals::portName() const {
-    return "COM" + std::to_string(config_.record.Port);
-}
+std::string SerialPedals::portName() const { return "COM" + std::to_string(config_.record.Port); }
 
 std::string SerialPedals::programTitle() const {
     return config_.record.HandsFreeEdition ? "Orvane Voice Desk" : "Orvane Station Recorder Desk";
@@ -99,7 +97,8 @@ void SerialPedals::retryOpenTick() {
     if (openDevice()) return;
     stopRetrying();
     PortINUse_ = false;
-    host_.tellSerialPortOpened(kFootPedalPortNotice + portName() + " is open (" + port_.devicePath() + ")");
+    host_.tellSerialPortOpened(kFootPedalPortNotice + portName() + " is open (" +
+                               port_.devicePath() + ")");
     startPedal();
 }
 

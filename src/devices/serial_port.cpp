@@ -139,7 +139,8 @@ bool SerialPort::fillBuffer() {
             buffer_.insert(buffer_.end(), chunk, chunk + count);
             if (buffer_.size() > kReceiveBufferSize) {
                 buffer_.erase(buffer_.begin(),
-                              buffer_.begin() + static_cast<std::ptrdiff_t>(buffer_.size() - kReceiveBufferSize));
+                              buffer_.begin() +
+                                  static_cast<std::ptrdiff_t>(buffer_.size() - kReceiveBufferSize));
             }
             taken += static_cast<std::size_t>(count);
             gotSome = true;

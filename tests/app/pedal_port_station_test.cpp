@@ -26,7 +26,8 @@ using Clock = std::chrono::steady_clock;
 
 std::size_t occurrences(const std::string& text, const std::string& part) {
     std::size_t count = 0;
-    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+        ++count;
     return count;
 }
 
@@ -49,8 +50,8 @@ TEST(PedalPortStationTest, APressAfterTenThousandBytesOfNoiseStartsTheTakeAtOnce
     std::vector<std::uint8_t> noise;
     while (noise.size() < 10000) {
         const auto byte = static_cast<std::uint8_t>(random() & 0xFF);
-        if (byte != testing::kLeftPedal && byte != testing::kMiddlePedal && byte != testing::kRightPedal &&
-            byte != testing::kPedalsUp) {
+        if (byte != testing::kLeftPedal && byte != testing::kMiddlePedal &&
+            byte != testing::kRightPedal && byte != testing::kPedalsUp) {
             noise.push_back(byte);
         }
     }
@@ -73,7 +74,8 @@ TEST(PedalPortStationTest, APressAfterTenThousandBytesOfNoiseStartsTheTakeAtOnce
 TEST(PedalPortStationTest, APortMissingAtStartThenHeldIsToldOnceAndThePedalWorksOnceItIsFree) {
     testing::StationProcess station;
     const std::string link = station.folder.file("pedal-link");
-    platform::writeWholeFile(station.folder.file("SerialPorts.ini"), "[Ports]\r\nCOM1=" + link + "\r\n");
+    platform::writeWholeFile(station.folder.file("SerialPorts.ini"),
+                             "[Ports]\r\nCOM1=" + link + "\r\n");
     station.start();
     const std::string notice = "Foot pedal port COM1 could not be opened (" + link;
     ASSERT_TRUE(station.logShows(notice)) << station.eventLog();
@@ -90,7 +92,8 @@ TEST(PedalPortStationTest, APortMissingAtStartThenHeldIsToldOnceAndThePedalWorks
     EXPECT_EQ(station.eventLog().find("Foot pedal port COM1 is open"), std::string::npos);
 
     ::close(holder);
-    ASSERT_TRUE(station.logShows("Foot pedal port COM1 is open (" + link + ")")) << station.eventLog();
+    ASSERT_TRUE(station.logShows("Foot pedal port COM1 is open (" + link + ")"))
+        << station.eventLog();
     const std::size_t before = station.eventLog().size();
     station.press(testing::kMiddlePedal, 1500ms);
     EXPECT_TRUE(station.logShows("File Record: ", before)) << station.eventLog().substr(before);

@@ -27,10 +27,12 @@ using namespace std::chrono_literals;
 bool endsByItself(const testing::StationProcess& station, std::chrono::milliseconds within) {
     const auto until = std::chrono::steady_clock::now() + within;
     while (std::chrono::steady_clock::now() < until) {
-        const auto stat = platform::readWholeFile("/proc/" + std::to_string(station.pid()) + "/stat");
+        const auto stat =
+            platform::readWholeFile("/proc/" + std::to_string(station.pid()) + "/stat");
         if (!stat) return false;
         const auto close = stat->rfind(')');
-        if (close != std::string::npos && close + 2 < stat->size() && (*stat)[close + 2] == 'Z') return true;
+        if (close != std::string::npos && close + 2 < stat->size() && (*stat)[close + 2] == 'Z')
+            return true;
         std::this_thread::sleep_for(50ms);
     }
     return false;
@@ -51,7 +53,8 @@ TEST(PeerStationTest, MessagesQueuedWhileThePeerWasAwayReachItOnceItListens) {
     tellPeer(station, "127.0.0.1", std::to_string(peerPort));
     station.start({"--order-port", std::to_string(testing::unusedLoopbackPort())});
     ASSERT_TRUE(station.logShows("MSG NOT SENT LOADED_")) << station.eventLog();
-    ASSERT_TRUE(station.logShows("User Selected OK on TCP Comminications Failure message")) << station.eventLog();
+    ASSERT_TRUE(station.logShows("User Selected OK on TCP Comminications Failure message"))
+        << station.eventLog();
     std::this_thread::sleep_for(1s);
 
     testing::LoopbackPeer peer("127.0.0.1", peerPort);

@@ -5,9 +5,8 @@
 
 #include "delivery/peer_link.h"
 
-#include <gtest/gtest.h>
-
 #include <arpa/inet.h>
+#include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -26,7 +25,7 @@ namespace {
 using platform::Milliseconds;
 
 class PeerLinkTest : public ::testing::Test {
-protected:
+  protected:
     PeerLinkTest() {
         config.record.TCP = true;
         config.record.TCPIP = "127.0.0.1";
@@ -63,8 +62,8 @@ TEST_F(PeerLinkTest, EachMessageArrivesAsItsOwnLineWithBothWaitsTraced) {
     config.record.TCPDelay = 0;  // no wait at all: the verdict is read right after the send
     EXPECT_TRUE(link.send({"BTN3_AB0001 Please call me", " -BTN"}));
 
-    EXPECT_EQ(peer.receive(3), (std::vector<std::string>{
-                                   "LOADED_AB0001.WAV\r\n", "UserExit_\r\n", "BTN3_AB0001 Please call me\r\n"}));
+    EXPECT_EQ(peer.receive(3), (std::vector<std::string>{"LOADED_AB0001.WAV\r\n", "UserExit_\r\n",
+                                                         "BTN3_AB0001 Please call me\r\n"}));
     EXPECT_TRUE(logged(" Pausing = 2 -53 Opening Socket"));
     EXPECT_TRUE(logged(" Pausing = 2 -58 Sending Message in CreateFileName"));
     EXPECT_TRUE(logged(" Pausing = 0 -BTN"));
@@ -110,7 +109,8 @@ TEST_F(PeerLinkTest, AnUnreachablePeerQueuesTheDialogOpensOnceAndConnectResendsI
     // The peer is back: the queue goes out in order and the dialog closes.
     config.record.TCPPort = std::to_string(livePort);
     link.cmdConnect_Click();
-    EXPECT_EQ(peer.receive(2), (std::vector<std::string>{"DICT_AB0001.WAV\r\n", "ERRDST1_AB0001.WAV\r\n"}));
+    EXPECT_EQ(peer.receive(2),
+              (std::vector<std::string>{"DICT_AB0001.WAV\r\n", "ERRDST1_AB0001.WAV\r\n"}));
     EXPECT_EQ(prompts.texts().back(), "TCP Now Connected");
     EXPECT_TRUE(logged(" Pausing = 2 -78"));
     EXPECT_TRUE(logged(" Pausing = 2 -79"));
@@ -133,7 +133,8 @@ TEST_F(PeerLinkTest, OkKeepsTheQueueAndTheTimersOwnTryResendsWhenThePeerIsBack) 
     link.send({"DiskErr_AB0002.WAV", " -68"});
     config.record.TCPPort = std::to_string(livePort);
     run(500);
-    EXPECT_EQ(peer.receive(2), (std::vector<std::string>{"UserClose_\r\n", "DiskErr_AB0002.WAV\r\n"}));
+    EXPECT_EQ(peer.receive(2),
+              (std::vector<std::string>{"UserClose_\r\n", "DiskErr_AB0002.WAV\r\n"}));
     EXPECT_TRUE(logged(" Pausing = 2 -77"));
     EXPECT_FALSE(link.frmTCPReConnection.loaded);
     EXPECT_EQ(link.failedCount(), 0);
@@ -162,7 +163,8 @@ TEST_F(PeerLinkTest, TheQueueGoesOutByItselfOnceThePeerListensAgain) {
         run(500);
         link.cmdOK_Click();  // as the headless station answers the dialog
     }
-    ASSERT_EQ(link.queued(), (std::vector<std::string>{"LOADED_AB0001.WAV", "UserClose_AB0001.WAV"}));
+    ASSERT_EQ(link.queued(),
+              (std::vector<std::string>{"LOADED_AB0001.WAV", "UserClose_AB0001.WAV"}));
 
     const std::size_t logBefore = log.text().size();
     run(30000);
@@ -171,7 +173,8 @@ TEST_F(PeerLinkTest, TheQueueGoesOutByItselfOnceThePeerListensAgain) {
 
     testing::LoopbackPeer back("127.0.0.1", port);
     run(2 * kQueueRetryMs + 500);
-    EXPECT_EQ(back.receive(2), (std::vector<std::string>{"LOADED_AB0001.WAV\r\n", "UserClose_AB0001.WAV\r\n"}));
+    EXPECT_EQ(back.receive(2),
+              (std::vector<std::string>{"LOADED_AB0001.WAV\r\n", "UserClose_AB0001.WAV\r\n"}));
     EXPECT_TRUE(link.queued().empty());
     EXPECT_EQ(link.failedCount(), 0);
     EXPECT_TRUE(logged(" LOADED_AB0001.WAV * TCP MSG SUCESSFULLY SENT* "));
@@ -196,8 +199,9 @@ TEST_F(PeerLinkTest, TheNextMessageThatGoesThroughBringsTheQueueAfterIt) {
 
     testing::LoopbackPeer back("127.0.0.1", port);
     EXPECT_TRUE(link.send({"UserClose_AB0001.WAV", " -63"}));
-    EXPECT_EQ(back.receive(3), (std::vector<std::string>{"UserClose_AB0001.WAV\r\n", "LOADED_AB0001.WAV\r\n",
-                                                         "DICT_AB0001.WAV\r\n"}));
+    EXPECT_EQ(back.receive(3),
+              (std::vector<std::string>{"UserClose_AB0001.WAV\r\n", "LOADED_AB0001.WAV\r\n",
+                                        "DICT_AB0001.WAV\r\n"}));
     EXPECT_TRUE(link.queued().empty());
     EXPECT_FALSE(link.timShowTCPError.Enabled());
     EXPECT_FALSE(link.frmTCPReConnection.loaded);
@@ -206,7 +210,7 @@ TEST_F(PeerLinkTest, TheNextMessageThatGoesThroughBringsTheQueueAfterIt) {
 // ---- Orders ----
 
 class PeerOrdersTest : public PeerLinkTest {
-protected:
+  protected:
     PeerOrdersTest() {
         link.onExitOrder = [this] { heard.push_back("exit"); };
         link.onCloseOrder = [this] { heard.push_back("close"); };
@@ -248,7 +252,8 @@ TEST_F(PeerOrdersTest, GarbageAndAThousandConnectionsChangeNothing) {
         garbage[i] = c;
     }
     bool sent = false;
-    std::thread sender([&] { sent = testing::sendFrom("127.0.0.1", "127.0.0.1", orderPort, garbage); });
+    std::thread sender(
+        [&] { sent = testing::sendFrom("127.0.0.1", "127.0.0.1", orderPort, garbage); });
     for (int i = 0; i < 400 && !sent; ++i) run(10);
     sender.join();
     EXPECT_TRUE(sent);
@@ -272,7 +277,8 @@ TEST_F(PeerOrdersTest, AnOrderSplitAcrossTwoPacketsIsHeardOnce) {
     to.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     ASSERT_EQ(::connect(client, reinterpret_cast<sockaddr*>(&to), sizeof to), 0);
     const auto piece = [&](const std::string& text) {
-        ASSERT_EQ(::send(client, text.data(), text.size(), MSG_NOSIGNAL), static_cast<ssize_t>(text.size()));
+        ASSERT_EQ(::send(client, text.data(), text.size(), MSG_NOSIGNAL),
+                  static_cast<ssize_t>(text.size()));
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
         run(300);
     };

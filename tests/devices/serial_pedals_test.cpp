@@ -6,10 +6,9 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <sys/file.h>
 #include <termios.h>
 #include <unistd.h>
-
-#include <sys/file.h>
 
 #include <filesystem>
 #include <fstream>
@@ -26,9 +25,9 @@
 namespace ovd::devices {
 namespace {
 
-using testing::PseudoTerminal;
 using platform::Answer;
 using platform::Milliseconds;
+using testing::PseudoTerminal;
 
 struct EdgeLog : PedalEventSink {
     std::vector<std::string> edges;
@@ -357,7 +356,8 @@ TEST(SerialPedalsTest, APortThatCantBeOpenedIsToldOnceAndTriedAgainUntilThePedal
     ASSERT_TRUE(station.pedals.PortOpen());
     second.send(0x81);
     station.loop.advance(Milliseconds(20));
-    EXPECT_EQ(station.sink.edges, (std::vector<std::string>{"MIDDLE DOWN", "MIDDLE UP", "LEFT DOWN"}));
+    EXPECT_EQ(station.sink.edges,
+              (std::vector<std::string>{"MIDDLE DOWN", "MIDDLE UP", "LEFT DOWN"}));
 
     // Switched off while it is tried again: the trying stops.
     station.pedals.CloseSerialPedals();
