@@ -1,11 +1,12 @@
 // Any bytes as what comes down the serial pedal's line, in bursts of any length,
 // with the insert guard, the loading silence and the modem lines changing between
-// receive events: the handler must never read more than a burst's share, and each
-// pedal's edges must alternate down, up, down, with its press flag telling which
-// came last.
+// receive events: the handler must never read more than a burst's share, must take
+// a whole share whenever it is not left early, and each pedal's edges must
+// alternate down, up, down, with its press flag telling which came last.
 
 #include <fuzzer/FuzzedDataProvider.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -13,8 +14,8 @@
 #include <string>
 
 // The fuzz targets link the settings library only: the decoder is built in here.
-#include "support/scripted_serial_line.h"
 #include "../src/devices/serial_pedal_decoder.cpp"
+#include "support/scripted_serial_line.h"
 
 namespace {
 
@@ -74,9 +75,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const auto burst = input.ConsumeBytes<std::uint8_t>(input.ConsumeIntegralInRange(0, 16));
         line.bytes.insert(line.bytes.end(), burst.begin(), burst.end());
         const std::size_t before = line.bytes.size();
-        decoder.OnComm(line);
+        const bool ranThrough = decoder.OnComm(line);
         const std::size_t taken = before - line.bytes.size();
         check(taken <= SerialPedalDecoder::kSlots + 1);
+        // A turn that ran through took all it could: the port's receive loop counts
+        // on it to empty the line.
+        if (ranThrough)
+            check(taken == std::min<std::size_t>(before, SerialPedalDecoder::kSlots + 1));
         if (silenced) check(taken == 0);
 
         check(!(hits.RIGHTSERPEDALHit && hits.RIGHTSERPEDALUpHit) || modemLines);

@@ -16,14 +16,26 @@ namespace ovd::delivery {
 
 namespace {
 
+constexpr std::string_view kExitOrder = "EXIT";
+constexpr std::string_view kCloseOrder = "CLOSE";
+
 bool containsIgnoringCase(std::string_view text, std::string_view word) {
-    const auto found = std::search(text.begin(), text.end(), word.begin(), word.end(),
-                                   [](char a, char b) {
-                                       return std::toupper(static_cast<unsigned char>(a)) ==
-                                              std::toupper(static_cast<unsigned char>(b));
-                                   });
+    const auto found =
+        std::search(text.begin(), text.end(), word.begin(), word.end(), [](char a, char b) {
+            return std::toupper(static_cast<unsigned char>(a)) ==
+                   std::toupper(static_cast<unsigned char>(b));
+        });
     return found != text.end();
 }
+
+// The word in the line, counting only a match that reaches past the first `seen`
+// characters: one wholly within them was found when they arrived.
+bool containsNew(std::string_view line, std::size_t seen, std::string_view word) {
+    const std::size_t from = seen >= word.size() ? seen - word.size() + 1 : 0;
+    return from < line.size() && containsIgnoringCase(line.substr(from), word);
+}
+
+bool isLineEnd(char c) { return c == '\n' || c == '\r'; }
 
 // "::ffff:127.0.0.2" is how a dual-stack socket shows an IPv4 client.
 std::string plainAddress(std::string address) {
@@ -79,7 +91,30 @@ int listeningSocket(int family, int port, std::string& error) {
 }  // namespace
 
 PeerOrders findOrders(std::string_view text) {
-    return {containsIgnoringCase(text, "EXIT"), containsIgnoringCase(text, "CLOSE")};
+    return {containsIgnoringCase(text, kExitOrder), containsIgnoringCase(text, kCloseOrder)};
+}
+
+PeerOrders OrderLines::take(std::string_view data) {
+    PeerOrders found;
+    const auto search = [&found](std::string_view line, std::size_t seen) {
+        found.exit = found.exit || containsNew(line, seen, kExitOrder);
+        found.close = found.close || containsNew(line, seen, kCloseOrder);
+    };
+    while (!data.empty()) {
+        const std::size_t end = static_cast<std::size_t>(
+            std::find_if(data.begin(), data.end(), isLineEnd) - data.begin());
+        const std::size_t seen = unfinished_.size();
+        unfinished_.append(data.substr(0, end));
+        search(unfinished_, seen);
+        if (end == data.size()) break;
+        unfinished_.clear();
+        data.remove_prefix(end + 1);
+    }
+    if (unfinished_.size() > kLongestLine) {
+        // Its last letters are kept, all of them searched already.
+        unfinished_.erase(0, unfinished_.size() - (kCloseOrder.size() - 1));
+    }
+    return found;
 }
 
 bool orderSenderAllowed(const std::string& clientAddress,
@@ -134,6 +169,7 @@ void OrderListener::close() {
 }
 
 void OrderListener::dropPeer() {
+    lines_.clear();
     if (peerWatch_ != 0) loop_.unwatchFd(peerWatch_);
     peerWatch_ = 0;
     if (peerFd_ >= 0) ::close(peerFd_);
@@ -153,7 +189,8 @@ void OrderListener::accept() {
             peerAddress ? addressesOf(peerAddress()) : std::vector<std::string>{};
         if (!orderSenderAllowed(client, peer)) {
             ::close(fd);
-            if (trace_) trace_("TCP order connection from " + client + " closed unread: not the peer");
+            if (trace_)
+                trace_("TCP order connection from " + client + " closed unread: not the peer");
             continue;
         }
         // Only one peer is served: the newer connection takes the place of the older.
@@ -171,7 +208,8 @@ void OrderListener::read() {
         dropPeer();
         return;
     }
-    const PeerOrders orders = findOrders(std::string_view(buffer.data(), static_cast<std::size_t>(got)));
+    const PeerOrders orders =
+        lines_.take(std::string_view(buffer.data(), static_cast<std::size_t>(got)));
     // The orders may end the program or close this listener: nothing of it is used after.
     if ((orders.exit || orders.close) && onOrders) onOrders(orders);
 }

@@ -3,7 +3,10 @@
 // goes out here, one CR LF line on a connection of its own, and the orders the
 // peer gives come in on the listener. A message that can't be delivered waits in
 // a queue; the reconnection dialog tries again by itself once, then leaves the
-// choice to the user. A peer that can't be reached never stops the dictation.
+// choice to the user. Besides, whenever the peer answers again (the next message
+// goes through, or a quiet look every few seconds finds it listening) the queue
+// goes out, oldest first, each message once. A peer that can't be reached never
+// stops the dictation.
 
 #include <functional>
 #include <string>
@@ -25,6 +28,8 @@ inline constexpr const char* kReportSentTrace = " * TCP MSG SuccessfulLY SENT* "
 inline constexpr const char* kConnectionErrorTrace = " * TCP CONNECTION ERROR* ";
 // At this count a failed message is no longer kept.
 inline constexpr int kQueueSlots = 500;
+// How often a waiting queue looks whether the peer listens again.
+inline constexpr int kQueueRetryMs = 3000;
 
 // frmTCPReConnection as data: what the dialog shows. The window renders it.
 struct ReconnectionDialog {
@@ -67,7 +72,7 @@ struct PeerLinkParts {
 };
 
 class PeerLink {
-public:
+  public:
     explicit PeerLink(PeerLinkParts parts);
     PeerLink(const PeerLink&) = delete;
     PeerLink& operator=(const PeerLink&) = delete;
@@ -87,6 +92,8 @@ public:
 
     // ---- Reconnection ----
     platform::Timer timShowTCPError;
+    // Looks quietly, while messages wait, whether the peer listens again.
+    platform::Timer queueRetry;
     void timShowTCPError_Timer();
     void TCPReconnect();
     void cmdOK_Click();
@@ -108,15 +115,26 @@ public:
     // The dialog's view changed: show, redraw or unload it.
     std::function<void()> onDialogChanged;
 
-private:
+  private:
     // Steps 1 to 4 of the peer send: the error text, empty when delivered.
     std::string deliver(const std::string& text, const std::string& waitTag);
     // A connection alone, to see whether the peer answers: the error text.
     std::string tryConnection(const std::string& waitTag);
+    // Sends what waits, oldest first, until one fails: that one and those after it
+    // wait on. The error text of the failure, empty when the queue went out.
+    std::string sendQueued();
+    // The same, with the failure shown and traced as the peer send does.
+    void sendQueuedOrTrace();
+    // The queue retry's tick: the verdict of the last look, then a new look.
+    void queueRetryTick();
+    // Takes the first `count` messages off the queue; those queued behind them move up.
+    void dropFront(std::size_t count);
+    [[nodiscard]] std::size_t queuedCount() const;
     // The link's wait of TCPDelay seconds, traced with the tag.
     void pause(const std::string& tag);
     void queue(const std::string& text);
-    void clearQueue();
+    // Erases the resent messages from the queue and the count of the user's tries.
+    void clearQueue(std::size_t resent);
     void showDialog(bool modal);
     void unloadDialog();
     void orders(const PeerOrders& orders);
@@ -132,6 +150,12 @@ private:
     int orderPort_;
     OrderListener tcpServer;
     TCPClient TCPClient_;
+    // The queue retry's own connection: it only looks whether the peer listens.
+    TCPClient probe_;
+    bool probing_ = false;
+    // A message is on its way: the one connection is taken, and a message that comes
+    // meanwhile waits in the queue behind it.
+    bool sending_ = false;
     double TCPFailedCount = 0;
     std::vector<std::string> TCPFailedMessages;
     double TCPRetries = 0;

@@ -10,13 +10,15 @@ HandsFree::HandsFree(HandsFreeParts parts)
       switchModel({parts.dictation, parts.AudioEditor1, parts.config, parts.log, parts.prompts,
                    parts.peer, messages, parts.letters}),
       dispatcher(parts.config.record, parts.dictation.state, parts.dictation.view,
-                 parts.dictation.hits, switchModel, {timSERStepBACK, timUSBStepBACK, timGAMEStepBACK}),
+                 parts.dictation.hits, switchModel,
+                 {timSERStepBACK, timUSBStepBACK, timGAMEStepBACK}),
       usb(parts.config, parts.prompts, parts.loop, dispatcher, parts.dictation.hits,
           parts.dictation.state, timUSBStepBACK, parts.hidraw),
       serial(parts.config, parts.prompts, parts.loop, dispatcher, parts.dictation.hits,
              parts.dictation.state, timSERStepBACK, *this),
       dictation_(parts.dictation),
-      config_(parts.config) {
+      config_(parts.config),
+      log_(parts.log) {
     dispatcher.usbPedalHeld = [this] { return usb.decoder.pedalHeld(); };
     usb.PedalsBusy = [this] { return dictation_.state.PedalsBusy; };
     usb.showConfigDialog = [this] {
@@ -59,6 +61,23 @@ void HandsFree::showConfigSERFootPedals() {
 
 void HandsFree::endProgram() {
     if (onEndProgram) onEndProgram();
+}
+
+void HandsFree::showStatus(const std::string& text) {
+    dictation_.view.Label40 = text;
+    ++dictation_.view.revision;
+    if (dictation_.onViewChanged) dictation_.onViewChanged();
+}
+
+void HandsFree::tellSerialPortProblem(const std::string& text) {
+    log_.trace(text);
+    showStatus(text);
+}
+
+void HandsFree::tellSerialPortOpened(const std::string& text) {
+    log_.trace(text);
+    // The warning goes once the pedal works; a newer status stays.
+    if (dictation_.view.Label40.rfind(kFootPedalPortNotice, 0) == 0) showStatus(text);
 }
 
 }  // namespace ovd::devices

@@ -32,7 +32,7 @@ struct HandsFreeParts {
 };
 
 class HandsFree : private SerialPedalsHost {
-public:
+  public:
     explicit HandsFree(HandsFreeParts parts);
     ~HandsFree() override;
     HandsFree(const HandsFree&) = delete;
@@ -58,7 +58,7 @@ public:
     UsbPedals usb;
     SerialPedals serial;
 
-private:
+  private:
     [[nodiscard]] bool USBPedals() const override;
     [[nodiscard]] bool GamePortPedals() const override;
     [[nodiscard]] bool pedalInputSilenced() const override;
@@ -66,9 +66,13 @@ private:
     void showConfigSERFootPedals() override;
     void clearLabel17() override {}  // a label of the pedal settings window, redrawn when it opens
     void endProgram() override;
+    void tellSerialPortProblem(const std::string& text) override;
+    void tellSerialPortOpened(const std::string& text) override;
+    void showStatus(const std::string& text);
 
     dictation::Dictation& dictation_;
     settings::ConfigFile& config_;
+    settings::EventLog& log_;
 };
 
 }  // namespace ovd::devices

@@ -31,10 +31,10 @@ void SerialPedalDecoder::press(const char* pedal) {
 
 void SerialPedalDecoder::release(const char* pedal) { sink_.PedalEventSER(pedal, kUp); }
 
-void SerialPedalDecoder::OnComm(SerialByteSource& port) {
-    if (hooks_.silenced && hooks_.silenced()) return;
+bool SerialPedalDecoder::OnComm(SerialByteSource& port) {
+    if (hooks_.silenced && hooks_.silenced()) return false;
 
-    if (options_.NOSMARTPEDAL && !otherDevicePedalHeld() && !readModemLines(port)) return;
+    if (options_.NOSMARTPEDAL && !otherDevicePedalHeld() && !readModemLines(port)) return false;
 
     for (int i = 0; i < kSlots; ++i) {
         const auto byte = port.readByte();
@@ -45,10 +45,11 @@ void SerialPedalDecoder::OnComm(SerialByteSource& port) {
             SerInput[i].clear();
         }
         // Kept on purpose: an empty read leaves the slot's old code, which is acted on again.
-        if (!actOn(SerCode[i])) return;
+        if (!actOn(SerCode[i])) return false;
     }
     // Kept on purpose: an eleventh byte of a burst is read and dropped.
     (void)port.readByte();
+    return true;
 }
 
 bool SerialPedalDecoder::readModemLines(SerialByteSource& port) {

@@ -67,8 +67,11 @@ class SerialPedalDecoder {
                        PedalEventSink& sink, SerialPedalHooks hooks,
                        SerialPedalOptions options = {});
 
-    // The port's receive event: reads up to ten bytes and acts on each slot.
-    void OnComm(SerialByteSource& port);
+    // The port's receive event: reads up to ten bytes and acts on each slot, and
+    // one more that is dropped. False when the handler was left early (the pedals
+    // silenced, or a press refused during an insert): what still waits is for the
+    // next arrival.
+    bool OnComm(SerialByteSource& port);
 
     // A fresh start of the port forgets whose press came last.
     void clearLastSerCode() { LastSerCode = 0; }

@@ -19,9 +19,14 @@ SerialPedals::SerialPedals(settings::ConfigFile& config, platform::Prompts& prom
       // PedalSwap and NOSMARTPEDAL stay false: no setting reaches them, the branches are kept.
       decoder_(config.record, dictation, hits, sink,
                SerialPedalHooks{[&h = host] { return h.pedalInputSilenced(); },
-                                [&t = timSERStepBACK] { t.setEnabled(false); }}) {
-    port_.setOnReceive([this] { OnComm(); });
+                                [&t = timSERStepBACK] { t.setEnabled(false); }}),
+      retryOpen_(loop, "serial port retry", kSerialPortRetryMs) {
+    port_.setOnReceive([this] { receive(); });
+    port_.setOnLost([this] { portLost(); });
+    retryOpen_.setOnTick([this] { retryOpenTick(); });
 }
+
+std::string SerialPedals::portName() const { return "COM" + std::to_string(config_.record.Port); }
 
 std::string SerialPedals::programTitle() const {
     return config_.record.HandsFreeEdition ? "Orvane Voice Desk" : "Orvane Station Recorder Desk";
@@ -54,12 +59,17 @@ void SerialPedals::OpenSerialPedals() {
     checkPortItem(config_.record.Port);
     if (!port_.isOpen()) {
         if (auto error = openDevice()) {
-            // A start that finds the port refused says nothing: the foot pedal menu
-            // tries again and tells the user then.
+            // The foot pedal menu still offers to reopen the port, as after any
+            // refused start.
             PortINUse_ = true;
+            retryLater(*error);
             return;
         }
     }
+    startPedal();
+}
+
+void SerialPedals::startPedal() {
     port_.resetPedal();
     host_.clearLabel17();
     decoder_.clearLastSerCode();
@@ -68,9 +78,54 @@ void SerialPedals::OpenSerialPedals() {
     OnComm();
 }
 
-void SerialPedals::CloseSerialPedals() { port_.close(); }
+void SerialPedals::retryLater(const SerialError& error) {
+    // A pedal that silently does nothing leaves the author talking to no one:
+    // say once which port failed and why, then keep trying without a word.
+    if (!retryOpen_.Enabled()) {
+        host_.tellSerialPortProblem(kFootPedalPortNotice + portName() + " could not be opened (" +
+                                    error.text + "); trying it again every " +
+                                    std::to_string(kSerialPortRetryMs / 1000) + " seconds");
+    }
+    retryOpen_.setEnabled(true);
+}
 
-void SerialPedals::OnComm() { decoder_.OnComm(port_); }
+void SerialPedals::retryOpenTick() {
+    if (!PortINUse_ || port_.isOpen()) {
+        stopRetrying();
+        return;
+    }
+    if (openDevice()) return;
+    stopRetrying();
+    PortINUse_ = false;
+    host_.tellSerialPortOpened(kFootPedalPortNotice + portName() + " is open (" +
+                               port_.devicePath() + ")");
+    startPedal();
+}
+
+void SerialPedals::stopRetrying() { retryOpen_.setEnabled(false); }
+
+void SerialPedals::portLost() {
+    SerialError gone{SerialFault::NotAvailable, port_.devicePath() + ": the device went away"};
+    lastError_ = gone;
+    port_.close();
+    PortINUse_ = true;
+    retryLater(gone);
+}
+
+void SerialPedals::CloseSerialPedals() {
+    stopRetrying();
+    port_.close();
+}
+
+void SerialPedals::OnComm() { (void)decoder_.OnComm(port_); }
+
+void SerialPedals::receive() {
+    // The handler takes eleven bytes a turn; everything that came is handled now,
+    // so that noise on the line never stands between the author's foot and the
+    // take. A turn left early keeps the rest for the next arrival.
+    while (decoder_.OnComm(port_) && port_.isOpen() && port_.waiting() > 0) {
+    }
+}
 
 bool SerialPedals::portChangeEndsProgram(int oldPort, const std::string& title) {
     if (config_.record.Port == oldPort) return false;
@@ -106,6 +161,7 @@ void SerialPedals::reportPortError(const SerialError& error, int oldPort) {
 }
 
 void SerialPedals::ReopenSerialPort(int oldPort) {
+    stopRetrying();
     PortINUse_ = false;
     port_.close();
     const std::string title = config_.record.HandsFreeEdition
@@ -125,6 +181,7 @@ void SerialPedals::mnuComPortItem(int index) {
         prompts_.showMessage(kUsbPedalsNeedNoComPort, programTitle());
         return;
     }
+    stopRetrying();
     port_.close();
     const int oldPort = config_.record.Port;
     config_.record.Port = static_cast<std::int16_t>(index + 1);

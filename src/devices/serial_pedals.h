@@ -48,7 +48,17 @@ class SerialPedalsHost {
     virtual void clearLabel17() = 0;
     // A port change takes effect at the next start: the program ends here.
     virtual void endProgram() = 0;
+    // The pedal's port could not be opened (or went away), with the reason; told
+    // once, while the port is tried again quietly.
+    virtual void tellSerialPortProblem(const std::string& /*text*/) {}
+    // The port tried again is open now and the pedal works.
+    virtual void tellSerialPortOpened(const std::string& /*text*/) {}
 };
+
+// The start of every word the station says about the pedal's port on its own.
+inline constexpr const char* kFootPedalPortNotice = "Foot pedal port ";
+// How often a port that could not be opened is tried again.
+inline constexpr int kSerialPortRetryMs = 3000;
 
 class SerialPedals {
   public:
@@ -79,8 +89,22 @@ class SerialPedals {
     [[nodiscard]] const std::optional<SerialError>& lastPortError() const { return lastError_; }
     [[nodiscard]] const SerialPedalDecoder& decoder() const { return decoder_; }
     [[nodiscard]] SerialPort& port() { return port_; }
+    // True while a port that could not be opened is tried again.
+    [[nodiscard]] bool retrying() const { return retryOpen_.Enabled(); }
 
   private:
+    // New bytes on the port: the handler runs until all are taken.
+    void receive();
+    // The pedal on an open port: reset, forget the last press, take what came while
+    // it powered up, and the handler once.
+    void startPedal();
+    // The port refused at start or lost: the author is told once, and the port is
+    // tried again every few seconds until it opens or the user takes over.
+    void retryLater(const SerialError& error);
+    void retryOpenTick();
+    void stopRetrying();
+    void portLost();
+    [[nodiscard]] std::string portName() const;
     [[nodiscard]] std::string programTitle() const;
     void checkPortItem(int port);
     // Opens the device of Port; the refusal when it fails.
@@ -97,6 +121,7 @@ class SerialPedals {
     SerialPedalsHost& host_;
     SerialPort port_;
     SerialPedalDecoder decoder_;
+    platform::Timer retryOpen_;
     bool PortINUse_ = false;
     bool serMenuChecked_ = false;
     std::array<bool, kPortCount> portItemChecked_{};

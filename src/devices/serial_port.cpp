@@ -20,9 +20,12 @@ namespace {
 // Long enough for the pedal to notice its power gone; the device needs some
 // milliseconds, no more.
 constexpr std::chrono::milliseconds kLineSettleTime{10};
-// A serial control's receive buffer; bytes beyond it are lost, as they would be
-// on the wire.
+// A serial control's receive buffer. A line that chatters keeps its newest bytes:
+// a press that comes after noise is what the author means now.
 constexpr std::size_t kReceiveBufferSize = 1024;
+// What one receive event takes from the tty at most, so that a line flooded
+// faster than it is read still lets the loop turn; the rest comes at the next event.
+constexpr std::size_t kMostPerEvent = 4 * kReceiveBufferSize;
 
 SerialError errorFromErrno(int error, const std::string& what) {
     SerialError result;
@@ -98,6 +101,7 @@ std::optional<SerialError> SerialPort::open(const std::string& devicePath) {
     fd_ = fd;
     devicePath_ = devicePath;
     buffer_.clear();
+    lost_ = false;
     watch_ = loop_.watchFd(fd_, platform::FdEvent::Readable, [this] { onReadable(); });
     return std::nullopt;
 }
@@ -129,12 +133,16 @@ bool SerialPort::fillBuffer() {
     if (!isOpen()) return false;
     bool gotSome = false;
     std::uint8_t chunk[256];
-    for (;;) {
+    for (std::size_t taken = 0; taken < kMostPerEvent;) {
         const ssize_t count = ::read(fd_, chunk, sizeof chunk);
         if (count > 0) {
-            for (ssize_t i = 0; i < count && buffer_.size() < kReceiveBufferSize; ++i) {
-                buffer_.push_back(chunk[i]);
+            buffer_.insert(buffer_.end(), chunk, chunk + count);
+            if (buffer_.size() > kReceiveBufferSize) {
+                buffer_.erase(buffer_.begin(),
+                              buffer_.begin() +
+                                  static_cast<std::ptrdiff_t>(buffer_.size() - kReceiveBufferSize));
             }
+            taken += static_cast<std::size_t>(count);
             gotSome = true;
             continue;
         }
@@ -145,12 +153,18 @@ bool SerialPort::fillBuffer() {
         // until closed.
         if (watch_) loop_.unwatchFd(*watch_);
         watch_.reset();
+        lost_ = true;
         return gotSome;
     }
+    return gotSome;
 }
 
 void SerialPort::onReadable() {
     if (fillBuffer() && onReceive_) onReceive_();
+    if (lost_ && isOpen() && onLost_) {
+        lost_ = false;
+        onLost_();
+    }
 }
 
 std::optional<std::uint8_t> SerialPort::readByte() {

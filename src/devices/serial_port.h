@@ -3,8 +3,8 @@
 // no parity, one stop bit and no flow control. The pedal draws its power from RTS
 // and DTR, and dropping both for a moment resets it. Bytes are taken from the tty
 // on the station's loop into the port's own receive buffer, and the receive
-// callback runs whenever new ones came in; the handler then reads them one by one
-// and may leave some for the next time, as a serial control's buffer allows.
+// callback runs whenever new ones came in; the handler then reads them one by one.
+// The buffer is bounded and keeps the newest bytes when a noisy line overfills it.
 //
 // COM1 to COM8 are device paths named in SerialPorts.ini in the data folder, so a
 // USB adapter or a pty can stand for a port.
@@ -47,6 +47,9 @@ class SerialPort : public SerialByteSource {
     SerialPort& operator=(const SerialPort&) = delete;
 
     void setOnReceive(std::function<void()> onReceive) { onReceive_ = std::move(onReceive); }
+    // The device went away under the open port (unplugged, or its other end gone).
+    // The port is still open when this runs; the callback may close it.
+    void setOnLost(std::function<void()> onLost) { onLost_ = std::move(onLost); }
 
     // Opens the device for this process alone. Opening an open port is refused as
     // in use.
@@ -79,6 +82,8 @@ class SerialPort : public SerialByteSource {
 
     platform::EventLoop& loop_;
     std::function<void()> onReceive_;
+    std::function<void()> onLost_;
+    bool lost_ = false;
     int fd_ = -1;
     std::string devicePath_;
     std::optional<platform::EventLoop::Handle> watch_;

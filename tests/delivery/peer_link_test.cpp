@@ -5,8 +5,13 @@
 
 #include "delivery/peer_link.h"
 
+#include <arpa/inet.h>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
+#include <chrono>
 #include <thread>
 
 #include "support/loopback_peer.h"
@@ -20,7 +25,7 @@ namespace {
 using platform::Milliseconds;
 
 class PeerLinkTest : public ::testing::Test {
-protected:
+  protected:
     PeerLinkTest() {
         config.record.TCP = true;
         config.record.TCPIP = "127.0.0.1";
@@ -57,8 +62,8 @@ TEST_F(PeerLinkTest, EachMessageArrivesAsItsOwnLineWithBothWaitsTraced) {
     config.record.TCPDelay = 0;  // no wait at all: the verdict is read right after the send
     EXPECT_TRUE(link.send({"BTN3_AB0001 Please call me", " -BTN"}));
 
-    EXPECT_EQ(peer.receive(3), (std::vector<std::string>{
-                                   "LOADED_AB0001.WAV\r\n", "UserExit_\r\n", "BTN3_AB0001 Please call me\r\n"}));
+    EXPECT_EQ(peer.receive(3), (std::vector<std::string>{"LOADED_AB0001.WAV\r\n", "UserExit_\r\n",
+                                                         "BTN3_AB0001 Please call me\r\n"}));
     EXPECT_TRUE(logged(" Pausing = 2 -53 Opening Socket"));
     EXPECT_TRUE(logged(" Pausing = 2 -58 Sending Message in CreateFileName"));
     EXPECT_TRUE(logged(" Pausing = 0 -BTN"));
@@ -104,7 +109,8 @@ TEST_F(PeerLinkTest, AnUnreachablePeerQueuesTheDialogOpensOnceAndConnectResendsI
     // The peer is back: the queue goes out in order and the dialog closes.
     config.record.TCPPort = std::to_string(livePort);
     link.cmdConnect_Click();
-    EXPECT_EQ(peer.receive(2), (std::vector<std::string>{"DICT_AB0001.WAV\r\n", "ERRDST1_AB0001.WAV\r\n"}));
+    EXPECT_EQ(peer.receive(2),
+              (std::vector<std::string>{"DICT_AB0001.WAV\r\n", "ERRDST1_AB0001.WAV\r\n"}));
     EXPECT_EQ(prompts.texts().back(), "TCP Now Connected");
     EXPECT_TRUE(logged(" Pausing = 2 -78"));
     EXPECT_TRUE(logged(" Pausing = 2 -79"));
@@ -127,7 +133,8 @@ TEST_F(PeerLinkTest, OkKeepsTheQueueAndTheTimersOwnTryResendsWhenThePeerIsBack) 
     link.send({"DiskErr_AB0002.WAV", " -68"});
     config.record.TCPPort = std::to_string(livePort);
     run(500);
-    EXPECT_EQ(peer.receive(2), (std::vector<std::string>{"UserClose_\r\n", "DiskErr_AB0002.WAV\r\n"}));
+    EXPECT_EQ(peer.receive(2),
+              (std::vector<std::string>{"UserClose_\r\n", "DiskErr_AB0002.WAV\r\n"}));
     EXPECT_TRUE(logged(" Pausing = 2 -77"));
     EXPECT_FALSE(link.frmTCPReConnection.loaded);
     EXPECT_EQ(link.failedCount(), 0);
@@ -145,10 +152,65 @@ TEST_F(PeerLinkTest, TheQueueKeepsTheVariantTextAndDropsMessagesPastItsSlots) {
     EXPECT_EQ(link.failedCount(), 502) << "the count goes on past the slots";
 }
 
+// The peer goes away and comes back by itself, with no one at the dialog's
+// Connect: what waited goes out oldest first, each message once, and a peer that
+// stays away leaves the event log alone meanwhile.
+TEST_F(PeerLinkTest, TheQueueGoesOutByItselfOnceThePeerListensAgain) {
+    const int port = testing::unusedLoopbackPort();
+    config.record.TCPPort = std::to_string(port);
+    for (const char* text : {"LOADED_AB0001.WAV", "UserClose_AB0001.WAV"}) {
+        EXPECT_FALSE(link.send({text, " -73"}));
+        run(500);
+        link.cmdOK_Click();  // as the headless station answers the dialog
+    }
+    ASSERT_EQ(link.queued(),
+              (std::vector<std::string>{"LOADED_AB0001.WAV", "UserClose_AB0001.WAV"}));
+
+    const std::size_t logBefore = log.text().size();
+    run(30000);
+    EXPECT_EQ(log.text().size(), logBefore) << log.text().substr(logBefore);
+    EXPECT_EQ(link.queued().size(), 2u);
+
+    testing::LoopbackPeer back("127.0.0.1", port);
+    run(2 * kQueueRetryMs + 500);
+    EXPECT_EQ(back.receive(2),
+              (std::vector<std::string>{"LOADED_AB0001.WAV\r\n", "UserClose_AB0001.WAV\r\n"}));
+    EXPECT_TRUE(link.queued().empty());
+    EXPECT_EQ(link.failedCount(), 0);
+    EXPECT_TRUE(logged(" LOADED_AB0001.WAV * TCP MSG SUCESSFULLY SENT* "));
+
+    run(4 * kQueueRetryMs);
+    EXPECT_TRUE(link.send({"DICT_AB0001.WAV", " -H"}));
+    EXPECT_EQ(back.receive(3).size(), 3u);
+    run(500);
+    EXPECT_EQ(back.received().size(), 3u) << "each message once";
+}
+
+TEST_F(PeerLinkTest, TheNextMessageThatGoesThroughBringsTheQueueAfterIt) {
+    const int port = testing::unusedLoopbackPort();
+    config.record.TCPPort = std::to_string(port);
+    link.send({"LOADED_AB0001.WAV", " -73"});
+    run(500);
+    link.cmdOK_Click();
+
+    link.send({"DICT_AB0001.WAV", " -H"});
+    run(500);
+    link.cmdOK_Click();
+
+    testing::LoopbackPeer back("127.0.0.1", port);
+    EXPECT_TRUE(link.send({"UserClose_AB0001.WAV", " -63"}));
+    EXPECT_EQ(back.receive(3),
+              (std::vector<std::string>{"UserClose_AB0001.WAV\r\n", "LOADED_AB0001.WAV\r\n",
+                                        "DICT_AB0001.WAV\r\n"}));
+    EXPECT_TRUE(link.queued().empty());
+    EXPECT_FALSE(link.timShowTCPError.Enabled());
+    EXPECT_FALSE(link.frmTCPReConnection.loaded);
+}
+
 // ---- Orders ----
 
 class PeerOrdersTest : public PeerLinkTest {
-protected:
+  protected:
     PeerOrdersTest() {
         link.onExitOrder = [this] { heard.push_back("exit"); };
         link.onCloseOrder = [this] { heard.push_back("close"); };
@@ -190,7 +252,8 @@ TEST_F(PeerOrdersTest, GarbageAndAThousandConnectionsChangeNothing) {
         garbage[i] = c;
     }
     bool sent = false;
-    std::thread sender([&] { sent = testing::sendFrom("127.0.0.1", "127.0.0.1", orderPort, garbage); });
+    std::thread sender(
+        [&] { sent = testing::sendFrom("127.0.0.1", "127.0.0.1", orderPort, garbage); });
     for (int i = 0; i < 400 && !sent; ++i) run(10);
     sender.join();
     EXPECT_TRUE(sent);
@@ -202,6 +265,32 @@ TEST_F(PeerOrdersTest, GarbageAndAThousandConnectionsChangeNothing) {
     EXPECT_TRUE(heard.empty());
     order("127.0.0.1", "exit");
     EXPECT_EQ(heard, std::vector<std::string>{"exit"}) << "the listener still hears its peer";
+}
+
+// An order the network hands over in two pieces, the second a moment later, on
+// a connection the peer keeps open.
+TEST_F(PeerOrdersTest, AnOrderSplitAcrossTwoPacketsIsHeardOnce) {
+    const int client = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in to{};
+    to.sin_family = AF_INET;
+    to.sin_port = htons(static_cast<std::uint16_t>(orderPort));
+    to.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    ASSERT_EQ(::connect(client, reinterpret_cast<sockaddr*>(&to), sizeof to), 0);
+    const auto piece = [&](const std::string& text) {
+        ASSERT_EQ(::send(client, text.data(), text.size(), MSG_NOSIGNAL),
+                  static_cast<ssize_t>(text.size()));
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        run(300);
+    };
+    piece("cl");
+    piece("OSE");
+    EXPECT_EQ(heard, std::vector<std::string>{"close"});
+    piece("\r\n");
+    piece("EX");
+    EXPECT_EQ(heard, std::vector<std::string>{"close"});
+    piece("IT\r\n");  // the last: the exit closes the listener
+    EXPECT_EQ(heard, (std::vector<std::string>{"close", "exit"}));
+    ::close(client);
 }
 
 TEST_F(PeerLinkTest, APortAlreadyTakenEndsTheProgramWithItsMessage) {

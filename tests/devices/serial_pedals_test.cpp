@@ -6,10 +6,14 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <sys/file.h>
 #include <termios.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <fstream>
+#include <memory>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -21,9 +25,9 @@
 namespace ovd::devices {
 namespace {
 
-using testing::PseudoTerminal;
 using platform::Answer;
 using platform::Milliseconds;
+using testing::PseudoTerminal;
 
 struct EdgeLog : PedalEventSink {
     std::vector<std::string> edges;
@@ -37,6 +41,7 @@ struct EdgeLog : PedalEventSink {
 struct FakeHost : SerialPedalsHost {
     bool usb = false, game = false;
     int othersUnchecked = 0, configShown = 0, label17Cleared = 0, endings = 0;
+    std::vector<std::string> problems, opened;
     bool USBPedals() const override { return usb; }
     bool GamePortPedals() const override { return game; }
     bool pedalInputSilenced() const override { return false; }
@@ -44,6 +49,8 @@ struct FakeHost : SerialPedalsHost {
     void showConfigSERFootPedals() override { ++configShown; }
     void clearLabel17() override { ++label17Cleared; }
     void endProgram() override { ++endings; }
+    void tellSerialPortProblem(const std::string& text) override { problems.push_back(text); }
+    void tellSerialPortOpened(const std::string& text) override { opened.push_back(text); }
 };
 
 struct Station {
@@ -208,7 +215,7 @@ TEST(SerialPedalsTest, PortHeldByAnotherStationIsInUse) {
     EXPECT_EQ(second.prompts.transcript()[0].title, "Orvane Voice Desk");
     EXPECT_EQ(second.config.writeCount(), 1);
 
-    // At start the refusal is silent and the foot pedal menu tries again later.
+    // At start the refusal asks nothing, and the foot pedal menu can reopen the port.
     second.pedals.OpenSerialPedals();
     EXPECT_TRUE(second.pedals.PortINUse());
     EXPECT_EQ(second.prompts.transcript().size(), 1U);
@@ -258,6 +265,103 @@ TEST(SerialPedalsTest, FootPedalMenuSwitchesSerialPedalsOnAndOff) {
     EXPECT_FALSE(station.config.record.UserSelectSerial);
     EXPECT_FALSE(station.pedals.PortOpen());
     EXPECT_EQ(station.config.writeCount(), 2);
+}
+
+// Bytes of a line that picks up noise: anything but the pedal's four codes.
+std::vector<std::uint8_t> lineNoise(std::size_t count, unsigned seed) {
+    std::mt19937 random(seed);
+    std::vector<std::uint8_t> noise;
+    while (noise.size() < count) {
+        const auto byte = static_cast<std::uint8_t>(random() & 0xFF);
+        if (byte != 0x81 && byte != 0x84 && byte != 0x85 && byte != 0x87) noise.push_back(byte);
+    }
+    return noise;
+}
+
+TEST(SerialPedalsTest, APressAfterAnyAmountOfNoiseActsAtOnce) {
+    PseudoTerminal pty;
+    Station station;
+    station.namePorts("COM1=" + pty.slavePath() + "\r\n");
+    station.config.record.Port = 1;
+    station.pedals.OpenSerialPedals();
+    ASSERT_TRUE(station.pedals.PortOpen());
+
+    const std::vector<std::uint8_t> noise = lineNoise(10000, 7);
+    for (std::size_t at = 0; at < noise.size(); at += 500) {
+        pty.send(std::vector<std::uint8_t>(noise.begin() + static_cast<std::ptrdiff_t>(at),
+                                           noise.begin() + static_cast<std::ptrdiff_t>(at + 500)));
+        station.loop.advance(Milliseconds(10));
+    }
+    EXPECT_TRUE(station.sink.edges.empty());
+
+    pty.send(0x85);
+    station.loop.advance(Milliseconds(20));
+    EXPECT_EQ(station.sink.edges, std::vector<std::string>{"MIDDLE DOWN"});
+    pty.send(0x87);
+    station.loop.advance(Milliseconds(20));
+    EXPECT_EQ(station.sink.edges, (std::vector<std::string>{"MIDDLE DOWN", "MIDDLE UP"}));
+    EXPECT_EQ(station.pedals.port().waiting(), 0U);
+}
+
+// A device that is not there at start, one another program holds, and one that
+// goes away while open: each is told once, and the pedal works as soon as the
+// port can be had, without the author touching a menu.
+TEST(SerialPedalsTest, APortThatCantBeOpenedIsToldOnceAndTriedAgainUntilThePedalWorks) {
+    Station station;
+    const std::string link = station.folder.file("pedal");
+    station.namePorts("COM1=" + link + "\r\n");
+    station.config.record.Port = 1;
+    station.pedals.OpenSerialPedals();
+    EXPECT_FALSE(station.pedals.PortOpen());
+    EXPECT_TRUE(station.pedals.PortINUse());
+    ASSERT_EQ(station.host.problems.size(), 1U);
+    EXPECT_NE(station.host.problems[0].find("COM1"), std::string::npos);
+    EXPECT_NE(station.host.problems[0].find(link), std::string::npos);
+    EXPECT_NE(station.host.problems[0].find("No such file"), std::string::npos);
+    EXPECT_TRUE(station.prompts.transcript().empty()) << "no box stops the start";
+
+    // Held by another program: still refused, and nothing more is said.
+    auto first = std::make_unique<PseudoTerminal>();
+    std::filesystem::create_symlink(first->slavePath(), link);
+    const int holder = ::open(first->slavePath().c_str(), O_RDWR | O_NOCTTY);
+    ASSERT_GE(holder, 0);
+    ASSERT_EQ(::flock(holder, LOCK_EX | LOCK_NB), 0);
+    station.loop.advance(Milliseconds(4 * kSerialPortRetryMs));
+    EXPECT_FALSE(station.pedals.PortOpen());
+    EXPECT_EQ(station.host.problems.size(), 1U);
+
+    // Let go: the next try opens the port and the pedal is heard.
+    ::close(holder);
+    station.loop.advance(Milliseconds(kSerialPortRetryMs + 100));
+    ASSERT_TRUE(station.pedals.PortOpen());
+    EXPECT_FALSE(station.pedals.PortINUse());
+    EXPECT_FALSE(station.pedals.retrying());
+    EXPECT_EQ(station.host.opened.size(), 1U);
+    first->send(0x85);
+    station.loop.advance(Milliseconds(20));
+    EXPECT_EQ(station.sink.edges, std::vector<std::string>{"MIDDLE DOWN"});
+    first->send(0x87);
+    station.loop.advance(Milliseconds(20));
+
+    // The device goes away under the open port, then another takes its name.
+    first.reset();
+    station.loop.advance(Milliseconds(20));
+    EXPECT_FALSE(station.pedals.PortOpen());
+    ASSERT_EQ(station.host.problems.size(), 2U);
+    EXPECT_NE(station.host.problems[1].find("went away"), std::string::npos);
+    PseudoTerminal second;
+    std::filesystem::remove(link);
+    std::filesystem::create_symlink(second.slavePath(), link);
+    station.loop.advance(Milliseconds(kSerialPortRetryMs + 100));
+    ASSERT_TRUE(station.pedals.PortOpen());
+    second.send(0x81);
+    station.loop.advance(Milliseconds(20));
+    EXPECT_EQ(station.sink.edges,
+              (std::vector<std::string>{"MIDDLE DOWN", "MIDDLE UP", "LEFT DOWN"}));
+
+    // Switched off while it is tried again: the trying stops.
+    station.pedals.CloseSerialPedals();
+    EXPECT_FALSE(station.pedals.retrying());
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace ovd::testing {
 
@@ -31,6 +32,18 @@ class PseudoTerminal {
     // The byte reaches the slave side a moment after the write, not at once.
     void send(std::uint8_t byte) const {
         ASSERT_EQ(::write(master_, &byte, 1), 1);
+        ::tcdrain(master_);
+        ::usleep(20000);
+    }
+
+    // Many bytes at once, as a noisy line or a burst would bring them.
+    void send(const std::vector<std::uint8_t>& bytes) const {
+        std::size_t done = 0;
+        while (done < bytes.size()) {
+            const ssize_t wrote = ::write(master_, bytes.data() + done, bytes.size() - done);
+            ASSERT_GT(wrote, 0);
+            done += static_cast<std::size_t>(wrote);
+        }
         ::tcdrain(master_);
         ::usleep(20000);
     }
