@@ -3,12 +3,11 @@
 // until the engine lets go of the file, and a disk without room is never
 // written to blindly.
 
-
 #include "dictation/dictation.h"
 #include "dictation/save_as_name.h"
 #include "platform/files.h"
-#include "platform/text.h"
 #include "platform/system_queries.h"
+#include "platform/text.h"
 
 namespace ovd::dictation {
 

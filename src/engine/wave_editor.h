@@ -17,13 +17,14 @@
 // (the target's name and ".partial") and moves it over the target when it is
 // complete, so a crash leaves the old file or the new one, never a part.
 
+#include <sys/types.h>
+
 #include <atomic>
 #include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
-#include <sys/types.h>
 #include <thread>
 #include <vector>
 
@@ -140,7 +141,7 @@ private:
         PcmFormat format;
         PieceList pieces;                 // the whole document
         std::optional<PieceList> added;   // set when the job adds these to the session's file
-        int lockFd = -1;   // -1 for a file that does not exist yet
+        int lockFd = -1;                  // -1 for a file that does not exist yet
         bool keepGrowing = false;  // the take goes on: keep the encoder open for the next save
     };
     using SaveProgress = std::function<void(SampleCount done)>;

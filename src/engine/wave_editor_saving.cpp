@@ -90,7 +90,8 @@ std::optional<struct stat> statOf(const std::string& path) {
 }
 
 std::int64_t changedNs(const struct stat& status) {
-    return static_cast<std::int64_t>(status.st_mtim.tv_sec) * 1'000'000'000 + status.st_mtim.tv_nsec;
+    return static_cast<std::int64_t>(status.st_mtim.tv_sec) * 1'000'000'000 +
+           status.st_mtim.tv_nsec;
 }
 
 }  // namespace
@@ -100,11 +101,13 @@ void WaveEditor::rememberFileOnDisk(const std::string& path, const PieceList& pi
     into.reset();
     const auto status = statOf(path);
     if (!status) return;
-    into = FileOnDisk{path, pieces, status->st_dev, status->st_ino, status->st_size, changedNs(*status)};
+    into = FileOnDisk{path,           pieces,          status->st_dev,
+                      status->st_ino, status->st_size, changedNs(*status)};
 }
 
 bool WaveEditor::documentIsOnDisk(const std::string& path) const {
-    if (!onDisk_ || onDisk_->path != path || !sameAudio(onDisk_->pieces, document_.pieces())) return false;
+    if (!onDisk_ || onDisk_->path != path || !sameAudio(onDisk_->pieces, document_.pieces()))
+        return false;
     const auto status = statOf(path);
     return status && status->st_dev == onDisk_->device && status->st_ino == onDisk_->inode &&
            status->st_size == onDisk_->size && changedNs(*status) == onDisk_->changedNs;
@@ -148,8 +151,14 @@ EngineResult WaveEditor::SaveAs(const std::string& path) {
             return EngineResult::failure(path + " is in use");
         }
     }
-    SaveJob job{path,         chosen_, comment_, document_.format(), document_.pieces(),
-                std::nullopt, lockFd,  state_ == EditorState::Recording};
+    SaveJob job{path,
+                chosen_,
+                comment_,
+                document_.format(),
+                document_.pieces(),
+                std::nullopt,
+                lockFd,
+                state_ == EditorState::Recording};
     if (session_) {
         if (session_->path == path && lockFd >= 0 && session_->encoder->sameFileAs(lockFd) &&
             session_->target == job.target && session_->comment == job.comment &&

@@ -3,7 +3,6 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QResizeEvent>
-
 #include <algorithm>
 #include <cstdlib>
 

@@ -4,15 +4,15 @@
 
 #include <filesystem>
 
-#include "dictation_fixture.h"
 #include "dictation/save_as_name.h"
+#include "dictation_fixture.h"
 #include "engine/codecs.h"
 
 namespace ovd::dictation::testing {
 namespace {
 
 class EditingSavingTest : public DictationTest {
-protected:
+  protected:
     std::vector<std::int16_t> letter() const { return frames(0, editor1.Length()); }
 
     void select(engine::SampleCount from, engine::SampleCount to) {
@@ -82,7 +82,8 @@ TEST_F(EditingSavingTest, AFileOpenedToListenIsTheSameFileAfterItsClose) {
         mp3.word = engine::FormatWord::MP3;
         mp3.bitrateKbps = 16;
         std::string error;
-        auto spoken = engine::AudioFileReader::open(writeRampWave(folder.file("spoken.wav"), 6), error);
+        auto spoken =
+            engine::AudioFileReader::open(writeRampWave(folder.file("spoken.wav"), 6), error);
         ASSERT_TRUE(spoken) << error;
         ASSERT_TRUE(engine::encodeFile(*spoken, path, mp3, "OVDESK").ok());
         const auto bytes = platform::readWholeFile(path);

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <vector>
 
@@ -34,7 +35,8 @@ constexpr int kRate = 16000;
 std::int64_t changedNs(const std::string& path) {
     struct stat status {};
     if (::stat(path.c_str(), &status) != 0) return -1;
-    return static_cast<std::int64_t>(status.st_mtim.tv_sec) * 1'000'000'000 + status.st_mtim.tv_nsec;
+    return static_cast<std::int64_t>(status.st_mtim.tv_sec) * 1'000'000'000 +
+           status.st_mtim.tv_nsec;
 }
 
 // Frames the station's own reader hears in a file.
@@ -47,7 +49,7 @@ SampleCount framesHeard(const std::string& path) {
 }
 
 class SaveIntegrityTest : public ::testing::Test {
-protected:
+  protected:
     SaveIntegrityTest() {
         editor.setTempFileName(folder.path() + "/Temp");
         other.setTempFileName(folder.path() + "/Temp");
@@ -201,7 +203,8 @@ struct EncoderCase {
     SampleCount frameSamples;  // one encoder frame at 16 kHz
 };
 
-class EncoderTailTest : public SaveIntegrityTest, public ::testing::WithParamInterface<EncoderCase> {};
+class EncoderTailTest : public SaveIntegrityTest,
+                        public ::testing::WithParamInterface<EncoderCase> {};
 
 TEST_P(EncoderTailTest, TheSavedFileLastsAsLongAsTheDocument) {
     const EncoderCase& c = GetParam();
@@ -247,6 +250,21 @@ TEST_P(EncoderTailTest, TheSavedFileLastsAsLongAsTheDocument) {
     editor.Stop();
     editor.Close();
     within(closed, saved, "grown, then closed");
+
+    // Stopped and saved, handed on under another name at the end of the letter, then closed.
+    const std::string ended = folder.file("ended." + formatWordText(c.word));
+    const std::string handedOn = folder.file("EOL ended." + formatWordText(c.word));
+    ASSERT_TRUE(editor.New(kRate, 1).ok());
+    editor.chooseFormat(format(c.word, c.kbps));
+    ASSERT_TRUE(editor.Record().ok());
+    loop.advance(Milliseconds(3000));
+    save(editor, ended);
+    loop.advance(Milliseconds(3000));
+    editor.Stop();
+    save(editor, ended);
+    ASSERT_EQ(std::rename(ended.c_str(), handedOn.c_str()), 0);
+    editor.Close();
+    within(handedOn, 6 * kRate, "handed on under another name");
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, EncoderTailTest,
@@ -304,8 +322,9 @@ TEST_F(SaveIntegrityTest, ATakeTheDiskStopsTakingIsToldOnceAndKeepsEverySample) 
         EXPECT_EQ(onSmallDisk.Length(), 45 * kRate) << "what the disk refused is kept";
         std::vector<std::int16_t> frames(static_cast<std::size_t>(onSmallDisk.Length()));
         EXPECT_EQ(onSmallDisk.readFrames(0, frames.data(), frames.size()), frames.size());
-        EXPECT_TRUE(std::any_of(frames.end() - 160, frames.end(), [](std::int16_t v) { return v != 0; }))
-            << "the end of the take is there, not silence";
+        EXPECT_TRUE(std::any_of(frames.end() - 160, frames.end(), [](std::int16_t v) {
+            return v != 0;
+        })) << "the end of the take is there, not silence";
         ASSERT_EQ(told.size(), 1u) << "once per take";
         EXPECT_NE(told.front().find(std::strerror(ENOSPC)), std::string::npos) << told.front();
         EXPECT_NE(told.front().find(onSmallDisk.TempFileName()), std::string::npos) << told.front();

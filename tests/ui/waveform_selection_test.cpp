@@ -4,15 +4,14 @@
 #include <QApplication>
 #include <QMouseEvent>
 
-#include "ui/waveform_view.h"
-
 #include "ui/station_window_fixture.h"
+#include "ui/waveform_view.h"
 
 namespace ovd::ui::testing {
 namespace {
 
 class WaveformSelectionTest : public StationWindowTest {
-protected:
+  protected:
     WaveformView& waveform() {
         WaveformView& view = window().waveform();
         view.resize(402, 100);  // 400 columns of pixels: one per 1/400 of the letter
