@@ -3,6 +3,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QResizeEvent>
+
 #include <algorithm>
 #include <cstdlib>
 

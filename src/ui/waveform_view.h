@@ -22,20 +22,20 @@ namespace ovd::ui {
 
 class WaveformView : public QWidget {
 public:
-  explicit WaveformView(engine::WaveEditor& editor, QWidget* parent = nullptr);
+    explicit WaveformView(engine::WaveEditor& editor, QWidget* parent = nullptr);
 
-  // The editor says its document changed (an edit can keep the length).
-  void markChanged() { changed_ = true; }
-  // Reads the document again if it changed since the last look.
-  void refresh();
+    // The editor says its document changed (an edit can keep the length).
+    void markChanged() { changed_ = true; }
+    // Reads the document again if it changed since the last look.
+    void refresh();
 
-  [[nodiscard]] QSize sizeHint() const override { return {560, 110}; }
-  [[nodiscard]] QSize minimumSizeHint() const override { return {120, 40}; }
+    [[nodiscard]] QSize sizeHint() const override { return {560, 110}; }
+    [[nodiscard]] QSize minimumSizeHint() const override { return {120, 40}; }
 
-  // One pair of (lowest, highest) per column; empty for an empty document.
-  [[nodiscard]] const std::vector<std::pair<std::int16_t, std::int16_t>>& columns() const {
-      return columns_;
-  }
+    // One pair of (lowest, highest) per column; empty for an empty document.
+    [[nodiscard]] const std::vector<std::pair<std::int16_t, std::int16_t>>& columns() const {
+        return columns_;
+    }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -44,7 +44,7 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
 
-  private:
+private:
     void readColumns();
     // The document position under a column of pixels.
     [[nodiscard]] engine::SampleCount positionAt(int x) const;
