@@ -3,6 +3,10 @@
 // until the engine lets go of the file, and a disk without room is never
 // written to blindly.
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
 #include "dictation/dictation.h"
 #include "dictation/save_as_name.h"
 #include "platform/files.h"
@@ -185,7 +189,17 @@ void Dictation::SaveFileAs() {
         return;
     }
     *chosen = withExtensionOf(*chosen, state.SaveOldFileName);
-    if (std::string reason; !platform::copyFileOver(state.SaveOldFileName, *chosen, &reason)) {
+    // Copied beside the new name and moved onto it once complete, as every save
+    // is written: a crash leaves no half file under the name the author chose.
+    const std::string partial = *chosen + ".partial";
+    std::string reason;
+    bool copied = platform::copyFileOver(state.SaveOldFileName, partial, &reason);
+    if (copied && std::rename(partial.c_str(), chosen->c_str()) != 0) {
+        copied = false;
+        reason = std::strerror(errno);
+    }
+    if (!copied) {
+        std::remove(partial.c_str());
         trace("Save As copy to " + *chosen + " failed: " + reason);
     }
     OpenMyList(*chosen);

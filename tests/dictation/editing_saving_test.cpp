@@ -113,6 +113,9 @@ TEST_F(EditingSavingTest, SaveAsGivesATypedNameTheFilesExtension) {
     EXPECT_TRUE(platform::fileExists(recordings + "/Copy of Smith.WAV"));
     EXPECT_FALSE(platform::fileExists(recordings + "/Copy of Smith"));
     EXPECT_EQ(state().Filename, recordings + "/Copy of Smith.WAV");
+    EXPECT_EQ(platform::readWholeFile(recordings + "/Copy of Smith.WAV"),
+              platform::readWholeFile(name));
+    EXPECT_FALSE(platform::fileExists(recordings + "/Copy of Smith.WAV.partial"));
 
     EXPECT_EQ(withExtensionOf("/r/Smith.wav", name), "/r/Smith.wav") << "any case of the letters";
     EXPECT_EQ(withExtensionOf("/r/Smith.mp3", name), "/r/Smith.mp3.WAV") << "the bytes are WAV";
