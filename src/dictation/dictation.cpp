@@ -54,10 +54,16 @@ Dictation::Dictation(DictationParts parts)
     tmCommand.setOnTick([this] { tmCommand_Timer(); });
     Timer28.setOnTick([this] { Timer28_Timer(); });
     Timer34.setOnTick([this] { Timer34_Timer(); });
+    // A take the disk stopped taking is told in the event log.
+    AudioEditor1.onTrouble = [this](const std::string& text) { trace(text); };
+    AudioEditor21.onTrouble = [this](const std::string& text) { trace(text); };
     view.Lbl4Pos = kSwitchPlain;
 }
 
-Dictation::~Dictation() = default;
+Dictation::~Dictation() {
+    AudioEditor1.onTrouble = nullptr;
+    AudioEditor21.onTrouble = nullptr;
+}
 
 void Dictation::start() {
     loadScreen();

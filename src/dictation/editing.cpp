@@ -16,15 +16,14 @@ void Dictation::CaseCut() {
     trace("File Cut: " + state.Filename);
     if (refusedWhileRecording("CaseCut")) return;
     state.WhichBut = "Cut";
-    // The tail is cut and then pasted over what is left: that is what the
-    // station's Cut has always done, and it stays.
-    AudioEditor1.setSelectionActive(true);
-    AudioEditor1.setSelectionStart(AudioEditor1.CursorPosition());
-    AudioEditor1.setSelectionEnd(AudioEditor1.Length());
-    if (auto cut = AudioEditor1.Cut(); !cut) trace(cut.error());
-    AudioEditor1.setSelectionStart(0);
-    AudioEditor1.setSelectionEnd(AudioEditor1.Length());
-    if (auto pasted = AudioEditor1.Paste(); !pasted) trace(pasted.error());
+    // Cut takes what the author selected on the waveform, and only that: the
+    // older cut from the cursor to the end pasted back over what was left, and
+    // with nothing selected it put the clipboard's audio in place of the letter.
+    if (auto cut = AudioEditor1.Cut(); !cut) {
+        trace(cut.error());
+        return;
+    }
+    state.FileChanged = true;
 }
 
 void Dictation::CasePaste() {
@@ -40,14 +39,22 @@ void Dictation::CaseUndo() {
     trace("File Undo: " + state.Filename);
     if (refusedWhileRecording("CaseUndo")) return;
     state.WhichBut = "Undo";
-    if (auto undone = AudioEditor1.Undo(); !undone) trace(undone.error());
+    if (auto undone = AudioEditor1.Undo(); !undone) {
+        trace(undone.error());
+        return;
+    }
+    state.FileChanged = true;
 }
 
 void Dictation::CaseRedo() {
     trace("File Redo: " + state.Filename);
     if (refusedWhileRecording("CaseRedo")) return;
     state.WhichBut = "Redo";
-    if (auto redone = AudioEditor1.Redo(); !redone) trace(redone.error());
+    if (auto redone = AudioEditor1.Redo(); !redone) {
+        trace(redone.error());
+        return;
+    }
+    state.FileChanged = true;
 }
 
 void Dictation::CaseInsSilence() {

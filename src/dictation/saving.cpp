@@ -3,13 +3,32 @@
 // until the engine lets go of the file, and a disk without room is never
 // written to blindly.
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 
 #include "dictation/dictation.h"
+#include "dictation/save_as_name.h"
 #include "platform/files.h"
-#include "platform/text.h"
 #include "platform/system_queries.h"
+#include "platform/text.h"
 
 namespace ovd::dictation {
+
+std::string withExtensionOf(const std::string& chosen, const std::string& source) {
+    const auto extensionOf = [](const std::string& path) -> std::string {
+        const std::size_t nameStart = path.find_last_of('/') + 1;
+        const std::size_t dot = path.find_last_of('.');
+        if (dot == std::string::npos || dot < nameStart || dot == nameStart) return "";
+        return path.substr(dot);
+    };
+    const std::string wanted = extensionOf(source);
+    if (wanted.empty()) return chosen;
+    // The copy holds the source's bytes, so it carries the source's extension: a
+    // name typed without it, or with another one, gets it added.
+    if (platform::toUpper(extensionOf(chosen)) == platform::toUpper(wanted)) return chosen;
+    return chosen + wanted;
+}
 
 void Dictation::TempFileNameFileLength() {
     state.NewTempFile = AudioEditor1.TempFileName();
@@ -175,13 +194,24 @@ void Dictation::SaveFileAs() {
         state.SaveRequested = true;
         SaveFile();
     }
-    const auto chosen = ChooseFileName(2);
+    auto chosen = ChooseFileName(2);
     if (!chosen) {
         state.UserSelectedNo = false;
         state.Filename = state.SaveOldFileName;
         return;
     }
-    if (std::string reason; !platform::copyFileOver(state.SaveOldFileName, *chosen, &reason)) {
+    *chosen = withExtensionOf(*chosen, state.SaveOldFileName);
+    // Copied beside the new name and moved onto it once complete, as every save
+    // is written: a crash leaves no half file under the name the author chose.
+    const std::string partial = *chosen + ".partial";
+    std::string reason;
+    bool copied = platform::copyFileOver(state.SaveOldFileName, partial, &reason);
+    if (copied && std::rename(partial.c_str(), chosen->c_str()) != 0) {
+        copied = false;
+        reason = std::strerror(errno);
+    }
+    if (!copied) {
+        std::remove(partial.c_str());
         trace("Save As copy to " + *chosen + " failed: " + reason);
     }
     OpenMyList(*chosen);

@@ -47,6 +47,31 @@ std::optional<PieceList> piecesAddedTo(const PieceList& before, const PieceList&
     return added;
 }
 
+namespace {
+// Neighbours that continue each other in one work file become one piece; empty ones go.
+PieceList joined(const PieceList& pieces) {
+    PieceList out;
+    for (const Piece& piece : pieces) {
+        if (piece.length <= 0) continue;
+        if (!out.empty() && out.back().file == piece.file &&
+            out.back().start + out.back().length == piece.start) {
+            out.back().length += piece.length;
+        } else {
+            out.push_back(piece);
+        }
+    }
+    return out;
+}
+}  // namespace
+
+bool sameAudio(const PieceList& a, const PieceList& b) {
+    const PieceList x = joined(a);
+    const PieceList y = joined(b);
+    return std::equal(x.begin(), x.end(), y.begin(), y.end(), [](const Piece& p, const Piece& q) {
+        return p.file == q.file && p.start == q.start && p.length == q.length;
+    });
+}
+
 void AudioDocument::recount() {
     length_ = 0;
     for (const Piece& piece : pieces_) length_ += piece.length;

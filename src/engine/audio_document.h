@@ -26,6 +26,10 @@ using PieceList = std::vector<Piece>;
 // none when it was changed anywhere else.
 std::optional<PieceList> piecesAddedTo(const PieceList& before, const PieceList& now);
 
+// Whether two lists hold the same audio from the same work files, however the
+// edits in between have split them (a cut undone, a paste of nothing).
+bool sameAudio(const PieceList& a, const PieceList& b);
+
 class AudioDocument {
 public:
     AudioDocument() = default;

@@ -127,6 +127,9 @@ public:
     std::function<void(const BlockOperationEvent&)> onBlockOperation;
     std::function<void()> onViewChange;
     std::function<void(int peakPercent)> onLevel;
+    // Something the engine met on its own that the event log must show, such as a
+    // take the disk would no longer take: told once per take, with the reason.
+    std::function<void(const std::string& text)> onTrouble;
 };
 
 }  // namespace ovd::engine

@@ -100,7 +100,12 @@ EngineResult WaveEditor::Copy() {
     if (!workFile_) return EngineResult::failure("no document");
     const SampleCount from = std::min(selectionStart_, selectionEnd_);
     const SampleCount to = std::max(selectionStart_, selectionEnd_);
-    if (!selectionActive_ || from == to) return EngineResult::failure("nothing is selected");
+    if (!selectionActive_ || from == to) {
+        // Nothing copied is what the clipboard holds now: a paste after it must not
+        // bring back audio of an earlier letter.
+        clipboard_->pieces.clear();
+        return EngineResult::failure("nothing is selected");
+    }
     clipboard_->format = document_.format();
     clipboard_->pieces = document_.slice(from, to);
     return EngineResult::success();
@@ -169,7 +174,19 @@ void WaveEditor::syncTick() {
     if (!workFile_) return;
     const SampleCount frames = workFile_->frames();
     if (frames == syncedFrames_) return;
-    if (workFile_->flush()) syncedFrames_ = frames;
+    if (EngineResult flushed = workFile_->flush(); !flushed) {
+        // What the disk refused stays in memory and goes on trying at each tick;
+        // the take keeps everything, and the log says why the disk is behind.
+        reportTrouble(flushed.error());
+        return;
+    }
+    syncedFrames_ = frames;
+}
+
+void WaveEditor::reportTrouble(const std::string& text) {
+    if (troubleTold_) return;
+    troubleTold_ = true;
+    if (onTrouble) onTrouble(name_ + ": " + text);
 }
 
 }  // namespace ovd::engine

@@ -5,11 +5,19 @@
 //
 // Saving the same take to the same file again, as the dictation does every few
 // seconds while it records, adds only what is new when the take only grew since:
-// the file stays open with its encoder between saves. Such a file is whole but
-// for what the encoder still holds (a fifth of a second or so of the end), which
-// goes in when the document is closed, saved elsewhere or edited before its next
-// save, or at finishSavedFile(). The dictation closes a letter before it
-// delivers it, and finishes the saved file before it copies it elsewhere.
+// while the take is being recorded the file stays open with its encoder between
+// saves. Such a file is whole but for what the encoder still holds (up to half
+// a second of the end), which goes in at the first save made once the take has
+// stopped, when the document is closed or saved elsewhere, or at
+// finishSavedFile(). A save made while nothing records leaves a complete file.
+//
+// A document that still holds exactly what its file holds (opened to listen, or
+// saved and not changed since) is not written again: its file stays as it is,
+// byte for byte. A save of a new file or a whole save writes beside the target
+// (the target's name and ".partial") and moves it over the target when it is
+// complete, so a crash leaves the old file or the new one, never a part.
+
+#include <sys/types.h>
 
 #include <atomic>
 #include <functional>
@@ -107,6 +115,16 @@ private:
         PieceList pieces;
         SampleCount cursor = 0;
     };
+    // Which file on disk holds exactly which document: the one opened, or the
+    // one last saved. Told apart by its inode, size and time of change.
+    struct FileOnDisk {
+        std::string path;
+        PieceList pieces;
+        dev_t device = 0;
+        ino_t inode = 0;
+        off_t size = 0;
+        std::int64_t changedNs = 0;
+    };
     // The file the last save wrote, still open so the next save can add to it.
     struct SaveSession {
         std::string path;
@@ -124,8 +142,8 @@ private:
         PcmFormat format;
         PieceList pieces;                 // the whole document
         std::optional<PieceList> added;   // set when the job adds these to the session's file
-        int lockFd = -1;
-        bool existedBefore = false;
+        int lockFd = -1;                  // -1 for a file that does not exist yet
+        bool keepGrowing = false;  // the take goes on: keep the encoder open for the next save
     };
     using SaveProgress = std::function<void(SampleCount done)>;
     EngineResult startDocument(const PcmFormat& format);
@@ -137,6 +155,13 @@ private:
     void restore(const Snapshot& snapshot);
     void insertPieces(SampleCount at, const PieceList& pieces);
     void viewChanged();
+    // The file at path, if it is still the one the document was opened from or saved to last.
+    [[nodiscard]] bool documentIsOnDisk(const std::string& path) const;
+    // What the save thread found on disk after its last save, taken over by the loop's thread.
+    void takeOverSavedFile();
+    static void rememberFileOnDisk(const std::string& path, const PieceList& pieces,
+                                   std::optional<FileOnDisk>& into);
+    void reportTrouble(const std::string& text);
     void emitBlock(BlockOperationEvent::Phase phase, const std::string& operation, SampleCount position,
                    SampleCount range);
     EngineResult saveWhole(const SaveJob& job, const SaveProgress& progress);
@@ -194,6 +219,9 @@ private:
     unsigned workFilesMade_ = 0;
     // Touched by the save thread while it runs, by the loop's thread once it is joined.
     std::unique_ptr<SaveSession> session_;
+    std::optional<FileOnDisk> onDisk_;     // the loop's thread's
+    std::optional<FileOnDisk> justSaved_;  // under saveErrorMutex_
+    bool troubleTold_ = false;             // this take's trouble is in the log
 };
 
 }  // namespace ovd::engine

@@ -123,6 +123,8 @@ EngineResult WaveEditor::Open(const std::string& path) {
     }
     document_.replaceAll(added);
     cursor_ = 0;
+    // Until the author changes it, a save leaves this file as it is.
+    rememberFileOnDisk(path, document_.pieces(), onDisk_);
     viewChanged();
     return EngineResult::success();
 }
@@ -144,6 +146,7 @@ void WaveEditor::dropDocument(bool removeWorkFile) {
     formatName_.clear();
     undo_.clear();
     redo_.clear();
+    onDisk_.reset();
     cursor_ = selectionStart_ = selectionEnd_ = 0;
     selectionActive_ = false;
 }

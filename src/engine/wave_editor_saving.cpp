@@ -5,6 +5,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -25,6 +26,7 @@ constexpr std::size_t kBlockFrames = 64 * 1024;
 // progress moves on an hour-long take too.
 constexpr SampleCount kCopyStretchFrames = 4 * 1024 * 1024;
 constexpr const char* kSaving = "Saving";
+constexpr const char* kPartialSuffix = ".partial";
 
 SampleCount framesIn(const PieceList& pieces) {
     SampleCount frames = 0;
@@ -70,57 +72,101 @@ std::string WaveEditor::lastSaveError() const {
 
 void WaveEditor::finishSaving() {
     if (saveThread_.joinable()) saveThread_.join();
+    takeOverSavedFile();
+}
+
+void WaveEditor::takeOverSavedFile() {
+    const std::lock_guard lock(saveErrorMutex_);
+    if (justSaved_) onDisk_ = std::move(justSaved_);
+    justSaved_.reset();
+}
+
+namespace {
+
+std::optional<struct stat> statOf(const std::string& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0) return std::nullopt;
+    return status;
+}
+
+std::int64_t changedNs(const struct stat& status) {
+    return static_cast<std::int64_t>(status.st_mtim.tv_sec) * 1'000'000'000 +
+           status.st_mtim.tv_nsec;
+}
+
+}  // namespace
+
+void WaveEditor::rememberFileOnDisk(const std::string& path, const PieceList& pieces,
+                                    std::optional<FileOnDisk>& into) {
+    into.reset();
+    const auto status = statOf(path);
+    if (!status) return;
+    into = FileOnDisk{path,           pieces,          status->st_dev,
+                      status->st_ino, status->st_size, changedNs(*status)};
+}
+
+bool WaveEditor::documentIsOnDisk(const std::string& path) const {
+    if (!onDisk_ || onDisk_->path != path || !sameAudio(onDisk_->pieces, document_.pieces()))
+        return false;
+    const auto status = statOf(path);
+    return status && status->st_dev == onDisk_->device && status->st_ino == onDisk_->inode &&
+           status->st_size == onDisk_->size && changedNs(*status) == onDisk_->changedNs;
 }
 
 void WaveEditor::finishSavedFile() {
     finishSaving();
     if (!session_) return;
     const std::unique_ptr<SaveSession> session = std::move(session_);
-    const int fd = ::open(session->path.c_str(), O_RDWR | O_CLOEXEC);
-    if (fd < 0) return;  // moved or deleted since: no longer ours to write
-    // A file somebody else holds, or another file under that name, stays as the
-    // last save left it: whole but for the encoder's last fraction of a second.
-    if (::flock(fd, LOCK_EX | LOCK_NB) == 0 && session->encoder->sameFileAs(fd)) {
-        if (EngineResult finished = session->encoder->finish(); !finished) {
-            session->encoder->rollBack();
-            const std::lock_guard lock(saveErrorMutex_);
-            lastSaveError_ = finished.error();
-        }
+    // Completed through the encoder's own descriptor: a file renamed since (a
+    // letter handed on under another name) is completed all the same, and a file
+    // that took its old name is not touched.
+    if (EngineResult finished = session->encoder->finish(); !finished) {
+        session->encoder->rollBack();
+        const std::lock_guard lock(saveErrorMutex_);
+        lastSaveError_ = finished.error();
     }
-    ::close(fd);
 }
 
 EngineResult WaveEditor::SaveAs(const std::string& path) {
     if (!workFile_) return EngineResult::failure("no document to save");
     finishSaving();
-    // The file is locked before this call returns, so whoever waits for it to be
-    // free waits for this save, not for the one before it.
-    const bool existedBefore = platform::fileExists(path);
-    const int lockFd = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
-    if (lockFd < 0)
-        return EngineResult::failure("can't write " + path + ": " + std::strerror(errno));
-    if (::flock(lockFd, LOCK_EX | LOCK_NB) != 0) {
-        ::close(lockFd);
-        return EngineResult::failure(path + " is in use");
-    }
     syncTick();
-    SaveJob job{path,         chosen_, comment_,     document_.format(), document_.pieces(),
-                std::nullopt, lockFd,  existedBefore};
+    // Opened to listen, or saved and not touched since: the file already holds
+    // this document, and it stays byte for byte as it is.
+    if (!session_ && documentIsOnDisk(path)) {
+        const std::lock_guard lock(saveErrorMutex_);
+        lastSaveError_.clear();
+        return EngineResult::success();
+    }
+    // An existing file is locked before this call returns, so whoever waits for it
+    // to be free waits for this save, not for the one before it. A new file is not
+    // made here: until the save is complete only the file beside it exists.
+    int lockFd = -1;
+    if (platform::fileExists(path)) {
+        lockFd = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+        if (lockFd < 0)
+            return EngineResult::failure("can't write " + path + ": " + std::strerror(errno));
+        if (::flock(lockFd, LOCK_EX | LOCK_NB) != 0) {
+            ::close(lockFd);
+            return EngineResult::failure(path + " is in use");
+        }
+    }
+    SaveJob job{path,
+                chosen_,
+                comment_,
+                document_.format(),
+                document_.pieces(),
+                std::nullopt,
+                lockFd,
+                state_ == EditorState::Recording};
     if (session_) {
-        const bool samePath = session_->path == path;
-        if (samePath && session_->encoder->sameFileAs(lockFd) && session_->target == job.target &&
-            session_->comment == job.comment && session_->format == job.format) {
+        if (session_->path == path && lockFd >= 0 && session_->encoder->sameFileAs(lockFd) &&
+            session_->target == job.target && session_->comment == job.comment &&
+            session_->format == job.format) {
             job.added = piecesAddedTo(session_->saved, job.pieces);
         }
-        if (!job.added) {
-            // Saved whole: over the session's own file, which is then replaced, or
-            // elsewhere, and the session's file is completed first.
-            if (samePath) {
-                session_.reset();
-            } else {
-                finishSavedFile();
-            }
-        }
+        // Saved whole, here or elsewhere: the file the session grew is completed first.
+        if (!job.added) finishSavedFile();
     }
     const SampleCount range = framesIn(job.added ? *job.added : job.pieces);
     emitBlock(BlockOperationEvent::Phase::Start, kSaving, 0, range);
@@ -136,14 +182,13 @@ EngineResult WaveEditor::SaveAs(const std::string& path) {
             });
         };
         EngineResult result = job.added ? addToSavedFile(job, progress) : saveWhole(job, progress);
-        // A failed first save leaves no empty file behind to be mistaken for a dictation.
-        if (!result && !job.existedBefore) std::remove(job.path.c_str());
         {
             // Known before the file is free: whoever waits for the file reads the outcome.
             const std::lock_guard lock(saveErrorMutex_);
             lastSaveError_ = result ? std::string() : result.error();
+            if (result) rememberFileOnDisk(job.path, job.pieces, justSaved_);
         }
-        ::close(job.lockFd);
+        if (job.lockFd >= 0) ::close(job.lockFd);
         loop_.postFromAnyThread([this, alive, range] {
             if (!*alive) return;
             emitBlock(BlockOperationEvent::Phase::End, kSaving, range, range);
@@ -155,8 +200,10 @@ EngineResult WaveEditor::SaveAs(const std::string& path) {
 
 EngineResult WaveEditor::addToSavedFile(const SaveJob& job, const SaveProgress& progress) {
     SaveSession& session = *session_;
+    // Added in place: the header counts only what the last sync completed, so the
+    // file reads whole up to the last save at every moment.
     EngineResult result = writePieces(*session.encoder, job.format, *job.added, progress);
-    if (result) result = session.encoder->sync();
+    if (result) result = job.keepGrowing ? session.encoder->sync() : session.encoder->finish();
     if (!result) {
         // The file goes back to what the last save left; the next save starts afresh.
         session.encoder->rollBack();
@@ -164,13 +211,15 @@ EngineResult WaveEditor::addToSavedFile(const SaveJob& job, const SaveProgress& 
         return result;
     }
     session.saved = job.pieces;
+    if (!job.keepGrowing) session_.reset();
     return result;
 }
 
 EngineResult WaveEditor::saveWhole(const SaveJob& job, const SaveProgress& progress) {
-    // Written beside the target and moved over it at the end: until then the
-    // locked old file stands, after it the complete new one.
-    const std::string partial = job.path + ".partial";
+    // Written beside the target and moved over it once complete: until then the
+    // old file (or no file) stands, after it the complete new one. A crash leaves
+    // at most this file beside it, which the recovery clears away.
+    const std::string partial = job.path + kPartialSuffix;
     std::unique_ptr<StreamEncoder> encoder;
     if (StreamEncoder::supports(job.target)) {
         const int fd = ::open(partial.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
@@ -183,7 +232,8 @@ EngineResult WaveEditor::saveWhole(const SaveJob& job, const SaveProgress& progr
     EngineResult result = EngineResult::success();
     if (encoder) {
         result = writePieces(*encoder, job.format, job.pieces, progress);
-        if (result) result = encoder->sync();
+        // Completed before it takes the target's name, unless the take goes on.
+        if (result) result = job.keepGrowing ? encoder->sync() : encoder->finish();
         if (!result) {
             encoder.reset();
             std::remove(partial.c_str());
@@ -200,7 +250,7 @@ EngineResult WaveEditor::saveWhole(const SaveJob& job, const SaveProgress& progr
         result = EngineResult::failure("can't replace " + job.path + ": " + std::strerror(errno));
         std::remove(partial.c_str());
     }
-    if (result && encoder) {
+    if (result && encoder && job.keepGrowing) {
         session_ = std::make_unique<SaveSession>(SaveSession{
             job.path, job.target, job.comment, job.format, job.pieces, std::move(encoder)});
     }

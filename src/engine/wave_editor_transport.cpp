@@ -12,6 +12,7 @@ EngineResult WaveEditor::Record() {
     if (!workFile_) return EngineResult::failure("no document");
     if (state_ == EditorState::Recording) return EngineResult::success();
     Stop();
+    troubleTold_ = false;
     rememberForUndo();
     // Recording over a selection replaces it; at the cursor it goes in between.
     SampleCount at = cursor_;

@@ -1,9 +1,11 @@
 #include "ui/waveform_view.h"
 
+#include <QMouseEvent>
 #include <QPainter>
 #include <QResizeEvent>
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "engine/wave_editor.h"
 
@@ -12,9 +14,11 @@ namespace ovd::ui {
 namespace {
 // Frames looked at per column at most; a longer stretch is sampled at its start.
 constexpr std::size_t kFramesPerColumn = 512;
+// A hand that moves less than this while it clicks has not dragged.
+constexpr int kDragPixels = 3;
 }  // namespace
 
-WaveformView::WaveformView(const engine::WaveEditor& editor, QWidget* parent)
+WaveformView::WaveformView(engine::WaveEditor& editor, QWidget* parent)
     : QWidget(parent), editor_(editor) {
     setObjectName("AudioEditor1");
     setMinimumHeight(80);
@@ -70,6 +74,58 @@ void WaveformView::readColumns() {
         }
         columns_.emplace_back(low, high);
     }
+}
+
+engine::SampleCount WaveformView::positionAt(int x) const {
+    const engine::SampleCount length = editor_.Length();
+    const int span = std::max(1, width() - 2);
+    return std::clamp<engine::SampleCount>(length * (x - 1) / span, 0, length);
+}
+
+bool WaveformView::selectable() const {
+    return isEnabled() && editor_.hasDocument() && editor_.Length() > 0 &&
+           editor_.State() == static_cast<int>(engine::EditorState::Stopped);
+}
+
+void WaveformView::mousePressEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton || !selectable()) {
+        QWidget::mousePressEvent(event);
+        return;
+    }
+    dragging_ = true;
+    dragged_ = false;
+    dragFromX_ = static_cast<int>(event->position().x());
+}
+
+void WaveformView::mouseMoveEvent(QMouseEvent* event) {
+    if (!dragging_) return;
+    const int x = static_cast<int>(event->position().x());
+    if (!dragged_ && std::abs(x - dragFromX_) < kDragPixels) return;
+    dragged_ = true;
+    selectTo(x);
+}
+
+void WaveformView::mouseReleaseEvent(QMouseEvent* event) {
+    if (!dragging_ || event->button() != Qt::LeftButton) return;
+    dragging_ = false;
+    const int x = static_cast<int>(event->position().x());
+    if (dragged_ || std::abs(x - dragFromX_) >= kDragPixels) {
+        selectTo(x);
+    } else if (selectable()) {
+        editor_.setSelectionActive(false);
+    }
+    refresh();
+}
+
+void WaveformView::selectTo(int x) {
+    // The take may have started since the press: a running take keeps its cursor.
+    if (!selectable()) return;
+    const engine::SampleCount from = positionAt(dragFromX_);
+    const engine::SampleCount to = positionAt(x);
+    editor_.setSelectionStart(std::min(from, to));
+    editor_.setSelectionEnd(std::max(from, to));
+    editor_.setSelectionActive(from != to);
+    refresh();
 }
 
 void WaveformView::paintEvent(QPaintEvent* /*event*/) {

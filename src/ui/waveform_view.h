@@ -3,6 +3,8 @@
 // authors look rather than read, and a take that is silent or clipped shows at
 // once. Each column of pixels shows the loudest and softest sample of its stretch;
 // long documents are sampled so a redraw costs the same for a minute or an hour.
+// Dragging across it selects that stretch in the editor, for Cut, Copy, Paste,
+// Play and Record to act on; a click without a drag drops the selection.
 
 #include <QWidget>
 
@@ -20,7 +22,7 @@ namespace ovd::ui {
 
 class WaveformView : public QWidget {
 public:
-    explicit WaveformView(const engine::WaveEditor& editor, QWidget* parent = nullptr);
+    explicit WaveformView(engine::WaveEditor& editor, QWidget* parent = nullptr);
 
     // The editor says its document changed (an edit can keep the length).
     void markChanged() { changed_ = true; }
@@ -38,11 +40,22 @@ public:
 protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
     void readColumns();
+    // The document position under a column of pixels.
+    [[nodiscard]] engine::SampleCount positionAt(int x) const;
+    // A selection is made only on a stopped document with something in it.
+    [[nodiscard]] bool selectable() const;
+    void selectTo(int x);
 
-    const engine::WaveEditor& editor_;
+    engine::WaveEditor& editor_;
+    bool dragging_ = false;
+    bool dragged_ = false;
+    int dragFromX_ = 0;
     std::vector<std::pair<std::int16_t, std::int16_t>> columns_;
     engine::SampleCount readLength_ = -1;
     bool changed_ = true;

@@ -53,6 +53,24 @@ TEST_F(DiskFullTest, TheWarningComesWhileRecordingAndTheTakeGoesOn) {
     EXPECT_EQ(editor1.State(), 2);
 }
 
+TEST_F(DiskFullTest, AWorkFileTheDiskRefusesIsLoggedOnceAndTheTakeKeepsEverything) {
+    config.record.FileSaveAtStop = false;  // the Stop does not try to save on the full disk
+    config.WriteConfig();
+    rebuild();
+    d().Image2_Click();
+    d().MMControl1_RecordClick();
+    run(45000);  // a megabyte holds about thirty seconds
+    EXPECT_EQ(editor1.State(), 2) << "the take goes on";
+    d().MMControl1_StopClick();
+    EXPECT_EQ(editor1.Length(), 45 * kRate);
+    const std::string refused = "can't write the work file ";
+    const std::string text = log.text();
+    const auto first = text.find(refused);
+    ASSERT_NE(first, std::string::npos) << text;
+    EXPECT_EQ(text.find(refused, first + 1), std::string::npos) << "once per take";
+    EXPECT_NE(text.find(std::strerror(ENOSPC), first), std::string::npos);
+}
+
 TEST_F(DiskFullTest, ASaveWithoutRoomAsksUntilTheAuthorMovesTheFile) {
     config.record.FileSaveAtStop = true;  // every Stop saves
     config.WriteConfig();

@@ -192,6 +192,7 @@ TEST_F(DictationTest, AfterTheFirstStopThePeriodicSaveKeepsTheFileOneIntervalBeh
     EXPECT_FALSE(platform::fileExists(file)) << "before the save timer, only the work file holds it";
     d().MMControl1_RecordClick();
     run(16192);
+    editor1.finishSaving();  // the file takes its name once the save is complete
     ASSERT_TRUE(platform::fileExists(file));
     d().MMControl1_StopClick();
 }

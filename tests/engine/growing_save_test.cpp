@@ -1,7 +1,8 @@
 // Saving a take again and again as the dictation does while it records: a take
 // that only grew has the new audio added to the file the last save wrote, an
 // edit anywhere else saves it whole, and a wave file at the take's own rate is
-// copied straight from the work files. Every save reads back as the document.
+// copied straight from the work files. Every save reads back as the document;
+// one made while nothing records leaves the file complete.
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -130,13 +131,14 @@ TEST_F(GrowingSaveTest, AGrownTakeIsAddedToTheSavedMp3AndCompletedAtTheClose) {
     ASSERT_TRUE(dictation.New(kRate, 1).ok());
     dictation.setComment(kComment);
     dictation.chooseFormat(mp3);
-    recordFor(dictation, 30);
-    save(path);
+    ASSERT_TRUE(dictation.Record().ok());
+    loop.advance(Milliseconds(30000));
+    save(path);  // the take goes on
     const auto firstSave = heard(path);
     const ino_t firstFile = inodeOf(path);
     EXPECT_NEAR(static_cast<double>(firstSave.size()), 30.0 * kRate, 0.01 * 30 * kRate);
 
-    recordFor(dictation, 20);
+    loop.advance(Milliseconds(20000));
     save(path);
     EXPECT_EQ(inodeOf(path), firstFile) << "added to the file, not written anew";
     const auto secondSave = heard(path);
@@ -149,6 +151,7 @@ TEST_F(GrowingSaveTest, AGrownTakeIsAddedToTheSavedMp3AndCompletedAtTheClose) {
                   .find(kComment),
               std::string::npos);
 
+    dictation.Stop();
     const std::string whole = encodedWhole(mp3, "whole.mp3");
     dictation.Close();
     EXPECT_EQ(heard(path), heard(whole)) << "completed, the file is what one whole encoding writes";
@@ -166,16 +169,19 @@ TEST_F(GrowingSaveTest, AnEditInTheMiddleSavesTheWholeTakeAndTheNextGrowthIsAdde
     dictation.setSelectionEnd(20 * kRate);
     dictation.setSelectionActive(true);
     ASSERT_TRUE(dictation.Cut().ok());
-    recordFor(dictation, 10);
+    dictation.setCursorPosition(dictation.Length());
+    ASSERT_TRUE(dictation.Record().ok());
+    loop.advance(Milliseconds(10000));
     save(path);
     const ino_t wholeAgain = inodeOf(path);
     EXPECT_NE(wholeAgain, firstFile) << "saved whole, beside the old file and moved over it";
     EXPECT_NEAR(static_cast<double>(heard(path).size()), 40.0 * kRate, 0.01 * 40 * kRate);
 
-    recordFor(dictation, 10);
+    loop.advance(Milliseconds(10000));
     save(path);
     EXPECT_EQ(inodeOf(path), wholeAgain);
     EXPECT_NEAR(static_cast<double>(heard(path).size()), 50.0 * kRate, 0.01 * 50 * kRate);
+    dictation.Stop();
 
     // Saved elsewhere, the take goes whole into the new file and the old one is
     // completed; closed, both are the whole take.
@@ -200,7 +206,10 @@ TEST_F(GrowingSaveTest, AWaveFileAtTheTakesRateIsCopiedFromTheWorkFilesAsTheOthe
     dictation.setCursorPosition(kRate);
     ASSERT_TRUE(dictation.Paste().ok());  // pieces of two work files
 
-    save(path);
+    dictation.setCursorPosition(dictation.Length());
+    ASSERT_TRUE(dictation.Record().ok());
+    loop.advance(Milliseconds(1000));
+    save(path);  // the take goes on
     EXPECT_EQ(heard(path), document());
     EXPECT_EQ(platform::readWholeFile(path),
               platform::readWholeFile(encodedWhole(wav, "whole.wav")));
@@ -208,13 +217,14 @@ TEST_F(GrowingSaveTest, AWaveFileAtTheTakesRateIsCopiedFromTheWorkFilesAsTheOthe
                   .find(std::string("comment=") + kComment),
               std::string::npos);
 
-    recordFor(dictation, 2);
+    loop.advance(Milliseconds(2000));
     const ino_t firstFile = inodeOf(path);
     save(path);
     EXPECT_EQ(inodeOf(path), firstFile);
     EXPECT_EQ(heard(path), document());
     EXPECT_EQ(platform::readWholeFile(path),
               platform::readWholeFile(encodedWhole(wav, "whole2.wav")));
+    dictation.Stop();
 }
 
 TEST(PiecesAddedTest, OnlyGrowthAtTheEndCounts) {
