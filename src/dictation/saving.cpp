@@ -9,6 +9,8 @@
 #include "platform/text.h"
 #include "platform/system_queries.h"
 
+#include <unistd.h>
+
 namespace ovd::dictation {
 
 void Dictation::TempFileNameFileLength() {
@@ -83,7 +85,16 @@ void Dictation::SaveFile() {
     view.transportLabelsVisible = false;
     state.FileChanged = false;
     changed();
-    makeRoomToSave();
+    if (!makeRoomToSave()) {
+        // Nobody made room: the file is not written half way, and the take stays
+        // whole in its work file under Temp, where a close leaves it too.
+        view.Label40 = kTakeKeptInTemp;
+        view.Label40Warning = true;
+        saveFailed(state.Filename + " File Save ERROR: " + kTakeKeptInTemp + " " + temporaryFolder(),
+                   " -71");
+        return;
+    }
+    takeWaitsInTemp_ = false;
 
     trace("Starting File Save : " + state.Filename);
     AudioEditor1.setComment("OVDESK");
@@ -124,7 +135,7 @@ void Dictation::waitUntilFileIsFree() {
     }
 }
 
-void Dictation::makeRoomToSave() {
+bool Dictation::makeRoomToSave() {
     const auto room = [this](std::int64_t times) {
         const auto free = static_cast<std::int64_t>(
             platform::freeDiskBytes(config_.record.CaptureFilePath.toText()).value_or(0));
@@ -133,6 +144,9 @@ void Dictation::makeRoomToSave() {
     const std::string title = applicationTitle(config_.record.HandsFreeEdition);
     std::int64_t left = room(2);
     while (left < 0) {
+        // The station is ending: nobody will answer any more, and the take waits
+        // in Temp rather than holding the end up.
+        if (state.Imclosing) return giveUpSaveForRoom();
         const bool move = prompts_.askYesNo(kDiskSpaceQuestion, title, platform::Answer::No);
         if (!move) {
             trace("Disk Full Warning --- User Selected to save file in the default location .. "
@@ -151,7 +165,38 @@ void Dictation::makeRoomToSave() {
         config_.WriteConfig();
         left = room(3);
         notifyPeer("DiskErr_" + platform::withoutFolder(state.Filename), " -72");
+        // Asking again only helps when someone can answer otherwise; a fixed
+        // answer would ask for ever, as fast as the machine can.
+        if (left < 0 && !prompts_.someoneAnswers()) return giveUpSaveForRoom();
     }
+    return true;
+}
+
+bool Dictation::giveUpSaveForRoom() {
+    takeWaitsInTemp_ = true;
+    trace(state.Filename + " " + kTakeKeptInTemp + " " + temporaryFolder());
+    return false;
+}
+
+void Dictation::keepWorkFileOfTake() {
+    if (!takeWaitsInTemp_) return;
+    takeWaitsInTemp_ = false;
+    const std::string workFile = AudioEditor1.TempFileName();
+    if (workFile.empty() || !platform::fileExists(workFile)) return;
+    // The editor removes its work file when it closes; a second name for the same
+    // audio keeps the take in Temp for the recovery, and costs no space.
+    const std::string base = state.Filename.empty() ? std::string("Take")
+                                                    : platform::baseNameOf(state.Filename);
+    std::string kept = platform::joinPath(temporaryFolder(), base + ".tmp");
+    for (int n = 2; platform::fileExists(kept); ++n) {
+        kept = platform::joinPath(temporaryFolder(), base + "-" + std::to_string(n) + ".tmp");
+    }
+    if (::link(workFile.c_str(), kept.c_str()) != 0 &&
+        !platform::copyFileOver(workFile, kept)) {
+        trace("The recording could not be kept in Temp: " + platform::systemError(kept));
+        return;
+    }
+    trace("The recording of " + state.Filename + " is kept in " + kept);
 }
 
 void Dictation::SaveFileAs() {
@@ -238,6 +283,7 @@ void Dictation::CaseClose() {
     view.frameSpeakerEnabled = true;
     if (!state.Filename.empty()) {
         if (!state.flgfileOpen1) {
+            keepWorkFileOfTake();
             ResetRecorderState();
             state.SaveNCTTempFileName = AudioEditor1.TempFileName();
             AudioEditor1.Close();
@@ -258,6 +304,7 @@ void Dictation::CaseClose() {
     state.PRERECORDED = false;
     state.clearSwitchPositions();
     view.mnuScanConvertEnabled = true;
+    keepWorkFileOfTake();
     ResetRecorderState();
     state.SaveNCTTempFileName = AudioEditor1.TempFileName();
     AudioEditor1.Close();
