@@ -37,9 +37,7 @@ SwitchModel::SwitchModel(SwitchModelParts parts)
 
 SwitchModel::~SwitchModel() { d_.fileReady = nullptr; }
 
-bool SwitchModel::fileInTransition() const {
-    return lettersUnderWay_ > 0 || d_.newFileUnderWay();
-}
+bool SwitchModel::fileInTransition() const { return lettersUnderWay_ > 0 || d_.newFileUnderWay(); }
 
 void SwitchModel::recordReleased() {
     if (pendingRecord_.empty()) return;
@@ -56,7 +54,7 @@ void SwitchModel::takePendingRecord() {
         trace("Record: no file to record into after the end of letter");
         return;
     }
-    trace("Record carried out: the next file is ready");
+    trace("Record carried out: the file is ready");
     SwitchCommand(command);
 }
 

@@ -3,13 +3,12 @@
 // until the engine lets go of the file, and a disk without room is never
 // written to blindly.
 
+#include <unistd.h>
 
 #include "dictation/dictation.h"
 #include "platform/files.h"
-#include "platform/text.h"
 #include "platform/system_queries.h"
-
-#include <unistd.h>
+#include "platform/text.h"
 
 namespace ovd::dictation {
 
@@ -90,8 +89,9 @@ void Dictation::SaveFile() {
         // whole in its work file under Temp, where a close leaves it too.
         view.Label40 = kTakeKeptInTemp;
         view.Label40Warning = true;
-        saveFailed(state.Filename + " File Save ERROR: " + kTakeKeptInTemp + " " + temporaryFolder(),
-                   " -71");
+        saveFailed(
+            state.Filename + " File Save ERROR: " + kTakeKeptInTemp + " " + temporaryFolder(),
+            " -71");
         return;
     }
     takeWaitsInTemp_ = false;
@@ -185,14 +185,13 @@ void Dictation::keepWorkFileOfTake() {
     if (workFile.empty() || !platform::fileExists(workFile)) return;
     // The editor removes its work file when it closes; a second name for the same
     // audio keeps the take in Temp for the recovery, and costs no space.
-    const std::string base = state.Filename.empty() ? std::string("Take")
-                                                    : platform::baseNameOf(state.Filename);
+    const std::string base =
+        state.Filename.empty() ? std::string("Take") : platform::baseNameOf(state.Filename);
     std::string kept = platform::joinPath(temporaryFolder(), base + ".tmp");
     for (int n = 2; platform::fileExists(kept); ++n) {
         kept = platform::joinPath(temporaryFolder(), base + "-" + std::to_string(n) + ".tmp");
     }
-    if (::link(workFile.c_str(), kept.c_str()) != 0 &&
-        !platform::copyFileOver(workFile, kept)) {
+    if (::link(workFile.c_str(), kept.c_str()) != 0 && !platform::copyFileOver(workFile, kept)) {
         trace("The recording could not be kept in Temp: " + platform::systemError(kept));
         return;
     }

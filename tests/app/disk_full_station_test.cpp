@@ -20,12 +20,13 @@ namespace fs = std::filesystem;
 
 std::size_t occurrences(const std::string& text, const std::string& what) {
     std::size_t count = 0;
-    for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at + what.size())) ++count;
+    for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at + what.size()))
+        ++count;
     return count;
 }
 
 class DiskFullStationTest : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         platform::createFolder(recordings);
         if (::mount("tmpfs", recordings.c_str(), "tmpfs", 0, "size=512k") != 0) {
@@ -75,7 +76,8 @@ TEST_F(DiskFullStationTest, AFullDiskAtEndOfLetterLeavesTheStationIdleAndTheTake
     EXPECT_LE(occurrences(station.eventLog(), "You may not have enough disk space"), 3u);
     const std::vector<std::string> heard = peer.received();
     std::size_t diskErrors = 0;
-    for (const std::string& message : heard) diskErrors += message.rfind("DiskErr_", 0) == 0 ? 1 : 0;
+    for (const std::string& message : heard)
+        diskErrors += message.rfind("DiskErr_", 0) == 0 ? 1 : 0;
     EXPECT_LE(diskErrors, 8u);
 
     const auto end = station.terminateTimed();

@@ -19,7 +19,8 @@ namespace fs = std::filesystem;
 
 std::size_t occurrences(const std::string& text, const std::string& what) {
     std::size_t count = 0;
-    for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at + what.size())) ++count;
+    for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at + what.size()))
+        ++count;
     return count;
 }
 
@@ -71,7 +72,8 @@ TEST(RecordAfterEndOfLetterStationTest, ARecordPressWhileTheNextFileOpensRecords
     // Two letters: the first take, and the second that waited for its file.
     std::vector<std::uintmax_t> letters;
     for (const auto& entry : fs::directory_iterator(recordings)) {
-        if (entry.is_regular_file() && entry.path().extension() == ".WAV") letters.push_back(entry.file_size());
+        if (entry.is_regular_file() && entry.path().extension() == ".WAV")
+            letters.push_back(entry.file_size());
     }
     std::sort(letters.begin(), letters.end());
     ASSERT_EQ(letters.size(), 2u) << station.eventLog();

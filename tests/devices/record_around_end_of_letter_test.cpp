@@ -37,7 +37,7 @@ struct Timing {
 
 class RecordAroundEndOfLetterTest : public dictation::testing::DictationTest,
                                     public ::testing::WithParamInterface<Timing> {
-protected:
+  protected:
     RecordAroundEndOfLetterTest() {
         config.record.MIDSERPEDAL = "RECSTOP";
         config.record.RIGHTSERPEDAL = "EOLSTOP";
@@ -51,7 +51,9 @@ protected:
         for (auto handle : pending) loop.stopRepeating(handle);
     }
 
-    void pedal(const char* which, const char* direction) { dispatcher.PedalEventSER(which, direction); }
+    void pedal(const char* which, const char* direction) {
+        dispatcher.PedalEventSER(which, direction);
+    }
     // The pedal edge `ms` from now, as the serial line would bring it.
     void at(int ms, const char* which, const char* direction) {
         auto handle = std::make_shared<platform::EventLoop::Handle>();
@@ -89,7 +91,8 @@ protected:
             if (!records && takeStarted && !takeEnded) takeEnded = loop.now();
             const bool lit = view().Image5 || view().Image6 ||
                              (view().lblOnAirVisible && view().lblOnAir == "ON AIR");
-            if ((records && (!state().Recordingstatus || !view().MMControl1.Stop)) || (lit && !records)) {
+            if ((records && (!state().Recordingstatus || !view().MMControl1.Stop)) ||
+                (lit && !records)) {
                 ++disagreements;
             }
         }));
@@ -102,7 +105,8 @@ protected:
     platform::Timer timSER{loop, "timSERStepBACK"};
     platform::Timer timUSB{loop, "timUSBStepBACK"};
     platform::Timer timGAME{loop, "timGAMEStepBACK"};
-    PedalDispatcher dispatcher{config.record, state(), view(), d().hits, model, {timSER, timUSB, timGAME}};
+    PedalDispatcher dispatcher{config.record, state(), view(),
+                               d().hits,      model,   {timSER, timUSB, timGAME}};
     std::vector<platform::EventLoop::Handle> pending;
     std::optional<platform::WallClock::time_point> takeStarted;
     std::optional<platform::WallClock::time_point> takeEnded;
@@ -114,7 +118,8 @@ protected:
 // depends on the machine, so the moments after it are timed from the close).
 enum class Anchor { EndOfLetterReleased, LetterClosed };
 
-TEST_P(RecordAroundEndOfLetterTest, ARecordPressDuringTheChangeOfFileWaitsForTheNextFileAndRecords) {
+TEST_P(RecordAroundEndOfLetterTest,
+       ARecordPressDuringTheChangeOfFileWaitsForTheNextFileAndRecords) {
     const auto letterClosedThen = [this](int offset) {
         const int delay = GetParam().tcpDelaySeconds;
         peer.duringWait = [this, offset, delay, armed = true]() mutable {
@@ -127,8 +132,9 @@ TEST_P(RecordAroundEndOfLetterTest, ARecordPressDuringTheChangeOfFileWaitsForThe
     };
     for (const Anchor anchor : {Anchor::EndOfLetterReleased, Anchor::LetterClosed}) {
         for (int offset = 0; offset <= 1000; offset += 50) {
-            SCOPED_TRACE("record pressed " + std::to_string(offset) + " ms after the " +
-                         (anchor == Anchor::LetterClosed ? "close of the letter" : "end of letter"));
+            SCOPED_TRACE(
+                "record pressed " + std::to_string(offset) + " ms after the " +
+                (anchor == Anchor::LetterClosed ? "close of the letter" : "end of letter"));
             takeStarted.reset();
             takeEnded.reset();
             disagreements = 0;
@@ -168,11 +174,13 @@ TEST_P(RecordAroundEndOfLetterTest, ARecordPressDuringTheChangeOfFileWaitsForThe
             const std::string second = state().Filename;
             at(10, kRight, kDown);
             at(110, kRight, kUp);
-            for (int waited = 0; waited < 120000 && letters.delivered.size() < 2; waited += 500) run(500);
+            for (int waited = 0; waited < 120000 && letters.delivered.size() < 2; waited += 500)
+                run(500);
             ASSERT_EQ(letters.delivered.size(), 2u);
             EXPECT_EQ(letters.delivered[1], second);
-            EXPECT_NEAR(static_cast<double>(platform::fileSize(second).value_or(0) - 44) / 2 / kRate, seconds,
-                        0.1);
+            EXPECT_NEAR(
+                static_cast<double>(platform::fileSize(second).value_or(0) - 44) / 2 / kRate,
+                seconds, 0.1);
             for (auto handle : pending) loop.stopRepeating(handle);
             pending.clear();
             d().Image10_Click();
@@ -181,7 +189,8 @@ TEST_P(RecordAroundEndOfLetterTest, ARecordPressDuringTheChangeOfFileWaitsForThe
 }
 
 INSTANTIATE_TEST_SUITE_P(HoldAndTap, RecordAroundEndOfLetterTest,
-                         ::testing::Values(Timing{0, false}, Timing{2, false}, Timing{0, true}, Timing{2, true}),
+                         ::testing::Values(Timing{0, false}, Timing{2, false}, Timing{0, true},
+                                           Timing{2, true}),
                          [](const ::testing::TestParamInfo<Timing>& run) {
                              return std::string(run.param.oneTap ? "OneTap" : "Hold") + "Delay" +
                                     std::to_string(run.param.tcpDelaySeconds);

@@ -326,7 +326,8 @@ TEST_F(SwitchModelTest, DeleteButtonMovesTheLetterToBackWithoutOverwritingAnOlde
     EXPECT_EQ(view().Label40, "Last Button Pressed on QDU Unit was 8 : Delete");
     EXPECT_TRUE(state().Filename.empty()) << "the letter is closed";
     EXPECT_FALSE(platform::fileExists(letter)) << "gone from the recordings";
-    EXPECT_EQ(platform::readWholeFile(recordings + "/BACK/" + name).value_or(""), "an older letter");
+    EXPECT_EQ(platform::readWholeFile(recordings + "/BACK/" + name).value_or(""),
+              "an older letter");
     const auto stem = name.substr(0, name.rfind('.'));
     const std::string kept = recordings + "/BACK/" + stem + " (2)" + name.substr(name.rfind('.'));
     EXPECT_GT(platform::fileSize(kept).value_or(0), static_cast<std::uintmax_t>(2 * kRate * 2))

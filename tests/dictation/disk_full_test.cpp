@@ -87,14 +87,17 @@ TEST_F(DiskFullTest, AWarningThatStaysTrueIsLoggedAndSentEveryTwoSecondsNotEvery
     d().Image2_Click();
     d().MMControl1_RecordClick();
     run(20000);
-    ASSERT_TRUE(view().Label40Warning) << "the disk is short of room for the last ten seconds or so";
+    ASSERT_TRUE(view().Label40Warning)
+        << "the disk is short of room for the last ten seconds or so";
 
     std::size_t warnings = 0;
     const std::string text = log.text();
     const std::string line = state().Filename + " Disk Full Warning during Recording";
-    for (auto at = text.find(line); at != std::string::npos; at = text.find(line, at + 1)) ++warnings;
-    const auto diskErrors = std::count_if(peer.messages.begin(), peer.messages.end(),
-                                          [](const std::string& m) { return m.rfind("DiskErr_", 0) == 0; });
+    for (auto at = text.find(line); at != std::string::npos; at = text.find(line, at + 1))
+        ++warnings;
+    const auto diskErrors =
+        std::count_if(peer.messages.begin(), peer.messages.end(),
+                      [](const std::string& m) { return m.rfind("DiskErr_", 0) == 0; });
     EXPECT_GE(warnings, 3u);
     EXPECT_LE(warnings, 8u) << "about one every two seconds of the warning";
     EXPECT_EQ(static_cast<std::size_t>(diskErrors), warnings);

@@ -12,7 +12,7 @@ namespace {
 constexpr int kRecording = static_cast<int>(engine::EditorState::Recording);
 
 class LastThreeSecondsTest : public DictationTest {
-protected:
+  protected:
     // Watches the screen against the engine every 25 ms of the loop.
     void watchEveryTick() {
         watcher = loop.startRepeating(Milliseconds(25), [this] { check(); });
@@ -32,11 +32,11 @@ protected:
             (lampsLit && !engineRecords) || (engineRecords && !view().MMControl1.Stop)) {
             ++disagreements;
             if (firstDisagreement.empty()) {
-                firstDisagreement = "engine " + std::to_string(editor1.State()) + ", Recordingstatus " +
-                                    std::to_string(state().Recordingstatus) + ", ON AIR " +
-                                    std::to_string(onAir) + ", lamps " + std::to_string(lampsLit) +
-                                    ", Stop " + std::to_string(view().MMControl1.Stop) + ", caption " +
-                                    view().caption;
+                firstDisagreement =
+                    "engine " + std::to_string(editor1.State()) + ", Recordingstatus " +
+                    std::to_string(state().Recordingstatus) + ", ON AIR " + std::to_string(onAir) +
+                    ", lamps " + std::to_string(lampsLit) + ", Stop " +
+                    std::to_string(view().MMControl1.Stop) + ", caption " + view().caption;
             }
         }
     }
