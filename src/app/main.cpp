@@ -200,11 +200,13 @@ int main(int argc, char** argv) {
     bool terminationRequested = false;
     if (terminationSignals.fd() >= 0) {
         loop.watchFd(terminationSignals.fd(), ovd::platform::FdEvent::Readable,
-                     [&terminationSignals, &terminationRequested, &options] {
+                     [&terminationSignals, &terminationRequested, &options, &station] {
             if (terminationSignals.take() == 0) return;
             // Asked for during the load, the end is remembered and the main loop is
             // never entered; a box waiting for an answer takes its default.
             terminationRequested = true;
+            // A routine waiting on an answer or on the disk sees the end coming and lets go.
+            station.dictation().state.Imclosing = true;
             QCoreApplication::quit();
             if (!options.headless) {
                 if (QWidget* box = QApplication::activeModalWidget()) box->close();

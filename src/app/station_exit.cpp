@@ -38,6 +38,9 @@ void Station::TCPSaysClose() {
 void Station::KillAllPedals() { handsFree_->stop(); }
 
 void Station::unloadForm() {
+    // A routine still waiting further down the stack (a save without room, a
+    // letter waiting for its file) sees the end coming and lets go.
+    dictation_->state.Imclosing = true;
     if (onExit) onExit();
 }
 

@@ -100,12 +100,16 @@ void PedalDispatcher::dispatch(PedalDevice device, const std::string& pedal, con
         }
     } else if (*keyword == "RECSTOP" && settings_.OneTapRecPause) {
         UpdateEOLButton();
-        if (!state_.Recordingstatus && down) {
+        // While the next file is made, the station counts as taking for a moment;
+        // a tap then still asks for the take, which waits for the file.
+        const bool taking = state_.Recordingstatus && !commands_.fileInTransition();
+        if (!taking && down) {
             commands_.SwitchCommand("Record");
         } else if (state_.Recordingstatus && down && bar.Stop) {
             commands_.StopClick();
         }
     } else if (*keyword == "RECSTOP") {
+        if (up) commands_.recordReleased();
         if (up && bar.Stop) commands_.StopClick();
         UpdateEOLButton();
         if (down) commands_.SwitchCommand("Record");

@@ -53,6 +53,10 @@ public:
     // The position history takes the status text when it differs from the first entry.
     virtual void pushSwitchPosition(const std::string& status) = 0;
     virtual void SwitchAction(const std::string& action) = 0;
+    // The file is being closed or the next one opened: no take can start yet.
+    [[nodiscard]] virtual bool fileInTransition() const { return false; }
+    // The hold-to-record pedal went up.
+    virtual void recordReleased() {}
 };
 
 enum class PedalDevice { Serial, Usb, Game, DeskUnit };

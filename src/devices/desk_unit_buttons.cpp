@@ -199,7 +199,39 @@ void SwitchModel::eraseFile() {
     if (state_.Filename.empty()) return;
     const std::string name = state_.Filename;
     stopAndClose();
-    if (std::remove(name.c_str()) == 0) trace("File Deleted from the Desk Unit: " + name);
+    if (!platform::fileExists(name)) return;
+    // A slip of the finger must lose nothing: the deleted letter goes to BACK,
+    // where Scan/Convert can bring it back, rather than out of existence.
+    const std::string kept = keepInBackFolder(name);
+    if (kept.empty()) {
+        trace("File Delete refused: " + name + " could not be kept in BACK");
+        return;
+    }
+    trace("File Deleted from the Desk Unit: " + name + " (kept as " + kept + ")");
+}
+
+std::string SwitchModel::keepInBackFolder(const std::string& path) {
+    const std::string back = platform::joinPath(settings().CaptureFilePath.toText(), "BACK");
+    if (!platform::folderExists(back)) platform::createFolder(back);
+    const std::filesystem::path from(path);
+    // An older letter of the same name in BACK stays: this one takes the next free name.
+    std::filesystem::path to = std::filesystem::path(back) / from.filename();
+    for (int n = 2; std::filesystem::exists(to); ++n) {
+        to = std::filesystem::path(back) /
+             (from.stem().string() + " (" + std::to_string(n) + ")" + from.extension().string());
+    }
+    std::error_code error;
+    std::filesystem::rename(from, to, error);
+    if (!error) return to.string();
+    // Another disk: copy, and the letter goes only once the copy is whole.
+    std::string reason;
+    if (!platform::copyFileOver(path, to.string(), &reason)) {
+        trace("Copy to BACK failed: " + reason);
+        std::filesystem::remove(to, error);
+        return {};
+    }
+    if (std::remove(path.c_str()) != 0) trace("File Delete failed: " + path);
+    return to.string();
 }
 
 void SwitchModel::sendToDestination(int destination) {

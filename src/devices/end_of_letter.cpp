@@ -55,6 +55,13 @@ void EndOfLetter::endOfLetter() {
             return;
         }
     }
+    if (d_.takeWaitsInTemp()) {
+        // The Stop's own save found no room: the letter is not finished either,
+        // and the open file keeps the take rather than a close sending nothing.
+        state.FileSaveError = false;
+        DoingEOL = true;
+        return;
+    }
     const settings::SettingsRecord& record = config_.record;
     log_.trace(std::string("EOL has been executed.") + " Auto Send 1 = " + platform::boolText(record.AutoSend1) +
                " Auto Send 2 = " + platform::boolText(record.AutoSend2) + " Auto Send 3 = " + platform::boolText(record.AutoSend3));
@@ -114,6 +121,11 @@ void EndOfLetter::endOfLetter() {
 void EndOfLetter::waitForFile() {
     // No time limit: the save may still hold the file, and nothing goes out half written.
     while (!SaveFileNameForSending.empty() && !platform::FileAvailable(SaveFileNameForSending)) {
+        // Ending, the waits return at once: the letter waits for the next start.
+        if (d_.state.Imclosing) {
+            SaveFileNameForSending.clear();
+            return;
+        }
         const bool thin = config_.record.ScreenSize == "SuperThin";
         d_.view.lblReady = thin ? "" : delivery::kWaitingForFile;
         ++d_.view.revision;

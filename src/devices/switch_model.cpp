@@ -32,6 +32,30 @@ SwitchModel::SwitchModel(SwitchModelParts parts)
       messages_(parts.messages),
       letters_(parts.letters) {
     state_.FirstSwitchPosition = kFirstTime;
+    d_.fileReady = [this] { takePendingRecord(); };
+}
+
+SwitchModel::~SwitchModel() { d_.fileReady = nullptr; }
+
+bool SwitchModel::fileInTransition() const { return lettersUnderWay_ > 0 || d_.newFileUnderWay(); }
+
+void SwitchModel::recordReleased() {
+    if (pendingRecord_.empty()) return;
+    // Held and let go before the file was ready: the author asked for no take.
+    pendingRecord_.clear();
+    trace("Record released before the next file was ready: no take started");
+}
+
+void SwitchModel::takePendingRecord() {
+    if (pendingRecord_.empty() || fileInTransition()) return;
+    const std::string command = std::move(pendingRecord_);
+    pendingRecord_.clear();
+    if (!state_.flgfileOpen1) {
+        trace("Record: no file to record into after the end of letter");
+        return;
+    }
+    trace("Record carried out: the file is ready");
+    SwitchCommand(command);
 }
 
 // ---- The switch ----
@@ -48,6 +72,13 @@ void SwitchModel::SwitchCommand(const std::string& command) {
     } else if (command == "STOP") {
         stop();
     } else if (command == "Record" || command == "RecordInsOVR") {
+        if (fileInTransition()) {
+            // Neither dropped nor let loose on a file half closed or half made:
+            // the press is carried out once the next file is ready.
+            if (pendingRecord_.empty()) trace("Record waits: the next file is not ready yet");
+            pendingRecord_ = command;
+            return;
+        }
         // A take already running: leave at once, and the program does not close now.
         if (!record(command == "Record")) return;
     } else if (command == "STEPFOWARD") {
@@ -247,7 +278,11 @@ void SwitchModel::endOfLetterCommand() {
     state_.FirstSwitchPosition = kSwitchStop;
     d_.CaseStop();
     // After a finished letter the command only stops the transport.
-    if (!state_.EOLHAPPENED) letters_.startEndOfLetter();
+    if (state_.EOLHAPPENED) return;
+    ++lettersUnderWay_;
+    letters_.startEndOfLetter();
+    --lettersUnderWay_;
+    takePendingRecord();
 }
 
 void SwitchModel::SwitchAction(const std::string& word) {

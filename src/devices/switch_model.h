@@ -74,12 +74,26 @@ class SwitchModel : public TransportCommands {
     void CaseStop() override;
     void CaseEnd() override;
     void pushSwitchPosition(const std::string& status) override;
+    // A letter is being finished or the next file opened: a record press now
+    // waits for the file rather than acting on one half closed or half made.
+    [[nodiscard]] bool fileInTransition() const override;
+    // The hold-to-record pedal let go.
+    void recordReleased() override;
+    // The record press that came during a transition, if any, now the file is ready.
+    void takePendingRecord();
+    ~SwitchModel() override;
 
     // A step back is running. The dispatcher's step-back repeat clears its own
     // flag after each step; the station points this model at that flag so the
     // two agree.
 
   private:
+    // The record command that waits for the file in transition ("Record" or
+    // "RecordInsOVR"); empty when none waits.
+    std::string pendingRecord_;
+    // End of letter sequences under way, the outer one and any it runs inside.
+    int lettersUnderWay_ = 0;
+
     // A running take ends first, and an armed insert or overwrite is dropped.
     void endTakeAndDisarm();
     void stepBack();
@@ -102,6 +116,8 @@ class SwitchModel : public TransportCommands {
     void renameFile();
     void stepThroughRecentFiles(int step);
     void eraseFile();
+    // Moves the file into the recordings' BACK folder under a free name; the new path, or empty.
+    std::string keepInBackFolder(const std::string& path);
     void sendToDestination(int destination);
     void stageForSending(Staging staging);
     void sendButtonMessage(const std::string& action, int buttonNumber);

@@ -42,6 +42,8 @@ inline constexpr const char* kSaveQuestion = "File Needs to be Saved. Would you 
 inline constexpr const char* kDiskSpaceQuestion =
     "You may not have enough disk space to save file. Would you like change the default "
     "file location in order to have enough disk space to continue working?";
+inline constexpr const char* kTakeKeptInTemp =
+    "Not enough disk space to save the file: the recording is kept in";
 inline constexpr const char* kMoveSwitchToRecord =
     "Please move the 4 Position Switch on the Quadrant Desk Unit to the RECORD position.";
 
@@ -102,6 +104,11 @@ public:
     std::function<void(const std::string&)> switchCommand;
     // The view model changed; the window redraws.
     std::function<void()> onViewChanged;
+    // A new file has been made (or given up) and nothing else is under way:
+    // a record press that waited for it may go ahead.
+    std::function<void()> fileReady;
+    // CaseNew is part way through: the file is half made.
+    [[nodiscard]] bool newFileUnderWay() const { return newFilesUnderWay_ > 0; }
 
     // ---- The transport routines ----
     void SetParam(const std::string& action);
@@ -151,6 +158,8 @@ public:
     void Image4_Click();   // save
     void Image7_Click();   // factory formats
     void Image10_Click();  // close
+    // The last save found no room, and the take waits in its work file.
+    [[nodiscard]] bool takeWaitsInTemp() const { return takeWaitsInTemp_; }
     void CLOSEME();
     void mnclose_Click();
     void mnuSaveAs_Click();
@@ -250,6 +259,7 @@ private:
     void closeScratchTake(const std::string& waitTag);
     void finishPendingInsertOrAppend();
     void closeBeforeNewFile();
+    void newFileSteps();
     // The user gave up naming the new file: nothing is open.
     bool newFileAbandoned();
     void rotateWorkFileNames();
@@ -262,7 +272,12 @@ private:
     [[nodiscard]] std::string sizeText() const;
     [[nodiscard]] std::string temporaryFolder() const;
     void waitUntilFileIsFree();
-    void makeRoomToSave();
+    // The free-space dialogue before a save; false when the save must not be
+    // written because nobody made room.
+    bool makeRoomToSave();
+    bool giveUpSaveForRoom();
+    // Before the editor closes: a take whose save found no room keeps its work
+    // file in Temp under the letter's name.
     void changed();
 
     platform::EventLoop& loop_;
@@ -276,6 +291,12 @@ private:
     std::string dataFolder_;
     std::string keptWorkFile_;  // the work file of an unsaved take, left for the recovery
     platform::WallClock::time_point startedAt_;
+    // The last save found no room: the take lives only in its work file.
+    bool takeWaitsInTemp_ = false;
+    int newFilesUnderWay_ = 0;
+    // When the disk warning of a take was last logged and sent; while it stays
+    // true it is repeated at the pace of the peer's wait, not at every tick.
+    std::optional<platform::WallClock::time_point> lastDiskWarning_;
 };
 
 }  // namespace ovd::dictation

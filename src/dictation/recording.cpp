@@ -17,6 +17,9 @@ constexpr int kStopped = static_cast<int>(engine::EditorState::Stopped);
 constexpr int kPlaying = static_cast<int>(engine::EditorState::Playing);
 constexpr int kRecording = static_cast<int>(engine::EditorState::Recording);
 constexpr int kPaused = static_cast<int>(engine::EditorState::Paused);
+// The wait of a notice to the peer: a disk warning that stays true is repeated
+// no more often.
+constexpr auto kDiskWarningPace = std::chrono::seconds(2);
 
 }  // namespace
 
@@ -99,12 +102,19 @@ void Dictation::timRecord_Timer() {
     if (workBytes * 3 < free) {
         view.Label40 = "Recording";
         view.Label40Warning = false;
+        lastDiskWarning_.reset();
         changed();
         return;
     }
     view.Label40 = "Warning -- Number of Free Bytes : " + std::to_string(free);
     view.Label40Warning = true;
     changed();
+    // The label follows every tick; the log and the peer hear a warning that
+    // stays true once per wait of the link, as if each notice still held the
+    // tick for it, however short the link's own wait is set.
+    const auto now = loop_.now();
+    if (lastDiskWarning_ && now - *lastDiskWarning_ < kDiskWarningPace) return;
+    lastDiskWarning_ = now;
     trace(state.Filename + " Disk Full Warning during Recording");
     const std::string name = state.Filename;
     if (config_.record.DFStopRec) Image10_Click();
@@ -231,6 +241,9 @@ void Dictation::StepBackward() {
 
 void Dictation::CaseThreeSeconds() {
     if (!state.flgfileOpen1) return;
+    // A take still running ends as every take does, so that nothing shows ON AIR
+    // while the engine plays.
+    if (state.Recordingstatus) CaseStop();
     state.ManuallyMovedctSlide = true;
     AudioEditor1.Stop();
     totalSecondsFromEngine();
@@ -255,6 +268,10 @@ void Dictation::CaseLastThreeSecondsCon() {
 
 void Dictation::LastThreeSecondsContinue() {
     if (!state.flgfileOpen1) return;
+    // The take ends as every take does (saved as a Stop saves, lamps and times
+    // back to stand-by) before its last words play; stopping only the engine
+    // would leave the station ON AIR with nothing recording.
+    if (state.Recordingstatus) CaseStop();
     timSave.setEnabled(false);
     state.flgNewToRecord = false;
     state.flgPlay = false;
@@ -272,14 +289,27 @@ void Dictation::LastThreeSecondsContinue() {
         AudioEditor1.Stop();
         if (auto playing = AudioEditor1.Play(); !playing) trace("Play: " + playing.error());
         state.flgPlay = true;
+        // The screen shows the playback, and its Stop is there to end it.
+        timCurPos.setEnabled(true);
+        SetParam("Play");
+        setBar(BarAfter::CasePlayOrOpen);
+        changed();
     }
     timLastThreeSecondsCon.setInterval(50);
     timLastThreeSecondsCon.setEnabled(true);
 }
 
 void Dictation::timLastThreeSeconds_Timer() {
+    // A paused playback waits for the author.
+    if (AudioEditor1.State() == kPaused) return;
     state.iCurSecond = secondsOf(AudioEditor1.CursorPosition());
-    if (state.iTotalSecFile - state.iCurSecond != 1) return;
+    if (state.iTotalSecFile - state.iCurSecond != 1) {
+        if (!state.flgPlay && AudioEditor1.State() != kPlaying) {
+            // The author stopped the playback short of its end: nothing goes on by itself.
+            timLastThreeSecondsCon.setEnabled(false);
+        }
+        return;
+    }
     waitTraced(1, " -52");
     state.flgPlay = false;
     state.flgNewToRecord = true;
@@ -289,16 +319,13 @@ void Dictation::timLastThreeSeconds_Timer() {
     if (!config_.record.Last3SecsAR) return;
     waitTraced(1, " -53");
     if (refusedWhileRecording("timLastThreeSecondsCon")) return;
-    if (state.flgPlay) return;
-    // The author heard the last words; the take goes on at the end.
-    state.Recordingstatus = true;
+    if (state.flgPlay || !state.flgfileOpen1) return;
+    // The author heard the last words; the take goes on at the end. It starts as
+    // every take does, so that lamps, times and buttons follow the engine.
     AudioEditor1.Stop();
     AudioEditor1.setSelectionActive(false);
     AudioEditor1.setCursorPosition(AudioEditor1.Length());
-    state.WhichBut = "Record";
-    if (auto recording = AudioEditor1.Record(); !recording) trace("Record: " + recording.error());
-    timSave.setEnabled(true);
-    changed();
+    CaseRecord();
 }
 
 }  // namespace ovd::dictation

@@ -3,6 +3,8 @@
 // until the engine lets go of the file, and a disk without room is never
 // written to blindly.
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -103,7 +105,17 @@ void Dictation::SaveFile() {
     view.transportLabelsVisible = false;
     state.FileChanged = false;
     changed();
-    makeRoomToSave();
+    if (!makeRoomToSave()) {
+        // Nobody made room: the file is not written half way, and the take stays
+        // whole in its work file under Temp, where a close leaves it too.
+        view.Label40 = kTakeKeptInTemp;
+        view.Label40Warning = true;
+        saveFailed(
+            state.Filename + " File Save ERROR: " + kTakeKeptInTemp + " " + temporaryFolder(),
+            " -71");
+        return;
+    }
+    takeWaitsInTemp_ = false;
 
     trace("Starting File Save : " + state.Filename);
     AudioEditor1.setComment("OVDESK");
@@ -155,7 +167,7 @@ void Dictation::waitUntilFileIsFree() {
     }
 }
 
-void Dictation::makeRoomToSave() {
+bool Dictation::makeRoomToSave() {
     const auto room = [this](std::int64_t times) {
         const auto free = static_cast<std::int64_t>(
             platform::freeDiskBytes(config_.record.CaptureFilePath.toText()).value_or(0));
@@ -164,6 +176,9 @@ void Dictation::makeRoomToSave() {
     const std::string title = applicationTitle(config_.record.HandsFreeEdition);
     std::int64_t left = room(2);
     while (left < 0) {
+        // The station is ending: nobody will answer any more, and the take waits
+        // in Temp rather than holding the end up.
+        if (state.Imclosing) return giveUpSaveForRoom();
         const bool move = prompts_.askYesNo(kDiskSpaceQuestion, title, platform::Answer::No);
         if (!move) {
             trace("Disk Full Warning --- User Selected to save file in the default location .. "
@@ -182,7 +197,17 @@ void Dictation::makeRoomToSave() {
         config_.WriteConfig();
         left = room(3);
         notifyPeer("DiskErr_" + platform::withoutFolder(state.Filename), " -72");
+        // Asking again only helps when someone can answer otherwise; a fixed
+        // answer would ask for ever, as fast as the machine can.
+        if (left < 0 && !prompts_.someoneAnswers()) return giveUpSaveForRoom();
     }
+    return true;
+}
+
+bool Dictation::giveUpSaveForRoom() {
+    takeWaitsInTemp_ = true;
+    trace(state.Filename + " " + kTakeKeptInTemp + " " + temporaryFolder());
+    return false;
 }
 
 void Dictation::SaveFileAs() {
@@ -280,6 +305,7 @@ void Dictation::CaseClose() {
     view.frameSpeakerEnabled = true;
     if (!state.Filename.empty()) {
         if (!state.flgfileOpen1) {
+            keepUnsavedTake();
             ResetRecorderState();
             state.SaveNCTTempFileName = AudioEditor1.TempFileName();
             AudioEditor1.Close();
@@ -323,6 +349,7 @@ void Dictation::CaseClose() {
         }
         workFile.clear();
     }
+    keptWorkFile_.clear();
     normalise(state);
     SetParam(state.WhichBut);
     view.transportLabelsVisible = false;
@@ -335,8 +362,10 @@ void Dictation::CaseClose() {
 }
 
 void Dictation::keepUnsavedTake() {
-    keptWorkFile_.clear();
-    if (!state.FileSaveError) return;
+    // Kept once per close: the editor has let go of its work file after the first time.
+    if (!keptWorkFile_.empty()) return;
+    if (!state.FileSaveError && !takeWaitsInTemp_) return;
+    takeWaitsInTemp_ = false;
     TempFileNameFileLength();
     state.FileSaveError = true;
     if (!state.NewTempFileLength || *state.NewTempFileLength < kMinimumRecordedBytes) return;

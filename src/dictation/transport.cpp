@@ -49,6 +49,17 @@ bool Dictation::newFileAbandoned() {
 
 void Dictation::CaseNew() {
     trace("File New: " + state.Filename);
+    {
+        // While the file is made, the waits inside let pedals in: they see a file
+        // in the making, and the file ready once it is.
+        ++newFilesUnderWay_;
+        newFileSteps();
+        --newFilesUnderWay_;
+    }
+    if (!newFileUnderWay() && fileReady) fileReady();
+}
+
+void Dictation::newFileSteps() {
     closeBeforeNewFile();
     if (refusedWhileRecording("CaseNew")) return;
     state.CheckedOnce = false;
@@ -168,7 +179,15 @@ void Dictation::CaseRecord() {
     state.Recordingstatus = true;
     state.PausedRecording = false;
     rotateWorkFileNames();
-    if (auto recording = AudioEditor1.Record(); !recording) trace("Record: " + recording.error());
+    if (auto recording = AudioEditor1.Record(); !recording) {
+        trace("Record: " + recording.error());
+        // Nothing records: the station must not show a take, nor refuse what
+        // follows as if one ran.
+        state.Recordingstatus = false;
+        state.WhichBut = "Stop";
+        changed();
+        return;
+    }
     if (!state.Once) {
         state.StartTime = loop_.now();
         state.Once = true;

@@ -71,6 +71,9 @@ public:
     virtual std::optional<std::string> chooseFile(const FileRequest& request) = 0;
     virtual std::optional<std::string> chooseFolder(const FolderRequest& request) = 0;
     virtual void notify(const Notification& notification) = 0;
+    // False when nobody is there to answer: the next box takes its default or a
+    // fixed rule, so asking the same question again can't bring another answer.
+    [[nodiscard]] virtual bool someoneAnswers() const { return true; }
 
     // The shapes the station uses most.
     void showMessage(const std::string& text, const std::string& title = {},

@@ -311,5 +311,28 @@ TEST_F(SwitchModelTest, PreviousAndNextStepThroughTheRecentFiles) {
     }
 }
 
+TEST_F(SwitchModelTest, DeleteButtonMovesTheLetterToBackWithoutOverwritingAnOlderOne) {
+    d().Image2_Click();
+    const std::string letter = state().Filename;
+    const std::string name = platform::withoutFolder(letter);
+    // A letter of the same name deleted earlier is already in BACK.
+    platform::createFolder(recordings + "/BACK");
+    platform::writeWholeFile(recordings + "/BACK/" + name, "an older letter");
+    say("Record");
+    run(3000);
+    say("STOP");
+
+    press("EraseFile", 8);
+    EXPECT_EQ(view().Label40, "Last Button Pressed on QDU Unit was 8 : Delete");
+    EXPECT_TRUE(state().Filename.empty()) << "the letter is closed";
+    EXPECT_FALSE(platform::fileExists(letter)) << "gone from the recordings";
+    EXPECT_EQ(platform::readWholeFile(recordings + "/BACK/" + name).value_or(""),
+              "an older letter");
+    const auto stem = name.substr(0, name.rfind('.'));
+    const std::string kept = recordings + "/BACK/" + stem + " (2)" + name.substr(name.rfind('.'));
+    EXPECT_GT(platform::fileSize(kept).value_or(0), static_cast<std::uintmax_t>(2 * kRate * 2))
+        << "the three seconds spoken are kept in BACK";
+}
+
 }  // namespace
 }  // namespace ovd::devices

@@ -100,5 +100,58 @@ TEST_F(DiskFullTest, ASaveWithoutRoomAsksUntilTheAuthorMovesTheFile) {
     EXPECT_EQ(stored.record.CaptureFilePath.toText(), roomy) << "the next files go where there is room";
 }
 
+TEST_F(DiskFullTest, AWarningThatStaysTrueIsLoggedAndSentEveryTwoSecondsNotEveryTick) {
+    peer.on = true;  // a link that waits for nothing
+    d().Image2_Click();
+    d().MMControl1_RecordClick();
+    run(20000);
+    ASSERT_TRUE(view().Label40Warning)
+        << "the disk is short of room for the last ten seconds or so";
+
+    std::size_t warnings = 0;
+    const std::string text = log.text();
+    const std::string line = state().Filename + " Disk Full Warning during Recording";
+    for (auto at = text.find(line); at != std::string::npos; at = text.find(line, at + 1))
+        ++warnings;
+    const auto diskErrors =
+        std::count_if(peer.messages.begin(), peer.messages.end(),
+                      [](const std::string& m) { return m.rfind("DiskErr_", 0) == 0; });
+    EXPECT_GE(warnings, 3u);
+    EXPECT_LE(warnings, 8u) << "about one every two seconds of the warning";
+    EXPECT_EQ(static_cast<std::size_t>(diskErrors), warnings);
+}
+
+TEST_F(DiskFullTest, WhenNobodyMakesRoomTheSaveStopsAskingAndTheTakeStaysInTemp) {
+    // No answers scripted: the question takes its default, No, and would get it for ever.
+    d().Image2_Click();
+    const std::string letter = state().Filename;
+    d().MMControl1_RecordClick();
+    run(14000);
+    d().MMControl1_StopClick();
+    const engine::SampleCount spoken = editor1.Length();
+    d().Image10_Click();
+
+    const std::vector<std::string> texts = prompts.texts();
+    EXPECT_EQ(std::count(texts.begin(), texts.end(), std::string(kDiskSpaceQuestion)), 1);
+    EXPECT_TRUE(logged(kTakeKeptInTemp)) << log.text();
+    EXPECT_FALSE(platform::fileExists(letter)) << "nothing half written";
+    const std::string kept = smallDisk + "/Temp/" + platform::baseNameOf(letter) + ".tmp";
+    EXPECT_EQ(platform::fileSize(kept).value_or(0), static_cast<std::uintmax_t>(44 + spoken * 2))
+        << "the whole take waits in Temp for the recovery";
+}
+
+TEST_F(DiskFullTest, AStationEndingStopsTheQuestionAtOnce) {
+    prompts.answerNext(platform::Answer::No);
+    prompts.answerNext(platform::Answer::No);
+    d().Image2_Click();
+    d().MMControl1_RecordClick();
+    run(14000);
+    d().MMControl1_StopClick();
+    state().Imclosing = true;  // SIGTERM or the peer's EXIT came in
+    d().Image10_Click();
+    EXPECT_TRUE(prompts.texts().empty()) << "nobody is asked while the station ends";
+    EXPECT_TRUE(logged(kTakeKeptInTemp));
+}
+
 }  // namespace
 }  // namespace ovd::dictation::testing

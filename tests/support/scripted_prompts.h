@@ -30,6 +30,10 @@ public:
     std::optional<std::string> chooseFile(const platform::FileRequest& request) override;
     std::optional<std::string> chooseFolder(const platform::FolderRequest& request) override;
     void notify(const platform::Notification& notification) override;
+    // While scripted answers are left; after them every box takes its default.
+    [[nodiscard]] bool someoneAnswers() const override {
+        return !answers_.empty() || !texts_.empty();
+    }
 
     [[nodiscard]] const std::vector<Shown>& transcript() const { return transcript_; }
     [[nodiscard]] std::vector<std::string> texts() const;
