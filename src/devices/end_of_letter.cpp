@@ -68,7 +68,8 @@ void EndOfLetter::endOfLetter() {
     // A take too short to save leaves no letter on disk even when it counts as
     // recorded; waiting for that file would hold the station for ever, so it is
     // treated as a letter with nothing worth keeping.
-    const bool nothingOnDisk = !SaveFileNameForSending.empty() && !platform::fileExists(SaveFileNameForSending);
+    const bool nothingOnDisk =
+        !SaveFileNameForSending.empty() && !platform::fileExists(SaveFileNameForSending);
     if (nothingOnDisk) log_.trace(SaveFileNameForSending + " was not saved: nothing to send");
     if (state.FileKilled || nothingOnDisk) {
         // Nothing was said worth keeping: nothing to send.

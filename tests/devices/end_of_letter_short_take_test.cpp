@@ -22,7 +22,7 @@ struct Deliveries : LetterDelivery {
 };
 
 class EndOfLetterShortTakeTest : public dictation::testing::DictationTest {
-protected:
+  protected:
     Deliveries delivery;
     EndOfLetter eol{d(), config, log, loop, voice, delivery};
     // A station that waits a whole virtual minute inside the end of letter is stuck.

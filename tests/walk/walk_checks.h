@@ -33,6 +33,7 @@ struct Observation {
     bool hasDocument = false;
     std::string filename;
     engine::SampleCount length = 0;
+    int rate = 0;  // samples per second of the document
     std::uint64_t checksum = 0;
     bool selection = false;  // an active selection of at least one sample
     int state1 = 0;
@@ -42,13 +43,15 @@ struct Observation {
     std::size_t logLength = 0;
 
     [[nodiscard]] bool engineRecords() const { return state1 == 2 || state21 == 2; }
-    [[nodiscard]] bool takeUnderWay() const { return engineRecords() || Recordingstatus || scratchTake; }
+    [[nodiscard]] bool takeUnderWay() const {
+        return engineRecords() || Recordingstatus || scratchTake;
+    }
 };
 
 Observation observe(WalkStation& station);
 
 class WalkChecks {
-public:
+  public:
     explicit WalkChecks(std::set<std::string> skipped) : skipped_(std::move(skipped)) {}
 
     void beforeStep(WalkStation& station, const Step& step);
@@ -56,14 +59,15 @@ public:
     std::optional<Violation> afterCommand(WalkStation& station, const Step& step);
     // The step's control was greyed and its hands-free route (named) ran instead:
     // neither the audio, nor the file in hand, nor the take may have moved.
-    std::optional<Violation> afterGreyedRoute(WalkStation& station, const Step& step, const std::string& route);
+    std::optional<Violation> afterGreyedRoute(WalkStation& station, const Step& step,
+                                              const std::string& route);
     std::optional<Violation> afterStep(WalkStation& station, const Step& step);
     // After the station has ended in order and is gone.
     std::optional<Violation> afterExit(WalkStation& station);
 
     [[nodiscard]] long checks() const { return checks_; }
 
-private:
+  private:
     // Counts the check and says whether it is to be made.
     bool checking(const char* invariant);
     std::optional<Violation> screenAgreesWithEngine(WalkStation& station, const Observation& now);

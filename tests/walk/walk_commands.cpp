@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "platform/files.h"
 #include "devices/pedal_events.h"
+#include "platform/files.h"
 #include "platform/text.h"
 
 namespace ovd::walk {
@@ -25,7 +25,8 @@ std::vector<std::string> lettersOnDisk(WalkStation& s) {
     std::vector<std::string> letters;
     for (const std::string& name : platform::filesInFolder(s.recordings)) {
         const std::string upper = platform::toUpper(name);
-        if (upper.ends_with(".WAV") || upper.ends_with(".MP3")) letters.push_back(s.recordings + "/" + name);
+        if (upper.ends_with(".WAV") || upper.ends_with(".MP3"))
+            letters.push_back(s.recordings + "/" + name);
     }
     return letters;
 }
@@ -66,7 +67,8 @@ void select(WalkStation& s, const Step& step) {
 
 void deskButton(WalkStation& s, const Step& step) {
     const settings::SettingsRecord& r = s.config.record;
-    const std::string* actions[] = {&r.BUT1, &r.BUT2, &r.BUT3, &r.BUT4, &r.BUT5, &r.BUT6, &r.BUT7, &r.BUT8};
+    const std::string* actions[] = {&r.BUT1, &r.BUT2, &r.BUT3, &r.BUT4,
+                                    &r.BUT5, &r.BUT6, &r.BUT7, &r.BUT8};
     const int number = std::clamp(step.a, 1, 8);
     devices::SwitchModel& model = s.station().handsFree().switchModel;
     model.Switch1TO8ON(*actions[number - 1], number);
@@ -108,13 +110,17 @@ const std::vector<WalkCommand>& walkCommands() {
         {"overwrite", 4, Control::cmdOVR, true, false, false, 0, 0, ROUTE(cmdOVR_Click())},
         {"beginning", 2, Control::Command1, true, false, false, 0, 0, ROUTE(Command1_Click())},
         {"appendEnd", 2, Control::ButtonEx2, true, false, false, 0, 0, ROUTE(ButtonEx2_Click())},
-        {"rcInsertBeginning", 2, Control::None, true, false, false, 0, 0, ROUTE(mnuInsertBeginning_Click())},
+        {"rcInsertBeginning", 2, Control::None, true, false, false, 0, 0,
+         ROUTE(mnuInsertBeginning_Click())},
         {"rcAppendEnd", 2, Control::None, true, false, false, 0, 0, ROUTE(mnuAppendEnd_Click())},
-        {"rcLast3Continue", 2, Control::None, false, false, false, 0, 0, ROUTE(mnuLastThreeContinue_Click())},
+        {"rcLast3Continue", 2, Control::None, false, false, false, 0, 0,
+         ROUTE(mnuLastThreeContinue_Click())},
         {"last3", 2, Control::None, false, false, false, 0, 0, ROUTE(Command3_Click())},
         {"select", 4, Control::None, false, false, false, 1000, 1000, select},
         {"cursor", 3, Control::None, false, false, false, 1000, 0,
-         [](WalkStation& s, const Step& step) { s.editor1().setCursorPosition(perMille(s, step.a)); }},
+         [](WalkStation& s, const Step& step) {
+             s.editor1().setCursorPosition(perMille(s, step.a));
+         }},
         {"cut", 3, Control::None, true, true, false, 0, 0, KEY("Cut")},
         {"copy", 3, Control::None, false, true, false, 0, 0, KEY("Copy")},
         {"paste", 2, Control::None, true, false, false, 0, 0, KEY("Paste")},
@@ -129,7 +135,8 @@ const std::vector<WalkCommand>& walkCommands() {
         {"eol", 3, Control::cmdEOL, true, false, false, 0, 0, ROUTE(cmdEOL_Click())},
         {"switch", 8, Control::None, true, false, false, 3, 0,
          [](WalkStation& s, const Step& step) {
-             s.station().handsFree().switchModel.SwitchCommand(kSwitchWords[static_cast<std::size_t>(step.a) % 4]);
+             s.station().handsFree().switchModel.SwitchCommand(
+                 kSwitchWords[static_cast<std::size_t>(step.a) % 4]);
          }},
         {"button", 3, Control::None, true, false, true, 8, 0, deskButton},
         {"pedal", 12, Control::None, true, false, false, 5, 0,
@@ -149,21 +156,36 @@ const WalkCommand* findWalkCommand(std::string_view name) {
 bool controlEnabled(WalkStation& station, Control control) {
     const dictation::MainView& v = station.d().view;
     switch (control) {
-        case Control::None: return true;
-        case Control::Prev: return v.MMControl1.Prev;
-        case Control::Next: return v.MMControl1.Next;
-        case Control::Play: return v.MMControl1.Play;
-        case Control::Pause: return v.MMControl1.Pause;
-        case Control::Back: return v.MMControl1.Back;
-        case Control::Step: return v.MMControl1.Step;
-        case Control::Stop: return v.MMControl1.Stop;
-        case Control::Record: return v.MMControl1.Record;
-        case Control::Command1: return v.Command1;
-        case Control::Command2: return v.Command2;
-        case Control::cmdOVR: return v.cmdOVR;
-        case Control::cmdEOL: return v.cmdEOL;
-        case Control::ButtonEx1: return v.ButtonEx1Visible;
-        case Control::ButtonEx2: return v.ButtonEx2Visible;
+        case Control::None:
+            return true;
+        case Control::Prev:
+            return v.MMControl1.Prev;
+        case Control::Next:
+            return v.MMControl1.Next;
+        case Control::Play:
+            return v.MMControl1.Play;
+        case Control::Pause:
+            return v.MMControl1.Pause;
+        case Control::Back:
+            return v.MMControl1.Back;
+        case Control::Step:
+            return v.MMControl1.Step;
+        case Control::Stop:
+            return v.MMControl1.Stop;
+        case Control::Record:
+            return v.MMControl1.Record;
+        case Control::Command1:
+            return v.Command1;
+        case Control::Command2:
+            return v.Command2;
+        case Control::cmdOVR:
+            return v.cmdOVR;
+        case Control::cmdEOL:
+            return v.cmdEOL;
+        case Control::ButtonEx1:
+            return v.ButtonEx1Visible;
+        case Control::ButtonEx2:
+            return v.ButtonEx2Visible;
     }
     return true;
 }
@@ -171,14 +193,30 @@ bool controlEnabled(WalkStation& station, Control control) {
 const char* runGreyedRoute(WalkStation& station, Control control) {
     devices::SwitchModel& model = station.station().handsFree().switchModel;
     switch (control) {
-        case Control::Record: model.SwitchAction("DICTATE"); return "SwitchAction DICTATE";
-        case Control::Play: model.SwitchAction("LISTEN"); return "SwitchAction LISTEN";
-        case Control::Stop: model.SwitchAction("STOP"); return "SwitchAction STOP";
-        case Control::Back: model.SwitchAction("STEPBACK"); return "SwitchAction STEPBACK";
-        case Control::Step: model.HandSetSwitchs3("STEPFOWARD"); return "HandSetSwitchs3 STEPFOWARD";
-        case Control::Next: model.HandSetSwitchs3("GOTOEND"); return "HandSetSwitchs3 GOTOEND";
-        case Control::Command2: model.HandSetSwitchs3("INSERT"); return "HandSetSwitchs3 INSERT";
-        case Control::cmdOVR: model.HandSetSwitchs3("OVERWRITE"); return "HandSetSwitchs3 OVERWRITE";
+        case Control::Record:
+            model.SwitchAction("DICTATE");
+            return "SwitchAction DICTATE";
+        case Control::Play:
+            model.SwitchAction("LISTEN");
+            return "SwitchAction LISTEN";
+        case Control::Stop:
+            model.SwitchAction("STOP");
+            return "SwitchAction STOP";
+        case Control::Back:
+            model.SwitchAction("STEPBACK");
+            return "SwitchAction STEPBACK";
+        case Control::Step:
+            model.HandSetSwitchs3("STEPFOWARD");
+            return "HandSetSwitchs3 STEPFOWARD";
+        case Control::Next:
+            model.HandSetSwitchs3("GOTOEND");
+            return "HandSetSwitchs3 GOTOEND";
+        case Control::Command2:
+            model.HandSetSwitchs3("INSERT");
+            return "HandSetSwitchs3 INSERT";
+        case Control::cmdOVR:
+            model.HandSetSwitchs3("OVERWRITE");
+            return "HandSetSwitchs3 OVERWRITE";
         case Control::cmdEOL: {
             // The end of letter pedal, pressed and let go.
             devices::PedalDispatcher& dispatcher = station.station().handsFree().dispatcher;
@@ -204,7 +242,8 @@ const char* runGreyedRoute(WalkStation& station, Control control) {
 bool stepIsAuthorEdit(WalkStation& station, const Step& step) {
     const WalkCommand* command = findWalkCommand(step.command);
     if (command == nullptr) return false;
-    if (step.command == "switch") return kSwitchWords[static_cast<std::size_t>(step.a) % 4] == std::string("Record");
+    if (step.command == "switch")
+        return kSwitchWords[static_cast<std::size_t>(step.a) % 4] == std::string("Record");
     if (step.command == "pedal") {
         const std::string keyword = station.pedalKeyword(std::clamp(step.a, 0, 5));
         return keyword != "STEPLIST" && keyword != "STEPFWD";

@@ -15,8 +15,21 @@ namespace ovd::walk {
 
 // The control of the main window behind a command; None for menus and devices.
 enum class Control {
-    None, Prev, Next, Play, Pause, Back, Step, Stop, Record,
-    Command1, Command2, cmdOVR, cmdEOL, ButtonEx1, ButtonEx2,
+    None,
+    Prev,
+    Next,
+    Play,
+    Pause,
+    Back,
+    Step,
+    Stop,
+    Record,
+    Command1,
+    Command2,
+    cmdOVR,
+    cmdEOL,
+    ButtonEx1,
+    ButtonEx2,
 };
 
 struct WalkCommand {

@@ -32,8 +32,9 @@ std::string stepText(const Step& step) {
 
 std::string planText(const Plan& plan) {
     const WalkSettings& s = plan.settings;
-    std::string text = s.format + "/" + std::to_string(s.rate) + "/cp" + (s.crashProtection ? "1" : "0") +
-                       "/ar" + (s.last3AutoRecord ? "1" : "0") + "/ow" + (s.overwriteToEnd ? "1" : "0");
+    std::string text = s.format + "/" + std::to_string(s.rate) + "/cp" +
+                       (s.crashProtection ? "1" : "0") + "/ar" + (s.last3AutoRecord ? "1" : "0") +
+                       "/ow" + (s.overwriteToEnd ? "1" : "0");
     for (const Step& step : plan.steps) text += " " + stepText(step);
     return text;
 }

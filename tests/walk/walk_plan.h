@@ -42,14 +42,14 @@ Plan generatePlan(std::uint64_t seed, int steps);
 
 // A small, well-mixed generator whose sequence is the same on every machine.
 class WalkRandom {
-public:
+  public:
     explicit WalkRandom(std::uint64_t seed) : state_(seed) {}
     std::uint64_t next();
     // From lowest to highest, both included.
     int between(int lowest, int highest);
     bool chance(int percent) { return between(1, 100) <= percent; }
 
-private:
+  private:
     std::uint64_t state_;
 };
 

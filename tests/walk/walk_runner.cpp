@@ -25,7 +25,8 @@ WalkOutcome runPlan(const Plan& plan, const std::set<std::string>& skipped) {
                 violation = checks.afterCommand(station, step);
             } else {
                 // The window can't click a greyed control; the hands-free route can try.
-                violation = checks.afterGreyedRoute(station, step, runGreyedRoute(station, command->control));
+                violation = checks.afterGreyedRoute(station, step,
+                                                    runGreyedRoute(station, command->control));
             }
             if (violation) {
                 ++outcome.stepsRun;
@@ -65,8 +66,8 @@ WalkOutcome runPlan(const Plan& plan, const std::set<std::string>& skipped) {
     return outcome;
 }
 
-Plan smallestFailingPlan(const Plan& plan, const WalkOutcome& outcome, const std::set<std::string>& skipped,
-                         int budget) {
+Plan smallestFailingPlan(const Plan& plan, const WalkOutcome& outcome,
+                         const std::set<std::string>& skipped, int budget) {
     if (!outcome.violation) return plan;
     const std::string rule = outcome.violation->invariant;
     Plan smallest = plan;
@@ -124,10 +125,14 @@ WalkOptions walkOptionsFromEnvironment(int defaultSequences, int defaultSteps) {
         options.firstSeed = static_cast<std::uint64_t>(*seed);
         options.sequences = 1;  // one seed names one walk, unless a count is given too
     }
-    if (const auto count = environmentNumber("OVD_WALK_SEQUENCES")) options.sequences = static_cast<int>(*count);
-    if (const auto steps = environmentNumber("OVD_WALK_STEPS")) options.steps = static_cast<int>(*steps);
-    if (const auto smallest = environmentNumber("OVD_WALK_MINIMISE")) options.smallestPerRule = static_cast<int>(*smallest);
-    if (const char* plan = std::getenv("OVD_WALK_PLAN"); plan != nullptr && *plan != '\0') options.plan = plan;
+    if (const auto count = environmentNumber("OVD_WALK_SEQUENCES"))
+        options.sequences = static_cast<int>(*count);
+    if (const auto steps = environmentNumber("OVD_WALK_STEPS"))
+        options.steps = static_cast<int>(*steps);
+    if (const auto smallest = environmentNumber("OVD_WALK_MINIMISE"))
+        options.smallestPerRule = static_cast<int>(*smallest);
+    if (const char* plan = std::getenv("OVD_WALK_PLAN"); plan != nullptr && *plan != '\0')
+        options.plan = plan;
     if (const char* skip = std::getenv("OVD_WALK_SKIP"); skip != nullptr) {
         std::stringstream in(skip);
         for (std::string name; std::getline(in, name, ',');) {

@@ -32,9 +32,9 @@ struct WalkOptions {
     std::uint64_t firstSeed = 1;
     int sequences = 0;
     int steps = 0;
-    std::optional<std::string> plan;   // OVD_WALK_PLAN: one plan as printed
-    std::set<std::string> skipped;     // OVD_WALK_SKIP: invariants left out, comma-separated
-    int smallestPerRule = 2;           // OVD_WALK_MINIMISE: failures made smallest per rule
+    std::optional<std::string> plan;  // OVD_WALK_PLAN: one plan as printed
+    std::set<std::string> skipped;    // OVD_WALK_SKIP: invariants left out, comma-separated
+    int smallestPerRule = 2;          // OVD_WALK_MINIMISE: failures made smallest per rule
 };
 
 WalkOptions walkOptionsFromEnvironment(int defaultSequences, int defaultSteps);

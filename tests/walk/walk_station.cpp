@@ -18,7 +18,8 @@ void writeRampWave(const std::string& path, int rate, int seconds) {
     std::vector<std::int16_t> samples(frames);
     // A ramp that climbs one step every eight samples and wraps: no two nearby
     // stretches of audio are alike.
-    for (std::uint32_t i = 0; i < frames; ++i) samples[i] = static_cast<std::int16_t>(i / 8 % 60000 - 30000);
+    for (std::uint32_t i = 0; i < frames; ++i)
+        samples[i] = static_cast<std::int16_t>(i / 8 % 60000 - 30000);
     std::string bytes(44 + frames * 2, '\0');
     const auto put32 = [&](std::size_t at, std::uint32_t v) { std::memcpy(&bytes[at], &v, 4); };
     const auto put16 = [&](std::size_t at, std::uint16_t v) { std::memcpy(&bytes[at], &v, 2); };
@@ -139,15 +140,16 @@ WalkStation::WalkStation(const WalkSettings& chosen) : settings(chosen) {
     r.BUT8 = "EraseFile";
     config.WriteConfig();
 
-    station_ = std::make_unique<app::Station>(app::StationParts{
-        loop, config, log, prompts, backend, folder.path(), OVD_TEST_ASSETS "/prompts", OVD_TEST_ASSETS,
-        folder.file("bin"), "", 0});
+    station_ = std::make_unique<app::Station>(
+        app::StationParts{loop, config, log, prompts, backend, folder.path(),
+                          OVD_TEST_ASSETS "/prompts", OVD_TEST_ASSETS, folder.file("bin"), "", 0});
     station_->onExit = [this] { exitAsked_ = true; };
     watchdog_.setOnTick([this] {
         if (loop.now() - stepBegan_ > std::chrono::minutes(2)) {
             watchdog_.setEnabled(false);
-            throw WalkHang("a step still runs after two virtual minutes: the station waits for something "
-                           "that does not come");
+            throw WalkHang(
+                "a step still runs after two virtual minutes: the station waits for something "
+                "that does not come");
         }
     });
     watchdog_.setEnabled(true);
@@ -165,7 +167,8 @@ WalkStation::~WalkStation() = default;
 
 void WalkStation::start() {
     stepBegins();
-    if (station_->Form_Load() != app::LoadResult::Ready) throw std::runtime_error("the station did not load");
+    if (station_->Form_Load() != app::LoadResult::Ready)
+        throw std::runtime_error("the station did not load");
     // With no desk unit the first file opens a moment after the load.
     advance(2000);
 }

@@ -27,7 +27,7 @@ namespace ovd::walk {
 // Boxes take their default button; a file box takes the answer the walk put up
 // for it, once, and is cancelled otherwise.
 class WalkPrompts : public platform::Prompts {
-public:
+  public:
     platform::Answer message(const platform::MessageRequest& request) override;
     std::optional<std::string> input(const platform::InputRequest& request) override;
     std::optional<std::string> chooseFile(const platform::FileRequest& request) override;
@@ -49,7 +49,7 @@ const SeedFiles& seedFiles();
 // virtual time moves on: a save then takes no virtual time at all, and a walk runs
 // the same however fast the machine encodes.
 class WalkEventLoop : public ::ovd::testing::VirtualEventLoop {
-public:
+  public:
     using VirtualEventLoop::VirtualEventLoop;
     void wait(platform::Milliseconds duration) override {
         if (beforeTimeMoves) beforeTimeMoves();
@@ -63,7 +63,7 @@ struct WalkHang : std::runtime_error {
 };
 
 class WalkStation {
-public:
+  public:
     explicit WalkStation(const WalkSettings& settings);
     ~WalkStation();
     WalkStation(const WalkStation&) = delete;
@@ -92,7 +92,9 @@ public:
     // serial pedals, 3 to 5 the USB ones. Each call turns the pedal the other way.
     void pedal(int index);
     [[nodiscard]] std::string pedalKeyword(int index) const;
-    [[nodiscard]] bool pedalDown(int index) const { return pedalsDown_[static_cast<std::size_t>(index)]; }
+    [[nodiscard]] bool pedalDown(int index) const {
+        return pedalsDown_[static_cast<std::size_t>(index)];
+    }
 
     [[nodiscard]] std::string temporaryFolder() const { return recordings + "/Temp"; }
     [[nodiscard]] std::string destinationFolder() const { return folder.file("Dest1"); }
@@ -106,7 +108,7 @@ public:
     WalkPrompts prompts;
     engine::VirtualBackend backend{loop, {437.3, 0.25, ""}};
 
-private:
+  private:
     // No step of a walk needs more than a few virtual seconds: a step that runs on
     // for minutes waits for something that will never come. The watchdog ends the
     // walk there by throwing WalkHang out of the loop.
