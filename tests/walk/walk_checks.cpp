@@ -102,6 +102,7 @@ Observation observe(WalkStation& station) {
 bool WalkChecks::checking(const char* invariant) {
     if (skipped_.count(invariant) != 0) return false;
     ++checks_;
+    ++byRule_[invariant];
     return true;
 }
 

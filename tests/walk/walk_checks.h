@@ -66,6 +66,7 @@ class WalkChecks {
     std::optional<Violation> afterExit(WalkStation& station);
 
     [[nodiscard]] long checks() const { return checks_; }
+    [[nodiscard]] const std::map<std::string, long>& checksByRule() const { return byRule_; }
 
   private:
     // Counts the check and says whether it is to be made.
@@ -79,6 +80,7 @@ class WalkChecks {
 
     std::set<std::string> skipped_;
     long checks_ = 0;
+    std::map<std::string, long> byRule_;
     Observation before_;
     bool haveBefore_ = false;
     // The files on disk before a step that may open one of them.

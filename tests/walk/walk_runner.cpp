@@ -59,6 +59,7 @@ WalkOutcome runPlan(const Plan& plan, const std::set<std::string>& skipped) {
         outcome.failedStep = outcome.stepsRun;
     }
     outcome.checks = checks.checks();
+    outcome.checksByRule = checks.checksByRule();
     // OVD_WALK_LOG=1: the station's event log of the walk, for diagnosis.
     if (const char* show = std::getenv("OVD_WALK_LOG"); show != nullptr && *show == '1') {
         std::cout << station.log.text() << std::flush;

@@ -4,6 +4,7 @@
 // the options a run takes from the environment.
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -16,6 +17,7 @@ namespace ovd::walk {
 struct WalkOutcome {
     int stepsRun = 0;
     long checks = 0;
+    std::map<std::string, long> checksByRule;
     std::optional<Violation> violation;
     int failedStep = -1;  // index of the step; the number of steps for the exit
     bool atExit = false;  // the failure came with the orderly exit

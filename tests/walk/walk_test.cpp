@@ -53,14 +53,19 @@ const auto* const kMemoryFolders = ::testing::AddGlobalTestEnvironment(new Memor
 TEST(RandomWalk, EveryRuleHoldsAfterEveryStep) {
     const WalkOptions options = walkOptionsFromEnvironment(kDefaultSequences, kDefaultSteps);
     const std::string program = thisProgram();
+    std::string skipping;
+    for (const std::string& rule : options.skipped)
+        skipping += (skipping.empty() ? " OVD_WALK_SKIP=" : ",") + rule;
     long sequences = 0, steps = 0, checks = 0;
     std::map<std::string, std::vector<std::string>> failuresByRule;
+    std::map<std::string, long> checksByRule;
 
     const auto walk = [&](const Plan& plan, const std::string& replay) {
         const WalkOutcome outcome = runPlan(plan, options.skipped);
         ++sequences;
         steps += outcome.stepsRun;
         checks += outcome.checks;
+        for (const auto& [rule, count] : outcome.checksByRule) checksByRule[rule] += count;
         if (!outcome.violation) return;
         const Violation& v = *outcome.violation;
         const bool atExit = outcome.atExit;
@@ -76,13 +81,13 @@ TEST(RandomWalk, EveryRuleHoldsAfterEveryStep) {
                        ? "OVD_WALK_SEED=" + replay.substr(5) +
                              " OVD_WALK_STEPS=" + std::to_string(options.steps)
                        : std::string("OVD_WALK_PLAN='") + planText(plan) + "'")
-               << " " << program << "\n"
+               << skipping << " " << program << "\n"
                << "[walk]   steps:   " << stepsSoFar(plan, outcome.failedStep) << "\n";
         auto& seen = failuresByRule[v.invariant];
         if (static_cast<int>(seen.size()) < options.smallestPerRule) {
             const Plan smallest = smallestFailingPlan(plan, outcome, options.skipped, 150);
-            report << "[walk]   smallest: OVD_WALK_PLAN='" << planText(smallest) << "' " << program
-                   << "\n";
+            report << "[walk]   smallest: OVD_WALK_PLAN='" << planText(smallest) << "'" << skipping
+                   << " " << program << "\n";
         }
         seen.push_back(replay);
         std::cout << report.str() << std::flush;
@@ -101,7 +106,13 @@ TEST(RandomWalk, EveryRuleHoldsAfterEveryStep) {
     }
 
     std::cout << "[walk] " << sequences << " sequences, " << steps << " steps, " << checks
-              << " invariant checks";
+              << " invariant checks (";
+    const char* separator = "";
+    for (const auto& [rule, count] : checksByRule) {
+        std::cout << separator << rule << " " << count;
+        separator = ", ";
+    }
+    std::cout << ")";
     for (const auto& [rule, seeds] : failuresByRule) {
         std::cout << "; '" << rule << "' broken by " << seeds.size();
     }
