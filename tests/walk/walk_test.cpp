@@ -19,7 +19,7 @@ namespace ovd::walk {
 namespace {
 
 #ifdef OVD_WALK_SANITIZED
-constexpr int kDefaultSequences = 150;
+constexpr int kDefaultSequences = 500;
 #else
 constexpr int kDefaultSequences = 1200;
 #endif
