@@ -223,8 +223,13 @@ const char* runGreyedRoute(WalkStation& station, Control control) {
             for (std::size_t i = 0; i < 6; ++i) {
                 if (station.pedalKeyword(static_cast<int>(i)) != "EOLSTOP") continue;
                 const char* names[] = {devices::kLeft, devices::kMiddle, devices::kRight};
-                dispatcher.PedalEventUSB(names[i % 3], devices::kDown);
-                dispatcher.PedalEventUSB(names[i % 3], devices::kUp);
+                for (const char* direction : {devices::kDown, devices::kUp}) {
+                    if (i < 3) {
+                        dispatcher.PedalEventSER(names[i % 3], direction);
+                    } else {
+                        dispatcher.PedalEventUSB(names[i % 3], direction);
+                    }
+                }
             }
             return "the end of letter pedal";
         }
