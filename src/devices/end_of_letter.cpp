@@ -1,5 +1,6 @@
 #include "devices/end_of_letter.h"
 
+#include "platform/files.h"
 #include "platform/system_queries.h"
 #include "platform/text.h"
 
@@ -71,7 +72,13 @@ void EndOfLetter::endOfLetter() {
     SaveFileNameForSending = state.Filename;
     const std::string commandFileName = state.CommandFileName;
     d_.Image10_Click();
-    if (state.FileKilled) {
+    // A take too short to save leaves no letter on disk even when it counts as
+    // recorded; waiting for that file would hold the station for ever, so it is
+    // treated as a letter with nothing worth keeping.
+    const bool nothingOnDisk =
+        !SaveFileNameForSending.empty() && !platform::fileExists(SaveFileNameForSending);
+    if (nothingOnDisk) log_.trace(SaveFileNameForSending + " was not saved: nothing to send");
+    if (state.FileKilled || nothingOnDisk) {
         // Nothing was said worth keeping: nothing to send.
         SaveFileNameForSending.clear();
         showReady();

@@ -1,0 +1,260 @@
+#include "walk/walk_commands.h"
+
+#include <algorithm>
+#include <array>
+
+#include "devices/pedal_events.h"
+#include "platform/files.h"
+#include "platform/text.h"
+
+namespace ovd::walk {
+
+namespace {
+
+using engine::SampleCount;
+
+// The moves of the desk unit's switch; the other command words come from the pedals.
+constexpr std::array<const char*, 4> kSwitchWords = {"LISTEN", "STOP", "STEPBACK", "Record"};
+
+SampleCount perMille(WalkStation& s, int value) {
+    return s.editor1().Length() * std::clamp(value, 0, 1000) / 1000;
+}
+
+// The audio files of the recordings folder, in name order.
+std::vector<std::string> lettersOnDisk(WalkStation& s) {
+    std::vector<std::string> letters;
+    for (const std::string& name : platform::filesInFolder(s.recordings)) {
+        const std::string upper = platform::toUpper(name);
+        if (upper.ends_with(".WAV") || upper.ends_with(".MP3"))
+            letters.push_back(s.recordings + "/" + name);
+    }
+    return letters;
+}
+
+std::string extensionOfFileInHand(WalkStation& s) {
+    const std::string& name = s.d().state.Filename;
+    const auto dot = name.find_last_of('.');
+    if (dot == std::string::npos || name.find('/', dot) != std::string::npos) return ".wav";
+    return name.substr(dot);
+}
+
+void open(WalkStation& s, const Step& step) {
+    const auto letters = lettersOnDisk(s);
+    if (letters.empty()) return;
+    s.prompts.nextFile = letters[static_cast<std::size_t>(step.a) % letters.size()];
+    s.d().Image3_Click();
+    s.prompts.nextFile.reset();
+}
+
+void openRecent(WalkStation& s, const Step& step) {
+    const auto recent = s.d().view.Reopen;
+    if (recent.empty()) return;
+    s.d().OpenMyList(recent[static_cast<std::size_t>(step.a) % recent.size()]);
+}
+
+void saveAs(WalkStation& s, const Step& step) {
+    s.prompts.nextFile = s.recordings + "/copy" + std::to_string(step.a) + extensionOfFileInHand(s);
+    s.d().mnuSaveAs_Click();
+    s.prompts.nextFile.reset();
+}
+
+void select(WalkStation& s, const Step& step) {
+    engine::WaveEditor& e = s.editor1();
+    e.setSelectionActive(true);
+    e.setSelectionStart(perMille(s, std::min(step.a, step.b)));
+    e.setSelectionEnd(perMille(s, std::max(step.a, step.b)));
+}
+
+void deskButton(WalkStation& s, const Step& step) {
+    const settings::SettingsRecord& r = s.config.record;
+    const std::string* actions[] = {&r.BUT1, &r.BUT2, &r.BUT3, &r.BUT4,
+                                    &r.BUT5, &r.BUT6, &r.BUT7, &r.BUT8};
+    const int number = std::clamp(step.a, 1, 8);
+    devices::SwitchModel& model = s.station().handsFree().switchModel;
+    model.Switch1TO8ON(*actions[number - 1], number);
+    model.buttonReleased(number);
+}
+
+// Not one of the author's: audio put into the file behind the dictation's back.
+// Only the net's own test uses it, to see that the net catches it.
+void tamper(WalkStation& s, const Step&) {
+    engine::WaveEditor& e = s.editor1();
+    e.setSelectionActive(true);
+    e.setSelectionStart(0);
+    e.setSelectionEnd(std::min<SampleCount>(e.Length(), 800));
+    (void)e.Copy();
+    e.setSelectionActive(false);
+    e.setCursorPosition(e.Length());
+    (void)e.Paste();
+}
+
+#define ROUTE(call) [](WalkStation& s, const Step&) { s.d().call; }
+#define KEY(name) [](WalkStation& s, const Step&) { s.d().Toolbar1_ButtonClick(name); }
+
+}  // namespace
+
+const std::vector<WalkCommand>& walkCommands() {
+    // name, weight, control, author's edit, needs a selection, opens a file, a range, b range, run
+    static const std::vector<WalkCommand> commands = {
+        {"new", 3, Control::None, true, false, false, 0, 0, ROUTE(Image2_Click())},
+        {"record", 10, Control::Record, true, false, false, 0, 0, ROUTE(MMControl1_RecordClick())},
+        {"stop", 10, Control::Stop, false, false, false, 0, 0, ROUTE(MMControl1_StopClick())},
+        {"play", 6, Control::Play, false, false, false, 0, 0, ROUTE(MMControl1_PlayClick())},
+        {"pause", 4, Control::Pause, false, false, false, 0, 0, ROUTE(MMControl1_PauseClick())},
+        {"prev", 2, Control::Prev, false, false, false, 0, 0, ROUTE(MMControl1_PrevClick())},
+        {"next", 2, Control::Next, false, false, false, 0, 0, ROUTE(MMControl1_NextClick())},
+        {"back", 4, Control::Back, false, false, false, 0, 0, ROUTE(MMControl1_BackClick())},
+        {"step", 3, Control::Step, false, false, false, 0, 0, ROUTE(MMControl1_StepClick())},
+        {"insert", 4, Control::Command2, true, false, false, 0, 0, ROUTE(Command2_Click())},
+        {"insertEnd", 3, Control::ButtonEx1, true, false, false, 0, 0, ROUTE(ButtonEx1_Click())},
+        {"overwrite", 4, Control::cmdOVR, true, false, false, 0, 0, ROUTE(cmdOVR_Click())},
+        {"beginning", 2, Control::Command1, true, false, false, 0, 0, ROUTE(Command1_Click())},
+        {"appendEnd", 2, Control::ButtonEx2, true, false, false, 0, 0, ROUTE(ButtonEx2_Click())},
+        {"rcInsertBeginning", 2, Control::None, true, false, false, 0, 0,
+         ROUTE(mnuInsertBeginning_Click())},
+        {"rcAppendEnd", 2, Control::None, true, false, false, 0, 0, ROUTE(mnuAppendEnd_Click())},
+        {"rcLast3Continue", 2, Control::None, false, false, false, 0, 0,
+         ROUTE(mnuLastThreeContinue_Click())},
+        {"last3", 2, Control::None, false, false, false, 0, 0, ROUTE(Command3_Click())},
+        {"select", 4, Control::None, false, false, false, 1000, 1000, select},
+        {"cursor", 3, Control::None, false, false, false, 1000, 0,
+         [](WalkStation& s, const Step& step) {
+             s.editor1().setCursorPosition(perMille(s, step.a));
+         }},
+        {"cut", 3, Control::None, true, true, false, 0, 0, KEY("Cut")},
+        {"copy", 3, Control::None, false, true, false, 0, 0, KEY("Copy")},
+        {"paste", 2, Control::None, true, false, false, 0, 0, KEY("Paste")},
+        {"undo", 2, Control::None, true, false, false, 0, 0, KEY("Undo")},
+        {"redo", 2, Control::None, true, false, false, 0, 0, KEY("Redo")},
+        {"save", 3, Control::None, false, false, false, 0, 0, ROUTE(Image4_Click())},
+        {"saveAs", 1, Control::None, true, false, true, 3, 0, saveAs},
+        {"close", 2, Control::None, true, false, false, 0, 0, ROUTE(Image10_Click())},
+        {"menuClose", 1, Control::None, true, false, false, 0, 0, ROUTE(mnclose_Click())},
+        {"open", 2, Control::None, true, false, true, 20, 0, open},
+        {"openRecent", 2, Control::None, true, false, true, 20, 0, openRecent},
+        {"eol", 3, Control::cmdEOL, true, false, false, 0, 0, ROUTE(cmdEOL_Click())},
+        {"switch", 8, Control::None, true, false, false, 3, 0,
+         [](WalkStation& s, const Step& step) {
+             s.station().handsFree().switchModel.SwitchCommand(
+                 kSwitchWords[static_cast<std::size_t>(step.a) % 4]);
+         }},
+        {"button", 3, Control::None, true, false, true, 8, 0, deskButton},
+        {"pedal", 12, Control::None, true, false, false, 5, 0,
+         [](WalkStation& s, const Step& step) { s.pedal(std::clamp(step.a, 0, 5)); }},
+        {"tamper", 0, Control::None, false, false, false, 0, 0, tamper},
+    };
+    return commands;
+}
+
+const WalkCommand* findWalkCommand(std::string_view name) {
+    for (const WalkCommand& command : walkCommands()) {
+        if (command.name == name) return &command;
+    }
+    return nullptr;
+}
+
+bool controlEnabled(WalkStation& station, Control control) {
+    const dictation::MainView& v = station.d().view;
+    switch (control) {
+        case Control::None:
+            return true;
+        case Control::Prev:
+            return v.MMControl1.Prev;
+        case Control::Next:
+            return v.MMControl1.Next;
+        case Control::Play:
+            return v.MMControl1.Play;
+        case Control::Pause:
+            return v.MMControl1.Pause;
+        case Control::Back:
+            return v.MMControl1.Back;
+        case Control::Step:
+            return v.MMControl1.Step;
+        case Control::Stop:
+            return v.MMControl1.Stop;
+        case Control::Record:
+            return v.MMControl1.Record;
+        case Control::Command1:
+            return v.Command1;
+        case Control::Command2:
+            return v.Command2;
+        case Control::cmdOVR:
+            return v.cmdOVR;
+        case Control::cmdEOL:
+            return v.cmdEOL;
+        case Control::ButtonEx1:
+            return v.ButtonEx1Visible;
+        case Control::ButtonEx2:
+            return v.ButtonEx2Visible;
+    }
+    return true;
+}
+
+const char* runGreyedRoute(WalkStation& station, Control control) {
+    devices::SwitchModel& model = station.station().handsFree().switchModel;
+    switch (control) {
+        case Control::Record:
+            model.SwitchAction("DICTATE");
+            return "SwitchAction DICTATE";
+        case Control::Play:
+            model.SwitchAction("LISTEN");
+            return "SwitchAction LISTEN";
+        case Control::Stop:
+            model.SwitchAction("STOP");
+            return "SwitchAction STOP";
+        case Control::Back:
+            model.SwitchAction("STEPBACK");
+            return "SwitchAction STEPBACK";
+        case Control::Step:
+            model.HandSetSwitchs3("STEPFOWARD");
+            return "HandSetSwitchs3 STEPFOWARD";
+        case Control::Next:
+            model.HandSetSwitchs3("GOTOEND");
+            return "HandSetSwitchs3 GOTOEND";
+        case Control::Command2:
+            model.HandSetSwitchs3("INSERT");
+            return "HandSetSwitchs3 INSERT";
+        case Control::cmdOVR:
+            model.HandSetSwitchs3("OVERWRITE");
+            return "HandSetSwitchs3 OVERWRITE";
+        case Control::cmdEOL: {
+            // The end of letter pedal, pressed and let go.
+            devices::PedalDispatcher& dispatcher = station.station().handsFree().dispatcher;
+            for (std::size_t i = 0; i < 6; ++i) {
+                if (station.pedalKeyword(static_cast<int>(i)) != "EOLSTOP") continue;
+                const char* names[] = {devices::kLeft, devices::kMiddle, devices::kRight};
+                for (const char* direction : {devices::kDown, devices::kUp}) {
+                    if (i < 3) {
+                        dispatcher.PedalEventSER(names[i % 3], direction);
+                    } else {
+                        dispatcher.PedalEventUSB(names[i % 3], direction);
+                    }
+                }
+            }
+            return "the end of letter pedal";
+        }
+        case Control::None:
+        case Control::Prev:
+        case Control::Pause:
+        case Control::Command1:
+        case Control::ButtonEx1:
+        case Control::ButtonEx2:
+            return "";
+    }
+    return "";
+}
+
+bool stepIsAuthorEdit(WalkStation& station, const Step& step) {
+    const WalkCommand* command = findWalkCommand(step.command);
+    if (command == nullptr) return false;
+    if (step.command == "switch")
+        return kSwitchWords[static_cast<std::size_t>(step.a) % 4] == std::string("Record");
+    if (step.command == "pedal") {
+        const std::string keyword = station.pedalKeyword(std::clamp(step.a, 0, 5));
+        return keyword != "STEPLIST" && keyword != "STEPFWD";
+    }
+    if (step.command == "button") return std::clamp(step.a, 1, 8) != 5;  // AudioSRC does nothing
+    return command->authorEdit;
+}
+
+}  // namespace ovd::walk
