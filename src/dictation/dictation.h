@@ -253,6 +253,8 @@ private:
     void barByPosition();
     bool deskUnitAllowsTake();
     [[nodiscard]] bool positionAllowsScratchTake() const;
+    // True while an insert or an overwrite records into the scratch editor.
+    [[nodiscard]] bool scratchTakeRuns() const;
     void beginScratchTake(engine::SampleCount at, bool showEndButton);
     void selectScratchTake();
     void copyScratchTake();

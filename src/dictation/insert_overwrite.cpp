@@ -28,7 +28,8 @@ bool Dictation::deskUnitAllowsTake() {
 
 void Dictation::Command1_Click() {
     trace("Add Comments To Beginning: " + state.Filename);
-    if (AudioEditor1.State() == kRecording) return;
+    // A second press while a take runs would leave that take recording unseen.
+    if (AudioEditor1.State() == kRecording || scratchTakeRuns()) return;
     if (!deskUnitAllowsTake()) return;
     if (view.ctSlide1 != 0) {
         if (refusedWhileRecording("Command1")) return;
@@ -48,6 +49,7 @@ void Dictation::Command1_Click() {
 
 void Dictation::Command2_Click() {
     trace("Insert Audio at Current Position: " + state.Filename);
+    if (scratchTakeRuns()) return;  // the take in progress ends by its own button
     if (AudioEditor1.State() == kRecording) {
         state.DoingInsertUpdate = false;
         return;
@@ -73,7 +75,7 @@ void Dictation::Command2_Click() {
 
 void Dictation::cmdOVR_Click() {
     trace("Overwrite Audio at Current Position: " + state.Filename);
-    if (AudioEditor1.State() == kRecording) return;
+    if (AudioEditor1.State() == kRecording || scratchTakeRuns()) return;
     view.Lbl4Pos = kSwitchDictate;
     if (!deskUnitAllowsTake()) return;
     if (!positionAllowsScratchTake()) {
@@ -99,6 +101,8 @@ bool Dictation::positionAllowsScratchTake() const {
     const auto cursor = AudioEditor1.CursorPosition();
     return cursor != 0 && cursor != AudioEditor1.Length() && view.ctSlide1 != 100;
 }
+
+bool Dictation::scratchTakeRuns() const { return AudioEditor21.State() == kRecording; }
 
 void Dictation::beginScratchTake(engine::SampleCount at, bool showEndButton) {
     timLight.setEnabled(true);

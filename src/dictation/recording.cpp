@@ -31,7 +31,8 @@ void Dictation::timCurPos_Timer() {
     const bool playedToEnd =
         state.flgPlay && state.SaveCurrentPosition >= AudioEditor1.Length();
     const int engineState = AudioEditor1.State();
-    if (engineState == kStopped) {
+    // A scratch take (insert, overwrite) records while the file stands still.
+    if (engineState == kStopped && !scratchTakeRuns()) {
         state.flgPlay = false;
         state.Recordingstatus = false;
     }

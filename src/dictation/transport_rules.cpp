@@ -37,6 +37,9 @@ bool cmdEOLAfter(const TransportBar& bar, bool RecordedOnce, bool cmdEOL) {
 }
 
 void normalise(DictationState& state) {
+    // An insert or an overwrite records into the scratch editor while the file
+    // itself stands still: the take is shown until its own end puts it in.
+    if (state.Recordingstatus && (state.DoingInsertUpdate || state.OverWriteFile)) return;
     if (state.WhichBut == "Record") {
         state.Recordingstatus = true;
     } else if (!state.Recordingstatus) {

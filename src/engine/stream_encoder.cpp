@@ -209,6 +209,13 @@ EngineResult StreamEncoder::finish() {
             !written)
             return written;
     }
+    if (encodedFrames_ == 0 && !stream_->copiesFrames()) {
+        // A coded file with no frame at all is one no player opens: a letter the
+        // author emptied is saved as a millisecond of silence instead.
+        converted_.assign(static_cast<std::size_t>(encoded_.sampleRate / 1000 * encoded_.channels), 0);
+        const auto frames = converted_.size() / static_cast<std::size_t>(encoded_.channels);
+        if (EngineResult written = writeEncoded(converted_.data(), frames); !written) return written;
+    }
     if (EngineResult finished = stream_->finish(); !finished) return finished;
     return persist();
 }
