@@ -123,6 +123,22 @@ void Dictation::showFileName() {
     view.lblReady = platform::withoutFolder(state.Filename);
 }
 
+void Dictation::showFileJustOpened() {
+    // After a save the file label may offer to create or load a file; while the
+    // file is still loaded it names the file.
+    if (view.statusPanel1 == state.Filename && view.lblReady == platform::withoutFolder(state.Filename)) {
+        return;
+    }
+    showFileName();
+    changed();
+}
+
+void Dictation::showNoTakeRunning() {
+    // The status line tells of a take only while one runs: a line left reading
+    // "Recording" would show a take while nothing records.
+    if (view.Label40 == "Recording") view.Label40.clear();
+}
+
 void Dictation::setLamps(bool on) {
     view.Image5 = on;
     view.Image6 = on;
@@ -189,6 +205,7 @@ void Dictation::SetParam(const std::string& action) {
         setLamps(false);
         view.lblOnAir = "STAND BY";
         view.lblOnAirVisible = state.RecordingstatusPaused;
+        showNoTakeRunning();
     } else {
         timRecord.setEnabled(true);
         timLight.setEnabled(true);
@@ -226,6 +243,13 @@ void Dictation::barByPosition() {
 }
 
 void Dictation::changed() {
+    if (!state.flgfileOpen1) {
+        // With no file no transport button can act, so none looks as if it could,
+        // whatever the last command left on the bar.
+        view.MMControl1 = transportBarAfter(BarAfter::ProgramStart);
+        setRecordButtons(false);
+        view.ctSlide1Enabled = false;
+    }
     ++view.revision;
     if (onViewChanged) onViewChanged();
 }

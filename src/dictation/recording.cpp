@@ -44,6 +44,8 @@ void Dictation::timCurPos_Timer() {
     if ((state.flgPlay || playedToEnd) && AudioEditor1.CursorPosition() >= AudioEditor1.Length()) {
         state.flgPlay = false;
         state.PlayedOnce = false;
+        // The playback is over: the caption CaseEnd writes must say stopped, not playing.
+        state.WhichBut = "Stop";
         CaseEnd();
     }
     view.timeElapsed = clockText(state.iCurSecond);
@@ -58,6 +60,7 @@ void Dictation::timCurPos_Timer() {
         if (!state.RecordingstatusPaused) view.formatOptionsEnabled = true;
         view.lblOnAirVisible = state.RecordingstatusPaused;
         if (state.RecordingstatusPaused) view.lblOnAir = "STAND BY";
+        showNoTakeRunning();
     } else {
         timRecord.setEnabled(true);
         timLight.setEnabled(true);
@@ -67,6 +70,7 @@ void Dictation::timCurPos_Timer() {
         }
         view.lblOnAirVisible = true;
     }
+    if (state.flgfileOpen1 && state.JustOpened && !state.Recordingstatus) showFileJustOpened();
     if (!state.flgfileOpen1) AdjustNCTTimeDisplay();
 }
 

@@ -1,5 +1,7 @@
 #include "ui/reconnection_dialog.h"
 
+#include "ui/window_placement.h"
+
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -47,7 +49,10 @@ void ReconnectionDialogWindow::render() {
         move(mainWindow_->frameGeometry().topLeft() +
              QPoint(delivery::ReconnectionDialog::kOffsetPixels, delivery::ReconnectionDialog::kOffsetPixels));
     }
-    if (!isVisible()) show();
+    if (!isVisible()) {
+        keepAboveStation(*this, mainWindow_);
+        show();
+    }
     raise();
 }
 

@@ -81,4 +81,11 @@ void TransportBar::render(const dictation::TransportBar& bar, bool captionsVisib
     }
 }
 
+void TransportBar::showNoFile(bool noFile) {
+    QToolButton* record = buttons_[Record];
+    record->setToolTip(noFile ? tr("Record: there is no file to record into. Create a new file (New) "
+                                   "or open one first.")
+                              : tr("Record"));
+}
+
 }  // namespace ovd::ui
