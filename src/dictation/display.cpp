@@ -124,11 +124,14 @@ void Dictation::showFileName() {
 }
 
 void Dictation::showFileJustOpened() {
+    // The slider was held only while the file loaded.
+    const bool sliderFree = !view.lblBusyVisible && !view.ctSlide1Enabled;
     // After a save the file label may offer to create or load a file; while the
     // file is still loaded it names the file.
-    if (view.statusPanel1 == state.Filename && view.lblReady == platform::withoutFolder(state.Filename)) {
-        return;
-    }
+    const bool named =
+        view.statusPanel1 == state.Filename && view.lblReady == platform::withoutFolder(state.Filename);
+    if (named && !sliderFree) return;
+    if (sliderFree) view.ctSlide1Enabled = true;
     showFileName();
     changed();
 }

@@ -78,6 +78,24 @@ TEST_F(ScreenAfterActionsTest, TheModeAndTheTimesFollowTheEndOfAnInsertOrAnOverw
     }
 }
 
+TEST_F(ScreenAfterActionsTest, AnOpenedFileCanBeMovedInOnceItHasLoaded) {
+    const std::string path = writeRampWave(folder.file("Letter.wav"), 5);
+    d().OpenMyList(path);
+    ASSERT_TRUE(state().flgfileOpen1);
+    run(100);
+    EXPECT_FALSE(view().lblBusyVisible);
+    EXPECT_TRUE(view().ctSlide1Enabled) << "the position slider was held only while the file loaded";
+    EXPECT_EQ(view().lblReady, "Letter.wav");
+    d().ctSlide1_MouseDown();
+    d().ctSlide1_Change(40);
+    d().ctSlide1_MouseUp(40);
+    run(100);
+    EXPECT_EQ(editor1.CursorPosition(), 2 * kRate);
+    EXPECT_EQ(view().ctSlide1, 40);
+    EXPECT_EQ(view().timeElapsed, "00:00:02");
+    EXPECT_EQ(view().Label24, "00:00:03");
+}
+
 TEST_F(ScreenAfterActionsTest, WithNoFileEveryTransportButtonIsGreyed) {
     const TransportBar none = transportBarAfter(BarAfter::ProgramStart);
     EXPECT_EQ(view().MMControl1, none) << "start of program";

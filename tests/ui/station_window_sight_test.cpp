@@ -114,7 +114,15 @@ TEST_F(StationWindowTest, TheWindowComesBackWhereItWasLeft) {
 TEST_F(StationWindowTest, DraggingThePositionSliderMovesTheSliderAndTheTimes) {
     window().Form_Load();
     dictate(4000);
+    // A minute later a second is overwritten: the file keeps its four seconds.
+    run(60000);
+    editor1.setCursorPosition(dictation::testing::kRate);
+    d().timCurPos_Timer();
+    d().cmdOVR_Click();
+    run(1000);
+    d().MMControl1_StopClick();
     runAndRender(100);
+    ASSERT_EQ(editor1.Length(), 4 * dictation::testing::kRate);
     auto* slider = child<QSlider>("ctSlide1");
     ASSERT_TRUE(slider->isEnabled());
 
