@@ -5,6 +5,7 @@
 // that says why.
 
 #include <QApplication>
+#include <QImage>
 #include <QMessageBox>
 #include <QMouseEvent>
 #include <QPlainTextEdit>
@@ -139,6 +140,29 @@ TEST_F(StationWindowTest, DraggingThePositionSliderMovesTheSliderAndTheTimes) {
     EXPECT_EQ(view().ctSlide1, 50);
     EXPECT_EQ(textOf("NCTTimeDisplay21"), "00:00:02");
     EXPECT_EQ(textOf("Label24"), "00:00:02");
+}
+
+// How much of the symbol shows: the strongest opacity of its pixels.
+int strongestAlpha(const QIcon& icon, QIcon::Mode mode) {
+    const QImage image = icon.pixmap(QSize(28, 28), mode).toImage().convertToFormat(QImage::Format_ARGB32);
+    int strongest = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) strongest = std::max(strongest, qAlpha(image.pixel(x, y)));
+    }
+    return strongest;
+}
+
+TEST_F(StationWindowTest, ATransportButtonThatCannotActLooksSoWithoutItsCaption) {
+    window().Form_Load();
+    for (int i = 0; i < TransportBar::kButtons; ++i) {
+        QToolButton* button = bar(static_cast<TransportBar::Button>(i));
+        SCOPED_TRACE(button->objectName().toStdString());
+        EXPECT_FALSE(button->isEnabled()) << "no file";
+        const int shown = strongestAlpha(button->icon(), QIcon::Normal);
+        const int greyed = strongestAlpha(button->icon(), QIcon::Disabled);
+        ASSERT_GT(shown, 200);
+        EXPECT_LT(greyed, shown / 2) << "a greyed symbol is faded, not merely a shade lighter";
+    }
 }
 
 TEST_F(StationWindowTest, AGreyedRecordSaysThereIsNoFile) {
