@@ -167,7 +167,8 @@ int main(int argc, char** argv) {
     if (!options.headless) {
         station.onShowScanConvert = [&scanConvertWindow, &window](ovd::conversion::ScanConvert& scan) {
             if (!scanConvertWindow) scanConvertWindow = std::make_unique<ovd::ui::ScanConvertWindow>(scan, window.get());
-            if (!scanConvertWindow->isVisible()) ovd::ui::keepAboveStation(*scanConvertWindow, window.get());
+            if (!scanConvertWindow->isVisible())
+                ovd::ui::keepAboveStation(*scanConvertWindow, window.get());
             scanConvertWindow->show();
             scanConvertWindow->raise();
         };

@@ -26,7 +26,8 @@ void Dictation::recordingDeviceLost(const std::string& device) {
     // an ordinary take ends at the end of the file.
     MMControl1_StopClick();
     changed();
-    prompts_.showMessage(deviceLostText(device), settings::kProductTitle, platform::Severity::Warning);
+    prompts_.showMessage(deviceLostText(device), settings::kProductTitle,
+                         platform::Severity::Warning);
 }
 
 }  // namespace ovd::dictation

@@ -128,8 +128,8 @@ void Dictation::showFileJustOpened() {
     const bool sliderFree = !view.lblBusyVisible && !view.ctSlide1Enabled;
     // After a save the file label may offer to create or load a file; while the
     // file is still loaded it names the file.
-    const bool named =
-        view.statusPanel1 == state.Filename && view.lblReady == platform::withoutFolder(state.Filename);
+    const bool named = view.statusPanel1 == state.Filename &&
+                       view.lblReady == platform::withoutFolder(state.Filename);
     if (named && !sliderFree) return;
     if (sliderFree) view.ctSlide1Enabled = true;
     showFileName();

@@ -1,11 +1,11 @@
 #include "ui/reconnection_dialog.h"
 
-#include "ui/window_placement.h"
-
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
+
+#include "ui/window_placement.h"
 
 namespace ovd::ui {
 

@@ -198,7 +198,8 @@ void StationWindow::placeWindow() {
         // Never placed before: centred, and that place is kept from now on.
         const QRect area = screen->availableGeometry();
         const QSize size(faceWidth(face_), std::max(height(), minimumSizeHint().height()));
-        setGeometry(QRect(area.center() - QPoint(size.width() / 2, size.height() / 2), this->size()));
+        setGeometry(
+            QRect(area.center() - QPoint(size.width() / 2, size.height() / 2), this->size()));
         parts_.config.takeWindowPosition(geometry().x(), geometry().y());
     }
     placed_ = true;

@@ -75,9 +75,10 @@ TransportBar::TransportBar(QWidget* parent) : QWidget(parent) {
         button->setObjectName(QString::fromLatin1(look.objectName));
         button->setText(tr(look.caption));
         button->setToolTip(tr(look.caption));
-        button->setIcon(withFadedDisabled(look.icon == QStyle::SP_CustomBase
-                                              ? recordSymbol()
-                                              : style()->standardIcon(look.icon).pixmap(kIconPixels)));
+        button->setIcon(
+            withFadedDisabled(look.icon == QStyle::SP_CustomBase
+                                  ? recordSymbol()
+                                  : style()->standardIcon(look.icon).pixmap(kIconPixels)));
         button->setIconSize({28, 28});
         // Room for the caption under the icon, so the bar does not jump when captions show.
         button->setMinimumSize(52, 56);
@@ -102,9 +103,10 @@ void TransportBar::render(const dictation::TransportBar& bar, bool captionsVisib
 
 void TransportBar::showNoFile(bool noFile) {
     QToolButton* record = buttons_[Record];
-    record->setToolTip(noFile ? tr("Record: there is no file to record into. Create a new file (New) "
-                                   "or open one first.")
-                              : tr("Record"));
+    record->setToolTip(noFile
+                           ? tr("Record: there is no file to record into. Create a new file (New) "
+                                "or open one first.")
+                           : tr("Record"));
 }
 
 }  // namespace ovd::ui

@@ -27,8 +27,10 @@ void placeOverStation(QWidget& window, const QWidget* station) {
     QPoint corner = over.center() - QPoint(size.width() / 2, size.height() / 2);
     if (const QScreen* screen = main->screen()) {
         const QRect area = screen->availableGeometry();
-        corner.setX(std::clamp(corner.x(), area.left(), std::max(area.left(), area.right() - size.width())));
-        corner.setY(std::clamp(corner.y(), area.top(), std::max(area.top(), area.bottom() - size.height())));
+        corner.setX(std::clamp(corner.x(), area.left(),
+                               std::max(area.left(), area.right() - size.width())));
+        corner.setY(std::clamp(corner.y(), area.top(),
+                               std::max(area.top(), area.bottom() - size.height())));
     }
     window.move(corner);
 }

@@ -21,8 +21,8 @@ TEST(MicrophoneStationTest, AMicrophoneTakenAwayDuringATakeEndsItInOrder) {
     testing::PulseDaemon daemon;
     ASSERT_TRUE(daemon.running()) << daemon.error();
     std::string error;
-    const int microphone =
-        testing::loadPulseModule(testing::sineSourceArguments("ovd_desk_mic", "DeskMicrophone", 880), &error);
+    const int microphone = testing::loadPulseModule(
+        testing::sineSourceArguments("ovd_desk_mic", "DeskMicrophone", 880), &error);
     ASSERT_GE(microphone, 0) << error;
 
     testing::StationProcess station;
@@ -42,7 +42,8 @@ TEST(MicrophoneStationTest, AMicrophoneTakenAwayDuringATakeEndsItInOrder) {
     const std::size_t beforeLoss = station.eventLog().size();
     ASSERT_TRUE(testing::unloadPulseModule(microphone));
 
-    EXPECT_TRUE(station.logShows("Recording device lost: DeskMicrophone", beforeLoss)) << station.eventLog();
+    EXPECT_TRUE(station.logShows("Recording device lost: DeskMicrophone", beforeLoss))
+        << station.eventLog();
     EXPECT_TRUE(station.logShows("File Stop: ", beforeLoss)) << "the take ends as a Stop ends it";
     EXPECT_TRUE(station.logShows("\"DeskMicrophone\" is no longer available", beforeLoss))
         << "the author is told why it stopped";

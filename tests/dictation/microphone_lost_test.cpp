@@ -8,7 +8,7 @@ namespace ovd::dictation::testing {
 namespace {
 
 class MicrophoneLostTest : public DictationTest {
-protected:
+  protected:
     [[nodiscard]] std::vector<std::string> messagesNaming(const std::string& device) const {
         std::vector<std::string> found;
         for (const std::string& text : prompts.texts()) {

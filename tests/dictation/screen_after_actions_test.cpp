@@ -8,7 +8,7 @@ namespace ovd::dictation::testing {
 namespace {
 
 class ScreenAfterActionsTest : public DictationTest {
-protected:
+  protected:
     [[nodiscard]] std::string fileLabel() const {
         return platform::withoutFolder(dictation->state.Filename);
     }
@@ -84,7 +84,8 @@ TEST_F(ScreenAfterActionsTest, AnOpenedFileCanBeMovedInOnceItHasLoaded) {
     ASSERT_TRUE(state().flgfileOpen1);
     run(100);
     EXPECT_FALSE(view().lblBusyVisible);
-    EXPECT_TRUE(view().ctSlide1Enabled) << "the position slider was held only while the file loaded";
+    EXPECT_TRUE(view().ctSlide1Enabled)
+        << "the position slider was held only while the file loaded";
     EXPECT_EQ(view().lblReady, "Letter.wav");
     d().ctSlide1_MouseDown();
     d().ctSlide1_Change(40);

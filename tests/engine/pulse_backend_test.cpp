@@ -393,7 +393,8 @@ TEST_F(PulseBackendTest, DevicesPluggedInOrTakenAwayWhileRunningReachTheLists) {
     EXPECT_GT(inputs.Changes(), inputChanges);
 
     const int speaker = loadModule(
-        "module-null-sink sink_name=ovd_plugged_sink sink_properties=device.description=PluggedSpeaker");
+        "module-null-sink sink_name=ovd_plugged_sink "
+        "sink_properties=device.description=PluggedSpeaker");
     ASSERT_GE(speaker, 0);
     EXPECT_TRUE(loop_.runUntil([&] { return indexOf(outputs, "PluggedSpeaker") >= 0; },
                                milliseconds(5000)));
@@ -402,9 +403,13 @@ TEST_F(PulseBackendTest, DevicesPluggedInOrTakenAwayWhileRunningReachTheLists) {
     ASSERT_TRUE(unloadModule(speaker));
     ASSERT_TRUE(unloadModule(microphone));
     EXPECT_TRUE(loop_.runUntil(
-        [&] { return indexOf(inputs, "PluggedMicrophone") < 0 && indexOf(outputs, "PluggedSpeaker") < 0; },
+        [&] {
+            return indexOf(inputs, "PluggedMicrophone") < 0 &&
+                   indexOf(outputs, "PluggedSpeaker") < 0;
+        },
         milliseconds(5000)));
-    EXPECT_EQ(inputs.Name(inputs.Current()), PulseDaemon::kSineLabel) << "the default is used again";
+    EXPECT_EQ(inputs.Name(inputs.Current()), PulseDaemon::kSineLabel)
+        << "the default is used again";
 }
 
 TEST_F(PulseBackendTest, AMicrophoneThatVanishesDuringATakeEndsItWithWhatWasSaid) {

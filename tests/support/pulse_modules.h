@@ -25,7 +25,8 @@ inline int loadPulseModule(const std::string& arguments, std::string* error = nu
 }
 
 inline bool unloadPulseModule(int index) {
-    return std::system(("pactl unload-module " + std::to_string(index) + " >/dev/null 2>&1").c_str()) == 0;
+    return std::system(
+               ("pactl unload-module " + std::to_string(index) + " >/dev/null 2>&1").c_str()) == 0;
 }
 
 // A sine source the lists show under `label`: a microphone that can be plugged in.

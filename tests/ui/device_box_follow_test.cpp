@@ -18,8 +18,8 @@
 namespace ovd::ui {
 namespace {
 
-using std::chrono::milliseconds;
 using ovd::testing::PulseDaemon;
+using std::chrono::milliseconds;
 
 QStringList itemsOf(const QComboBox& box) {
     QStringList items;
@@ -28,14 +28,14 @@ QStringList itemsOf(const QComboBox& box) {
 }
 
 class DeviceBoxFollowTest : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         ASSERT_TRUE(daemon_.running()) << daemon_.error();
         std::string error;
         backend_ = engine::PulseBackend::connect(loop_, error);
         ASSERT_NE(backend_, nullptr) << error;
-        choice_ = std::make_unique<DeviceChoice>(backend_->recordingDevices(), backend_->playbackDevices(),
-                                                 config_, prompts_);
+        choice_ = std::make_unique<DeviceChoice>(backend_->recordingDevices(),
+                                                 backend_->playbackDevices(), config_, prompts_);
         ASSERT_TRUE(choice_->load());
         box_ = std::make_unique<DeviceBox>(*choice_);
         inputs_ = box_->findChild<QComboBox*>("cmbDevInput");
@@ -47,7 +47,8 @@ protected:
 
     void plugIn(const std::string& name, const std::string& label) {
         std::string error;
-        const int module = ovd::testing::loadPulseModule(ovd::testing::sineSourceArguments(name, label, 880), &error);
+        const int module = ovd::testing::loadPulseModule(
+            ovd::testing::sineSourceArguments(name, label, 880), &error);
         ASSERT_GE(module, 0) << error;
         modules_.push_back(module);
     }

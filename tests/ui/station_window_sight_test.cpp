@@ -20,7 +20,9 @@
 namespace ovd::ui::testing {
 namespace {
 
-bool staysOnTop(const QWidget& widget) { return widget.windowFlags().testFlag(Qt::WindowStaysOnTopHint); }
+bool staysOnTop(const QWidget& widget) {
+    return widget.windowFlags().testFlag(Qt::WindowStaysOnTopHint);
+}
 
 // Shows a message through the prompts and reports whether the box stayed on top.
 bool boxStaysOnTop(QtPrompts& prompts) {
@@ -61,7 +63,8 @@ TEST_F(StationWindowTest, TheLogHelpAndTraceWindowsOpenOverTheStation) {
         ASSERT_NE(opened, nullptr) << name;
         ASSERT_TRUE(runUntil([opened] { return opened->isVisible(); })) << name;
         EXPECT_TRUE(station.contains(opened->frameGeometry().center()))
-            << name << " opened at " << opened->frameGeometry().x() << "," << opened->frameGeometry().y();
+            << name << " opened at " << opened->frameGeometry().x() << ","
+            << opened->frameGeometry().y();
         EXPECT_TRUE(staysOnTop(*opened)) << name << " stays above the station";
     };
     window().chkViewlOG_Click(true);
@@ -69,22 +72,25 @@ TEST_F(StationWindowTest, TheLogHelpAndTraceWindowsOpenOverTheStation) {
     window().showHelp();
     expectOver(window().findChild<QWidget*>("frmHelp"), "help");
     QWidget* mark = child("lblDebugPrint");
-    QMouseEvent doubleClick(QEvent::MouseButtonDblClick, QPointF(2, 2), mark->mapToGlobal(QPointF(2, 2)),
-                            Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QMouseEvent doubleClick(QEvent::MouseButtonDblClick, QPointF(2, 2),
+                            mark->mapToGlobal(QPointF(2, 2)), Qt::LeftButton, Qt::LeftButton,
+                            Qt::NoModifier);
     QApplication::sendEvent(mark, &doubleClick);
     expectOver(window().findChild<QWidget*>("frmDebug"), "trace");
 }
 
 TEST_F(StationWindowTest, TheEventLogOpensAtTheStartOfItsLongLines) {
     for (int i = 0; i < 60; ++i) {
-        log.AddEventLine("A long line of the day's log that runs well past the right edge of the window, " +
-                         std::string(200, '-') + " line " + std::to_string(i));
+        log.AddEventLine(
+            "A long line of the day's log that runs well past the right edge of the window, " +
+            std::string(200, '-') + " line " + std::to_string(i));
     }
     window().Form_Load();
     window().chkViewlOG_Click(true);
     auto* text = window().eventLogWindow().findChild<QPlainTextEdit*>("Text1");
     ASSERT_NE(text, nullptr);
-    ASSERT_TRUE(runUntil([text] { return text->isVisible() && text->verticalScrollBar()->maximum() > 0; }));
+    ASSERT_TRUE(
+        runUntil([text] { return text->isVisible() && text->verticalScrollBar()->maximum() > 0; }));
     runUntil([] { return false; }, std::chrono::milliseconds(200));
     EXPECT_GT(text->horizontalScrollBar()->maximum(), 0) << "the lines are wider than the window";
     EXPECT_EQ(text->horizontalScrollBar()->value(), 0) << "not scrolled sideways";
@@ -97,7 +103,8 @@ TEST_F(StationWindowTest, TheWindowComesBackWhereItWasLeft) {
     config.record.MainWindowTop = 90;
     window().Form_Load();
     EXPECT_EQ(window().geometry().topLeft(), QPoint(120, 90));
-    EXPECT_EQ(config.record.MainWindowTop.toNumber().value_or(-1), 90) << "showing it moved nothing";
+    EXPECT_EQ(config.record.MainWindowTop.toNumber().value_or(-1), 90)
+        << "showing it moved nothing";
 
     window().setGeometry(QRect(QPoint(150, 100), window().size()));
     for (int start = 0; start < 3; ++start) {
@@ -106,7 +113,8 @@ TEST_F(StationWindowTest, TheWindowComesBackWhereItWasLeft) {
         config.ReadConfig();
         reopenWindow();
         window().Form_Load();
-        EXPECT_EQ(window().geometry().topLeft(), QPoint(150, 100)) << "no creeping from start to start";
+        EXPECT_EQ(window().geometry().topLeft(), QPoint(150, 100))
+            << "no creeping from start to start";
         EXPECT_EQ(config.record.MainWindowLeft.toNumber().value_or(-1), 150);
         EXPECT_EQ(config.record.MainWindowTop.toNumber().value_or(-1), 100);
     }
@@ -144,10 +152,12 @@ TEST_F(StationWindowTest, DraggingThePositionSliderMovesTheSliderAndTheTimes) {
 
 // How much of the symbol shows: the strongest opacity of its pixels.
 int strongestAlpha(const QIcon& icon, QIcon::Mode mode) {
-    const QImage image = icon.pixmap(QSize(28, 28), mode).toImage().convertToFormat(QImage::Format_ARGB32);
+    const QImage image =
+        icon.pixmap(QSize(28, 28), mode).toImage().convertToFormat(QImage::Format_ARGB32);
     int strongest = 0;
     for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) strongest = std::max(strongest, qAlpha(image.pixel(x, y)));
+        for (int x = 0; x < image.width(); ++x)
+            strongest = std::max(strongest, qAlpha(image.pixel(x, y)));
     }
     return strongest;
 }
