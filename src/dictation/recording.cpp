@@ -27,6 +27,8 @@ void Dictation::timCurPos_Timer() {
     const bool playedToEnd =
         state.flgPlay && state.SaveCurrentPosition >= AudioEditor1.Length();
     const int engineState = AudioEditor1.State();
+    // A playback the engine ended short of the end (its device went, say).
+    const bool playbackBrokenOff = engineState == kStopped && state.flgPlay && !playedToEnd;
     if (engineState == kStopped) {
         state.flgPlay = false;
         state.Recordingstatus = false;
@@ -47,6 +49,11 @@ void Dictation::timCurPos_Timer() {
         // The playback is over: the caption CaseEnd writes must say stopped, not playing.
         state.WhichBut = "Stop";
         CaseEnd();
+    } else if (playbackBrokenOff) {
+        // Nothing plays any more: the caption and the bar must not say it does.
+        state.WhichBut = "Stop";
+        SetParam(state.WhichBut);
+        barByPosition();
     }
     view.timeElapsed = clockText(state.iCurSecond);
     etprocess("timCurPos_Timer");

@@ -50,6 +50,20 @@ TEST_F(ScreenAfterActionsTest, PlaybackThatRanToTheEndNoLongerSaysPlaying) {
     EXPECT_EQ(editor1.State(), 0);
 }
 
+TEST_F(ScreenAfterActionsTest, PlaybackTheEngineBrokeOffNoLongerSaysPlaying) {
+    dictate(4000);
+    d().MMControl1_PrevClick();
+    d().MMControl1_PlayClick();
+    run(1000);
+    editor1.Stop();  // the engine ends the playback by itself, half way
+    run(100);
+
+    EXPECT_FALSE(state().flgPlay);
+    EXPECT_FALSE(captionSays("Playing")) << view().caption;
+    EXPECT_FALSE(view().MMControl1.Stop) << "there is nothing to stop";
+    EXPECT_TRUE(view().MMControl1.Play) << "it can be played again";
+}
+
 TEST_F(ScreenAfterActionsTest, TheModeAndTheTimesFollowTheEndOfAnInsertOrAnOverwrite) {
     dictate(6000);
     run(60000);  // a minute later, so that the time of the first take is long gone
