@@ -28,6 +28,7 @@
 #include "ui/desk_unit_panel.h"
 #include "ui/scan_convert_window.h"
 #include "ui/qt_prompts.h"
+#include "ui/window_placement.h"
 #include "ui/reconnection_dialog.h"
 #include "ui/station_window.h"
 
@@ -176,6 +177,8 @@ int main(int argc, char** argv) {
     if (!options.headless) {
         station.onShowScanConvert = [&scanConvertWindow, &window](ovd::conversion::ScanConvert& scan) {
             if (!scanConvertWindow) scanConvertWindow = std::make_unique<ovd::ui::ScanConvertWindow>(scan, window.get());
+            if (!scanConvertWindow->isVisible())
+                ovd::ui::keepAboveStation(*scanConvertWindow, window.get());
             scanConvertWindow->show();
             scanConvertWindow->raise();
         };

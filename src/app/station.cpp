@@ -38,8 +38,12 @@ Station::Station(StationParts parts)
     peerLink_.showLabel40 = [this](const std::string& text) { statusLines_->showLabel40(text); };
     peerLink_.holdTimers = [this] { timersHold_->hold(); };
     peerLink_.releaseTimers = [this] { timersHold_->release(); };
+    // A microphone taken away during a take ends the take in order.
+    parts_.sound.onCaptureDeviceLost = [this](const std::string& device) {
+        dictation_->recordingDeviceLost(device);
+    };
 }
 
-Station::~Station() = default;
+Station::~Station() { parts_.sound.onCaptureDeviceLost = nullptr; }
 
 }  // namespace ovd::app

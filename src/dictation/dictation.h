@@ -190,6 +190,9 @@ public:
     void ctSlide1_MouseUp(int value);
     // Rescales the times to the engine's figures when nothing else moves them.
     void AdjustNCTTimeDisplay();
+    // The microphone of a take has gone: the take ends as a Stop would end it,
+    // with all that was said kept, and the author is told why it stopped.
+    void recordingDeviceLost(const std::string& device);
 
     // ---- Saving and closing ----
     void SaveFile();
@@ -247,6 +250,9 @@ private:
     void setLamps(bool on);
     void setFileLabels(const std::string& text);
     void showFileName();
+    // The screen rules that hold once an action is over, whatever the action.
+    void showFileJustOpened();
+    void showNoTakeRunning();
     void refreshSeconds();
     void totalSecondsFromEngine();
     void etprocess(const std::string& from);

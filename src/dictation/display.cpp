@@ -123,6 +123,25 @@ void Dictation::showFileName() {
     view.lblReady = platform::withoutFolder(state.Filename);
 }
 
+void Dictation::showFileJustOpened() {
+    // The slider was held only while the file loaded.
+    const bool sliderFree = !view.lblBusyVisible && !view.ctSlide1Enabled;
+    // After a save the file label may offer to create or load a file; while the
+    // file is still loaded it names the file.
+    const bool named = view.statusPanel1 == state.Filename &&
+                       view.lblReady == platform::withoutFolder(state.Filename);
+    if (named && !sliderFree) return;
+    if (sliderFree) view.ctSlide1Enabled = true;
+    showFileName();
+    changed();
+}
+
+void Dictation::showNoTakeRunning() {
+    // The status line tells of a take only while one runs: a line left reading
+    // "Recording" would show a take while nothing records.
+    if (view.Label40 == "Recording") view.Label40.clear();
+}
+
 void Dictation::setLamps(bool on) {
     view.Image5 = on;
     view.Image6 = on;
@@ -189,6 +208,7 @@ void Dictation::SetParam(const std::string& action) {
         setLamps(false);
         view.lblOnAir = "STAND BY";
         view.lblOnAirVisible = state.RecordingstatusPaused;
+        showNoTakeRunning();
     } else {
         timRecord.setEnabled(true);
         timLight.setEnabled(true);
@@ -226,6 +246,13 @@ void Dictation::barByPosition() {
 }
 
 void Dictation::changed() {
+    if (!state.flgfileOpen1) {
+        // With no file no transport button can act, so none looks as if it could,
+        // whatever the last command left on the bar.
+        view.MMControl1 = transportBarAfter(BarAfter::ProgramStart);
+        setRecordButtons(false);
+        view.ctSlide1Enabled = false;
+    }
     ++view.revision;
     if (onViewChanged) onViewChanged();
 }

@@ -150,14 +150,17 @@ void Dictation::closeScratchTake(const std::string& waitTag) {
     AudioEditor21.Stop();
     AudioEditor21.Close();
     view.ButtonEx1Visible = false;
+    view.lblMode.clear();  // the insert or overwrite is over
     applyEOLRule();
     view.ctSlide1Enabled = true;
-    AdjustNCTTimeDisplay();
     timCurPos.setEnabled(true);
     timSave.setEnabled(true);
     timLight.setEnabled(false);
     setLamps(false);
     state.Recordingstatus = false;
+    // The times are read from the file once the take is in it: while the take ran
+    // they counted the take, and the armed state keeps them from being read again.
+    AdjustNCTTimeDisplay();
     view.lblOnAir = "STAND BY";
     changed();
 }

@@ -31,6 +31,8 @@ void Dictation::timCurPos_Timer() {
     const bool playedToEnd =
         state.flgPlay && state.SaveCurrentPosition >= AudioEditor1.Length();
     const int engineState = AudioEditor1.State();
+    // A playback the engine ended short of the end (its device went, say).
+    const bool playbackBrokenOff = engineState == kStopped && state.flgPlay && !playedToEnd;
     // A scratch take (insert, overwrite) records while the file stands still.
     if (engineState == kStopped && !scratchTakeRuns()) {
         state.flgPlay = false;
@@ -49,7 +51,14 @@ void Dictation::timCurPos_Timer() {
     if ((state.flgPlay || playedToEnd) && AudioEditor1.CursorPosition() >= AudioEditor1.Length()) {
         state.flgPlay = false;
         state.PlayedOnce = false;
+        // The playback is over: the caption CaseEnd writes must say stopped, not playing.
+        state.WhichBut = "Stop";
         CaseEnd();
+    } else if (playbackBrokenOff) {
+        // Nothing plays any more: the caption and the bar must not say it does.
+        state.WhichBut = "Stop";
+        SetParam(state.WhichBut);
+        barByPosition();
     }
     view.timeElapsed = clockText(state.iCurSecond);
     etprocess("timCurPos_Timer");
@@ -63,6 +72,7 @@ void Dictation::timCurPos_Timer() {
         if (!state.RecordingstatusPaused) view.formatOptionsEnabled = true;
         view.lblOnAirVisible = state.RecordingstatusPaused;
         if (state.RecordingstatusPaused) view.lblOnAir = "STAND BY";
+        showNoTakeRunning();
     } else {
         timRecord.setEnabled(true);
         timLight.setEnabled(true);
@@ -72,6 +82,7 @@ void Dictation::timCurPos_Timer() {
         }
         view.lblOnAirVisible = true;
     }
+    if (state.flgfileOpen1 && state.JustOpened && !state.Recordingstatus) showFileJustOpened();
     if (!state.flgfileOpen1) AdjustNCTTimeDisplay();
 }
 

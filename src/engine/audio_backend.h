@@ -58,6 +58,12 @@ public:
     virtual void playPrompt(const std::string& wavePath) = 0;
     // True while the last prompt is still sounding (the delivery waits on it a while).
     [[nodiscard]] virtual bool promptPlaying() const = 0;
+
+    // The device a capture records from has gone (unplugged, or removed from the
+    // sound server). Called on the loop's thread after the capture has ended and
+    // delivered all that had arrived, with the name the list showed for it, so the
+    // take can be ended in order rather than go on from another microphone.
+    std::function<void(const std::string& device)> onCaptureDeviceLost;
 };
 
 }  // namespace ovd::engine

@@ -46,6 +46,11 @@ public:
     virtual EngineResult setBalance(int index, int balance) = 0;
     [[nodiscard]] virtual bool Mute(int index) const = 0;
     virtual EngineResult setMute(int index, bool mute) = 0;
+
+    // Moves each time the devices listed (or the one in use) change under the
+    // station, a microphone plugged in or taken away: whoever shows the list reads
+    // it again when this is not what it was. A list that never changes stays at 0.
+    [[nodiscard]] virtual unsigned long Changes() const { return 0; }
 };
 
 // A long operation (open, save, paste, undo) starting or moving on.

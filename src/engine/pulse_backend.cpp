@@ -31,9 +31,11 @@ PulseBackend::PulseBackend(platform::EventLoop& loop, std::shared_ptr<PulseConne
         if (sinksChanged) sinks_->refreshLater(loop_);
         if (sourcesChanged) sources_->refreshLater(loop_);
     });
+    sources_->onRefreshed = [this] { checkCaptureDevice(); };
 }
 
 PulseBackend::~PulseBackend() {
+    sources_->onRefreshed = nullptr;
     capture_.reset();
     prompts_.reset();
     const PulseConnection::Lock held = connection_->lock();
@@ -48,13 +50,26 @@ EngineResult PulseBackend::startCapture(const PcmFormat& format, CaptureCallback
     std::string error;
     capture_ = PulseCapture::start(connection_, loop_, sources_->streamDevice(), format,
                                    std::move(deliver), error);
-    return capture_ ? EngineResult::success() : EngineResult::failure(error);
+    if (!capture_) return EngineResult::failure(error);
+    captureDevice_ = sources_->deviceInUse();
+    captureLabel_ = sources_->Current() >= 0 ? sources_->Name(sources_->Current()) : std::string();
+    return EngineResult::success();
+}
+
+void PulseBackend::checkCaptureDevice() {
+    if (!capture_ || captureDevice_.empty() || sources_->lists(captureDevice_)) return;
+    // The server would carry the stream over to another source without a word; the
+    // take would go on from a microphone nobody chose. What came in is kept.
+    const std::string lost = captureLabel_.empty() ? captureDevice_ : captureLabel_;
+    stopCapture();
+    if (onCaptureDeviceLost) onCaptureDeviceLost(lost);
 }
 
 void PulseBackend::stopCapture() {
     if (!capture_) return;
     // Moved out first: the last delivery may start another take.
     const std::unique_ptr<PulseCapture> ending = std::move(capture_);
+    captureDevice_.clear();
     ending->stop();
 }
 

@@ -51,6 +51,8 @@ public:
 
 private:
     PulseBackend(platform::EventLoop& loop, std::shared_ptr<PulseConnection> connection);
+    // After the sources were read again: a capture whose device has gone ends here.
+    void checkCaptureDevice();
 
     platform::EventLoop& loop_;
     std::shared_ptr<PulseConnection> connection_;  // outlives everything below
@@ -59,6 +61,9 @@ private:
     std::unique_ptr<PulseCapture> capture_;
     std::unique_ptr<PulsePrompts> prompts_;
     std::string promptError_;
+    // The source the running capture records from: the server's name and the list's.
+    std::string captureDevice_;
+    std::string captureLabel_;
 };
 
 }  // namespace ovd::engine

@@ -112,6 +112,17 @@ void makeLabelsUnique(std::vector<PulseDevices::Device>& devices) {
     }
 }
 
+// What a box showing the list would show differently: the devices, their names
+// and lines. Volumes and mutes move all the time and are read where they are shown.
+bool sameDevices(const std::vector<PulseDevices::Device>& before,
+                 const std::vector<PulseDevices::Device>& after) {
+    return std::equal(before.begin(), before.end(), after.begin(), after.end(),
+                      [](const PulseDevices::Device& a, const PulseDevices::Device& b) {
+                          return a.serverName == b.serverName && a.label == b.label &&
+                                 a.portLabels == b.portLabels && a.activePort == b.activePort;
+                      });
+}
+
 }  // namespace
 
 PulseDevices::PulseDevices(std::shared_ptr<PulseConnection> connection, DeviceDirection direction)
@@ -135,6 +146,7 @@ EngineResult PulseDevices::refresh() {
                                                                : "listing recording devices";
     if (!serverAnswered || !listAnswered || query.failed) return connection_->failure(what);
     makeLabelsUnique(query.devices);
+    if (!sameDevices(devices_, query.devices) || defaultName_ != query.defaultName) ++changes_;
     devices_ = std::move(query.devices);
     defaultName_ = std::move(query.defaultName);
     return EngineResult::success();
@@ -147,8 +159,18 @@ void PulseDevices::refreshLater(platform::EventLoop& loop) {
         if (!self) return;
         self->refreshQueued_ = false;
         // A failed read keeps the list as it was; the next change tries again.
-        (void)self->refresh();
+        if (self->refresh() && self->onRefreshed) self->onRefreshed();
     });
+}
+
+std::string PulseDevices::deviceInUse() const {
+    const int current = Current();
+    return current < 0 ? std::string() : devices_[static_cast<std::size_t>(current)].serverName;
+}
+
+bool PulseDevices::lists(const std::string& serverName) const {
+    return std::any_of(devices_.begin(), devices_.end(),
+                       [&serverName](const Device& d) { return d.serverName == serverName; });
 }
 
 std::string PulseDevices::streamDevice() const {

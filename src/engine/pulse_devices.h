@@ -10,6 +10,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -36,6 +37,12 @@ public:
     // The server's name of the device the station's streams use; empty means the
     // server's default, followed wherever it moves.
     [[nodiscard]] std::string streamDevice() const;
+    // The server's name of the device a stream opened now would use.
+    [[nodiscard]] std::string deviceInUse() const;
+    // Whether the server still lists the device of this server name.
+    [[nodiscard]] bool lists(const std::string& serverName) const;
+    // Called on the loop's thread after a read that refreshLater asked for.
+    std::function<void()> onRefreshed;
 
     [[nodiscard]] int Count() const override { return static_cast<int>(devices_.size()); }
     [[nodiscard]] int Current() const override;
@@ -53,6 +60,7 @@ public:
     EngineResult setBalance(int index, int balance) override;
     [[nodiscard]] bool Mute(int index) const override;
     EngineResult setMute(int index, bool mute) override;
+    [[nodiscard]] unsigned long Changes() const override { return changes_; }
 
     // What the library reports of one device, in plain types.
     struct Device {
@@ -79,6 +87,7 @@ private:
     std::string defaultName_;
     std::string chosenName_;  // what setCurrent picked for the station's streams
     std::atomic<bool> refreshQueued_{false};
+    unsigned long changes_ = 0;
 };
 
 }  // namespace ovd::engine

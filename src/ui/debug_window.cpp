@@ -7,6 +7,7 @@
 #include <QVBoxLayout>
 
 #include "ui/typewriter_font.h"
+#include "ui/window_placement.h"
 
 namespace ovd::ui {
 
@@ -38,7 +39,7 @@ DebugWindow::DebugWindow(settings::DebugTrace& trace,
     resize(560, 480);
     trace_.onShow = [this] {
         refresh();
-        if (!isVisible()) show();
+        showOverStation();
     };
 }
 
@@ -54,6 +55,14 @@ void DebugWindow::refresh() {
 void DebugWindow::DumpGlobals() {
     trace_.DumpGlobals(snapshot_());
     refresh();
+    showOverStation();
+}
+
+void DebugWindow::showOverStation() {
+    if (!isVisible()) {
+        keepAboveStation(*this, parentWidget());
+        placeOverStation(*this, parentWidget());
+    }
     show();
 }
 

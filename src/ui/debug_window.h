@@ -23,6 +23,8 @@ public:
     // Shows the trace's lines as they stand.
     void refresh();
     void DumpGlobals();
+    // Shows the window; one that was closed opens over the station's window.
+    void showOverStation();
 
 private:
     settings::DebugTrace& trace_;

@@ -111,7 +111,16 @@ DeviceBox::DeviceBox(DeviceChoice& choice, QWidget* parent)
     fill();
 }
 
+void DeviceBox::follow() {
+    const unsigned long changes = choice_.listChanges();
+    if (changes == shownChanges_) return;
+    shownChanges_ = changes;
+    choice_.devicesChanged();
+    fill();
+}
+
 void DeviceBox::fill() {
+    shownChanges_ = choice_.listChanges();
     fillBox(cmbDevInput_, choice_.inputDevices(), choice_.inputDevice());
     fillBox(cmbSrcInput_, choice_.inputSources(), choice_.inputSource());
     fillBox(cmbDevOutput_, choice_.outputDevices(), choice_.outputDevice());

@@ -20,11 +20,15 @@ public:
 
     // Fills the lists from the choice, without calling back into it.
     void fill();
+    // Fills them again when the sound system's devices changed since the last look,
+    // so the boxes list what is there and show the device really in use.
+    void follow();
 
 private:
     void showVolumes();
 
     DeviceChoice& choice_;
+    unsigned long shownChanges_ = 0;
     QComboBox* cmbDevInput_ = nullptr;
     QComboBox* cmbSrcInput_ = nullptr;
     QComboBox* cmbDevOutput_ = nullptr;

@@ -146,6 +146,12 @@ void DeviceChoice::readInputLine() {
     inputMute_ = recording_.Mute(line);
 }
 
+void DeviceChoice::devicesChanged() {
+    readInputLine();
+    const int line = playback_.SourceCurrent();
+    if (line >= 0 && playback_.HasVolume(line)) outputVolume_ = playback_.Volume(line);
+}
+
 std::vector<std::string> DeviceChoice::inputDevices() const { return deviceNames(recording_); }
 std::vector<std::string> DeviceChoice::inputSources() const { return sourceNames(recording_); }
 std::vector<std::string> DeviceChoice::outputDevices() const { return deviceNames(playback_); }

@@ -54,6 +54,14 @@ public:
     [[nodiscard]] int inputSource() const { return recording_.SourceCurrent(); }
     [[nodiscard]] int outputDevice() const { return playback_.Current(); }
     [[nodiscard]] int outputSource() const { return playback_.SourceCurrent(); }
+    // Moves whenever either list changed under the station (a device plugged in or
+    // taken away); the box reads the lists again when it does.
+    [[nodiscard]] unsigned long listChanges() const {
+        return recording_.Changes() + playback_.Changes();
+    }
+    // After such a change: the levels are read from the devices now in use. The
+    // stored choices stay, so a microphone plugged back in is used again.
+    void devicesChanged();
     // The volume controls work only on a line that has a volume.
     [[nodiscard]] bool inputVolumeAvailable() const;
     [[nodiscard]] bool outputVolumeAvailable() const;

@@ -42,6 +42,8 @@ EventLogWindow::EventLogWindow(const settings::EventLog& eventLog, QWidget* pare
 void EventLogWindow::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     refresh();
+    // Once the window has its size the bars have their final ranges.
+    QTimer::singleShot(0, this, [this] { showNewestLines(); });
     follow_->start(kFollowMs);
 }
 
@@ -65,8 +67,16 @@ void EventLogWindow::refresh() {
     if (added.endsWith('\n')) added.chop(1);
     Text1_->appendPlainText(added);
     shownBytes_ = text.size();
-    // The caret goes to the end, where the newest line is.
+    // The caret goes to the start of the newest line: the view shows the last
+    // lines from their beginning, not scrolled along to where the longest ends.
     Text1_->moveCursor(QTextCursor::End);
+    Text1_->moveCursor(QTextCursor::StartOfBlock);
+    showNewestLines();
+}
+
+void EventLogWindow::showNewestLines() {
+    Text1_->horizontalScrollBar()->setValue(0);
+    Text1_->verticalScrollBar()->setValue(Text1_->verticalScrollBar()->maximum());
 }
 
 }  // namespace ovd::ui

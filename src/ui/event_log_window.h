@@ -31,6 +31,9 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
+    // The last lines in sight, from the start of each.
+    void showNewestLines();
+
     const settings::EventLog& eventLog_;
     QPlainTextEdit* Text1_ = nullptr;
     QTimer* follow_ = nullptr;

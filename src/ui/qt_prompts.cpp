@@ -9,6 +9,7 @@
 #include <algorithm>
 
 #include "ui/notification_popup.h"
+#include "ui/window_placement.h"
 
 namespace ovd::ui {
 
@@ -124,6 +125,7 @@ Answer QtPrompts::message(const platform::MessageRequest& request) {
     QMessageBox box(iconOf(request.severity), windowTitle(request.title), qt(request.text),
                     standardButtons(request.buttons), owner());
     box.setTextFormat(Qt::PlainText);
+    keepAboveStation(box, mainWindow_.data());
 
     // A default the box does not offer falls back to its first button.
     Answer defaultAnswer = request.defaultAnswer;
@@ -143,6 +145,7 @@ Answer QtPrompts::message(const platform::MessageRequest& request) {
 
 std::optional<std::string> QtPrompts::input(const platform::InputRequest& request) {
     QInputDialog dialog(owner());
+    keepAboveStation(dialog, mainWindow_.data());
     dialog.setInputMode(QInputDialog::TextInput);
     dialog.setWindowTitle(windowTitle(request.title));
     dialog.setLabelText(qt(request.prompt));
@@ -154,6 +157,7 @@ std::optional<std::string> QtPrompts::input(const platform::InputRequest& reques
 std::optional<std::string> QtPrompts::chooseFile(const platform::FileRequest& request) {
     const bool saving = request.mode == platform::FileRequest::Mode::Save;
     QFileDialog dialog(owner(), qt(request.title));
+    keepAboveStation(dialog, mainWindow_.data());
     dialog.setAcceptMode(saving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     dialog.setFileMode(saving ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
     const QStringList filters = fileFilterList(request.filters);
@@ -166,6 +170,7 @@ std::optional<std::string> QtPrompts::chooseFile(const platform::FileRequest& re
 
 std::optional<std::string> QtPrompts::chooseFolder(const platform::FolderRequest& request) {
     QFileDialog dialog(owner(), qt(request.title));
+    keepAboveStation(dialog, mainWindow_.data());
     dialog.setFileMode(QFileDialog::Directory);
     dialog.setOption(QFileDialog::ShowDirsOnly);
     if (!request.initialFolder.empty()) dialog.setDirectory(qt(request.initialFolder));

@@ -5,6 +5,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "ui/window_placement.h"
+
 namespace ovd::ui {
 
 ReconnectionDialogWindow::ReconnectionDialogWindow(delivery::PeerLink& link, QWidget* mainWindow)
@@ -47,7 +49,10 @@ void ReconnectionDialogWindow::render() {
         move(mainWindow_->frameGeometry().topLeft() +
              QPoint(delivery::ReconnectionDialog::kOffsetPixels, delivery::ReconnectionDialog::kOffsetPixels));
     }
-    if (!isVisible()) show();
+    if (!isVisible()) {
+        keepAboveStation(*this, mainWindow_);
+        show();
+    }
     raise();
 }
 

@@ -39,6 +39,7 @@
 #include "ui/transport_bar.h"
 #include "ui/typewriter_font.h"
 #include "ui/waveform_view.h"
+#include "ui/window_placement.h"
 
 namespace ovd::ui {
 
@@ -384,7 +385,7 @@ bool StationWindow::eventFilter(QObject* watched, QEvent* event) {
         parts_.debugTrace.openForSupport(parts_.prompts,
                                          snapshotOf(parts_.dictation, parts_.config.record));
         debugWindow_->refresh();
-        debugWindow_->show();
+        debugWindow_->showOverStation();
         return true;
     }
     return QMainWindow::eventFilter(watched, event);

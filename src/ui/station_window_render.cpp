@@ -29,6 +29,7 @@
 #include "ui/station_window.h"
 #include "ui/transport_bar.h"
 #include "ui/waveform_view.h"
+#include "ui/window_placement.h"
 
 namespace ovd::ui {
 
@@ -51,6 +52,7 @@ int faceWidth(Face face) {
 void StationWindow::render() {
     const dictation::MainView& v = parts_.dictation.view;
     waveform_->refresh();
+    deviceBox_->follow();
     if (v.revision == shownRevision_) return;
     shownRevision_ = v.revision;
     const settings::SettingsRecord& record = parts_.config.record;
@@ -75,6 +77,7 @@ void StationWindow::render() {
     statusPanel2_->setText(text(v.statusPanel2));
 
     MMControl1_->render(v.MMControl1, v.transportLabelsVisible);
+    MMControl1_->showNoFile(!parts_.dictation.state.flgfileOpen1);
     cmdEOL_->setEnabled(v.cmdEOL);
     Command1_->setEnabled(v.Command1);
     Command2_->setEnabled(v.Command2);
@@ -187,13 +190,17 @@ void StationWindow::placeWindow() {
     const auto left = record.MainWindowLeft.toNumber();
     const auto top = record.MainWindowTop.toNumber();
     if (left && top) {
-        move(static_cast<int>(*left), static_cast<int>(*top));
+        // The place kept is the window's own corner, inside its frame: the one
+        // corner known the same way when the window is placed and when it moves,
+        // whether or not the desktop has put its frame round it yet.
+        setGeometry(QRect(QPoint(static_cast<int>(*left), static_cast<int>(*top)), size()));
     } else if (const QScreen* screen = QGuiApplication::primaryScreen()) {
         // Never placed before: centred, and that place is kept from now on.
         const QRect area = screen->availableGeometry();
         const QSize size(faceWidth(face_), std::max(height(), minimumSizeHint().height()));
-        move(area.center() - QPoint(size.width() / 2, size.height() / 2));
-        parts_.config.takeWindowPosition(x(), y());
+        setGeometry(
+            QRect(area.center() - QPoint(size.width() / 2, size.height() / 2), this->size()));
+        parts_.config.takeWindowPosition(geometry().x(), geometry().y());
     }
     placed_ = true;
 }
@@ -201,9 +208,9 @@ void StationWindow::placeWindow() {
 void StationWindow::moveEvent(QMoveEvent* event) {
     QMainWindow::moveEvent(event);
     if (!placed_) return;
-    // The frame's corner, which is what move() takes back at the next start.
-    parts_.config.record.MainWindowLeft = x();
-    parts_.config.record.MainWindowTop = y();
+    // The corner inside the frame, which is what placeWindow() takes back at the next start.
+    parts_.config.record.MainWindowLeft = geometry().x();
+    parts_.config.record.MainWindowTop = geometry().y();
 }
 
 void StationWindow::chkViewlOG_Click(bool checked) {
@@ -216,6 +223,10 @@ void StationWindow::chkViewlOG_Click(bool checked) {
         entry->setChecked(checked);
     }
     if (checked) {
+        if (!eventLogWindow_->isVisible()) {
+            keepAboveStation(*eventLogWindow_, this);
+            placeOverStation(*eventLogWindow_, this);
+        }
         eventLogWindow_->show();
         eventLogWindow_->raise();
     } else if (eventLogWindow_->isVisible()) {
@@ -229,6 +240,8 @@ void StationWindow::showHelp() {
     auto* help = new HelpWindow(loadHelpIndex(dataFolder, parts_.programFolder, parts_.prompts),
                                 {dataFolder, helpFolder}, this);
     help->setAttribute(Qt::WA_DeleteOnClose);
+    keepAboveStation(*help, this);
+    placeOverStation(*help, this);
     help->show();
 }
 

@@ -27,21 +27,39 @@ constexpr std::array<ButtonLook, TransportBar::kButtons> kLooks = {{
     {"MMControl1Record", "Record", QStyle::SP_CustomBase},
 }};
 
-// The style has no record symbol: a red disc, greyed like the others when disabled.
-QIcon recordIcon() {
+constexpr int kIconPixels = 32;
+// A greyed symbol must read as greyed at a glance, with no caption under it to
+// help: the style's own disabled look is barely lighter than the enabled one.
+constexpr qreal kDisabledOpacity = 0.28;
+
+QPixmap faded(const QPixmap& normal) {
+    QPixmap pixmap(normal.size());
+    pixmap.setDevicePixelRatio(normal.devicePixelRatio());
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setOpacity(kDisabledOpacity);
+    painter.drawPixmap(0, 0, normal);
+    return pixmap;
+}
+
+// The symbol as it is when the button can act, and faded when it cannot.
+QIcon withFadedDisabled(const QPixmap& normal) {
     QIcon icon;
-    for (const bool enabled : {true, false}) {
-        QPixmap pixmap(32, 32);
-        pixmap.fill(Qt::transparent);
-        QPainter painter(&pixmap);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(enabled ? QColor(210, 20, 20) : QColor(160, 160, 160));
-        painter.drawEllipse(QRectF(6, 6, 20, 20));
-        painter.end();
-        icon.addPixmap(pixmap, enabled ? QIcon::Normal : QIcon::Disabled);
-    }
+    icon.addPixmap(normal, QIcon::Normal);
+    icon.addPixmap(faded(normal), QIcon::Disabled);
     return icon;
+}
+
+// The style has no record symbol: a red disc.
+QPixmap recordSymbol() {
+    QPixmap pixmap(kIconPixels, kIconPixels);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(210, 20, 20));
+    painter.drawEllipse(QRectF(6, 6, 20, 20));
+    return pixmap;
 }
 
 }  // namespace
@@ -57,8 +75,10 @@ TransportBar::TransportBar(QWidget* parent) : QWidget(parent) {
         button->setObjectName(QString::fromLatin1(look.objectName));
         button->setText(tr(look.caption));
         button->setToolTip(tr(look.caption));
-        button->setIcon(look.icon == QStyle::SP_CustomBase ? recordIcon()
-                                                           : style()->standardIcon(look.icon));
+        button->setIcon(
+            withFadedDisabled(look.icon == QStyle::SP_CustomBase
+                                  ? recordSymbol()
+                                  : style()->standardIcon(look.icon).pixmap(kIconPixels)));
         button->setIconSize({28, 28});
         // Room for the caption under the icon, so the bar does not jump when captions show.
         button->setMinimumSize(52, 56);
@@ -79,6 +99,14 @@ void TransportBar::render(const dictation::TransportBar& bar, bool captionsVisib
         buttons_[i]->setToolButtonStyle(captionsVisible ? Qt::ToolButtonTextUnderIcon
                                                         : Qt::ToolButtonIconOnly);
     }
+}
+
+void TransportBar::showNoFile(bool noFile) {
+    QToolButton* record = buttons_[Record];
+    record->setToolTip(noFile
+                           ? tr("Record: there is no file to record into. Create a new file (New) "
+                                "or open one first.")
+                           : tr("Record"));
 }
 
 }  // namespace ovd::ui

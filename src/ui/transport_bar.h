@@ -22,6 +22,8 @@ public:
     explicit TransportBar(QWidget* parent = nullptr);
 
     void render(const dictation::TransportBar& bar, bool captionsVisible);
+    // With no file Record is greyed; its tip says what to do first.
+    void showNoFile(bool noFile);
     [[nodiscard]] QToolButton* button(Button which) const { return buttons_[which]; }
 
     // What a click on each button calls.

@@ -15,6 +15,7 @@
 #include <optional>
 
 #include "support/pulse_daemon.h"
+#include "support/pulse_modules.h"
 #include "support/real_time_event_loop.h"
 
 namespace ovd::engine {
@@ -366,6 +367,86 @@ TEST(PulseBackendConnectTest, NoServerMeansNoBackendAndAReasonQuickly) {
     EXPECT_EQ(PulseBackend::connect(loop, error, "unix:/nonexistent/ovd-no-server"), nullptr);
     EXPECT_NE(error.find("sound server"), std::string::npos) << error;
     EXPECT_LT(Steady::now() - asked, std::chrono::seconds(3));
+}
+
+int loadModule(const std::string& arguments) {
+    std::string error;
+    const int index = ovd::testing::loadPulseModule(arguments, &error);
+    if (index < 0) ADD_FAILURE() << error;
+    return index;
+}
+
+bool unloadModule(int index) { return ovd::testing::unloadPulseModule(index); }
+
+TEST_F(PulseBackendTest, DevicesPluggedInOrTakenAwayWhileRunningReachTheLists) {
+    DeviceList& inputs = backend_->recordingDevices();
+    DeviceList& outputs = backend_->playbackDevices();
+    const unsigned long inputChanges = inputs.Changes();
+    const unsigned long outputChanges = outputs.Changes();
+
+    const int microphone =
+        loadModule(ovd::testing::sineSourceArguments("ovd_plugged", "PluggedMicrophone", 880));
+    ASSERT_GE(microphone, 0);
+    EXPECT_TRUE(loop_.runUntil([&] { return indexOf(inputs, "PluggedMicrophone") >= 0; },
+                               milliseconds(5000)))
+        << "a microphone plugged in while the station runs is listed";
+    EXPECT_GT(inputs.Changes(), inputChanges);
+
+    const int speaker = loadModule(
+        "module-null-sink sink_name=ovd_plugged_sink "
+        "sink_properties=device.description=PluggedSpeaker");
+    ASSERT_GE(speaker, 0);
+    EXPECT_TRUE(loop_.runUntil([&] { return indexOf(outputs, "PluggedSpeaker") >= 0; },
+                               milliseconds(5000)));
+    EXPECT_GT(outputs.Changes(), outputChanges);
+
+    ASSERT_TRUE(unloadModule(speaker));
+    ASSERT_TRUE(unloadModule(microphone));
+    EXPECT_TRUE(loop_.runUntil(
+        [&] {
+            return indexOf(inputs, "PluggedMicrophone") < 0 &&
+                   indexOf(outputs, "PluggedSpeaker") < 0;
+        },
+        milliseconds(5000)));
+    EXPECT_EQ(inputs.Name(inputs.Current()), PulseDaemon::kSineLabel)
+        << "the default is used again";
+}
+
+TEST_F(PulseBackendTest, AMicrophoneThatVanishesDuringATakeEndsItWithWhatWasSaid) {
+    const int microphone =
+        loadModule(ovd::testing::sineSourceArguments("ovd_vanishing", "VanishingMicrophone", 880));
+    ASSERT_GE(microphone, 0);
+    DeviceList& inputs = backend_->recordingDevices();
+    ASSERT_TRUE(loop_.runUntil([&] { return indexOf(inputs, "VanishingMicrophone") >= 0; },
+                               milliseconds(5000)));
+    ASSERT_TRUE(inputs.setCurrent(indexOf(inputs, "VanishingMicrophone")));
+
+    std::vector<std::string> lost;
+    backend_->onCaptureDeviceLost = [&](const std::string& device) { lost.push_back(device); };
+    std::size_t framesAtLoss = 0;
+    const EngineResult started = backend_->startCapture(
+        {kTakeRate, 1}, [this](const std::int16_t* frames, std::size_t count) {
+            take_.insert(take_.end(), frames, frames + count);
+        });
+    ASSERT_TRUE(started) << started.error();
+    loop_.runFor(milliseconds(1000));
+    ASSERT_GT(take_.size(), static_cast<std::size_t>(kTakeRate / 2)) << "the microphone was heard";
+
+    ASSERT_TRUE(unloadModule(microphone));
+    ASSERT_TRUE(loop_.runUntil([&] { return !lost.empty(); }, milliseconds(5000)))
+        << "the take is told that its microphone has gone";
+    framesAtLoss = take_.size();
+    EXPECT_EQ(lost, std::vector<std::string>{"VanishingMicrophone"});
+    loop_.runFor(milliseconds(500));
+    EXPECT_EQ(take_.size(), framesAtLoss) << "nothing comes in from another microphone";
+    // What was said before the loss is the 880 Hz of that microphone, not the
+    // 440 Hz of the one the server would have carried the stream over to.
+    const Sound heard = measure(take_, kTakeRate);
+    EXPECT_NEAR(heard.hz, 880.0, 20.0);
+    EXPECT_EQ(indexOf(inputs, "VanishingMicrophone"), -1);
+    EXPECT_EQ(inputs.Name(inputs.Current()), PulseDaemon::kSineLabel);
+
+    backend_->onCaptureDeviceLost = nullptr;  // `lost` ends here
 }
 
 }  // namespace

@@ -57,8 +57,9 @@ TEST_F(StationWindowTest, NeverPlacedItIsCentredAndThatPlaceIsKept) {
                 window().width() / 2.0);
 
     window().move(40, 60);
-    EXPECT_EQ(config.record.MainWindowLeft.toNumber().value_or(-1), 40);
-    EXPECT_EQ(config.record.MainWindowTop.toNumber().value_or(-1), 60);
+    // The corner kept is the one inside the frame.
+    EXPECT_EQ(config.record.MainWindowLeft.toNumber().value_or(-1), window().geometry().x());
+    EXPECT_EQ(config.record.MainWindowTop.toNumber().value_or(-1), window().geometry().y());
     config.WriteConfig();
 
     config.ReadConfig();
