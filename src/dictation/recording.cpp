@@ -230,6 +230,7 @@ void Dictation::txtStepAmt_Change(const std::string& text) {
 
 void Dictation::StepForward() {
     state.SecondSwitchPosition = "STEPFORWARD";
+    AudioEditor1.setSelectionActive(false);  // as a step back: a step is a move, not a selection
     state.ManuallyMovedctSlide = true;
     AudioEditor1.Stop();
     totalSecondsFromEngine();
@@ -241,6 +242,9 @@ void Dictation::StepForward() {
 }
 
 void Dictation::StepBackward() {
+    // A step moves the position: a stretch selected before it is no longer what
+    // the author points at, and a cut after the step must not take it.
+    AudioEditor1.setSelectionActive(false);
     AudioEditor1.setSelectionStart(AudioEditor1.CursorPosition());
     state.ManuallyMovedctSlide = true;
     AudioEditor1.Stop();
@@ -284,11 +288,15 @@ void Dictation::LastThreeSecondsContinue() {
     // back to stand-by) before its last words play; stopping only the engine
     // would leave the station ON AIR with nothing recording.
     if (state.Recordingstatus) CaseStop();
+    // A second request supersedes the continuation the first one still waits for.
+    timLastThreeSecondsCon.setEnabled(false);
     timSave.setEnabled(false);
     state.flgNewToRecord = false;
     state.flgPlay = false;
     state.WhichBut = "Stop";
     waitTraced(1, " -54");
+    // A take begun while this waited ends as every take does before the playback.
+    if (state.Recordingstatus) CaseStop();
     AudioEditor1.Stop();
     Manip_Files();
     waitTraced(1, " -55");
@@ -303,7 +311,8 @@ void Dictation::LastThreeSecondsContinue() {
         state.flgPlay = true;
         // The screen shows the playback, and its Stop is there to end it.
         timCurPos.setEnabled(true);
-        SetParam("Play");
+        state.WhichBut = "Play";
+        SetParam(state.WhichBut);
         setBar(BarAfter::CasePlayOrOpen);
         changed();
     }
@@ -328,7 +337,19 @@ void Dictation::timLastThreeSeconds_Timer() {
     AudioEditor1.setCursorPosition(AudioEditor1.Length());
     AudioEditor1.setSelectionEnd(AudioEditor1.Length());
     timLastThreeSecondsCon.setEnabled(false);
-    if (!config_.record.Last3SecsAR) return;
+    if (!config_.record.Last3SecsAR) {
+        // A file shorter than the wait still plays: the position timer shows its end.
+        if (AudioEditor1.State() == kPlaying) {
+            state.flgPlay = true;
+            return;
+        }
+        // The last words were heard and nothing goes on by itself: the screen
+        // says the file stands still rather than playing.
+        state.WhichBut = "Stop";
+        SetParam(state.WhichBut);
+        changed();
+        return;
+    }
     waitTraced(1, " -53");
     if (refusedWhileRecording("timLastThreeSecondsCon")) return;
     if (state.flgPlay || !state.flgfileOpen1) return;

@@ -198,6 +198,8 @@ void Dictation::Clear_Click() {
 }
 
 void Dictation::OpenMyList(const std::string& path) {
+    // Another file while a take runs would leave that take recording unseen.
+    if (refusedWhileRecording("OpenMyList")) return;
     if (platform::fileExists(path)) {
         state.FromCurrentList = true;
         state.Filename = path;
