@@ -109,6 +109,9 @@ void Dictation::beginScratchTake(engine::SampleCount at, bool showEndButton) {
     view.ButtonEx1Visible = showEndButton;
     state.FileChanged = true;
     AudioEditor1.Stop();
+    // A playback in progress ends here: the screen shows the take instead.
+    state.flgPlay = false;
+    SetParam("Record");
     AudioEditor1.setSelectionActive(false);
     AudioEditor1.setCursorPosition(at);
     AudioEditor1.setSelectionStart(at);
@@ -162,6 +165,9 @@ void Dictation::closeScratchTake(const std::string& waitTag) {
     // they counted the take, and the armed state keeps them from being read again.
     AdjustNCTTimeDisplay();
     view.lblOnAir = "STAND BY";
+    // The take is in the file, which stands still until the author moves on.
+    state.WhichBut = "Stop";
+    SetParam(state.WhichBut);
     changed();
 }
 

@@ -264,6 +264,15 @@ void Dictation::CasePlay(const std::string& from) {
     state.WhichBut = "Play";
     AdjustNCTTimeDisplay();
     if (auto playing = AudioEditor1.Play(engine::kPlayToEnd); !playing) trace("Play: " + playing.error());
+    if (AudioEditor1.State() != static_cast<int>(engine::EditorState::Playing)) {
+        // Nothing to play from here (an empty file, the cursor at its end): the
+        // screen must not say the file plays.
+        state.flgPlay = false;
+        state.WhichBut = "Stop";
+        SetParam(state.WhichBut);
+        changed();
+        return;
+    }
     view.mnuScanConvertEnabled = false;
     refreshSeconds();
     normalise(state);
