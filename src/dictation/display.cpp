@@ -148,7 +148,15 @@ void Dictation::setLamps(bool on) {
 }
 
 void Dictation::SetParam(const std::string& action) {
-    const std::string word = action == kFromTimer ? state.WhichBut : action;
+    std::string word = action == kFromTimer ? state.WhichBut : action;
+    if ((word == "Play" || word == "Continue") &&
+        AudioEditor1.State() == static_cast<int>(engine::EditorState::Stopped)) {
+        // A playback that ended (or never began) before the screen was told is
+        // shown as what it is: the screen never says the file plays while it doesn't.
+        state.flgPlay = false;
+        state.WhichBut = "Stop";
+        word = state.WhichBut;
+    }
     const std::string title = applicationTitle(config_.record.HandsFreeEdition);
     const auto caption = [&](const char* text) { view.caption = title + " - " + text; };
 

@@ -111,7 +111,8 @@ void Dictation::beginScratchTake(engine::SampleCount at, bool showEndButton) {
     AudioEditor1.Stop();
     // A playback in progress ends here: the screen shows the take instead.
     state.flgPlay = false;
-    SetParam("Record");
+    state.WhichBut = "Record";
+    SetParam(state.WhichBut);
     AudioEditor1.setSelectionActive(false);
     AudioEditor1.setCursorPosition(at);
     AudioEditor1.setSelectionStart(at);

@@ -59,6 +59,8 @@ void Dictation::timCurPos_Timer() {
         state.WhichBut = "Stop";
         SetParam(state.WhichBut);
         barByPosition();
+    } else if (engineState == kStopped && (state.WhichBut == "Play" || state.WhichBut == "Continue")) {
+        SetParam(state.WhichBut);  // a playback over before the screen heard of it
     }
     view.timeElapsed = clockText(state.iCurSecond);
     etprocess("timCurPos_Timer");
