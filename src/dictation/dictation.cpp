@@ -35,6 +35,7 @@ Dictation::Dictation(DictationParts parts)
       tmCommand(parts.loop, "tmCommand", 10),
       Timer28(parts.loop, "Timer28", 50),
       Timer34(parts.loop, "Timer34", 50),
+      playbackWatch(parts.loop, "playbackWatch", 25),
       loop_(parts.loop),
       config_(parts.config),
       log_(parts.log),
@@ -54,6 +55,7 @@ Dictation::Dictation(DictationParts parts)
     tmCommand.setOnTick([this] { tmCommand_Timer(); });
     Timer28.setOnTick([this] { Timer28_Timer(); });
     Timer34.setOnTick([this] { Timer34_Timer(); });
+    playbackWatch.setOnTick([this] { playbackWatch_Timer(); });
     // A take the disk stopped taking is told in the event log.
     AudioEditor1.onTrouble = [this](const std::string& text) { trace(text); };
     AudioEditor21.onTrouble = [this](const std::string& text) { trace(text); };

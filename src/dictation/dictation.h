@@ -215,6 +215,7 @@ public:
     void timRecord_Timer();
     void timLight_Timer();
     void timSave_Timer();
+    void playbackWatch_Timer();
     void timLastThreeSeconds_Timer();
     void timsync_Timer();
 
@@ -222,6 +223,8 @@ public:
     platform::Timer tmCommand;  // one shot: the first file of the run
     platform::Timer Timer28;    // one shot: looks for a hand-off after a named letter
     platform::Timer Timer34;    // waits until no file is open, then takes the hand-off
+    // The screen follows a playback that ends by itself while the position timer rests.
+    platform::Timer playbackWatch;
     void tmCommand_Timer();
     void Timer28_Timer();
     void Timer34_Timer();

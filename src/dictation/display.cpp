@@ -163,6 +163,7 @@ void Dictation::SetParam(const std::string& action) {
     if (word == "Continue" || word == "Pause") {
         const bool paused = word == "Pause";
         caption(paused ? "File is Paused" : "File is Playing");
+        if (!paused) playbackWatch.setEnabled(true);
         view.Command1 = view.Command2 = view.cmdOVR = paused;
         showFileName();
     } else if (word == "New") {
@@ -177,6 +178,7 @@ void Dictation::SetParam(const std::string& action) {
         showFileName();
     } else if (word == "Play") {
         caption("File is Playing");
+        playbackWatch.setEnabled(true);
         showFileName();
     } else if (word == "Open") {
         // The label names the file just opened, which Filename already holds.
@@ -251,6 +253,21 @@ void Dictation::barByPosition() {
     } else {
         setBar(BarAfter::StepBetween);
     }
+}
+
+void Dictation::playbackWatch_Timer() {
+    const int engineState = AudioEditor1.State();
+    if (engineState == static_cast<int>(engine::EditorState::Playing) ||
+        engineState == static_cast<int>(engine::EditorState::Paused)) {
+        return;
+    }
+    playbackWatch.setEnabled(false);
+    if (view.caption.find("File is Playing") == std::string::npos) return;
+    state.flgPlay = false;
+    state.WhichBut = "Stop";
+    SetParam(state.WhichBut);
+    barByPosition();
+    changed();
 }
 
 void Dictation::changed() {
