@@ -16,14 +16,8 @@ namespace ovd {
 namespace {
 
 using namespace std::chrono_literals;
+using testing::occurrences;
 namespace fs = std::filesystem;
-
-std::size_t occurrences(const std::string& text, const std::string& what) {
-    std::size_t count = 0;
-    for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at + what.size()))
-        ++count;
-    return count;
-}
 
 class DiskFullStationTest : public ::testing::Test {
   protected:

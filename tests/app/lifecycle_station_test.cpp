@@ -19,6 +19,7 @@
 #include "engine/codecs.h"
 #include "platform/files.h"
 #include "settings/config_file.h"
+#include "station_checks.h"
 #include "station_process.h"
 
 namespace ovd {
@@ -59,11 +60,7 @@ class LifecycleStationTest : public ::testing::Test {
 
     // Quiet while it waits, a small log, and SIGTERM ends it in order at once.
     void expectQuietAndEndInOrder() {
-        EXPECT_LE(station.cpuPercentOver(2s), 5.0);
-        EXPECT_LT(station.eventLogBytes(), 1024u * 1024u);
-        const testing::StationProcess::TimedEnd end = station.terminateTimed();
-        EXPECT_TRUE(end.end.exited && end.end.status == 0) << end.end.status;
-        EXPECT_LT(end.took, 5s);
+        testing::expectLightAndEndsInOrder(station);
     }
 
     testing::StationProcess station;
@@ -237,10 +234,7 @@ TEST(UnwritableDataFolderStationTest,
     }
     EXPECT_EQ(told, 1u) << shown;
     EXPECT_EQ(shown.find("Overwrite existing file?"), std::string::npos) << shown;
-    EXPECT_LE(station.cpuPercentOver(2s), 5.0);
-    const testing::StationProcess::TimedEnd end = station.terminateTimed();
-    EXPECT_TRUE(end.end.exited && end.end.status == 0) << end.end.status;
-    EXPECT_LT(end.took, 5s);
+    testing::expectLightAndEndsInOrder(station);
     ::umount2(data.c_str(), MNT_DETACH);
 }
 

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "platform/files.h"
+#include "station_checks.h"
 #include "station_process.h"
 
 namespace ovd {
@@ -24,22 +25,9 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-std::size_t occurrences(const std::string& text, const std::string& part) {
-    std::size_t count = 0;
-    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
-        ++count;
-    return count;
-}
+using testing::occurrences;
 
-void expectLightAndEndsInOrder(testing::StationProcess& station) {
-    const double cpu = station.cpuPercentOver(2s);
-    EXPECT_GE(cpu, 0);
-    EXPECT_LT(cpu, 5.0);
-    EXPECT_LT(station.eventLogBytes(), 1u << 20);
-    const auto timed = station.terminateTimed();
-    EXPECT_TRUE(timed.end.exited && timed.end.status == 0) << timed.end.status;
-    EXPECT_LT(timed.took, 5s);
-}
+using testing::expectLightAndEndsInOrder;
 
 TEST(PedalPortStationTest, APressAfterTenThousandBytesOfNoiseStartsTheTakeAtOnce) {
     testing::StationProcess station;

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <thread>
 
+#include "station_checks.h"
 #include "station_process.h"
 #include "support/loopback_peer.h"
 
@@ -15,14 +16,8 @@ namespace ovd {
 namespace {
 
 using namespace std::chrono_literals;
+using testing::occurrences;
 namespace fs = std::filesystem;
-
-std::size_t occurrences(const std::string& text, const std::string& what) {
-    std::size_t count = 0;
-    for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at + what.size()))
-        ++count;
-    return count;
-}
 
 TEST(RecordAfterEndOfLetterStationTest, ARecordPressWhileTheNextFileOpensRecordsIntoIt) {
     testing::StationProcess station;
@@ -61,13 +56,7 @@ TEST(RecordAfterEndOfLetterStationTest, ARecordPressWhileTheNextFileOpensRecords
     station.press(testing::kRightPedal, 200ms);
     std::this_thread::sleep_for(10s);
 
-    const double cpu = station.cpuPercentOver(2s);
-    EXPECT_GE(cpu, 0.0);
-    EXPECT_LE(cpu, 5.0);
-    EXPECT_LT(station.eventLogBytes(), 1024u * 1024u);
-    const auto end = station.terminateTimed();
-    EXPECT_TRUE(end.end.exited && end.end.status == 0) << end.end.status;
-    EXPECT_LT(end.took, 5s);
+    testing::expectLightAndEndsInOrder(station);
 
     // Two letters: the first take, and the second that waited for its file.
     std::vector<std::uintmax_t> letters;

@@ -28,6 +28,14 @@ inline constexpr unsigned char kMiddlePedal = 0x85;  // "RECSTOP"
 inline constexpr unsigned char kRightPedal = 0x84;   // "EOLSTOP"
 inline constexpr unsigned char kPedalsUp = 0x87;
 
+// How often a text stands in another, say a line in the event log.
+inline std::size_t occurrences(const std::string& text, const std::string& what) {
+    std::size_t count = 0;
+    for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at + what.size()))
+        ++count;
+    return count;
+}
+
 struct ProcessEnd {
     bool exited = false;
     int status = -1;  // exit status, or the signal when it did not exit
