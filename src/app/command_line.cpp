@@ -1,6 +1,7 @@
 #include "app/command_line.h"
 
 #include <cstdlib>
+#include <filesystem>
 
 #include "dictation/hand_off.h"
 
@@ -50,6 +51,13 @@ StationOptions parseCommandLine(const std::vector<std::string>& arguments) {
             options.error = "only one file name can be given";
         }
         if (!options.error.empty()) break;
+    }
+    // Folder settings are placed below the data folder: a relative one would
+    // move with the current directory, and the next start would nest it again.
+    if (!options.dataFolder.empty()) {
+        std::error_code error;
+        const auto absolute = std::filesystem::absolute(options.dataFolder, error);
+        if (!error) options.dataFolder = absolute.lexically_normal().string();
     }
     return options;
 }

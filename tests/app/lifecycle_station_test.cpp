@@ -179,6 +179,26 @@ TEST_F(LifecycleStationTest, ARecordingsFolderThatIsAFileIsToldAtStartAndTakesSt
     expectQuietAndEndInOrder();
 }
 
+TEST(RelativeDataFolderStationTest, ARelativeDataFolderKeepsTheRecordingsInOnePlaceFromStartToStart) {
+    testing::StationProcess station;
+    station.changeSettings([](settings::SettingsRecord& r) { r.CaptureFilePath = "Letters"; });
+    const std::filesystem::path data(station.folder.path());
+    station.workingDirectory = data.parent_path().string();
+    const std::vector<std::string> relative{"--data-folder", data.filename().string()};
+    for (int start = 0; start < 2; ++start) {
+        const std::size_t from = station.eventLog().size();
+        station.start(relative);
+        ASSERT_TRUE(station.logShows("Procedure - CASE NEW", from)) << station.eventLog();
+        station.terminate();
+    }
+    EXPECT_TRUE(std::filesystem::is_directory(data / "Letters"));
+    EXPECT_FALSE(std::filesystem::exists(data / data.filename()))
+        << "a folder nested under the data folder's own name";
+    settings::ConfigFile stored(station.folder.path());
+    stored.ReadConfig();
+    EXPECT_EQ(stored.record.CaptureFilePath.toText(), (data / "Letters").string());
+}
+
 TEST(UnwritableDataFolderStationTest,
      TheAuthorIsToldOnceAndTheNextLetterNeverTakesTheLastOnesName) {
     testing::StationProcess station;

@@ -154,6 +154,7 @@ public:
 
     TempFolder folder;
     PseudoTerminal pty;
+    std::string workingDirectory;  // where the station starts; empty: the test's own
 
 private:
     // utime + stime of the child, or -1 when it can't be read.
@@ -180,6 +181,7 @@ private:
         const pid_t pid = ::fork();
         if (pid == 0) {
             if (errorFd >= 0) ::dup2(errorFd, STDERR_FILENO);
+            if (!workingDirectory.empty() && ::chdir(workingDirectory.c_str()) != 0) ::_exit(126);
             ::unsetenv("DISPLAY");
             ::unsetenv("WAYLAND_DISPLAY");
             std::vector<std::string> words{"orvane-voice-desk", "--headless", "--data-folder",
