@@ -16,6 +16,7 @@
 #include <random>
 #include <regex>
 
+#include "support/letter_names.h"
 #include "engine/codecs.h"
 #include "platform/files.h"
 #include "settings/config_file.h"
@@ -205,13 +206,7 @@ TEST(UnwritableDataFolderStationTest,
     testing::TempFolder outside;
     const std::string recordings = outside.file("Rec");
     station.changeSettings([&](settings::SettingsRecord& r) {
-        r.CaptureFilePath = recordings;
-        r.FileLabelActive = true;
-        r.FileLabelText = "AB";
-        r.SequentialNumbering = true;
-        r.FileNameIncrement = 6;
-        r.FileNameIncrementStartingNum = 6;
-        r.Places = 4;
+        testing::nameLettersAB(r, recordings, 6);
         r.FileSaveAtStop = true;
     });
     // The data folder on a disk of its own, which fills up under the station.

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "support/letter_names.h"
 #include "dictation/dictation.h"
 #include "engine/virtual_backend.h"
 #include "engine/wave_editor.h"
@@ -77,13 +78,7 @@ class DictationTest : public ::testing::Test {
 protected:
     DictationTest() {
         auto& r = config.record;
-        r.CaptureFilePath = recordings;
-        r.FileLabelActive = true;
-        r.FileLabelText = "AB";
-        r.SequentialNumbering = true;
-        r.FileNameIncrement = 1;
-        r.FileNameIncrementStartingNum = 1;
-        r.Places = 4;
+        ovd::testing::nameLettersAB(r, recordings, 1);
         r.RecordingFormats = "OPT2";
         r.FormatType = "WAV";
         r.Frequency = "16000";

@@ -8,6 +8,7 @@
 #include "devices/pedal_events.h"
 #include "engine/codecs.h"
 #include "platform/files.h"
+#include "support/letter_names.h"
 
 namespace ovd::walk {
 
@@ -101,13 +102,7 @@ WalkStation::WalkStation(const WalkSettings& chosen) : settings(chosen) {
     }
 
     settings::SettingsRecord& r = config.record;
-    r.CaptureFilePath = recordings;
-    r.FileLabelActive = true;
-    r.FileLabelText = "AB";
-    r.SequentialNumbering = true;
-    r.FileNameIncrement = 1;
-    r.FileNameIncrementStartingNum = 1;
-    r.Places = 4;
+    ovd::testing::nameLettersAB(r, recordings, 1);
     r.RecordingFormats = "OPT2";
     r.FormatType = settings.format;
     r.Frequency = std::to_string(settings.rate);
