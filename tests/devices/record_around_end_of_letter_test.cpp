@@ -9,6 +9,7 @@
 #include "devices/end_of_letter.h"
 #include "devices/pedal_events.h"
 #include "devices/switch_model.h"
+#include "delivery_log.h"
 #include "dictation/dictation_fixture.h"
 
 namespace ovd::devices {
@@ -19,16 +20,6 @@ using platform::Milliseconds;
 
 constexpr int kRecording = static_cast<int>(engine::EditorState::Recording);
 
-struct Letters : LetterDelivery {
-    std::vector<std::string> delivered;
-    bool deliver(const std::string& path) override {
-        delivered.push_back(path);
-        return true;
-    }
-    void destinationNotTried(int, const std::string&) override {}
-    void sendToDestination(int, const std::string&, const SendWording&) override {}
-    void stageForSending(Staging, const std::string&) override {}
-};
 
 struct Timing {
     int tcpDelaySeconds;
@@ -98,7 +89,7 @@ class RecordAroundEndOfLetterTest : public dictation::testing::DictationTest,
         }));
     }
 
-    Letters letters;
+    testing::DeliveryLog letters;
     EndOfLetter eol{d(), config, log, loop, voice, letters};
     devices::ButtonMessages messages;
     SwitchModel model{{d(), editor1, config, log, prompts, peer, messages, eol}};
