@@ -18,6 +18,7 @@
 #include "platform/files.h"
 #include "support/scripted_prompts.h"
 #include "support/temp_folder.h"
+#include "recovery_fixture.h"
 #include "support/virtual_event_loop.h"
 
 namespace ovd::conversion {
@@ -25,52 +26,7 @@ namespace {
 
 using platform::Milliseconds;
 
-class RecoveryLeftoversTest : public ::testing::Test {
-  protected:
-    void useSettings() {
-        auto& r = config.record;
-        r.CaptureFilePath = recordings;
-        r.RecordingFormats = "OPT2";
-        r.FormatType = "MP3";
-        r.Frequency = "16000";
-        r.Channel = "MONO";
-        r.FileBit = "32";
-        r.gNormalShutDown = false;  // the last run did not end in order
-        config.WriteConfig();
-        platform::createFolder(temp());
-    }
-
-    [[nodiscard]] std::string temp() const { return recordings + "/Temp"; }
-
-    std::string workFile(const std::string& name, double seconds) {
-        engine::testing::ToneSource tone({16000, 1}, seconds);
-        const std::string path = temp() + "/" + name;
-        const engine::EngineResult written =
-            engine::encodeFile(tone, path, engine::TargetFormat{}, "", {});
-        EXPECT_TRUE(written) << written.error();
-        return path;
-    }
-
-    void recoverAtStart() {
-        scan.Form_Load(ScanMode::Recovery);
-        loop.advance(Milliseconds(100));
-        while (scan.working()) loop.advance(Milliseconds(50));
-    }
-
-    [[nodiscard]] bool crashStateStored() {
-        settings::ConfigFile stored(folder.path());
-        stored.ReadConfig();
-        return !stored.record.gNormalShutDown;
-    }
-
-    ::ovd::testing::TempFolder folder;
-    std::string recordings = folder.file("Rec");
-    ::ovd::testing::VirtualEventLoop loop;
-    settings::ConfigFile config{folder.path()};
-    settings::EventLog log{loop, folder.path(), config.record};
-    ::ovd::testing::ScriptedPrompts prompts;
-    ScanConvert scan{{loop, config, log, prompts}};
-};
+using RecoveryLeftoversTest = testing::RecoveryFixture;
 
 TEST_F(RecoveryLeftoversTest, ATakeIsRecoveredUnderItsLetterAndTheInterruptedSaveIsCleared) {
     useSettings();
