@@ -224,6 +224,12 @@ void Dictation::CaseStop() {
     state.WhichBut = "Stop";
     timCurPos.setEnabled(true);
     AudioEditor1.Stop();
+    if (state.DoingAppending) {
+        // An append ended by any stop (a pedal, the switch) is over: its own
+        // button has nothing left to end, and the station no longer appends.
+        state.DoingAppending = false;
+        view.ButtonEx2Visible = false;
+    }
     Manip_Files();
     finishPendingInsertOrAppend();
     const bool takeEnded = state.Recordingstatus;

@@ -19,9 +19,6 @@ inline constexpr OpenFinding kOpenFindings[] = {
     // A held step-back pedal or the switch's listen replays a short file again
     // and again; between two replays the caption still says the file plays.
     {"caption", "'Orvane Voice Desk - File is Playing' while the file does not play", ""},
-    // A save made while an append records holds the appended moment, which the
-    // document no longer shows after the append ends through the held pedal.
-    {"saved", "decodes to", "ppendEnd"},
 };
 
 inline bool isOpenFinding(std::string_view rule, std::string_view text, std::string_view step) {
