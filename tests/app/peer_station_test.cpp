@@ -84,12 +84,8 @@ TEST(PeerStationTest, AnExitOrderSplitAcrossTwoPacketsEndsTheStationInOrder) {
     const double cpu = station.cpuPercentOver(2s);
     EXPECT_LT(cpu, 5.0);
 
-    const int client = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in to{};
-    to.sin_family = AF_INET;
-    to.sin_port = htons(static_cast<std::uint16_t>(orderPort));
-    to.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    ASSERT_EQ(::connect(client, reinterpret_cast<sockaddr*>(&to), sizeof to), 0);
+    const int client = testing::connectToLoopback(orderPort);
+    ASSERT_GE(client, 0);
     ASSERT_EQ(::send(client, "EX", 2, MSG_NOSIGNAL), 2);
     std::this_thread::sleep_for(300ms);
     ASSERT_EQ(::send(client, "IT\r\n", 4, MSG_NOSIGNAL), 4);

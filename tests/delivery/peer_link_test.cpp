@@ -270,12 +270,8 @@ TEST_F(PeerOrdersTest, GarbageAndAThousandConnectionsChangeNothing) {
 // An order the network hands over in two pieces, the second a moment later, on
 // a connection the peer keeps open.
 TEST_F(PeerOrdersTest, AnOrderSplitAcrossTwoPacketsIsHeardOnce) {
-    const int client = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in to{};
-    to.sin_family = AF_INET;
-    to.sin_port = htons(static_cast<std::uint16_t>(orderPort));
-    to.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    ASSERT_EQ(::connect(client, reinterpret_cast<sockaddr*>(&to), sizeof to), 0);
+    const int client = testing::connectToLoopback(orderPort);
+    ASSERT_GE(client, 0);
     const auto piece = [&](const std::string& text) {
         ASSERT_EQ(::send(client, text.data(), text.size(), MSG_NOSIGNAL),
                   static_cast<ssize_t>(text.size()));

@@ -118,4 +118,15 @@ bool sendFrom(const std::string& localAddress, const std::string& toAddress, int
     return connected && done == bytes.size();
 }
 
+int connectToLoopback(int port) {
+    const int client = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in to{};
+    to.sin_family = AF_INET;
+    to.sin_port = htons(static_cast<std::uint16_t>(port));
+    to.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    if (::connect(client, reinterpret_cast<sockaddr*>(&to), sizeof to) == 0) return client;
+    ::close(client);
+    return -1;
+}
+
 }  // namespace ovd::testing

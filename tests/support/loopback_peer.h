@@ -9,6 +9,9 @@
 
 namespace ovd::testing {
 
+// A client connection to a port on 127.0.0.1, or -1 when nothing listens there.
+int connectToLoopback(int port);
+
 class LoopbackPeer {
 public:
     explicit LoopbackPeer(const std::string& address = "127.0.0.1", int port = 0);
