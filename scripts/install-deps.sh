@@ -11,7 +11,7 @@ packages=(
     libpulse-dev pulseaudio pulseaudio-utils
     espeak-ng sox libsox-fmt-all ffmpeg lame
     libgtest-dev libgmock-dev
-    clang libclang-rt-14-dev
+    clang libclang-rt-14-dev clang-format-14
     xvfb xauth x11-apps imagemagick
 )
 
