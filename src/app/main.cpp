@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "app/command_line.h"
-#include "app/station.h"
+#include "station/station.h"
 #include "dictation/hand_off.h"
 #include "engine/backend_choice.h"
 #include "platform/files.h"
@@ -164,7 +164,7 @@ int main(int argc, char** argv) {
     const std::string programFolder = ovd::platform::programShareFolder();
     const std::string commandFileName =
         options.fileName.empty() ? std::string() : absoluteFileName(options.fileName);
-    ovd::app::Station station({loop, config, eventLog, *prompts, *sound.backend, dataFolder,
+    ovd::station::Station station({loop, config, eventLog, *prompts, *sound.backend, dataFolder,
                                ovd::platform::joinPath(programFolder, "prompts"), programFolder,
                                ovd::platform::executableFolder(), commandFileName,
                                options.orderPort});
@@ -216,7 +216,7 @@ int main(int argc, char** argv) {
             }
         });
     }
-    if (station.Form_Load() == ovd::app::LoadResult::EndProgram) {
+    if (station.Form_Load() == ovd::station::LoadResult::EndProgram) {
         eventLog.SaveEventLog();  // the refusal stays on record for support
         return 1;
     }

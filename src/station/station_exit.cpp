@@ -1,11 +1,11 @@
 // The ways out of the station and the one unload they all end in.
 
-#include "app/station.h"
+#include "station/station.h"
 #include "conversion/letter_notes.h"
 #include "dictation/hand_off.h"
 #include "platform/files.h"
 
-namespace ovd::app {
+namespace ovd::station {
 
 void Station::mnuExit_Click() {
     parts_.log.trace(" User selected File Menu Exit");
@@ -91,4 +91,4 @@ void Station::closeWorkFiles() {
         platform::joinPath(parts_.config.record.CaptureFilePath.toText(), "Temp"));
 }
 
-}  // namespace ovd::app
+}  // namespace ovd::station

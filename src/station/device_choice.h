@@ -13,7 +13,7 @@
 #include "platform/prompts.h"
 #include "settings/config_file.h"
 
-namespace ovd::ui {
+namespace ovd::station {
 
 inline constexpr const char* kLineInputMissing =
     "Can not find line input. OVQDUDR program needs to be restarted.";
@@ -107,4 +107,4 @@ private:
     bool loading_ = false;
 };
 
-}  // namespace ovd::ui
+}  // namespace ovd::station

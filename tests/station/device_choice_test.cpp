@@ -1,14 +1,14 @@
 // The device and source boxes' rules: which stored choice a list selects, the
 // output left alone, the restart after the lines can't be found, and the volumes.
 
-#include "ui/device_choice.h"
+#include "station/device_choice.h"
 
 #include <gtest/gtest.h>
 
 #include "support/scripted_prompts.h"
 #include "support/temp_folder.h"
 
-namespace ovd::ui {
+namespace ovd::station {
 namespace {
 
 // A sound system's list whose lines can be made to fail.
@@ -171,4 +171,4 @@ TEST_F(DeviceChoiceTest, ASliderSetsTheLineAtOnceAndIsStoredWhenLetGo) {
 }
 
 }  // namespace
-}  // namespace ovd::ui
+}  // namespace ovd::station

@@ -1,7 +1,7 @@
-#include "ui/globals_snapshot.h"
+#include "dictation/globals_snapshot.h"
 
 
-namespace ovd::ui {
+namespace ovd::dictation {
 
 namespace {
 
@@ -85,4 +85,4 @@ settings::GlobalsSnapshot snapshotOf(const dictation::Dictation& dictation,
     return snapshot;
 }
 
-}  // namespace ovd::ui
+}  // namespace ovd::dictation

@@ -12,7 +12,10 @@
 #include "engine/prompt_player.h"
 #include "platform/timer.h"
 
-namespace ovd::devices {
+namespace ovd::station {
+
+using devices::SendWording;
+using devices::Staging;
 
 inline constexpr const char* kEOLExecuting = "EOL is Executing";
 inline constexpr const char* kFinishedLetterPicture = "Match.ico";
@@ -32,7 +35,7 @@ public:
     virtual void stageForSending(Staging staging, const std::string& path) = 0;
 };
 
-class EndOfLetter : public LetterActions {
+class EndOfLetter : public devices::LetterActions {
 public:
     EndOfLetter(dictation::Dictation& dictation, settings::ConfigFile& config,
                 settings::EventLog& log, platform::EventLoop& loop, engine::PromptPlayer& voice,
@@ -68,4 +71,4 @@ private:
     LetterDelivery& delivery_;
 };
 
-}  // namespace ovd::devices
+}  // namespace ovd::station

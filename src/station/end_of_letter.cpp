@@ -1,10 +1,10 @@
-#include "devices/end_of_letter.h"
+#include "station/end_of_letter.h"
 
 #include "platform/files.h"
 #include "platform/system_queries.h"
 #include "platform/text.h"
 
-namespace ovd::devices {
+namespace ovd::station {
 
 EndOfLetter::EndOfLetter(dictation::Dictation& dictation, settings::ConfigFile& config,
                          settings::EventLog& log, platform::EventLoop& loop,
@@ -163,4 +163,4 @@ void EndOfLetter::stageForSending(Staging staging, const std::string& path) {
     delivery_.stageForSending(staging, path);
 }
 
-}  // namespace ovd::devices
+}  // namespace ovd::station

@@ -3,13 +3,13 @@
 
 #include <unistd.h>
 
-#include "app/station.h"
+#include "station/station.h"
 #include "conversion/letter_notes.h"
 #include "dictation/hand_off.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
-namespace ovd::app {
+namespace ovd::station {
 
 namespace {
 constexpr const char* kSoundOutputFailed = "Unable to start DirectSound";
@@ -203,4 +203,4 @@ void Station::loadAutoSend() {
     autoSend_->LaunchCompanion();
 }
 
-}  // namespace ovd::app
+}  // namespace ovd::station

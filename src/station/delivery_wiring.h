@@ -9,11 +9,11 @@
 
 #include "delivery/auto_send.h"
 #include "delivery/peer_link.h"
-#include "devices/end_of_letter.h"
+#include "station/end_of_letter.h"
 #include "dictation/dictation.h"
 #include "dictation/peer_notices.h"
 
-namespace ovd::devices {
+namespace ovd::station {
 
 // Every message the dictation has for the peer goes through the link.
 class LinkNotices : public dictation::PeerNotices {
@@ -77,4 +77,4 @@ private:
     bool held_ = false;
 };
 
-}  // namespace ovd::devices
+}  // namespace ovd::station

@@ -1,9 +1,9 @@
-#include "ui/device_choice.h"
+#include "station/device_choice.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace ovd::ui {
+namespace ovd::station {
 
 namespace {
 
@@ -224,4 +224,4 @@ void DeviceChoice::sldrVolumeOut_MouseUp() {
     config_.WriteConfig();
 }
 
-}  // namespace ovd::ui
+}  // namespace ovd::station

@@ -11,8 +11,8 @@
 #include "delivery/companion.h"
 #include "delivery/auto_send.h"
 #include "delivery/peer_link.h"
-#include "devices/delivery_wiring.h"
-#include "devices/end_of_letter.h"
+#include "station/delivery_wiring.h"
+#include "station/end_of_letter.h"
 #include "devices/hands_free.h"
 #include "dictation/dictation.h"
 #include "engine/audio_backend.h"
@@ -26,7 +26,7 @@
 #include "settings/event_log.h"
 #include "settings/passwords_tables.h"
 
-namespace ovd::app {
+namespace ovd::station {
 
 struct StationParts {
     platform::EventLoop& loop;
@@ -111,16 +111,16 @@ private:
     delivery::AutoSendCompanion companion_;
     delivery::AutoSendMenu autoSendMenu_;
     delivery::PeerLink peerLink_;
-    devices::LinkNotices peer_;
+    LinkNotices peer_;
     std::unique_ptr<dictation::Dictation> dictation_;
-    std::unique_ptr<devices::ViewStatusLines> statusLines_;
-    std::unique_ptr<devices::DictationTimersHold> timersHold_;
+    std::unique_ptr<ViewStatusLines> statusLines_;
+    std::unique_ptr<DictationTimersHold> timersHold_;
     std::unique_ptr<delivery::AutoSend> autoSend_;
-    std::unique_ptr<devices::PipelineDelivery> delivery_;
-    std::unique_ptr<devices::EndOfLetter> endOfLetter_;
+    std::unique_ptr<PipelineDelivery> delivery_;
+    std::unique_ptr<EndOfLetter> endOfLetter_;
     std::unique_ptr<devices::HandsFree> handsFree_;
     std::unique_ptr<conversion::ScanConvert> scanConvert_;
     bool unloaded_ = false;
 };
 
-}  // namespace ovd::app
+}  // namespace ovd::station

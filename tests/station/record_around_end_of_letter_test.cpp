@@ -6,17 +6,23 @@
 #include <optional>
 
 #include "devices/control_actions.h"
-#include "devices/end_of_letter.h"
+#include "station/end_of_letter.h"
 #include "devices/pedal_events.h"
 #include "devices/switch_model.h"
 #include "delivery_log.h"
 #include "dictation/dictation_fixture.h"
 
-namespace ovd::devices {
+namespace ovd::station {
 namespace {
 
 using dictation::testing::kRate;
 using platform::Milliseconds;
+using devices::kDown;
+using devices::kMiddle;
+using devices::kRight;
+using devices::kUp;
+using devices::PedalDispatcher;
+using devices::SwitchModel;
 
 constexpr int kRecording = static_cast<int>(engine::EditorState::Recording);
 
@@ -188,4 +194,4 @@ INSTANTIATE_TEST_SUITE_P(HoldAndTap, RecordAroundEndOfLetterTest,
                          });
 
 }  // namespace
-}  // namespace ovd::devices
+}  // namespace ovd::station

@@ -7,11 +7,11 @@
 #include <filesystem>
 
 #include "delivery/auto_send.h"
-#include "devices/delivery_wiring.h"
-#include "devices/end_of_letter.h"
+#include "station/delivery_wiring.h"
+#include "station/end_of_letter.h"
 #include "dictation/dictation_fixture.h"
 
-namespace ovd::devices {
+namespace ovd::station {
 namespace {
 
 namespace fs = std::filesystem;
@@ -107,4 +107,4 @@ TEST_F(LetterDeliveryTest, AnEmptyLetterIsNeitherSentNorStaged) {
 }
 
 }  // namespace
-}  // namespace ovd::devices
+}  // namespace ovd::station

@@ -3,12 +3,12 @@
 
 #include <stdexcept>
 
-#include "devices/end_of_letter.h"
+#include "station/end_of_letter.h"
 
 #include "delivery_log.h"
 #include "dictation/dictation_fixture.h"
 
-namespace ovd::devices {
+namespace ovd::station {
 namespace {
 
 using testing::DeliveryLog;
@@ -79,4 +79,4 @@ TEST_F(EndOfLetterTest, ALetterTooShortToSaveIsNeverWaitedFor) {
 }
 
 }  // namespace
-}  // namespace ovd::devices
+}  // namespace ovd::station
