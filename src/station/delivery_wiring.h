@@ -52,10 +52,13 @@ public:
     }
     void sendToDestination(int destination, const std::string& path,
                            const SendWording& wording) override {
-        pipeline_.sendToDestination(destination, path, wording);
+        pipeline_.sendToDestination(destination, path,
+                                    {wording.keepTrying, wording.notSent, wording.missingTrace,
+                                     wording.missingNotice});
     }
     void stageForSending(Staging staging, const std::string& path) override {
-        pipeline_.stageForSending(staging, path);
+        pipeline_.stageForSending(
+            staging == Staging::Email ? delivery::Staging::Email : delivery::Staging::Ftp, path);
     }
 
 private:

@@ -1,5 +1,6 @@
 #include "station/end_of_letter.h"
 
+#include "delivery/auto_send.h"
 #include "platform/files.h"
 #include "platform/system_queries.h"
 #include "platform/text.h"
