@@ -50,6 +50,27 @@ StoredPick pickStored(const std::vector<std::string>& names, const std::string& 
     return {count - 1, true};
 }
 
+StoredPick pickRecordingDevice(const std::vector<std::string>& names, int systemCurrent,
+                               const std::string& storedIndex, const std::string& storedName) {
+    if (names.empty()) return {};
+    if (storedName.empty() || storedName == "0") return {std::max(systemCurrent, 0), true};
+    return pickStored(names, storedIndex, storedName);
+}
+
+int chooseRecordingDevice(engine::DeviceList& recording, settings::ConfigFile& config) {
+    settings::SettingsRecord& record = config.record;
+    const StoredPick device = pickRecordingDevice(deviceNames(recording), recording.Current(),
+                                                  record.kDeviceInput, record.InputDeviceName);
+    if (device.index < 0) return -1;
+    (void)recording.setCurrent(device.index);
+    if (device.storeIt) {
+        record.kDeviceInput = std::to_string(device.index);
+        record.InputDeviceName = recording.Name(device.index);
+        config.WriteConfig();
+    }
+    return device.index;
+}
+
 std::string volumeLabel(const char* what, int position) {
     const long percent = std::lround(static_cast<double>(position) / kVolumeMax * 100.0);
     return std::string(what) + " " + std::to_string(percent) + "%";
@@ -70,16 +91,7 @@ bool DeviceChoice::load() {
 
 void DeviceChoice::loadInput() {
     settings::SettingsRecord& record = config_.record;
-    const int current = std::max(recording_.Current(), 0);
-    config_.takeRecordingDevice(std::to_string(current), recording_.Name(current));
-    const StoredPick device = pickStored(deviceNames(recording_), record.kDeviceInput,
-                                         record.InputDeviceName);
-    (void)recording_.setCurrent(device.index);
-    if (device.storeIt) {
-        record.kDeviceInput = std::to_string(device.index);
-        record.InputDeviceName = recording_.Name(device.index);
-        config_.WriteConfig();
-    }
+    (void)chooseRecordingDevice(recording_, config_);
     if (fillInputSources()) {
         const int source = recording_.SourceCurrent();
         if (record.kSrcInput != std::to_string(source) ||

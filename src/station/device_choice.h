@@ -34,6 +34,15 @@ struct StoredPick {
 StoredPick pickStored(const std::vector<std::string>& names, const std::string& storedIndex,
                       const std::string& storedName);
 
+// The recording device, by the one rule the load of the station and the device box
+// share: with no name stored yet ("" or "0") the sound system's current device,
+// which is then stored; otherwise the stored choice as pickStored finds it.
+StoredPick pickRecordingDevice(const std::vector<std::string>& names, int systemCurrent,
+                               const std::string& storedIndex, const std::string& storedName);
+// Makes that device the current one and stores the choice when it changed. The
+// index chosen, or -1 when the sound system lists no recording device.
+int chooseRecordingDevice(engine::DeviceList& recording, settings::ConfigFile& config);
+
 // "Recording Volume 75%": the label of a volume slider.
 std::string volumeLabel(const char* what, int position);
 

@@ -8,6 +8,7 @@
 #include "dictation/hand_off.h"
 #include "platform/files.h"
 #include "platform/text.h"
+#include "station/device_choice.h"
 
 namespace ovd::station {
 
@@ -157,22 +158,12 @@ void Station::mnuScanConvert_Click() {
 }
 
 bool Station::loadRecordingDevice() {
-    settings::SettingsRecord& record = parts_.config.record;
-    engine::DeviceList& devices = AudioEditor1.RecordingDevices();
-    if (devices.Count() == 0) {
+    const int chosen = chooseRecordingDevice(AudioEditor1.RecordingDevices(), parts_.config);
+    if (chosen < 0) {
         parts_.log.trace("Loading: no recording device; nothing can be recorded");
         return false;
     }
-    // The stored device when it is still there; otherwise the sound system's own.
-    for (int i = 0; i < devices.Count(); ++i) {
-        if (devices.Name(i) == record.InputDeviceName) {
-            (void)devices.setCurrent(i);
-            break;
-        }
-    }
-    const int current = std::max(devices.Current(), 0);
-    parts_.config.takeRecordingDevice(std::to_string(current), devices.Name(current));
-    parts_.log.trace("Loading: recording device " + devices.Name(current));
+    parts_.log.trace("Loading: recording device " + AudioEditor1.RecordingDevices().Name(chosen));
     return true;
 }
 
