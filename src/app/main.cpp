@@ -216,16 +216,17 @@ int main(int argc, char** argv) {
             }
         });
     }
-    if (station.Form_Load() == ovd::station::LoadResult::EndProgram) {
-        eventLog.SaveEventLog();  // the refusal stays on record for support
-        return 1;
-    }
-    // The window takes its face, place and devices from the settings just read; the
-    // desk unit's buttons are named by them.
-    if (window) {
+    // The window takes its face, place and devices from the settings read by the
+    // load; the desk unit's buttons are named by them.
+    station.onLoadDone = [&window, &station, &config] {
+        if (!window) return;
         window->addDeskUnit(new ovd::ui::DeskUnitPanel(station.handsFree().switchModel,
                                                        station.dictation().view, config.record));
         window->Form_Load();
+    };
+    if (station.Form_Load() == ovd::station::LoadResult::EndProgram) {
+        eventLog.SaveEventLog();  // the refusal stays on record for support
+        return 1;
     }
     const int status = terminationRequested ? 0 : QCoreApplication::exec();
     station.Form_Unload();

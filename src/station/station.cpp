@@ -14,7 +14,9 @@ Station::Station(StationParts parts)
       companion_(parts_.log, parts_.binaryFolder, parts_.dataFolder),
       autoSendMenu_(parts_.loop, parts_.config.record, companion_),
       peerLink_({parts_.loop, parts_.config, parts_.log, parts_.prompts, parts_.orderPort}),
-      peer_(peerLink_) {
+      peer_(peerLink_),
+      loadOnAfterRecovery_(parts_.loop, "loadOnAfterRecovery", 1) {
+    loadOnAfterRecovery_.setOnTick([this] { loadOnAfterRecovery(); });
     dictation_ = std::make_unique<dictation::Dictation>(dictation::DictationParts{
         parts_.loop, parts_.config, parts_.log, parts_.prompts, AudioEditor1, AudioEditor21, voice_,
         speakers_, peer_, parts_.dataFolder});

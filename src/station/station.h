@@ -45,6 +45,7 @@ struct StationParts {
 // How far the load of the station came.
 enum class LoadResult {
     Ready,         // everything is up
+    Recovering,    // the work files of a crashed run are recovered first; the rest loads after
     NothingReady,  // no recording device: the window stays, with nothing to record on
     EndProgram,    // the station must not run; the reason was shown
 };
@@ -58,8 +59,12 @@ public:
 
     // The station comes up in a fixed order: the settings, the folders, the
     // devices, the recovery of a crashed run, the pedals, the companion. With no
-    // desk unit connected a new dictation begins by itself a moment later.
+    // desk unit connected a new dictation begins by itself a moment later. A
+    // recovery at start runs on the loop; the load goes on from there when it is over.
     LoadResult Form_Load();
+    // The load is over and the station is up (ready, or with nothing to record on):
+    // the window takes its face and devices now.
+    std::function<void()> onLoadDone;
     // The way out every exit ends in: the file in hand closed (saved when it holds
     // a take), the pedals let go, the settings written with the run marked as
     // ended in order, the companion stopped.
@@ -88,6 +93,10 @@ public:
 
 private:
     bool loadRecordingDevice();
+    // The steps after the recovery at start: the pedals, the destination folders,
+    // the companion sender, the first file.
+    void loadPedalsAndDelivery();
+    void loadOnAfterRecovery();
     // The user hears once when the settings can't be written, after the step that wrote.
     void tellWhenSettingsCantBeWritten();
     // The chosen recordings folder, or, after telling the user, the data folder's own
@@ -120,6 +129,7 @@ private:
     std::unique_ptr<EndOfLetter> endOfLetter_;
     std::unique_ptr<devices::HandsFree> handsFree_;
     std::unique_ptr<conversion::ScanConvert> scanConvert_;
+    platform::Timer loadOnAfterRecovery_;
     bool unloaded_ = false;
 };
 

@@ -90,6 +90,7 @@ LoadResult Station::Form_Load() {
 
     if (!loadRecordingDevice()) {
         d.state.OnLoad = false;
+        if (onLoadDone) onLoadDone();
         return LoadResult::NothingReady;
     }
     d.SetParam("load");
@@ -114,12 +115,23 @@ LoadResult Station::Form_Load() {
             break;
         case settings::RecoveryAtStart::OpenRecovery:
             log.trace("Loading: recovering the work files of a run that did not end in order");
-            // Nothing else starts until the work files are taken care of: no pedal, no new file.
+            // Nothing else starts until the work files are taken care of: no pedal, no
+            // new file. The load goes on from the loop once the recovery is over.
             openScanConvert(conversion::ScanMode::Recovery);
-            while (scanConvert_->working()) parts_.loop.wait(platform::Milliseconds(50));
-            log.trace("Loading: recovery done");
-            break;
+            scanConvert_->onRecovered = [this] {
+                scanConvert_->onRecovered = nullptr;
+                loadOnAfterRecovery_.setEnabled(true);
+            };
+            return LoadResult::Recovering;
     }
+    loadPedalsAndDelivery();
+    return LoadResult::Ready;
+}
+
+void Station::loadPedalsAndDelivery() {
+    dictation::Dictation& d = *dictation_;
+    settings::SettingsRecord& record = parts_.config.record;
+    settings::EventLog& log = parts_.log;
 
     d.view.mnuScanConvertEnabled = true;
     d.state.OnLoad = true;
@@ -139,7 +151,14 @@ LoadResult Station::Form_Load() {
     d.state.OnLoad = false;
     d.naming.ComnboFill();
     log.trace("Loading: done, view " + record.ScreenSize);
-    return LoadResult::Ready;
+    if (onLoadDone) onLoadDone();
+}
+
+void Station::loadOnAfterRecovery() {
+    loadOnAfterRecovery_.setEnabled(false);
+    if (unloaded_) return;
+    parts_.log.trace("Loading: recovery done");
+    loadPedalsAndDelivery();
 }
 
 conversion::ScanConvert& Station::openScanConvert(conversion::ScanMode mode) {
