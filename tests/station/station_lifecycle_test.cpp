@@ -176,6 +176,15 @@ TEST(StationEndTest, TheFileInHandIsSavedBeforeTheSettingsMarkTheRunAsEndedInOrd
     // The log is on disk: support reads how the run ended.
     EXPECT_NE(platform::readWholeFile(s.log.pathForToday()).value_or("").find("Station ended in order"),
               std::string::npos);
+
+    // The next start finds nothing to recover, and the letter stays the only copy.
+    s.station.reset();
+    const std::size_t beforeNext = s.log.text().size();
+    s.make();
+    ASSERT_EQ(s.station->Form_Load(), LoadResult::Ready) << s.log.text().substr(beforeNext);
+    EXPECT_FALSE(s.logShows("work files of an earlier run", beforeNext));
+    EXPECT_FALSE(s.logShows("recovering", beforeNext));
+    EXPECT_EQ(filesEndingIn(s.recordings, ".WAV"), letters);
 }
 
 }  // namespace
