@@ -185,9 +185,9 @@ int main(int argc, char** argv) {
         window = std::make_unique<ovd::ui::StationWindow>(ovd::ui::StationWindowParts{
             config, eventLog, station.dictation(), station.recordingEditor(), station.scratchEditor(),
             debugTrace, *prompts, programFolder, sound.backend->name(), &station.handsFree()});
-        window->onExit = [&station] { station.mnuExit_Click(); };
-        window->onRestartNeeded = [&station] { station.mnuExit_Click(); };
-        window->onScanConvert = [&station] { station.mnuScanConvert_Click(); };
+        window->onExit = [&station] { station.exitFromMenu(); };
+        window->onRestartNeeded = [&station] { station.exitFromMenu(); };
+        window->onScanConvert = [&station] { station.openScanConvertByHand(); };
         window->onAutoSend = [&station] { station.autoSendMenu().mnAutoSend_Click(); };
         window->autoSendCaption = [&station] { return station.autoSendMenu().Caption; };
         static_cast<ovd::ui::QtPrompts&>(*prompts).setMainWindow(window.get());

@@ -71,7 +71,7 @@ public:
     void Form_Unload();
 
     // ---- The entrances of an exit ----
-    void mnuExit_Click();
+    void exitFromMenu();  // mnuExit_Click
     void TCPSaysExit();
     void TCPSaysClose();
 
@@ -88,7 +88,7 @@ public:
     // The recovery window: opened at load for the work files of a run that did not
     // end in order, and from the menu. The window shows it; headless, its operations
     // go to the event log.
-    void mnuScanConvert_Click();
+    void openScanConvertByHand();  // mnuScanConvert_Click
     std::function<void(conversion::ScanConvert&)> onShowScanConvert;
 
 private:

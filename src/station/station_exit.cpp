@@ -7,7 +7,7 @@
 
 namespace ovd::station {
 
-void Station::mnuExit_Click() {
+void Station::exitFromMenu() {
     parts_.log.trace(" User selected File Menu Exit");
     // Unanswered, the link keeps the message for a later reconnection.
     if (peerLink_.linkOn()) {

@@ -171,7 +171,7 @@ conversion::ScanConvert& Station::openScanConvert(conversion::ScanMode mode) {
     return *scanConvert_;
 }
 
-void Station::mnuScanConvert_Click() {
+void Station::openScanConvertByHand() {
     if (scanConvert_ && scanConvert_->working()) return;
     openScanConvert(conversion::ScanMode::ByHand);
 }

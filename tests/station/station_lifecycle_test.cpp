@@ -158,7 +158,7 @@ TEST(StationEndTest, TheFileInHandIsSavedBeforeTheSettingsMarkTheRunAsEndedInOrd
     ASSERT_TRUE(dictation::writeHandOff(s.folder.path(), {s.folder.file("Later"), "4242"}));
     const std::size_t beforeEnd = s.log.text().size();
 
-    s.station->mnuExit_Click();
+    s.station->exitFromMenu();
     EXPECT_EQ(s.exitsAsked, 1);
     s.station->Form_Unload();
 

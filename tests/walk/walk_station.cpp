@@ -174,7 +174,7 @@ void WalkStation::exitInOrder() {
         if (pedalsDown_[static_cast<std::size_t>(pedal)]) this->pedal(pedal);
     }
     stepBegins();
-    if (!exitAsked_) station_->mnuExit_Click();
+    if (!exitAsked_) station_->exitFromMenu();
     station_->Form_Unload();
     station_.reset();
 }
