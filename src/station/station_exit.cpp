@@ -47,9 +47,13 @@ void Station::unloadForm() {
 void Station::Form_Unload() {
     if (unloaded_) return;
     unloaded_ = true;
-    // An end during the recovery at start: the rest of the load never comes.
+    // An end before the recovery at start began: the takes stay in Temp for the next
+    // start, and the rest of the load never comes.
     loadOnAfterRecovery_.setEnabled(false);
-    if (scanConvert_) scanConvert_->onRecovered = nullptr;
+    if (scanConvert_) {
+        scanConvert_->Timer1.setEnabled(false);
+        scanConvert_->onRecovered = nullptr;
+    }
     dictation::Dictation& d = *dictation_;
     d.state.Imclosing = true;
     d.tmCommand.setEnabled(false);

@@ -118,10 +118,7 @@ LoadResult Station::Form_Load() {
             // Nothing else starts until the work files are taken care of: no pedal, no
             // new file. The load goes on from the loop once the recovery is over.
             openScanConvert(conversion::ScanMode::Recovery);
-            scanConvert_->onRecovered = [this] {
-                scanConvert_->onRecovered = nullptr;
-                loadOnAfterRecovery_.setEnabled(true);
-            };
+            scanConvert_->onRecovered = [this] { loadOnAfterRecovery_.setEnabled(true); };
             return LoadResult::Recovering;
     }
     loadPedalsAndDelivery();
@@ -156,6 +153,8 @@ void Station::loadPedalsAndDelivery() {
 
 void Station::loadOnAfterRecovery() {
     loadOnAfterRecovery_.setEnabled(false);
+    // Later recoveries are the user's, from the menu: the load is not theirs to go on with.
+    scanConvert_->onRecovered = nullptr;
     if (unloaded_) return;
     parts_.log.trace("Loading: recovery done");
     loadPedalsAndDelivery();

@@ -114,6 +114,9 @@ TEST_F(StationRecoveryAtStartTest, AnEndBeforeTheRecoveryIsOverLoadsNothingMoreA
     EXPECT_FALSE(s.logShows("Loading: pedals")) << s.log.text();
     EXPECT_FALSE(s.logShows("Procedure - CASE NEW")) << s.log.text();
     EXPECT_TRUE(s.logShows("Station ended in order")) << s.log.text();
+    // The takes still wait, and the next start recovers them.
+    EXPECT_TRUE(platform::fileExists(s.recordings + "/Temp/take7.tmp"));
+    EXPECT_FALSE(s.storedSettings().gNormalShutDown);
 }
 
 TEST(StationHandOffTest, ANameHandedOverIsDictatedOnceTheLetterInHandIsFinished) {
