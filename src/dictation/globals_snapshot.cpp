@@ -1,6 +1,5 @@
 #include "dictation/globals_snapshot.h"
 
-
 namespace ovd::dictation {
 
 namespace {
@@ -81,7 +80,8 @@ settings::GlobalsSnapshot snapshotOf(const dictation::Dictation& dictation,
          &dictation.timLastThreeSecondsCon, &dictation.timsync, &dictation.Reader,
          &dictation.tmCommand, &dictation.Timer28, &dictation.Timer34});
     snapshot.globals = dictationGlobals(dictation);
-    for (auto& value : settings::settingsGlobals(record)) snapshot.globals.push_back(std::move(value));
+    for (auto& value : settings::settingsGlobals(record))
+        snapshot.globals.push_back(std::move(value));
     return snapshot;
 }
 

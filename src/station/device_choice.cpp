@@ -144,7 +144,8 @@ bool DeviceChoice::fillInputSources() {
         return true;
     }
     if (++failedSourceFills_ > kSourceFillsBorne) {
-        prompts_.showMessage(kLineInputMissing, settings::kProductTitle, platform::Severity::Critical);
+        prompts_.showMessage(kLineInputMissing, settings::kProductTitle,
+                             platform::Severity::Critical);
         if (onRestartNeeded) onRestartNeeded();
     }
     return false;
@@ -218,12 +219,14 @@ void DeviceChoice::cmbSrcOutput_Click(int index) {
 
 void DeviceChoice::sldrVolumeInp_Change(int position) {
     inputVolume_ = std::clamp(position, 0, kVolumeMax);
-    if (inputVolumeAvailable()) (void)recording_.setVolume(recording_.SourceCurrent(), inputVolume_);
+    if (inputVolumeAvailable())
+        (void)recording_.setVolume(recording_.SourceCurrent(), inputVolume_);
 }
 
 void DeviceChoice::sldrVolumeOut_Change(int position) {
     outputVolume_ = std::clamp(position, 0, kVolumeMax);
-    if (outputVolumeAvailable()) (void)playback_.setVolume(playback_.SourceCurrent(), outputVolume_);
+    if (outputVolumeAvailable())
+        (void)playback_.setVolume(playback_.SourceCurrent(), outputVolume_);
 }
 
 void DeviceChoice::sldrVolumeInp_MouseUp() {

@@ -47,7 +47,7 @@ int chooseRecordingDevice(engine::DeviceList& recording, settings::ConfigFile& c
 std::string volumeLabel(const char* what, int position);
 
 class DeviceChoice {
-public:
+  public:
     DeviceChoice(engine::DeviceList& recording, engine::DeviceList& playback,
                  settings::ConfigFile& config, platform::Prompts& prompts);
 
@@ -97,7 +97,7 @@ public:
     // has been shown and the program must end.
     std::function<void()> onRestartNeeded;
 
-private:
+  private:
     void loadInput();
     void loadOutput();
     bool fillInputSources();

@@ -23,7 +23,7 @@ inline constexpr const char* kFinishedLetterPicture = "Match.ico";
 // What happens to a closed letter: the destination copies, the report and the
 // staging for e-mail and FTP, and the desk unit's one-destination sends.
 class LetterDelivery {
-public:
+  public:
     virtual ~LetterDelivery() = default;
     // Copies, reports and stages the closed file whose path the variable holds,
     // as the settings ask. The variable is read again before each destination and
@@ -36,7 +36,7 @@ public:
 };
 
 class EndOfLetter : public devices::LetterActions {
-public:
+  public:
     EndOfLetter(dictation::Dictation& dictation, settings::ConfigFile& config,
                 settings::EventLog& log, platform::EventLoop& loop, engine::PromptPlayer& voice,
                 LetterDelivery& delivery);
@@ -59,7 +59,7 @@ public:
     std::function<void()> onExit;
     platform::Timer TimClose;
 
-private:
+  private:
     void showReady();
     void waitForFile();
 

@@ -27,10 +27,18 @@ Station::Station(StationParts parts)
         companion_, *statusLines_, parts_.promptFolder});
     delivery_ = std::make_unique<PipelineDelivery>(*autoSend_);
     endOfLetter_ = std::make_unique<EndOfLetter>(*dictation_, parts_.config, parts_.log,
-                                                          parts_.loop, voice_, *delivery_);
-    handsFree_ = std::make_unique<devices::HandsFree>(devices::HandsFreeParts{
-        *dictation_, AudioEditor1, parts_.config, parts_.log, parts_.prompts, parts_.loop, peer_,
-        *endOfLetter_, platform::joinPath(parts_.programFolder, "Button.cfg"), {}});
+                                                 parts_.loop, voice_, *delivery_);
+    handsFree_ = std::make_unique<devices::HandsFree>(
+        devices::HandsFreeParts{*dictation_,
+                                AudioEditor1,
+                                parts_.config,
+                                parts_.log,
+                                parts_.prompts,
+                                parts_.loop,
+                                peer_,
+                                *endOfLetter_,
+                                platform::joinPath(parts_.programFolder, "Button.cfg"),
+                                {}});
     // The exit at end of letter and the pedals' own ends go the one way out.
     const auto exit = [this] { unloadForm(); };
     endOfLetter_->onExit = exit;

@@ -8,11 +8,9 @@
 #include <string>
 
 #include "conversion/scan_convert.h"
-#include "delivery/companion.h"
 #include "delivery/auto_send.h"
+#include "delivery/companion.h"
 #include "delivery/peer_link.h"
-#include "station/delivery_wiring.h"
-#include "station/end_of_letter.h"
 #include "devices/hands_free.h"
 #include "dictation/dictation.h"
 #include "engine/audio_backend.h"
@@ -25,6 +23,8 @@
 #include "settings/config_file.h"
 #include "settings/event_log.h"
 #include "settings/passwords_tables.h"
+#include "station/delivery_wiring.h"
+#include "station/end_of_letter.h"
 
 namespace ovd::station {
 
@@ -35,10 +35,10 @@ struct StationParts {
     platform::Prompts& prompts;
     engine::AudioBackend& sound;
     std::string dataFolder;
-    std::string promptFolder;  // the prompt sounds of the program's folder
-    std::string programFolder;  // Button.cfg
-    std::string binaryFolder;   // where the companion programs are installed
-    std::string commandFileName;  // the file named on the command line, if any
+    std::string promptFolder;              // the prompt sounds of the program's folder
+    std::string programFolder;             // Button.cfg
+    std::string binaryFolder;              // where the companion programs are installed
+    std::string commandFileName;           // the file named on the command line, if any
     int orderPort = delivery::kOrderPort;  // where the peer's orders are heard
 };
 
@@ -51,7 +51,7 @@ enum class LoadResult {
 };
 
 class Station {
-public:
+  public:
     explicit Station(StationParts parts);
     ~Station();
     Station(const Station&) = delete;
@@ -91,7 +91,7 @@ public:
     void openScanConvertByHand();  // mnuScanConvert_Click
     std::function<void(conversion::ScanConvert&)> onShowScanConvert;
 
-private:
+  private:
     bool loadRecordingDevice();
     // The steps after the recovery at start: the pedals, the destination folders,
     // the companion sender, the first file.

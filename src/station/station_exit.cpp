@@ -1,9 +1,9 @@
 // The ways out of the station and the one unload they all end in.
 
-#include "station/station.h"
 #include "conversion/letter_notes.h"
 #include "dictation/hand_off.h"
 #include "platform/files.h"
+#include "station/station.h"
 
 namespace ovd::station {
 
@@ -82,7 +82,8 @@ void Station::Form_Unload() {
 void Station::closeWorkFiles() {
     dictation::Dictation& d = *dictation_;
     d.TempFileNameFileLength();
-    const bool unsavedTake = (d.state.FileSaveError || d.takeWaitsInTemp()) && d.state.NewTempFileLength &&
+    const bool unsavedTake = (d.state.FileSaveError || d.takeWaitsInTemp()) &&
+                             d.state.NewTempFileLength &&
                              *d.state.NewTempFileLength >= dictation::kMinimumRecordedBytes;
     if (unsavedTake) {
         // The take could not be saved: its work file stays for the recovery.

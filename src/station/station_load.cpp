@@ -3,12 +3,12 @@
 
 #include <unistd.h>
 
-#include "station/station.h"
 #include "conversion/letter_notes.h"
 #include "dictation/hand_off.h"
 #include "platform/files.h"
 #include "platform/text.h"
 #include "station/device_choice.h"
+#include "station/station.h"
 
 namespace ovd::station {
 
@@ -62,7 +62,8 @@ LoadResult Station::Form_Load() {
     settings::SettingsRecord& record = parts_.config.record;
     settings::EventLog& log = parts_.log;
 
-    log.trace("Loading: program folder " + parts_.programFolder + ", data folder " + parts_.dataFolder);
+    log.trace("Loading: program folder " + parts_.programFolder + ", data folder " +
+              parts_.dataFolder);
     d.Timer28.setInterval(50);
     d.Timer34.setEnabled(false);
     d.state.CommandFileName = parts_.commandFileName;
@@ -95,8 +96,8 @@ LoadResult Station::Form_Load() {
     }
     d.SetParam("load");
     d.takeSettings();
-    log.trace("Loading: work files in " + platform::joinPath(recordings, "Temp") + ", saving every " +
-              std::to_string(d.timSave.Interval()) + " ms, crash protection " +
+    log.trace("Loading: work files in " + platform::joinPath(recordings, "Temp") +
+              ", saving every " + std::to_string(d.timSave.Interval()) + " ms, crash protection " +
               platform::boolText(record.FileSaveAtStop));
 
     if (parts_.sound.playbackDevices().Count() == 0) {
@@ -107,7 +108,8 @@ LoadResult Station::Form_Load() {
     }
     const bool workFiles = conversion::anyWorkFileIn(platform::joinPath(recordings, "Temp"));
     switch (parts_.config.recoveryAtStart(workFiles)) {
-        case settings::RecoveryAtStart::Nothing: break;
+        case settings::RecoveryAtStart::Nothing:
+            break;
         case settings::RecoveryAtStart::LetBeThisOnce:
             log.trace(
                 "Loading: work files of an earlier run left for the next start, which "
@@ -162,8 +164,8 @@ void Station::loadOnAfterRecovery() {
 
 conversion::ScanConvert& Station::openScanConvert(conversion::ScanMode mode) {
     if (!scanConvert_) {
-        scanConvert_ = std::make_unique<conversion::ScanConvert>(conversion::ScanConvertParts{
-            parts_.loop, parts_.config, parts_.log, parts_.prompts});
+        scanConvert_ = std::make_unique<conversion::ScanConvert>(
+            conversion::ScanConvertParts{parts_.loop, parts_.config, parts_.log, parts_.prompts});
     }
     if (onShowScanConvert) onShowScanConvert(*scanConvert_);
     scanConvert_->Form_Load(mode);

@@ -16,12 +16,12 @@
 #include <random>
 #include <regex>
 
-#include "support/letter_names.h"
 #include "engine/codecs.h"
 #include "platform/files.h"
 #include "settings/config_file.h"
 #include "station_checks.h"
 #include "station_process.h"
+#include "support/letter_names.h"
 
 namespace ovd {
 namespace {
@@ -60,9 +60,7 @@ class LifecycleStationTest : public ::testing::Test {
     }
 
     // Quiet while it waits, a small log, and SIGTERM ends it in order at once.
-    void expectQuietAndEndInOrder() {
-        testing::expectLightAndEndsInOrder(station);
-    }
+    void expectQuietAndEndInOrder() { testing::expectLightAndEndsInOrder(station); }
 
     testing::StationProcess station;
     std::string recordings = station.folder.file("Rec");
@@ -156,7 +154,8 @@ TEST_F(LifecycleStationTest, ARecordingsFolderThatIsAFileIsToldAtStartAndTakesSt
     expectQuietAndEndInOrder();
 }
 
-TEST(RelativeDataFolderStationTest, ARelativeDataFolderKeepsTheRecordingsInOnePlaceFromStartToStart) {
+TEST(RelativeDataFolderStationTest,
+     ARelativeDataFolderKeepsTheRecordingsInOnePlaceFromStartToStart) {
     testing::StationProcess station;
     station.changeSettings([](settings::SettingsRecord& r) { r.CaptureFilePath = "Letters"; });
     const std::filesystem::path data(station.folder.path());

@@ -41,7 +41,8 @@ TEST(SingleStationTest, ASecondStartForAFileHandsItsFullNameOverAndEndsWithoutAW
     testing::StationProcess station;
     const std::string letters = station.folder.file("letters");
     station.start({"\"" + letters + "/Smith\""});  // quoted, as a file manager passes it
-    ASSERT_TRUE(station.logShows("LOADED New File: " + letters + "/Smith.WAV")) << station.eventLog();
+    ASSERT_TRUE(station.logShows("LOADED New File: " + letters + "/Smith.WAV"))
+        << station.eventLog();
     station.press(testing::kMiddlePedal, 1500ms);
     ASSERT_TRUE(station.logShows("File Stop: ")) << station.eventLog();
 

@@ -13,7 +13,7 @@ namespace {
 
 // A sound system's list whose lines can be made to fail.
 class ListedDevices : public engine::DeviceList {
-public:
+  public:
     std::vector<std::string> devices;
     std::vector<std::vector<std::string>> lines;  // per device
     int current = -1;
@@ -28,9 +28,12 @@ public:
         line = -1;
         return engine::EngineResult::success();
     }
-    std::string Name(int index) const override { return devices.at(static_cast<std::size_t>(index)); }
+    std::string Name(int index) const override {
+        return devices.at(static_cast<std::size_t>(index));
+    }
     int SourceCount() const override {
-        return current < 0 ? 0 : static_cast<int>(lines.at(static_cast<std::size_t>(current)).size());
+        return current < 0 ? 0
+                           : static_cast<int>(lines.at(static_cast<std::size_t>(current)).size());
     }
     int SourceCurrent() const override { return line; }
     engine::EngineResult setSourceCurrent(int index) override {
@@ -101,7 +104,7 @@ TEST(VolumeLabel, ShowsThePercentOfTheSlider) {
 }
 
 class DeviceChoiceTest : public ::testing::Test {
-protected:
+  protected:
     DeviceChoiceTest() {
         recording.devices = {"Built-in", "Headset"};
         recording.lines = {{"Internal Mic"}, {"Headset Mic", "Line In"}};

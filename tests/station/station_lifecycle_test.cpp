@@ -33,12 +33,11 @@ TEST(StationStartUpTest, LoadsInItsFixedOrderAndOpensTheFirstFileAMomentLater) {
     EXPECT_FALSE(s.logShows("Procedure - CASE NEW")) << "the first file waits for the loop";
 
     s.advance(2000);
-    EXPECT_EQ(s.firstMissingInOrder({"Loading: program folder", "Loading: settings read from",
-                                     "Loading: recordings in " + s.recordings,
-                                     "Loading: recording device", "Loading: work files in",
-                                     "Loading: pedals", "Loading: done",
-                                     " Calling Case New from tmCommand_Timer ",
-                                     "Procedure - CASE NEW"}),
+    EXPECT_EQ(s.firstMissingInOrder(
+                  {"Loading: program folder", "Loading: settings read from",
+                   "Loading: recordings in " + s.recordings, "Loading: recording device",
+                   "Loading: work files in", "Loading: pedals", "Loading: done",
+                   " Calling Case New from tmCommand_Timer ", "Procedure - CASE NEW"}),
               "")
         << s.log.text();
     EXPECT_FALSE(s.logShows("recovering")) << s.log.text();
@@ -67,7 +66,7 @@ TEST(StationStartUpTest, TheLoadChoosesTheRecordingDeviceAsTheDeviceBoxDoes) {
 }
 
 class StationRecoveryAtStartTest : public ::testing::Test {
-protected:
+  protected:
     StationRecoveryAtStartTest() {
         platform::createFolder(s.recordings + "/Temp");
         dictation::testing::writeRampWave(s.recordings + "/Temp/take7.tmp", 3);
@@ -91,11 +90,11 @@ TEST_F(StationRecoveryAtStartTest, TheCrashsTakesAreRecoveredBeforeThePedalsAndT
     untilLoaded();
     ASSERT_EQ(s.loadsDone, 1) << s.log.text();
     s.advance(2000);
-    EXPECT_EQ(s.firstMissingInOrder({"Loading: recovering the work files",
-                                     "Scan/Convert: Temporary Files RECOVERED",
-                                     "Loading: recovery done", "Loading: pedals", "Loading: done",
-                                     "Procedure - CASE NEW"}),
-              "")
+    EXPECT_EQ(
+        s.firstMissingInOrder({"Loading: recovering the work files",
+                               "Scan/Convert: Temporary Files RECOVERED", "Loading: recovery done",
+                               "Loading: pedals", "Loading: done", "Procedure - CASE NEW"}),
+        "")
         << s.log.text();
     const std::vector<std::string> recovered = filesEndingIn(s.recordings, ".WAV");
     ASSERT_FALSE(recovered.empty()) << s.log.text();
@@ -125,7 +124,8 @@ TEST(StationHandOffTest, ANameHandedOverIsDictatedOnceTheLetterInHandIsFinished)
     s.make(letters + "/Smith");
     ASSERT_EQ(s.station->Form_Load(), LoadResult::Ready) << s.log.text();
     s.advance(2000);
-    ASSERT_TRUE(s.logShows("Received Command line File Name = " + letters + "/Smith")) << s.log.text();
+    ASSERT_TRUE(s.logShows("Received Command line File Name = " + letters + "/Smith"))
+        << s.log.text();
     ASSERT_TRUE(s.logShows("LOADED New File: " + letters + "/Smith.WAV")) << s.log.text();
     s.press(kMiddlePedal, 2500);
     ASSERT_TRUE(s.logShows("File Stop: ")) << s.log.text();
@@ -177,8 +177,9 @@ TEST(StationEndTest, TheFileInHandIsSavedBeforeTheSettingsMarkTheRunAsEndedInOrd
     EXPECT_TRUE(s.storedSettings().gNormalShutDown);
     EXPECT_FALSE(platform::fileExists(s.folder.file("ovtitemp.ini")));
     // The log is on disk: support reads how the run ended.
-    EXPECT_NE(platform::readWholeFile(s.log.pathForToday()).value_or("").find("Station ended in order"),
-              std::string::npos);
+    EXPECT_NE(
+        platform::readWholeFile(s.log.pathForToday()).value_or("").find("Station ended in order"),
+        std::string::npos);
 
     // The next start finds nothing to recover, and the letter stays the only copy.
     s.station.reset();

@@ -31,7 +31,7 @@ inline constexpr std::uint8_t kPedalsUp = 0x87;
 // A save runs on its own thread; virtual time moves on only once it is done, so a
 // save takes no virtual time however fast the machine encodes.
 class SaveAwareLoop : public ::ovd::testing::VirtualEventLoop {
-public:
+  public:
     using VirtualEventLoop::VirtualEventLoop;
     void wait(platform::Milliseconds duration) override {
         if (beforeTimeMoves) beforeTimeMoves();
@@ -41,10 +41,11 @@ public:
 };
 
 class VirtualStation {
-public:
+  public:
     VirtualStation() {
-        platform::writeWholeFile(folder.file("DigitalRecorder.cfg"),
-                                 platform::readWholeFile(OVD_TEST_ASSETS "/DigitalRecorder.cfg").value());
+        platform::writeWholeFile(
+            folder.file("DigitalRecorder.cfg"),
+            platform::readWholeFile(OVD_TEST_ASSETS "/DigitalRecorder.cfg").value());
         config.ReadConfig();
         settings::SettingsRecord& r = config.record;
         r.CaptureFilePath = recordings;
@@ -86,8 +87,8 @@ public:
     }
     void letSavesFinish() {
         if (!station) return;
-        for (int i = 0; i < 20000 && (station->recordingEditor().saving() ||
-                                      station->scratchEditor().saving());
+        for (int i = 0; i < 20000 &&
+                        (station->recordingEditor().saving() || station->scratchEditor().saving());
              ++i) {
             std::this_thread::sleep_for(std::chrono::microseconds(100));
         }
