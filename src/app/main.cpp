@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QCoreApplication>
-
 #include <cstdio>
 #include <filesystem>
 #include <functional>
@@ -13,7 +12,6 @@
 #include <vector>
 
 #include "app/command_line.h"
-#include "app/station.h"
 #include "dictation/hand_off.h"
 #include "engine/backend_choice.h"
 #include "platform/files.h"
@@ -24,13 +22,14 @@
 #include "settings/config_file.h"
 #include "settings/debug_trace.h"
 #include "settings/event_log.h"
-#include "ui/qt_event_loop.h"
+#include "station/station.h"
 #include "ui/desk_unit_panel.h"
-#include "ui/scan_convert_window.h"
+#include "ui/qt_event_loop.h"
 #include "ui/qt_prompts.h"
-#include "ui/window_placement.h"
 #include "ui/reconnection_dialog.h"
+#include "ui/scan_convert_window.h"
 #include "ui/station_window.h"
+#include "ui/window_placement.h"
 
 namespace {
 
@@ -71,7 +70,8 @@ std::string alreadyRunningText(std::optional<long> runningProcess) {
 
 std::unique_ptr<ovd::platform::Prompts> makePrompts(bool headless,
                                                     std::function<void(const std::string&)> trace) {
-    if (headless) return std::make_unique<ovd::platform::HeadlessPrompts>(std::move(trace), std::cerr);
+    if (headless)
+        return std::make_unique<ovd::platform::HeadlessPrompts>(std::move(trace), std::cerr);
     return std::make_unique<ovd::ui::QtPrompts>();
 }
 
@@ -124,7 +124,8 @@ int main(int argc, char** argv) {
     if (!instanceLock) {
         if (!options.fileName.empty()) {
             const bool written = ovd::dictation::writeHandOff(
-                dataFolder, {absoluteFileName(options.fileName), ovd::platform::thisProcessNumber()});
+                dataFolder,
+                {absoluteFileName(options.fileName), ovd::platform::thisProcessNumber()});
             return written ? 0 : 1;
         }
         // The running station owns the day's event log: this one writes nothing there.
@@ -144,15 +145,16 @@ int main(int argc, char** argv) {
     if (options.headless && !options.answersFile.empty()) {
         const auto rules = ovd::platform::readWholeFile(options.answersFile);
         if (!rules) {
-            std::cerr << "orvane-voice-desk: can't read the answers file " << options.answersFile << '\n';
+            std::cerr << "orvane-voice-desk: can't read the answers file " << options.answersFile
+                      << '\n';
             return 2;
         }
         static_cast<ovd::platform::HeadlessPrompts&>(*prompts).loadRules(*rules);
     }
 
-    auto sound = ovd::engine::openAudioBackend(
-        ovd::engine::parseBackendChoice(options.audio).value_or(ovd::engine::BackendChoice::Automatic),
-        loop, options.virtualInput);
+    auto sound = ovd::engine::openAudioBackend(ovd::engine::parseBackendChoice(options.audio)
+                                                   .value_or(ovd::engine::BackendChoice::Automatic),
+                                               loop, options.virtualInput);
     eventLog.trace(sound.logLine);
     if (!sound.backend) {
         std::cerr << "orvane-voice-desk: " << sound.logLine << '\n';
@@ -164,10 +166,10 @@ int main(int argc, char** argv) {
     const std::string programFolder = ovd::platform::programShareFolder();
     const std::string commandFileName =
         options.fileName.empty() ? std::string() : absoluteFileName(options.fileName);
-    ovd::app::Station station({loop, config, eventLog, *prompts, *sound.backend, dataFolder,
-                               ovd::platform::joinPath(programFolder, "prompts"), programFolder,
-                               ovd::platform::executableFolder(), commandFileName,
-                               options.orderPort});
+    ovd::station::Station station({loop, config, eventLog, *prompts, *sound.backend, dataFolder,
+                                   ovd::platform::joinPath(programFolder, "prompts"), programFolder,
+                                   ovd::platform::executableFolder(), commandFileName,
+                                   options.orderPort});
     station.onExit = [] { QCoreApplication::quit(); };
     ovd::settings::DebugTrace debugTrace(loop);
     station.handsFree().usb.trace = &debugTrace;
@@ -175,24 +177,29 @@ int main(int argc, char** argv) {
     std::unique_ptr<ovd::ui::StationWindow> window;
     std::unique_ptr<ovd::ui::ScanConvertWindow> scanConvertWindow;
     if (!options.headless) {
-        station.onShowScanConvert = [&scanConvertWindow, &window](ovd::conversion::ScanConvert& scan) {
-            if (!scanConvertWindow) scanConvertWindow = std::make_unique<ovd::ui::ScanConvertWindow>(scan, window.get());
+        station.onShowScanConvert = [&scanConvertWindow,
+                                     &window](ovd::conversion::ScanConvert& scan) {
+            if (!scanConvertWindow)
+                scanConvertWindow =
+                    std::make_unique<ovd::ui::ScanConvertWindow>(scan, window.get());
             if (!scanConvertWindow->isVisible())
                 ovd::ui::keepAboveStation(*scanConvertWindow, window.get());
             scanConvertWindow->show();
             scanConvertWindow->raise();
         };
         window = std::make_unique<ovd::ui::StationWindow>(ovd::ui::StationWindowParts{
-            config, eventLog, station.dictation(), station.recordingEditor(), station.scratchEditor(),
-            debugTrace, *prompts, programFolder, sound.backend->name(), &station.handsFree()});
-        window->onExit = [&station] { station.mnuExit_Click(); };
-        window->onRestartNeeded = [&station] { station.mnuExit_Click(); };
-        window->onScanConvert = [&station] { station.mnuScanConvert_Click(); };
+            config, eventLog, station.dictation(), station.recordingEditor(),
+            station.scratchEditor(), debugTrace, *prompts, programFolder, sound.backend->name(),
+            &station.handsFree()});
+        window->onExit = [&station] { station.exitFromMenu(); };
+        window->onRestartNeeded = [&station] { station.exitFromMenu(); };
+        window->onScanConvert = [&station] { station.openScanConvertByHand(); };
         window->onAutoSend = [&station] { station.autoSendMenu().mnAutoSend_Click(); };
         window->autoSendCaption = [&station] { return station.autoSendMenu().Caption; };
         static_cast<ovd::ui::QtPrompts&>(*prompts).setMainWindow(window.get());
         // The window owns its dialog.
-        auto* reconnection = new ovd::ui::ReconnectionDialogWindow(station.peerLink(), window.get());
+        auto* reconnection =
+            new ovd::ui::ReconnectionDialogWindow(station.peerLink(), window.get());
         station.peerLink().onDialogChanged = [reconnection] { reconnection->render(); };
     } else {
         ovd::ui::answerReconnectionHeadless(station.peerLink(), loop);
@@ -204,28 +211,30 @@ int main(int argc, char** argv) {
     if (terminationSignals.fd() >= 0) {
         loop.watchFd(terminationSignals.fd(), ovd::platform::FdEvent::Readable,
                      [&terminationSignals, &terminationRequested, &options, &station] {
-            if (terminationSignals.take() == 0) return;
-            // Asked for during the load, the end is remembered and the main loop is
-            // never entered; a box waiting for an answer takes its default.
-            terminationRequested = true;
-            // A routine waiting on an answer or on the disk sees the end coming and lets go.
-            station.dictation().state.Imclosing = true;
-            QCoreApplication::quit();
-            if (!options.headless) {
-                if (QWidget* box = QApplication::activeModalWidget()) box->close();
-            }
-        });
+                         if (terminationSignals.take() == 0) return;
+                         // Asked for during the load, the end is remembered and the main loop is
+                         // never entered; a box waiting for an answer takes its default.
+                         terminationRequested = true;
+                         // A routine waiting on an answer or on the disk sees the end coming and
+                         // lets go.
+                         station.dictation().state.Imclosing = true;
+                         QCoreApplication::quit();
+                         if (!options.headless) {
+                             if (QWidget* box = QApplication::activeModalWidget()) box->close();
+                         }
+                     });
     }
-    if (station.Form_Load() == ovd::app::LoadResult::EndProgram) {
-        eventLog.SaveEventLog();  // the refusal stays on record for support
-        return 1;
-    }
-    // The window takes its face, place and devices from the settings just read; the
-    // desk unit's buttons are named by them.
-    if (window) {
+    // The window takes its face, place and devices from the settings read by the
+    // load; the desk unit's buttons are named by them.
+    station.onLoadDone = [&window, &station, &config] {
+        if (!window) return;
         window->addDeskUnit(new ovd::ui::DeskUnitPanel(station.handsFree().switchModel,
                                                        station.dictation().view, config.record));
         window->Form_Load();
+    };
+    if (station.Form_Load() == ovd::station::LoadResult::EndProgram) {
+        eventLog.SaveEventLog();  // the refusal stays on record for support
+        return 1;
     }
     const int status = terminationRequested ? 0 : QCoreApplication::exec();
     station.Form_Unload();

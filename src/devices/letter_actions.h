@@ -5,14 +5,19 @@
 
 #include <string>
 
-#include "delivery/auto_send.h"
-
 namespace ovd::devices {
 
-// The words of a one-destination copy and the staging folders are the
-// delivery's own.
-using delivery::SendWording;
-using delivery::Staging;
+// The words of one destination's copy: the end of letter has its own, the desk
+// unit's one-destination send has others.
+struct SendWording {
+    std::string keepTrying;     // the question after 10 seconds without the copy
+    std::string notSent;        // the box after No
+    std::string missingTrace;   // a send action's copy is not in the folder after the wait: traced
+    std::string missingNotice;  // and shown in the error pop-up
+};
+
+// The folders a closed file is staged in for the companion sender.
+enum class Staging { Email, Ftp };
 
 class LetterActions {
   public:

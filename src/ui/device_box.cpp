@@ -7,7 +7,7 @@
 #include <QSignalBlocker>
 #include <QSlider>
 
-#include "ui/device_choice.h"
+#include "station/device_choice.h"
 
 namespace ovd::ui {
 
@@ -24,14 +24,14 @@ void fillBox(QComboBox* box, const std::vector<std::string>& names, int current)
 QSlider* volumeSlider(QWidget* parent, const char* name) {
     auto* slider = new QSlider(Qt::Horizontal, parent);
     slider->setObjectName(QString::fromLatin1(name));
-    slider->setRange(0, kVolumeMax);
-    slider->setPageStep(kVolumeMax / 20);
+    slider->setRange(0, station::kVolumeMax);
+    slider->setPageStep(station::kVolumeMax / 20);
     return slider;
 }
 
 }  // namespace
 
-DeviceBox::DeviceBox(DeviceChoice& choice, QWidget* parent)
+DeviceBox::DeviceBox(station::DeviceChoice& choice, QWidget* parent)
     : QGroupBox(tr("Sound"), parent), choice_(choice) {
     setObjectName("frameDevices");
     auto* grid = new QGridLayout(this);
@@ -93,11 +93,11 @@ DeviceBox::DeviceBox(DeviceChoice& choice, QWidget* parent)
     });
     connect(sldrVolumeInp_, &QSlider::valueChanged, this, [this](int position) {
         choice_.sldrVolumeInp_Change(position);
-        lblRecLev_->setText(QString::fromStdString(volumeLabel("Recording Volume", position)));
+        lblRecLev_->setText(QString::fromStdString(station::volumeLabel("Recording Volume", position)));
     });
     connect(sldrVolumeOut_, &QSlider::valueChanged, this, [this](int position) {
         choice_.sldrVolumeOut_Change(position);
-        Label6_->setText(QString::fromStdString(volumeLabel("Playing Volume", position)));
+        Label6_->setText(QString::fromStdString(station::volumeLabel("Playing Volume", position)));
     });
     connect(sldrVolumeInp_, &QSlider::sliderReleased, this, [this] { choice_.sldrVolumeInp_MouseUp(); });
     connect(sldrVolumeOut_, &QSlider::sliderReleased, this, [this] { choice_.sldrVolumeOut_MouseUp(); });
@@ -137,8 +137,8 @@ void DeviceBox::showVolumes() {
     }
     sldrVolumeInp_->setEnabled(choice_.inputVolumeAvailable());
     sldrVolumeOut_->setEnabled(choice_.outputVolumeAvailable());
-    lblRecLev_->setText(QString::fromStdString(volumeLabel("Recording Volume", choice_.sldrVolumeInp())));
-    Label6_->setText(QString::fromStdString(volumeLabel("Playing Volume", choice_.sldrVolumeOut())));
+    lblRecLev_->setText(QString::fromStdString(station::volumeLabel("Recording Volume", choice_.sldrVolumeInp())));
+    Label6_->setText(QString::fromStdString(station::volumeLabel("Playing Volume", choice_.sldrVolumeOut())));
 }
 
 }  // namespace ovd::ui

@@ -10,13 +10,15 @@ class QComboBox;
 class QLabel;
 class QSlider;
 
+namespace ovd::station {
+class DeviceChoice;
+}
 namespace ovd::ui {
 
-class DeviceChoice;
 
 class DeviceBox : public QGroupBox {
 public:
-    explicit DeviceBox(DeviceChoice& choice, QWidget* parent = nullptr);
+    explicit DeviceBox(station::DeviceChoice& choice, QWidget* parent = nullptr);
 
     // Fills the lists from the choice, without calling back into it.
     void fill();
@@ -27,7 +29,7 @@ public:
 private:
     void showVolumes();
 
-    DeviceChoice& choice_;
+    station::DeviceChoice& choice_;
     unsigned long shownChanges_ = 0;
     QComboBox* cmbDevInput_ = nullptr;
     QComboBox* cmbSrcInput_ = nullptr;

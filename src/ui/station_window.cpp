@@ -30,9 +30,9 @@
 #include "settings/event_log.h"
 #include "ui/debug_window.h"
 #include "ui/device_box.h"
-#include "ui/device_choice.h"
+#include "station/device_choice.h"
 #include "ui/event_log_window.h"
-#include "ui/globals_snapshot.h"
+#include "dictation/globals_snapshot.h"
 #include "ui/level_meter.h"
 #include "ui/on_air_lamps.h"
 #include "ui/station_menus.h"
@@ -88,7 +88,7 @@ StationWindow::StationWindow(StationWindowParts parts) : parts_(std::move(parts)
     setWindowTitle(titleFor(parts_.config.record.HandsFreeEdition));
     setWindowIcon(QIcon::fromTheme(QStringLiteral("orvane-voice-desk")));
 
-    deviceChoice_ = std::make_unique<DeviceChoice>(parts_.AudioEditor1.RecordingDevices(),
+    deviceChoice_ = std::make_unique<station::DeviceChoice>(parts_.AudioEditor1.RecordingDevices(),
                                                    parts_.AudioEditor1.PlaybackDevices(),
                                                    parts_.config, parts_.prompts);
     deviceChoice_->onRestartNeeded = [this] {
@@ -119,7 +119,7 @@ StationWindow::StationWindow(StationWindowParts parts) : parts_(std::move(parts)
     eventLogWindow_ = new EventLogWindow(parts_.eventLog, this);
     eventLogWindow_->onClosed = [this] { chkViewlOG_->setChecked(false); };
     debugWindow_ = new DebugWindow(
-        parts_.debugTrace, [this] { return snapshotOf(parts_.dictation, parts_.config.record); }, this);
+        parts_.debugTrace, [this] { return dictation::snapshotOf(parts_.dictation, parts_.config.record); }, this);
     wireEngineEvents();
 
     follow_ = new QTimer(this);
@@ -383,7 +383,7 @@ void StationWindow::buildStatusBar() {
 bool StationWindow::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::MouseButtonDblClick && watched->objectName() == "lblDebugPrint") {
         parts_.debugTrace.openForSupport(parts_.prompts,
-                                         snapshotOf(parts_.dictation, parts_.config.record));
+                                         dictation::snapshotOf(parts_.dictation, parts_.config.record));
         debugWindow_->refresh();
         debugWindow_->showOverStation();
         return true;

@@ -47,11 +47,13 @@ class DebugTrace;
 class EventLog;
 }  // namespace ovd::settings
 
+namespace ovd::station {
+class DeviceChoice;
+}
 namespace ovd::ui {
 
 class DebugWindow;
 class DeviceBox;
-class DeviceChoice;
 class EventLogWindow;
 class LevelMeter;
 class OnAirLamps;
@@ -112,7 +114,7 @@ public:
     // The device lists failed too often: the station ends.
     std::function<void()> onRestartNeeded;
 
-    [[nodiscard]] DeviceChoice& deviceChoice() { return *deviceChoice_; }
+    [[nodiscard]] station::DeviceChoice& deviceChoice() { return *deviceChoice_; }
     [[nodiscard]] EventLogWindow& eventLogWindow() { return *eventLogWindow_; }
     [[nodiscard]] WaveformView& waveform() { return *waveform_; }
     [[nodiscard]] LevelMeter& levelMeter() { return *levelMeter_; }
@@ -185,7 +187,7 @@ private:
     DeviceBox* deviceBox_ = nullptr;
     QTimer* follow_ = nullptr;
 
-    std::unique_ptr<DeviceChoice> deviceChoice_;
+    std::unique_ptr<station::DeviceChoice> deviceChoice_;
     std::unique_ptr<StationMenus> menus_;
     EventLogWindow* eventLogWindow_ = nullptr;
     DebugWindow* debugWindow_ = nullptr;

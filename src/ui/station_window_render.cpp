@@ -21,7 +21,7 @@
 #include "settings/config_file.h"
 #include "ui/about_box.h"
 #include "ui/device_box.h"
-#include "ui/device_choice.h"
+#include "station/device_choice.h"
 #include "ui/event_log_window.h"
 #include "ui/help_window.h"
 #include "ui/on_air_lamps.h"

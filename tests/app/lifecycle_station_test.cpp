@@ -1,6 +1,6 @@
-// The real station across its ends and starts: an orderly end leaves nothing to
-// recover, a crash's takes are recovered by the start after the one that notes
-// them even when that one ends in order, a kill in the middle of a save leaves
+// The real station across its ends and starts: a crash's takes are recovered by
+// the start after the one that notes them even when that one ends in order, a
+// kill in the middle of a save leaves
 // nothing half written, and damaged settings or an unusable recordings folder
 // are told and never make the station spin, flood its log or litter the
 // current directory. Each run stays quiet and ends in order on SIGTERM.
@@ -16,12 +16,12 @@
 #include <random>
 #include <regex>
 
-#include "support/letter_names.h"
 #include "engine/codecs.h"
 #include "platform/files.h"
 #include "settings/config_file.h"
 #include "station_checks.h"
 #include "station_process.h"
+#include "support/letter_names.h"
 
 namespace ovd {
 namespace {
@@ -60,37 +60,11 @@ class LifecycleStationTest : public ::testing::Test {
     }
 
     // Quiet while it waits, a small log, and SIGTERM ends it in order at once.
-    void expectQuietAndEndInOrder() {
-        testing::expectLightAndEndsInOrder(station);
-    }
+    void expectQuietAndEndInOrder() { testing::expectLightAndEndsInOrder(station); }
 
     testing::StationProcess station;
     std::string recordings = station.folder.file("Rec");
 };
-
-TEST_F(LifecycleStationTest, AnOrderlyEndLeavesNoWorkFileToBeRecoveredAsASecondCopy) {
-    station.start();
-    ASSERT_TRUE(station.logShows("Procedure - CASE NEW")) << station.eventLog();
-    station.press(testing::kMiddlePedal, 3s);
-    ASSERT_TRUE(station.logShows(" File Save Successfull")) << station.eventLog();
-    const std::string letter = recordedLetter();
-    ASSERT_FALSE(letter.empty());
-
-    expectQuietAndEndInOrder();
-
-    EXPECT_TRUE(workFiles().empty());
-    EXPECT_FALSE(crashStateStored());
-    EXPECT_GT(platform::fileSize(letter).value_or(0), 30311u);
-
-    // The next start finds nothing to recover, and the letter stays the only copy.
-    const std::size_t from = station.eventLog().size();
-    station.start();
-    ASSERT_TRUE(station.logShows("Loading: done", from)) << station.eventLog().substr(from);
-    EXPECT_EQ(station.eventLog().find("work files of an earlier run", from), std::string::npos);
-    station.terminate();
-    EXPECT_EQ(platform::filesInFolder(recordings),
-              std::vector<std::string>{platform::withoutFolder(letter)});
-}
 
 TEST_F(LifecycleStationTest,
        ACrashsTakeIsRecoveredByTheStartAfterTheOneThatNotesItUnderItsLettersName) {
@@ -180,7 +154,8 @@ TEST_F(LifecycleStationTest, ARecordingsFolderThatIsAFileIsToldAtStartAndTakesSt
     expectQuietAndEndInOrder();
 }
 
-TEST(RelativeDataFolderStationTest, ARelativeDataFolderKeepsTheRecordingsInOnePlaceFromStartToStart) {
+TEST(RelativeDataFolderStationTest,
+     ARelativeDataFolderKeepsTheRecordingsInOnePlaceFromStartToStart) {
     testing::StationProcess station;
     station.changeSettings([](settings::SettingsRecord& r) { r.CaptureFilePath = "Letters"; });
     const std::filesystem::path data(station.folder.path());

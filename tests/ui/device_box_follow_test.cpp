@@ -13,7 +13,7 @@
 #include "support/scripted_prompts.h"
 #include "support/temp_folder.h"
 #include "ui/device_box.h"
-#include "ui/device_choice.h"
+#include "station/device_choice.h"
 
 namespace ovd::ui {
 namespace {
@@ -34,7 +34,7 @@ class DeviceBoxFollowTest : public ::testing::Test {
         std::string error;
         backend_ = engine::PulseBackend::connect(loop_, error);
         ASSERT_NE(backend_, nullptr) << error;
-        choice_ = std::make_unique<DeviceChoice>(backend_->recordingDevices(),
+        choice_ = std::make_unique<station::DeviceChoice>(backend_->recordingDevices(),
                                                  backend_->playbackDevices(), config_, prompts_);
         ASSERT_TRUE(choice_->load());
         box_ = std::make_unique<DeviceBox>(*choice_);
@@ -73,7 +73,7 @@ class DeviceBoxFollowTest : public ::testing::Test {
     settings::ConfigFile config_{folder_.path()};
     ovd::testing::ScriptedPrompts prompts_;
     std::unique_ptr<engine::PulseBackend> backend_;
-    std::unique_ptr<DeviceChoice> choice_;
+    std::unique_ptr<station::DeviceChoice> choice_;
     std::unique_ptr<DeviceBox> box_;
     QComboBox* inputs_ = nullptr;
     std::vector<int> modules_;

@@ -135,8 +135,8 @@ WalkStation::WalkStation(const WalkSettings& chosen) : settings(chosen) {
     r.BUT8 = "EraseFile";
     config.WriteConfig();
 
-    station_ = std::make_unique<app::Station>(
-        app::StationParts{loop, config, log, prompts, backend, folder.path(),
+    station_ = std::make_unique<station::Station>(
+        station::StationParts{loop, config, log, prompts, backend, folder.path(),
                           OVD_TEST_ASSETS "/prompts", OVD_TEST_ASSETS, folder.file("bin"), "", 0});
     station_->onExit = [this] { exitAsked_ = true; };
     watchdog_.setOnTick([this] {
@@ -162,7 +162,7 @@ WalkStation::~WalkStation() = default;
 
 void WalkStation::start() {
     stepBegins();
-    if (station_->Form_Load() != app::LoadResult::Ready)
+    if (station_->Form_Load() != station::LoadResult::Ready)
         throw std::runtime_error("the station did not load");
     // With no desk unit the first file opens a moment after the load.
     advance(2000);
@@ -174,7 +174,7 @@ void WalkStation::exitInOrder() {
         if (pedalsDown_[static_cast<std::size_t>(pedal)]) this->pedal(pedal);
     }
     stepBegins();
-    if (!exitAsked_) station_->mnuExit_Click();
+    if (!exitAsked_) station_->exitFromMenu();
     station_->Form_Unload();
     station_.reset();
 }

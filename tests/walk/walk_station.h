@@ -12,7 +12,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "app/station.h"
+#include "station/station.h"
 #include "engine/virtual_backend.h"
 #include "platform/prompts.h"
 #include "platform/timer.h"
@@ -83,7 +83,7 @@ class WalkStation {
     void stepBegins() { stepBegan_ = loop.now(); }
     [[nodiscard]] bool running() const { return station_ != nullptr && !exitAsked_; }
 
-    app::Station& station() { return *station_; }
+    station::Station& station() { return *station_; }
     dictation::Dictation& d() { return station_->dictation(); }
     engine::WaveEditor& editor1() { return station_->recordingEditor(); }
     engine::WaveEditor& editor21() { return station_->scratchEditor(); }
@@ -114,7 +114,7 @@ class WalkStation {
     // walk there by throwing WalkHang out of the loop.
     platform::Timer watchdog_{loop, "walkWatchdog", 1000};
     platform::WallClock::time_point stepBegan_ = loop.now();
-    std::unique_ptr<app::Station> station_;
+    std::unique_ptr<station::Station> station_;
     bool exitAsked_ = false;
     std::array<bool, 6> pedalsDown_{};
 };

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "devices/end_of_letter.h"
+#include "station/end_of_letter.h"
 
-namespace ovd::devices::testing {
+namespace ovd::station::testing {
 
 struct DeliveryLog : LetterDelivery {
     std::vector<std::string> delivered;
@@ -22,4 +22,4 @@ struct DeliveryLog : LetterDelivery {
     void stageForSending(Staging, const std::string&) override {}
 };
 
-}  // namespace ovd::devices::testing
+}  // namespace ovd::station::testing

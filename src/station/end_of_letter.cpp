@@ -1,10 +1,11 @@
-#include "devices/end_of_letter.h"
+#include "station/end_of_letter.h"
 
+#include "delivery/auto_send.h"
 #include "platform/files.h"
 #include "platform/system_queries.h"
 #include "platform/text.h"
 
-namespace ovd::devices {
+namespace ovd::station {
 
 EndOfLetter::EndOfLetter(dictation::Dictation& dictation, settings::ConfigFile& config,
                          settings::EventLog& log, platform::EventLoop& loop,
@@ -64,8 +65,10 @@ void EndOfLetter::endOfLetter() {
         return;
     }
     const settings::SettingsRecord& record = config_.record;
-    log_.trace(std::string("EOL has been executed.") + " Auto Send 1 = " + platform::boolText(record.AutoSend1) +
-               " Auto Send 2 = " + platform::boolText(record.AutoSend2) + " Auto Send 3 = " + platform::boolText(record.AutoSend3));
+    log_.trace(std::string("EOL has been executed.") +
+               " Auto Send 1 = " + platform::boolText(record.AutoSend1) +
+               " Auto Send 2 = " + platform::boolText(record.AutoSend2) +
+               " Auto Send 3 = " + platform::boolText(record.AutoSend3));
     DoingEOL = true;
     d_.renameToHandedOffName("EOL");
 
@@ -104,7 +107,8 @@ void EndOfLetter::endOfLetter() {
     d_.view.Label40 = dictation::kReadyAfterSave;
     showReady();
     const bool namedFromOutside = state.commandLine.DIDDOCOMMANDLINE;
-    log_.trace(" DIDDOCOMMANDLINE " + platform::boolText(namedFromOutside) + " Procedure-HandSetSwitchs3");
+    log_.trace(" DIDDOCOMMANDLINE " + platform::boolText(namedFromOutside) +
+               " Procedure-HandSetSwitchs3");
     if (namedFromOutside) {
         // The letter was asked for from outside: the next one is too, so the station
         // waits for the next name rather than numbering a file of its own.
@@ -163,4 +167,4 @@ void EndOfLetter::stageForSending(Staging staging, const std::string& path) {
     delivery_.stageForSending(staging, path);
 }
 
-}  // namespace ovd::devices
+}  // namespace ovd::station

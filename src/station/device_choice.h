@@ -13,7 +13,7 @@
 #include "platform/prompts.h"
 #include "settings/config_file.h"
 
-namespace ovd::ui {
+namespace ovd::station {
 
 inline constexpr const char* kLineInputMissing =
     "Can not find line input. OVQDUDR program needs to be restarted.";
@@ -34,11 +34,20 @@ struct StoredPick {
 StoredPick pickStored(const std::vector<std::string>& names, const std::string& storedIndex,
                       const std::string& storedName);
 
+// The recording device, by the one rule the load of the station and the device box
+// share: with no name stored yet ("" or "0") the sound system's current device,
+// which is then stored; otherwise the stored choice as pickStored finds it.
+StoredPick pickRecordingDevice(const std::vector<std::string>& names, int systemCurrent,
+                               const std::string& storedIndex, const std::string& storedName);
+// Makes that device the current one and stores the choice when it changed. The
+// index chosen, or -1 when the sound system lists no recording device.
+int chooseRecordingDevice(engine::DeviceList& recording, settings::ConfigFile& config);
+
 // "Recording Volume 75%": the label of a volume slider.
 std::string volumeLabel(const char* what, int position);
 
 class DeviceChoice {
-public:
+  public:
     DeviceChoice(engine::DeviceList& recording, engine::DeviceList& playback,
                  settings::ConfigFile& config, platform::Prompts& prompts);
 
@@ -88,7 +97,7 @@ public:
     // has been shown and the program must end.
     std::function<void()> onRestartNeeded;
 
-private:
+  private:
     void loadInput();
     void loadOutput();
     bool fillInputSources();
@@ -107,4 +116,4 @@ private:
     bool loading_ = false;
 };
 
-}  // namespace ovd::ui
+}  // namespace ovd::station

@@ -1,20 +1,20 @@
 // The end of letter on a real dictation: the letter is closed and saved, handed
 // to delivery, and the next file opens; an empty letter is not delivered.
 
-#include <stdexcept>
+#include "station/end_of_letter.h"
 
-#include "devices/end_of_letter.h"
+#include <stdexcept>
 
 #include "delivery_log.h"
 #include "dictation/dictation_fixture.h"
 
-namespace ovd::devices {
+namespace ovd::station {
 namespace {
 
 using testing::DeliveryLog;
 
 class EndOfLetterTest : public dictation::testing::DictationTest {
-protected:
+  protected:
     DeliveryLog delivery;
     EndOfLetter eol{d(), config, log, loop, voice, delivery};
 };
@@ -79,4 +79,4 @@ TEST_F(EndOfLetterTest, ALetterTooShortToSaveIsNeverWaitedFor) {
 }
 
 }  // namespace
-}  // namespace ovd::devices
+}  // namespace ovd::station

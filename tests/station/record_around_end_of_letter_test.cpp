@@ -5,21 +5,26 @@
 
 #include <optional>
 
+#include "delivery_log.h"
 #include "devices/control_actions.h"
-#include "devices/end_of_letter.h"
 #include "devices/pedal_events.h"
 #include "devices/switch_model.h"
-#include "delivery_log.h"
 #include "dictation/dictation_fixture.h"
+#include "station/end_of_letter.h"
 
-namespace ovd::devices {
+namespace ovd::station {
 namespace {
 
+using devices::kDown;
+using devices::kMiddle;
+using devices::kRight;
+using devices::kUp;
+using devices::PedalDispatcher;
+using devices::SwitchModel;
 using dictation::testing::kRate;
 using platform::Milliseconds;
 
 constexpr int kRecording = static_cast<int>(engine::EditorState::Recording);
-
 
 struct Timing {
     int tcpDelaySeconds;
@@ -188,4 +193,4 @@ INSTANTIATE_TEST_SUITE_P(HoldAndTap, RecordAroundEndOfLetterTest,
                          });
 
 }  // namespace
-}  // namespace ovd::devices
+}  // namespace ovd::station

@@ -9,40 +9,40 @@
 
 #include "delivery/auto_send.h"
 #include "delivery/peer_link.h"
-#include "devices/end_of_letter.h"
 #include "dictation/dictation.h"
 #include "dictation/peer_notices.h"
+#include "station/end_of_letter.h"
 
-namespace ovd::devices {
+namespace ovd::station {
 
 // Every message the dictation has for the peer goes through the link.
 class LinkNotices : public dictation::PeerNotices {
-public:
+  public:
     explicit LinkNotices(delivery::PeerLink& link) : link_(link) {}
     [[nodiscard]] bool linkOn() const override { return link_.linkOn(); }
     bool send(const std::string& message, const std::string& waitTag) override {
         return link_.send({message, waitTag});
     }
 
-private:
+  private:
     delivery::PeerLink& link_;
 };
 
 // The status line and the file label of the main window, as the delivery and the
 // link write them.
 class ViewStatusLines : public delivery::DeliveryScreen {
-public:
+  public:
     explicit ViewStatusLines(dictation::Dictation& dictation) : d_(dictation) {}
     void showLabel40(const std::string& text) override;
     void showLblReady(const std::string& text) override;
 
-private:
+  private:
     dictation::Dictation& d_;
 };
 
 // The closed letter goes to the pipeline.
 class PipelineDelivery : public LetterDelivery {
-public:
+  public:
     explicit PipelineDelivery(delivery::AutoSend& pipeline) : pipeline_(pipeline) {}
     bool deliver(const std::string& SaveFileNameForSending) override {
         return pipeline_.deliver(SaveFileNameForSending);
@@ -52,29 +52,32 @@ public:
     }
     void sendToDestination(int destination, const std::string& path,
                            const SendWording& wording) override {
-        pipeline_.sendToDestination(destination, path, wording);
+        pipeline_.sendToDestination(
+            destination, path,
+            {wording.keepTrying, wording.notSent, wording.missingTrace, wording.missingNotice});
     }
     void stageForSending(Staging staging, const std::string& path) override {
-        pipeline_.stageForSending(staging, path);
+        pipeline_.stageForSending(
+            staging == Staging::Email ? delivery::Staging::Email : delivery::Staging::Ftp, path);
     }
 
-private:
+  private:
     delivery::AutoSend& pipeline_;
 };
 
 // The dictation's timers, held off while the user's reconnection to the peer runs
 // and given back as they were.
 class DictationTimersHold {
-public:
+  public:
     explicit DictationTimersHold(dictation::Dictation& dictation) : d_(dictation) {}
     void hold();
     void release();
 
-private:
+  private:
     [[nodiscard]] std::array<platform::Timer*, 5> timers() const;
     dictation::Dictation& d_;
     std::array<bool, 5> were_{};
     bool held_ = false;
 };
 
-}  // namespace ovd::devices
+}  // namespace ovd::station

@@ -12,7 +12,10 @@
 #include "engine/prompt_player.h"
 #include "platform/timer.h"
 
-namespace ovd::devices {
+namespace ovd::station {
+
+using devices::SendWording;
+using devices::Staging;
 
 inline constexpr const char* kEOLExecuting = "EOL is Executing";
 inline constexpr const char* kFinishedLetterPicture = "Match.ico";
@@ -20,7 +23,7 @@ inline constexpr const char* kFinishedLetterPicture = "Match.ico";
 // What happens to a closed letter: the destination copies, the report and the
 // staging for e-mail and FTP, and the desk unit's one-destination sends.
 class LetterDelivery {
-public:
+  public:
     virtual ~LetterDelivery() = default;
     // Copies, reports and stages the closed file whose path the variable holds,
     // as the settings ask. The variable is read again before each destination and
@@ -32,8 +35,8 @@ public:
     virtual void stageForSending(Staging staging, const std::string& path) = 0;
 };
 
-class EndOfLetter : public LetterActions {
-public:
+class EndOfLetter : public devices::LetterActions {
+  public:
     EndOfLetter(dictation::Dictation& dictation, settings::ConfigFile& config,
                 settings::EventLog& log, platform::EventLoop& loop, engine::PromptPlayer& voice,
                 LetterDelivery& delivery);
@@ -56,7 +59,7 @@ public:
     std::function<void()> onExit;
     platform::Timer TimClose;
 
-private:
+  private:
     void showReady();
     void waitForFile();
 
@@ -68,4 +71,4 @@ private:
     LetterDelivery& delivery_;
 };
 
-}  // namespace ovd::devices
+}  // namespace ovd::station

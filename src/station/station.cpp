@@ -1,8 +1,8 @@
-#include "app/station.h"
+#include "station/station.h"
 
 #include "platform/files.h"
 
-namespace ovd::app {
+namespace ovd::station {
 
 Station::Station(StationParts parts)
     : parts_(std::move(parts)),
@@ -14,21 +14,31 @@ Station::Station(StationParts parts)
       companion_(parts_.log, parts_.binaryFolder, parts_.dataFolder),
       autoSendMenu_(parts_.loop, parts_.config.record, companion_),
       peerLink_({parts_.loop, parts_.config, parts_.log, parts_.prompts, parts_.orderPort}),
-      peer_(peerLink_) {
+      peer_(peerLink_),
+      loadOnAfterRecovery_(parts_.loop, "loadOnAfterRecovery", 1) {
+    loadOnAfterRecovery_.setOnTick([this] { loadOnAfterRecovery(); });
     dictation_ = std::make_unique<dictation::Dictation>(dictation::DictationParts{
         parts_.loop, parts_.config, parts_.log, parts_.prompts, AudioEditor1, AudioEditor21, voice_,
         speakers_, peer_, parts_.dataFolder});
-    statusLines_ = std::make_unique<devices::ViewStatusLines>(*dictation_);
-    timersHold_ = std::make_unique<devices::DictationTimersHold>(*dictation_);
+    statusLines_ = std::make_unique<ViewStatusLines>(*dictation_);
+    timersHold_ = std::make_unique<DictationTimersHold>(*dictation_);
     autoSend_ = std::make_unique<delivery::AutoSend>(delivery::AutoSendParts{
         parts_.loop, parts_.config, parts_.log, parts_.prompts, peerLink_, voice_, autoSendMenu_,
         companion_, *statusLines_, parts_.promptFolder});
-    delivery_ = std::make_unique<devices::PipelineDelivery>(*autoSend_);
-    endOfLetter_ = std::make_unique<devices::EndOfLetter>(*dictation_, parts_.config, parts_.log,
-                                                          parts_.loop, voice_, *delivery_);
-    handsFree_ = std::make_unique<devices::HandsFree>(devices::HandsFreeParts{
-        *dictation_, AudioEditor1, parts_.config, parts_.log, parts_.prompts, parts_.loop, peer_,
-        *endOfLetter_, platform::joinPath(parts_.programFolder, "Button.cfg"), {}});
+    delivery_ = std::make_unique<PipelineDelivery>(*autoSend_);
+    endOfLetter_ = std::make_unique<EndOfLetter>(*dictation_, parts_.config, parts_.log,
+                                                 parts_.loop, voice_, *delivery_);
+    handsFree_ = std::make_unique<devices::HandsFree>(
+        devices::HandsFreeParts{*dictation_,
+                                AudioEditor1,
+                                parts_.config,
+                                parts_.log,
+                                parts_.prompts,
+                                parts_.loop,
+                                peer_,
+                                *endOfLetter_,
+                                platform::joinPath(parts_.programFolder, "Button.cfg"),
+                                {}});
     // The exit at end of letter and the pedals' own ends go the one way out.
     const auto exit = [this] { unloadForm(); };
     endOfLetter_->onExit = exit;
@@ -46,4 +56,4 @@ Station::Station(StationParts parts)
 
 Station::~Station() { parts_.sound.onCaptureDeviceLost = nullptr; }
 
-}  // namespace ovd::app
+}  // namespace ovd::station

@@ -1,13 +1,13 @@
 // The ways out of the station and the one unload they all end in.
 
-#include "app/station.h"
 #include "conversion/letter_notes.h"
 #include "dictation/hand_off.h"
 #include "platform/files.h"
+#include "station/station.h"
 
-namespace ovd::app {
+namespace ovd::station {
 
-void Station::mnuExit_Click() {
+void Station::exitFromMenu() {
     parts_.log.trace(" User selected File Menu Exit");
     // Unanswered, the link keeps the message for a later reconnection.
     if (peerLink_.linkOn()) {
@@ -47,6 +47,13 @@ void Station::unloadForm() {
 void Station::Form_Unload() {
     if (unloaded_) return;
     unloaded_ = true;
+    // An end before the recovery at start began: the takes stay in Temp for the next
+    // start, and the rest of the load never comes.
+    loadOnAfterRecovery_.setEnabled(false);
+    if (scanConvert_) {
+        scanConvert_->Timer1.setEnabled(false);
+        scanConvert_->onRecovered = nullptr;
+    }
     dictation::Dictation& d = *dictation_;
     d.state.Imclosing = true;
     d.tmCommand.setEnabled(false);
@@ -75,7 +82,8 @@ void Station::Form_Unload() {
 void Station::closeWorkFiles() {
     dictation::Dictation& d = *dictation_;
     d.TempFileNameFileLength();
-    const bool unsavedTake = (d.state.FileSaveError || d.takeWaitsInTemp()) && d.state.NewTempFileLength &&
+    const bool unsavedTake = (d.state.FileSaveError || d.takeWaitsInTemp()) &&
+                             d.state.NewTempFileLength &&
                              *d.state.NewTempFileLength >= dictation::kMinimumRecordedBytes;
     if (unsavedTake) {
         // The take could not be saved: its work file stays for the recovery.
@@ -91,4 +99,4 @@ void Station::closeWorkFiles() {
         platform::joinPath(parts_.config.record.CaptureFilePath.toText(), "Temp"));
 }
 
-}  // namespace ovd::app
+}  // namespace ovd::station

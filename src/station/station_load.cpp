@@ -3,13 +3,14 @@
 
 #include <unistd.h>
 
-#include "app/station.h"
 #include "conversion/letter_notes.h"
 #include "dictation/hand_off.h"
 #include "platform/files.h"
 #include "platform/text.h"
+#include "station/device_choice.h"
+#include "station/station.h"
 
-namespace ovd::app {
+namespace ovd::station {
 
 namespace {
 constexpr const char* kSoundOutputFailed = "Unable to start DirectSound";
@@ -61,7 +62,8 @@ LoadResult Station::Form_Load() {
     settings::SettingsRecord& record = parts_.config.record;
     settings::EventLog& log = parts_.log;
 
-    log.trace("Loading: program folder " + parts_.programFolder + ", data folder " + parts_.dataFolder);
+    log.trace("Loading: program folder " + parts_.programFolder + ", data folder " +
+              parts_.dataFolder);
     d.Timer28.setInterval(50);
     d.Timer34.setEnabled(false);
     d.state.CommandFileName = parts_.commandFileName;
@@ -89,12 +91,13 @@ LoadResult Station::Form_Load() {
 
     if (!loadRecordingDevice()) {
         d.state.OnLoad = false;
+        if (onLoadDone) onLoadDone();
         return LoadResult::NothingReady;
     }
     d.SetParam("load");
     d.takeSettings();
-    log.trace("Loading: work files in " + platform::joinPath(recordings, "Temp") + ", saving every " +
-              std::to_string(d.timSave.Interval()) + " ms, crash protection " +
+    log.trace("Loading: work files in " + platform::joinPath(recordings, "Temp") +
+              ", saving every " + std::to_string(d.timSave.Interval()) + " ms, crash protection " +
               platform::boolText(record.FileSaveAtStop));
 
     if (parts_.sound.playbackDevices().Count() == 0) {
@@ -105,7 +108,8 @@ LoadResult Station::Form_Load() {
     }
     const bool workFiles = conversion::anyWorkFileIn(platform::joinPath(recordings, "Temp"));
     switch (parts_.config.recoveryAtStart(workFiles)) {
-        case settings::RecoveryAtStart::Nothing: break;
+        case settings::RecoveryAtStart::Nothing:
+            break;
         case settings::RecoveryAtStart::LetBeThisOnce:
             log.trace(
                 "Loading: work files of an earlier run left for the next start, which "
@@ -113,12 +117,20 @@ LoadResult Station::Form_Load() {
             break;
         case settings::RecoveryAtStart::OpenRecovery:
             log.trace("Loading: recovering the work files of a run that did not end in order");
-            // Nothing else starts until the work files are taken care of: no pedal, no new file.
+            // Nothing else starts until the work files are taken care of: no pedal, no
+            // new file. The load goes on from the loop once the recovery is over.
             openScanConvert(conversion::ScanMode::Recovery);
-            while (scanConvert_->working()) parts_.loop.wait(platform::Milliseconds(50));
-            log.trace("Loading: recovery done");
-            break;
+            scanConvert_->onRecovered = [this] { loadOnAfterRecovery_.setEnabled(true); };
+            return LoadResult::Recovering;
     }
+    loadPedalsAndDelivery();
+    return LoadResult::Ready;
+}
+
+void Station::loadPedalsAndDelivery() {
+    dictation::Dictation& d = *dictation_;
+    settings::SettingsRecord& record = parts_.config.record;
+    settings::EventLog& log = parts_.log;
 
     d.view.mnuScanConvertEnabled = true;
     d.state.OnLoad = true;
@@ -138,41 +150,40 @@ LoadResult Station::Form_Load() {
     d.state.OnLoad = false;
     d.naming.ComnboFill();
     log.trace("Loading: done, view " + record.ScreenSize);
-    return LoadResult::Ready;
+    if (onLoadDone) onLoadDone();
+}
+
+void Station::loadOnAfterRecovery() {
+    loadOnAfterRecovery_.setEnabled(false);
+    // Later recoveries are the user's, from the menu: the load is not theirs to go on with.
+    scanConvert_->onRecovered = nullptr;
+    if (unloaded_) return;
+    parts_.log.trace("Loading: recovery done");
+    loadPedalsAndDelivery();
 }
 
 conversion::ScanConvert& Station::openScanConvert(conversion::ScanMode mode) {
     if (!scanConvert_) {
-        scanConvert_ = std::make_unique<conversion::ScanConvert>(conversion::ScanConvertParts{
-            parts_.loop, parts_.config, parts_.log, parts_.prompts});
+        scanConvert_ = std::make_unique<conversion::ScanConvert>(
+            conversion::ScanConvertParts{parts_.loop, parts_.config, parts_.log, parts_.prompts});
     }
     if (onShowScanConvert) onShowScanConvert(*scanConvert_);
     scanConvert_->Form_Load(mode);
     return *scanConvert_;
 }
 
-void Station::mnuScanConvert_Click() {
+void Station::openScanConvertByHand() {
     if (scanConvert_ && scanConvert_->working()) return;
     openScanConvert(conversion::ScanMode::ByHand);
 }
 
 bool Station::loadRecordingDevice() {
-    settings::SettingsRecord& record = parts_.config.record;
-    engine::DeviceList& devices = AudioEditor1.RecordingDevices();
-    if (devices.Count() == 0) {
+    const int chosen = chooseRecordingDevice(AudioEditor1.RecordingDevices(), parts_.config);
+    if (chosen < 0) {
         parts_.log.trace("Loading: no recording device; nothing can be recorded");
         return false;
     }
-    // The stored device when it is still there; otherwise the sound system's own.
-    for (int i = 0; i < devices.Count(); ++i) {
-        if (devices.Name(i) == record.InputDeviceName) {
-            (void)devices.setCurrent(i);
-            break;
-        }
-    }
-    const int current = std::max(devices.Current(), 0);
-    parts_.config.takeRecordingDevice(std::to_string(current), devices.Name(current));
-    parts_.log.trace("Loading: recording device " + devices.Name(current));
+    parts_.log.trace("Loading: recording device " + AudioEditor1.RecordingDevices().Name(chosen));
     return true;
 }
 
@@ -203,4 +214,4 @@ void Station::loadAutoSend() {
     autoSend_->LaunchCompanion();
 }
 
-}  // namespace ovd::app
+}  // namespace ovd::station

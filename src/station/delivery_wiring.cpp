@@ -1,6 +1,6 @@
-#include "devices/delivery_wiring.h"
+#include "station/delivery_wiring.h"
 
-namespace ovd::devices {
+namespace ovd::station {
 
 void ViewStatusLines::showLabel40(const std::string& text) {
     d_.view.Label40 = text;
@@ -35,4 +35,4 @@ void DictationTimersHold::release() {
     for (std::size_t i = 0; i < all.size(); ++i) all[i]->setEnabled(were_[i]);
 }
 
-}  // namespace ovd::devices
+}  // namespace ovd::station

@@ -1,19 +1,19 @@
 // The device and source boxes' rules: which stored choice a list selects, the
 // output left alone, the restart after the lines can't be found, and the volumes.
 
-#include "ui/device_choice.h"
+#include "station/device_choice.h"
 
 #include <gtest/gtest.h>
 
 #include "support/scripted_prompts.h"
 #include "support/temp_folder.h"
 
-namespace ovd::ui {
+namespace ovd::station {
 namespace {
 
 // A sound system's list whose lines can be made to fail.
 class ListedDevices : public engine::DeviceList {
-public:
+  public:
     std::vector<std::string> devices;
     std::vector<std::vector<std::string>> lines;  // per device
     int current = -1;
@@ -28,9 +28,12 @@ public:
         line = -1;
         return engine::EngineResult::success();
     }
-    std::string Name(int index) const override { return devices.at(static_cast<std::size_t>(index)); }
+    std::string Name(int index) const override {
+        return devices.at(static_cast<std::size_t>(index));
+    }
     int SourceCount() const override {
-        return current < 0 ? 0 : static_cast<int>(lines.at(static_cast<std::size_t>(current)).size());
+        return current < 0 ? 0
+                           : static_cast<int>(lines.at(static_cast<std::size_t>(current)).size());
     }
     int SourceCurrent() const override { return line; }
     engine::EngineResult setSourceCurrent(int index) override {
@@ -53,16 +56,45 @@ public:
     engine::EngineResult setMute(int, bool) override { return engine::EngineResult::success(); }
 };
 
-TEST(PickStored, TheStoredNameWinsThenTheIndexThenTheLastEntry) {
+// The one rule of the recording device, the same at the load and in the device box.
+TEST(PickRecordingDevice, NothingStoredTakesTheSystemsThenTheNameWinsThenTheIndexThenTheLast) {
     const std::vector<std::string> names = {"Built-in", "Headset", "Dock"};
-    EXPECT_EQ(pickStored(names, "0", "Headset").index, 1) << "moved in the list, found by name";
-    EXPECT_TRUE(pickStored(names, "0", "Headset").storeIt);
-    EXPECT_FALSE(pickStored(names, "1", "Headset").storeIt);
-    EXPECT_EQ(pickStored(names, "2", "Gone").index, 2) << "name gone: the stored index";
-    EXPECT_EQ(pickStored(names, "7", "Gone").index, 2) << "index out of the list: the last";
+    struct Case {
+        const char* what;
+        std::vector<std::string> names;
+        int systemCurrent;
+        const char* storedIndex;
+        const char* storedName;
+        int index;
+        bool storeIt;
+    };
+    const Case cases[] = {
+        {"nothing stored yet: the system's own", names, 2, "", "", 2, true},
+        {"a name of \"0\" is nothing stored", names, 1, "0", "0", 1, true},
+        {"no current device in the system: the first", names, -1, "", "", 0, true},
+        {"moved in the list: found by name", names, 0, "0", "Headset", 1, true},
+        {"where it was: nothing to store", names, 0, "1", "Headset", 1, false},
+        {"the name wins over the system's current", names, 2, "1", "Headset", 1, false},
+        {"name gone: the stored index", names, 0, "2", "Gone", 2, true},
+        {"name gone, index out of the list: the last", names, 0, "7", "Gone", 2, true},
+        {"name gone, index no number: the last", names, 0, "x1", "Gone", 2, true},
+        {"no device at all", {}, -1, "0", "Headset", -1, false},
+    };
+    for (const Case& c : cases) {
+        const StoredPick pick =
+            pickRecordingDevice(c.names, c.systemCurrent, c.storedIndex, c.storedName);
+        EXPECT_EQ(pick.index, c.index) << c.what;
+        EXPECT_EQ(pick.storeIt, c.storeIt) << c.what;
+    }
+}
+
+// The output side keeps no name: the stored index while it is in the list, else the last.
+TEST(PickStored, WithoutANameTheIndexHoldsWhileItIsInTheList) {
+    const std::vector<std::string> names = {"Speakers", "Headphones", "Dock"};
+    EXPECT_EQ(pickStored(names, "1", "").index, 1);
+    EXPECT_FALSE(pickStored(names, "1", "").storeIt);
+    EXPECT_EQ(pickStored(names, "7", "").index, 2);
     EXPECT_TRUE(pickStored(names, "7", "").storeIt);
-    EXPECT_EQ(pickStored(names, "x1", "").index, 2);
-    EXPECT_EQ(pickStored({}, "0", "Headset").index, -1);
 }
 
 TEST(VolumeLabel, ShowsThePercentOfTheSlider) {
@@ -72,7 +104,7 @@ TEST(VolumeLabel, ShowsThePercentOfTheSlider) {
 }
 
 class DeviceChoiceTest : public ::testing::Test {
-protected:
+  protected:
     DeviceChoiceTest() {
         recording.devices = {"Built-in", "Headset"};
         recording.lines = {{"Internal Mic"}, {"Headset Mic", "Line In"}};
@@ -171,4 +203,4 @@ TEST_F(DeviceChoiceTest, ASliderSetsTheLineAtOnceAndIsStoredWhenLetGo) {
 }
 
 }  // namespace
-}  // namespace ovd::ui
+}  // namespace ovd::station

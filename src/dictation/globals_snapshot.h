@@ -6,9 +6,9 @@
 #include "dictation/dictation.h"
 #include "settings/debug_trace.h"
 
-namespace ovd::ui {
+namespace ovd::dictation {
 
 settings::GlobalsSnapshot snapshotOf(const dictation::Dictation& dictation,
                                      const settings::SettingsRecord& record);
 
-}  // namespace ovd::ui
+}  // namespace ovd::dictation

@@ -8,11 +8,9 @@
 #include <string>
 
 #include "conversion/scan_convert.h"
-#include "delivery/companion.h"
 #include "delivery/auto_send.h"
+#include "delivery/companion.h"
 #include "delivery/peer_link.h"
-#include "devices/delivery_wiring.h"
-#include "devices/end_of_letter.h"
 #include "devices/hands_free.h"
 #include "dictation/dictation.h"
 #include "engine/audio_backend.h"
@@ -25,8 +23,10 @@
 #include "settings/config_file.h"
 #include "settings/event_log.h"
 #include "settings/passwords_tables.h"
+#include "station/delivery_wiring.h"
+#include "station/end_of_letter.h"
 
-namespace ovd::app {
+namespace ovd::station {
 
 struct StationParts {
     platform::EventLoop& loop;
@@ -35,22 +35,23 @@ struct StationParts {
     platform::Prompts& prompts;
     engine::AudioBackend& sound;
     std::string dataFolder;
-    std::string promptFolder;  // the prompt sounds of the program's folder
-    std::string programFolder;  // Button.cfg
-    std::string binaryFolder;   // where the companion programs are installed
-    std::string commandFileName;  // the file named on the command line, if any
+    std::string promptFolder;              // the prompt sounds of the program's folder
+    std::string programFolder;             // Button.cfg
+    std::string binaryFolder;              // where the companion programs are installed
+    std::string commandFileName;           // the file named on the command line, if any
     int orderPort = delivery::kOrderPort;  // where the peer's orders are heard
 };
 
 // How far the load of the station came.
 enum class LoadResult {
     Ready,         // everything is up
+    Recovering,    // the work files of a crashed run are recovered first; the rest loads after
     NothingReady,  // no recording device: the window stays, with nothing to record on
     EndProgram,    // the station must not run; the reason was shown
 };
 
 class Station {
-public:
+  public:
     explicit Station(StationParts parts);
     ~Station();
     Station(const Station&) = delete;
@@ -58,15 +59,19 @@ public:
 
     // The station comes up in a fixed order: the settings, the folders, the
     // devices, the recovery of a crashed run, the pedals, the companion. With no
-    // desk unit connected a new dictation begins by itself a moment later.
+    // desk unit connected a new dictation begins by itself a moment later. A
+    // recovery at start runs on the loop; the load goes on from there when it is over.
     LoadResult Form_Load();
+    // The load is over and the station is up (ready, or with nothing to record on):
+    // the window takes its face and devices now.
+    std::function<void()> onLoadDone;
     // The way out every exit ends in: the file in hand closed (saved when it holds
     // a take), the pedals let go, the settings written with the run marked as
     // ended in order, the companion stopped.
     void Form_Unload();
 
     // ---- The entrances of an exit ----
-    void mnuExit_Click();
+    void exitFromMenu();  // mnuExit_Click
     void TCPSaysExit();
     void TCPSaysClose();
 
@@ -83,11 +88,15 @@ public:
     // The recovery window: opened at load for the work files of a run that did not
     // end in order, and from the menu. The window shows it; headless, its operations
     // go to the event log.
-    void mnuScanConvert_Click();
+    void openScanConvertByHand();  // mnuScanConvert_Click
     std::function<void(conversion::ScanConvert&)> onShowScanConvert;
 
-private:
+  private:
     bool loadRecordingDevice();
+    // The steps after the recovery at start: the pedals, the destination folders,
+    // the companion sender, the first file.
+    void loadPedalsAndDelivery();
+    void loadOnAfterRecovery();
     // The user hears once when the settings can't be written, after the step that wrote.
     void tellWhenSettingsCantBeWritten();
     // The chosen recordings folder, or, after telling the user, the data folder's own
@@ -111,16 +120,17 @@ private:
     delivery::AutoSendCompanion companion_;
     delivery::AutoSendMenu autoSendMenu_;
     delivery::PeerLink peerLink_;
-    devices::LinkNotices peer_;
+    LinkNotices peer_;
     std::unique_ptr<dictation::Dictation> dictation_;
-    std::unique_ptr<devices::ViewStatusLines> statusLines_;
-    std::unique_ptr<devices::DictationTimersHold> timersHold_;
+    std::unique_ptr<ViewStatusLines> statusLines_;
+    std::unique_ptr<DictationTimersHold> timersHold_;
     std::unique_ptr<delivery::AutoSend> autoSend_;
-    std::unique_ptr<devices::PipelineDelivery> delivery_;
-    std::unique_ptr<devices::EndOfLetter> endOfLetter_;
+    std::unique_ptr<PipelineDelivery> delivery_;
+    std::unique_ptr<EndOfLetter> endOfLetter_;
     std::unique_ptr<devices::HandsFree> handsFree_;
     std::unique_ptr<conversion::ScanConvert> scanConvert_;
+    platform::Timer loadOnAfterRecovery_;
     bool unloaded_ = false;
 };
 
-}  // namespace ovd::app
+}  // namespace ovd::station

@@ -1,7 +1,6 @@
-#include "ui/globals_snapshot.h"
+#include "dictation/globals_snapshot.h"
 
-
-namespace ovd::ui {
+namespace ovd::dictation {
 
 namespace {
 
@@ -81,8 +80,9 @@ settings::GlobalsSnapshot snapshotOf(const dictation::Dictation& dictation,
          &dictation.timLastThreeSecondsCon, &dictation.timsync, &dictation.Reader,
          &dictation.tmCommand, &dictation.Timer28, &dictation.Timer34});
     snapshot.globals = dictationGlobals(dictation);
-    for (auto& value : settings::settingsGlobals(record)) snapshot.globals.push_back(std::move(value));
+    for (auto& value : settings::settingsGlobals(record))
+        snapshot.globals.push_back(std::move(value));
     return snapshot;
 }
 
-}  // namespace ovd::ui
+}  // namespace ovd::dictation

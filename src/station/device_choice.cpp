@@ -1,9 +1,9 @@
-#include "ui/device_choice.h"
+#include "station/device_choice.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace ovd::ui {
+namespace ovd::station {
 
 namespace {
 
@@ -50,6 +50,27 @@ StoredPick pickStored(const std::vector<std::string>& names, const std::string& 
     return {count - 1, true};
 }
 
+StoredPick pickRecordingDevice(const std::vector<std::string>& names, int systemCurrent,
+                               const std::string& storedIndex, const std::string& storedName) {
+    if (names.empty()) return {};
+    if (storedName.empty() || storedName == "0") return {std::max(systemCurrent, 0), true};
+    return pickStored(names, storedIndex, storedName);
+}
+
+int chooseRecordingDevice(engine::DeviceList& recording, settings::ConfigFile& config) {
+    settings::SettingsRecord& record = config.record;
+    const StoredPick device = pickRecordingDevice(deviceNames(recording), recording.Current(),
+                                                  record.kDeviceInput, record.InputDeviceName);
+    if (device.index < 0) return -1;
+    (void)recording.setCurrent(device.index);
+    if (device.storeIt) {
+        record.kDeviceInput = std::to_string(device.index);
+        record.InputDeviceName = recording.Name(device.index);
+        config.WriteConfig();
+    }
+    return device.index;
+}
+
 std::string volumeLabel(const char* what, int position) {
     const long percent = std::lround(static_cast<double>(position) / kVolumeMax * 100.0);
     return std::string(what) + " " + std::to_string(percent) + "%";
@@ -70,16 +91,7 @@ bool DeviceChoice::load() {
 
 void DeviceChoice::loadInput() {
     settings::SettingsRecord& record = config_.record;
-    const int current = std::max(recording_.Current(), 0);
-    config_.takeRecordingDevice(std::to_string(current), recording_.Name(current));
-    const StoredPick device = pickStored(deviceNames(recording_), record.kDeviceInput,
-                                         record.InputDeviceName);
-    (void)recording_.setCurrent(device.index);
-    if (device.storeIt) {
-        record.kDeviceInput = std::to_string(device.index);
-        record.InputDeviceName = recording_.Name(device.index);
-        config_.WriteConfig();
-    }
+    (void)chooseRecordingDevice(recording_, config_);
     if (fillInputSources()) {
         const int source = recording_.SourceCurrent();
         if (record.kSrcInput != std::to_string(source) ||
@@ -132,7 +144,8 @@ bool DeviceChoice::fillInputSources() {
         return true;
     }
     if (++failedSourceFills_ > kSourceFillsBorne) {
-        prompts_.showMessage(kLineInputMissing, settings::kProductTitle, platform::Severity::Critical);
+        prompts_.showMessage(kLineInputMissing, settings::kProductTitle,
+                             platform::Severity::Critical);
         if (onRestartNeeded) onRestartNeeded();
     }
     return false;
@@ -206,12 +219,14 @@ void DeviceChoice::cmbSrcOutput_Click(int index) {
 
 void DeviceChoice::sldrVolumeInp_Change(int position) {
     inputVolume_ = std::clamp(position, 0, kVolumeMax);
-    if (inputVolumeAvailable()) (void)recording_.setVolume(recording_.SourceCurrent(), inputVolume_);
+    if (inputVolumeAvailable())
+        (void)recording_.setVolume(recording_.SourceCurrent(), inputVolume_);
 }
 
 void DeviceChoice::sldrVolumeOut_Change(int position) {
     outputVolume_ = std::clamp(position, 0, kVolumeMax);
-    if (outputVolumeAvailable()) (void)playback_.setVolume(playback_.SourceCurrent(), outputVolume_);
+    if (outputVolumeAvailable())
+        (void)playback_.setVolume(playback_.SourceCurrent(), outputVolume_);
 }
 
 void DeviceChoice::sldrVolumeInp_MouseUp() {
@@ -224,4 +239,4 @@ void DeviceChoice::sldrVolumeOut_MouseUp() {
     config_.WriteConfig();
 }
 
-}  // namespace ovd::ui
+}  // namespace ovd::station
