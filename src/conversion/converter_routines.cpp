@@ -133,7 +133,7 @@ bool ScanConvert::runConverter(const std::string& routine, const std::string& so
     AudioConvert1.setTarget(target, format);
     AudioConvert1.setComment(settings::kProductTitle);
     bool converted = false;
-    if (const engine::EngineResult started = AudioConvert1.start(); !started) {
+    if (const platform::Result<void> started = AudioConvert1.start(); !started) {
         LogEvent("Error: " + started.error());
         view.Command2Colour = kDoneColour;
         refreshLists();

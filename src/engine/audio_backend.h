@@ -13,7 +13,7 @@
 #include <string>
 
 #include "engine/audio_editor.h"
-#include "engine/engine_result.h"
+#include "platform/result.h"
 
 namespace ovd::engine {
 
@@ -47,7 +47,7 @@ public:
     virtual DeviceList& playbackDevices() = 0;
 
     // Starts capturing from the current recording device and source line.
-    virtual EngineResult startCapture(const PcmFormat& format, CaptureCallback deliver) = 0;
+    virtual platform::Result<void> startCapture(const PcmFormat& format, CaptureCallback deliver) = 0;
     virtual void stopCapture() = 0;
 
     // Opens a stream on the current playback device; null, with the reason, on failure.

@@ -61,15 +61,15 @@ void AudioConverter::waitUntilDone() {
     if (worker_.joinable()) worker_.join();
 }
 
-EngineResult AudioConverter::start() {
-    if (busy_.load()) return EngineResult::failure("a conversion is still running");
+platform::Result<void> AudioConverter::start() {
+    if (busy_.load()) return platform::failure("a conversion is still running");
     waitUntilDone();  // the one before has ended; its thread is collected here
-    if (!targetSet_ || targetPath_.empty()) return EngineResult::failure("no target to convert to");
-    if (sourcePath_.empty() && !givenSource_) return EngineResult::failure("no source to convert");
+    if (!targetSet_ || targetPath_.empty()) return platform::failure("no target to convert to");
+    if (sourcePath_.empty() && !givenSource_) return platform::failure("no source to convert");
     // Locked before this returns: whoever checks the target from now on finds it busy.
     std::string lockError;
     const int lockFd = openLockedForWriting(targetPath_, lockError);
-    if (lockFd < 0) return EngineResult::failure(lockError);
+    if (lockFd < 0) return platform::failure(lockError);
 
     {
         const std::lock_guard lock(errorMutex_);
@@ -81,11 +81,11 @@ EngineResult AudioConverter::start() {
     Job job{sourcePath_, sourceHint_, targetPath_, target_, comment_};
     worker_ = std::thread([this, lockFd, job = std::move(job), source = std::move(givenSource_),
                            onComplete = onComplete_, alive = alive_]() mutable {
-        EngineResult result = EngineResult::success();
+        platform::Result<void> result = platform::Result<void>::success();
         if (!source) {
             std::string error;
             source = AudioFileReader::open(job.sourcePath, error, job.hint ? &*job.hint : nullptr);
-            if (!source) result = EngineResult::failure(error);
+            if (!source) result = platform::failure(error);
         }
         if (source) {
             result = encodeIntoLockedFile(*source, lockFd, job.targetPath, job.target, job.comment,
@@ -108,7 +108,7 @@ EngineResult AudioConverter::start() {
             if (alive->load() && onComplete) onComplete(result);
         });
     });
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
 }  // namespace ovd::engine

@@ -21,7 +21,7 @@ namespace ovd::engine {
 class AudioConverter {
 public:
     // Runs on the loop's thread once the work is over: success, or the reason.
-    using Completion = std::function<void(const EngineResult&)>;
+    using Completion = std::function<void(const platform::Result<void>&)>;
 
     explicit AudioConverter(platform::EventLoop& loop);
     // Cancels a conversion still running and waits for it to stop.
@@ -41,7 +41,7 @@ public:
     // Locks the target and starts the work. Fails at once when a conversion is
     // still running, nothing was set, or the target can't be locked; everything
     // later (an unreadable source included) comes through error() and the completion.
-    EngineResult start();
+    platform::Result<void> start();
     // Asks the running conversion to stop; it ends as a failure and removes the target.
     void cancel();
     // Blocks until the running conversion has ended (its completion is still posted).

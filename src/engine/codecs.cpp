@@ -83,21 +83,21 @@ int openLockedForWriting(const std::string& path, std::string& error) {
     return fd;
 }
 
-EngineResult encodeIntoLockedFile(PcmSource& source, int fd, const std::string& path,
+platform::Result<void> encodeIntoLockedFile(PcmSource& source, int fd, const std::string& path,
                                   const TargetFormat& target, const std::string& comment,
                                   const ProgressCallback& progress) {
-    const auto giveUp = [&](EngineResult failed) {
+    const auto giveUp = [&](platform::Result<void> failed) {
         // Readers that still have the file open must not find half a recording either.
         if (::ftruncate(fd, 0) != 0) { /* the unlink below still takes the name away */ }
         ::unlink(path.c_str());
         return failed;
     };
     if (::ftruncate(fd, 0) != 0 || ::lseek(fd, 0, SEEK_SET) != 0) {
-        return giveUp(EngineResult::failure("can't write " + path + ": " + std::strerror(errno)));
+        return giveUp(platform::failure("can't write " + path + ": " + std::strerror(errno)));
     }
     std::string error;
     auto pcm = ConvertingSource::create(source, encodedPcmFormat(target, source.format()), error);
-    if (!pcm) return giveUp(EngineResult::failure(error));
+    if (!pcm) return giveUp(platform::failure(error));
 
     const SampleCount total = source.frames();
     const EncodeJob job{*pcm, target, comment, [&] {
@@ -105,24 +105,24 @@ EngineResult encodeIntoLockedFile(PcmSource& source, int fd, const std::string& 
         const double fraction = total > 0 ? static_cast<double>(pcm->sourceFramesRead()) / static_cast<double>(total) : 1.0;
         return progress(std::min(fraction, 1.0));
     }};
-    EngineResult result = throughFfmpeg(target.word) ? encodeWithFfmpeg(job, fd, path)
+    platform::Result<void> result = throughFfmpeg(target.word) ? encodeWithFfmpeg(job, fd, path)
                                                      : encodeWithSndfile(job, fd, path);
-    if (result && !pcm->error().empty()) result = EngineResult::failure(pcm->error());
+    if (result && !pcm->error().empty()) result = platform::failure(pcm->error());
     // A dictation counts as saved once it would survive a power cut.
     if (result && ::fsync(fd) != 0) {
-        result = EngineResult::failure("can't write " + path + ": " + std::strerror(errno));
+        result = platform::failure("can't write " + path + ": " + std::strerror(errno));
     }
     if (!result) return giveUp(std::move(result));
     if (progress) progress(1.0);
     return result;
 }
 
-EngineResult encodeFile(PcmSource& source, const std::string& path, const TargetFormat& target,
+platform::Result<void> encodeFile(PcmSource& source, const std::string& path, const TargetFormat& target,
                         const std::string& comment, const ProgressCallback& progress) {
     std::string error;
     const int fd = openLockedForWriting(path, error);
-    if (fd < 0) return EngineResult::failure(error);
-    EngineResult result = encodeIntoLockedFile(source, fd, path, target, comment, progress);
+    if (fd < 0) return platform::failure(error);
+    platform::Result<void> result = encodeIntoLockedFile(source, fd, path, target, comment, progress);
     ::close(fd);  // releases the lock: the file is complete, or gone
     return result;
 }

@@ -12,7 +12,7 @@
 
 #include "engine/audio_backend.h"
 #include "engine/audio_format.h"
-#include "engine/engine_result.h"
+#include "platform/result.h"
 
 namespace ovd::engine {
 
@@ -41,7 +41,7 @@ using ProgressCallback = std::function<bool(double fraction)>;
 
 // Writes the whole source to path in the target format, with the comment where
 // the format has a comment field. A cancelled or failed write removes the file.
-EngineResult encodeFile(PcmSource& source, const std::string& path, const TargetFormat& target,
+platform::Result<void> encodeFile(PcmSource& source, const std::string& path, const TargetFormat& target,
                         const std::string& comment, const ProgressCallback& progress = {});
 
 // Length of an audio file in milliseconds, or -1 when it can't be read. RAW and

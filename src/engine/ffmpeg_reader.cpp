@@ -49,7 +49,7 @@ std::string formatNameOf(AVCodecID codec, const AVInputFormat* container) {
 
 class FfmpegReader : public AudioFileReader {
 public:
-    EngineResult open(const std::string& path) {
+    platform::Result<void> open(const std::string& path) {
         AVFormatContext* input = nullptr;
         int code = avformat_open_input(&input, path.c_str(), nullptr, nullptr);
         if (code < 0) return failure(path, code);
@@ -66,7 +66,7 @@ public:
         if (code >= 0) code = avcodec_open2(decoder_.get(), codec, nullptr);
         if (code < 0) return failure(path, code);
         if (decoder_->sample_rate <= 0 || decoder_->ch_layout.nb_channels < 1) {
-            return EngineResult::failure("can't read " + path + ": no usable audio in it");
+            return platform::failure("can't read " + path + ": no usable audio in it");
         }
         // A document has one or two channels; anything wider is mixed down to two.
         format_ = {decoder_->sample_rate, std::min(decoder_->ch_layout.nb_channels, 2)};
@@ -75,7 +75,7 @@ public:
         frame_.reset(av_frame_alloc());
         packet_.reset(av_packet_alloc());
         if (!frame_ || !packet_) return failure(path, AVERROR(ENOMEM));
-        return EngineResult::success();
+        return platform::Result<void>::success();
     }
 
     [[nodiscard]] PcmFormat format() const override { return format_; }
@@ -102,8 +102,8 @@ public:
     }
 
 private:
-    static EngineResult failure(const std::string& path, int code) {
-        return EngineResult::failure("can't read " + path + ": " + ffmpegErrorText(code));
+    static platform::Result<void> failure(const std::string& path, int code) {
+        return platform::failure("can't read " + path + ": " + ffmpegErrorText(code));
     }
 
     [[nodiscard]] SampleCount lengthInFrames(const AVStream& stream) const {
@@ -218,7 +218,7 @@ private:
 
 std::unique_ptr<AudioFileReader> openWithFfmpeg(const std::string& path, std::string& error) {
     auto reader = std::make_unique<FfmpegReader>();
-    if (EngineResult opened = reader->open(path); !opened) {
+    if (platform::Result<void> opened = reader->open(path); !opened) {
         error = opened.error();
         return nullptr;
     }

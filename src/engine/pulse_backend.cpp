@@ -12,7 +12,7 @@ std::unique_ptr<PulseBackend> PulseBackend::connect(platform::EventLoop& loop, s
     if (!connection) return nullptr;
     std::unique_ptr<PulseBackend> backend(new PulseBackend(loop, std::move(connection)));
     for (PulseDevices* devices : {backend->sources_.get(), backend->sinks_.get()}) {
-        if (EngineResult read = devices->refresh(); !read) {
+        if (platform::Result<void> read = devices->refresh(); !read) {
             error = read.error();
             return nullptr;
         }
@@ -45,15 +45,15 @@ PulseBackend::~PulseBackend() {
 DeviceList& PulseBackend::recordingDevices() { return *sources_; }
 DeviceList& PulseBackend::playbackDevices() { return *sinks_; }
 
-EngineResult PulseBackend::startCapture(const PcmFormat& format, CaptureCallback deliver) {
+platform::Result<void> PulseBackend::startCapture(const PcmFormat& format, CaptureCallback deliver) {
     stopCapture();
     std::string error;
     capture_ = PulseCapture::start(connection_, loop_, sources_->streamDevice(), format,
                                    std::move(deliver), error);
-    if (!capture_) return EngineResult::failure(error);
+    if (!capture_) return platform::failure(error);
     captureDevice_ = sources_->deviceInUse();
     captureLabel_ = sources_->Current() >= 0 ? sources_->Name(sources_->Current()) : std::string();
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
 void PulseBackend::checkCaptureDevice() {
@@ -79,7 +79,7 @@ std::unique_ptr<PlaybackStream> PulseBackend::openPlayback(const PcmFormat& form
 }
 
 void PulseBackend::playPrompt(const std::string& wavePath) {
-    const EngineResult played = prompts_->play(wavePath, sinks_->streamDevice());
+    const platform::Result<void> played = prompts_->play(wavePath, sinks_->streamDevice());
     promptError_ = played ? std::string() : played.error();
 }
 

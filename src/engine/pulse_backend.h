@@ -35,7 +35,7 @@ public:
     DeviceList& playbackDevices() override;
 
     // Records from the chosen source (or the server's default) at low latency.
-    EngineResult startCapture(const PcmFormat& format, CaptureCallback deliver) override;
+    platform::Result<void> startCapture(const PcmFormat& format, CaptureCallback deliver) override;
     // Delivers what had already arrived, then nothing more.
     void stopCapture() override;
 

@@ -137,13 +137,13 @@ bool PulseConnection::finish(pa_operation* operation) {
     return completed;
 }
 
-EngineResult PulseConnection::call(
+platform::Result<void> PulseConnection::call(
     const std::string& what, const std::function<pa_operation*(SuccessCallback, void*)>& start) {
     std::pair<PulseConnection*, int> outcome{this, -1};
     if (!finish(start(&PulseConnectionCallbacks::success, &outcome)) || outcome.second != 1) {
         return failure(what);
     }
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
 std::string PulseConnection::lastError() const {
@@ -151,8 +151,8 @@ std::string PulseConnection::lastError() const {
     return pa_strerror(pa_context_errno(context_));
 }
 
-EngineResult PulseConnection::failure(const std::string& what) const {
-    return EngineResult::failure("sound server: " + what + ": " + lastError());
+platform::Result<void> PulseConnection::failure(const std::string& what) const {
+    return platform::failure("sound server: " + what + ": " + lastError());
 }
 
 }  // namespace ovd::engine

@@ -13,7 +13,7 @@
 #include <memory>
 #include <string>
 
-#include "engine/engine_result.h"
+#include "platform/result.h"
 
 struct pa_context;
 struct pa_operation;
@@ -62,13 +62,13 @@ public:
     bool finish(pa_operation* operation);
     // With the lock held: runs a call that reports success, and waits for its answer.
     // start gets the callback and its user data and returns the library's operation.
-    EngineResult call(const std::string& what,
+    platform::Result<void> call(const std::string& what,
                       const std::function<pa_operation*(SuccessCallback, void*)>& start);
 
     // The library's text for the last failure on this connection.
     [[nodiscard]] std::string lastError() const;
     // "what: reason" for an engine error.
-    [[nodiscard]] EngineResult failure(const std::string& what) const;
+    [[nodiscard]] platform::Result<void> failure(const std::string& what) const;
 
     // With the lock held: who hears of device changes (empty to stop hearing).
     void setOnChange(ChangeCallback onChange) { onChange_ = std::move(onChange); }

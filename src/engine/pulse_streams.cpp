@@ -287,11 +287,11 @@ PulsePrompts::~PulsePrompts() {
     cutOff();
 }
 
-EngineResult PulsePrompts::play(const std::string& wavePath, const std::string& device) {
+platform::Result<void> PulsePrompts::play(const std::string& wavePath, const std::string& device) {
     SF_INFO info{};
     SNDFILE* file = sf_open(wavePath.c_str(), SFM_READ, &info);
     if (file == nullptr) {
-        return EngineResult::failure("prompt " + wavePath + ": " + sf_strerror(nullptr));
+        return platform::failure("prompt " + wavePath + ": " + sf_strerror(nullptr));
     }
     std::vector<std::int16_t> frames(static_cast<std::size_t>(info.frames) *
                                      static_cast<std::size_t>(info.channels));
@@ -300,7 +300,7 @@ EngineResult PulsePrompts::play(const std::string& wavePath, const std::string& 
     frames.resize(static_cast<std::size_t>(got) * static_cast<std::size_t>(info.channels));
     const pa_sample_spec spec = sampleSpec({info.samplerate, info.channels});
     if (frames.empty() || pa_sample_spec_valid(&spec) == 0) {
-        return EngineResult::failure("prompt " + wavePath + ": no sound in the file");
+        return platform::failure("prompt " + wavePath + ": no sound in the file");
     }
 
     const PulseConnection::Lock held = connection_->lock();
@@ -314,14 +314,14 @@ EngineResult PulsePrompts::play(const std::string& wavePath, const std::string& 
     pa_stream_set_state_callback(stream, &PulsePrompts::onState, this);
     if (pa_stream_connect_playback(stream, deviceOrDefault(device), nullptr, PA_STREAM_NOFLAGS,
                                    nullptr, nullptr) < 0) {
-        EngineResult failed = connection_->failure("playing " + wavePath);
+        platform::Result<void> failed = connection_->failure("playing " + wavePath);
         releaseStream(stream);
         return failed;
     }
     // The sound goes out from the sound thread once the stream is ready.
     stream_ = stream;
     sound_ = std::move(frames);
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
 bool PulsePrompts::playing() const {

@@ -112,7 +112,7 @@ public:
 
     // Loads the wave file and starts it on device (empty: the server's default)
     // without waiting for it to sound.
-    EngineResult play(const std::string& wavePath, const std::string& device);
+    platform::Result<void> play(const std::string& wavePath, const std::string& device);
     [[nodiscard]] bool playing() const;
 
 private:

@@ -116,21 +116,21 @@ std::unique_ptr<AudioFileReader> openReader(const std::string& path, SF_INFO inf
     return std::make_unique<SndfileReader>(std::move(file), info, formatNameOf(info.format));
 }
 
-EngineResult writeAll(SNDFILE* file, const EncodeJob& job, const std::string& path) {
+platform::Result<void> writeAll(SNDFILE* file, const EncodeJob& job, const std::string& path) {
     const auto channels = static_cast<std::size_t>(job.pcm.format().channels);
     std::vector<std::int16_t> block(kBlockFrames * channels);
     while (const std::size_t got = job.pcm.read(block.data(), kBlockFrames)) {
         if (sf_writef_short(file, block.data(), static_cast<sf_count_t>(got)) != static_cast<sf_count_t>(got)) {
-            return EngineResult::failure("can't write " + path + ": " + sf_strerror(file));
+            return platform::failure("can't write " + path + ": " + sf_strerror(file));
         }
-        if (!job.keepGoing()) return EngineResult::failure(kCancelledText);
+        if (!job.keepGoing()) return platform::failure(kCancelledText);
     }
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
 }  // namespace
 
-EngineResult encodeWithSndfile(const EncodeJob& job, int fd, const std::string& path) {
+platform::Result<void> encodeWithSndfile(const EncodeJob& job, int fd, const std::string& path) {
     const PcmFormat pcm = job.pcm.format();
     SF_INFO info{};
     info.samplerate = pcm.sampleRate;
@@ -138,20 +138,20 @@ EngineResult encodeWithSndfile(const EncodeJob& job, int fd, const std::string& 
     info.format = fileFormat(job.target);
     const std::string word = formatWordText(job.target.word);
     if (info.format == 0 || !sf_format_check(&info)) {
-        return EngineResult::failure("can't write " + word + " at " + std::to_string(pcm.sampleRate) +
+        return platform::failure("can't write " + word + " at " + std::to_string(pcm.sampleRate) +
                                      " Hz, " + std::to_string(pcm.channels) + " channels");
     }
     // The descriptor stays ours: it carries the lock until the caller lets go.
     SndfileHandle file(sf_open_fd(fd, SFM_WRITE, &info, SF_FALSE));
-    if (!file) return EngineResult::failure("can't write " + path + " as " + word + ": " + sf_strerror(nullptr));
+    if (!file) return platform::failure("can't write " + path + " as " + word + ": " + sf_strerror(nullptr));
     if (!job.comment.empty() && hasCommentField(job.target.word) &&
         sf_set_string(file.get(), SF_STR_COMMENT, job.comment.c_str()) != 0) {
-        return EngineResult::failure("can't write the comment into " + path + ": " + sf_strerror(file.get()));
+        return platform::failure("can't write the comment into " + path + ": " + sf_strerror(file.get()));
     }
-    if (EngineResult written = writeAll(file.get(), job, path); !written) return written;
+    if (platform::Result<void> written = writeAll(file.get(), job, path); !written) return written;
     const int closed = sf_close(file.release());
-    if (closed != 0) return EngineResult::failure("can't finish " + path + ": " + sf_error_number(closed));
-    return EngineResult::success();
+    if (closed != 0) return platform::failure("can't finish " + path + ": " + sf_error_number(closed));
+    return platform::Result<void>::success();
 }
 
 std::unique_ptr<AudioFileReader> openWithSndfile(const std::string& path, std::string& error) {

@@ -25,32 +25,32 @@ public:
     Devices(std::string device, std::string line) : device_(std::move(device)), line_(std::move(line)) {}
     [[nodiscard]] int Count() const override { return 1; }
     [[nodiscard]] int Current() const override { return 0; }
-    EngineResult setCurrent(int index) override { return check(index); }
+    platform::Result<void> setCurrent(int index) override { return check(index); }
     [[nodiscard]] std::string Name(int index) const override { return index == 0 ? device_ : ""; }
     [[nodiscard]] int SourceCount() const override { return 1; }
     [[nodiscard]] int SourceCurrent() const override { return 0; }
-    EngineResult setSourceCurrent(int index) override { return check(index); }
+    platform::Result<void> setSourceCurrent(int index) override { return check(index); }
     [[nodiscard]] std::string SourceName(int index) const override { return index == 0 ? line_ : ""; }
     [[nodiscard]] bool HasVolume(int) const override { return true; }
     [[nodiscard]] int Volume(int) const override { return volume_; }
-    EngineResult setVolume(int index, int volume) override {
+    platform::Result<void> setVolume(int index, int volume) override {
         volume_ = std::clamp(volume, 0, 65535);
         return check(index);
     }
     [[nodiscard]] int Balance(int) const override { return balance_; }
-    EngineResult setBalance(int index, int balance) override {
+    platform::Result<void> setBalance(int index, int balance) override {
         balance_ = std::clamp(balance, -100, 100);
         return check(index);
     }
     [[nodiscard]] bool Mute(int) const override { return mute_; }
-    EngineResult setMute(int index, bool mute) override {
+    platform::Result<void> setMute(int index, bool mute) override {
         mute_ = mute;
         return check(index);
     }
 
 private:
-    static EngineResult check(int index) {
-        return index == 0 ? EngineResult::success() : EngineResult::failure("no such device");
+    static platform::Result<void> check(int index) {
+        return index == 0 ? platform::Result<void>::success() : platform::failure("no such device");
     }
     std::string device_;
     std::string line_;
@@ -112,9 +112,9 @@ VirtualBackend::~VirtualBackend() = default;
 DeviceList& VirtualBackend::recordingDevices() { return *inputs_; }
 DeviceList& VirtualBackend::playbackDevices() { return *outputs_; }
 
-EngineResult VirtualBackend::startCapture(const PcmFormat& format, CaptureCallback deliver) {
+platform::Result<void> VirtualBackend::startCapture(const PcmFormat& format, CaptureCallback deliver) {
     if (format.sampleRate <= 0 || format.channels <= 0) {
-        return EngineResult::failure("unusable capture format");
+        return platform::failure("unusable capture format");
     }
     inputSamples_.clear();
     inputPosition_ = 0;
@@ -124,9 +124,9 @@ EngineResult VirtualBackend::startCapture(const PcmFormat& format, CaptureCallba
         hint.sampleRate = format.sampleRate;
         hint.channels = format.channels;
         auto reader = AudioFileReader::open(options_.inputFile, error, &hint);
-        if (!reader) return EngineResult::failure("virtual microphone: " + error);
+        if (!reader) return platform::failure("virtual microphone: " + error);
         if (!(reader->format() == format)) {
-            return EngineResult::failure("virtual microphone: " + options_.inputFile +
+            return platform::failure("virtual microphone: " + options_.inputFile +
                                          " is not at the recording's rate and channels");
         }
         std::vector<std::int16_t> chunk(4096 * static_cast<std::size_t>(format.channels));
@@ -134,7 +134,7 @@ EngineResult VirtualBackend::startCapture(const PcmFormat& format, CaptureCallba
             inputSamples_.insert(inputSamples_.end(), chunk.begin(),
                                  chunk.begin() + static_cast<std::ptrdiff_t>(got * static_cast<std::size_t>(format.channels)));
         }
-        if (inputSamples_.empty()) return EngineResult::failure("virtual microphone: empty input file");
+        if (inputSamples_.empty()) return platform::failure("virtual microphone: empty input file");
     }
     captureFormat_ = format;
     deliver_ = std::move(deliver);
@@ -142,7 +142,7 @@ EngineResult VirtualBackend::startCapture(const PcmFormat& format, CaptureCallba
     captured_ = 0;
     phase_ = 0.0;
     captureTimer_.setEnabled(true);
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
 void VirtualBackend::stopCapture() {

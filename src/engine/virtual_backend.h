@@ -28,7 +28,7 @@ public:
     [[nodiscard]] std::string name() const override { return "virtual"; }
     DeviceList& recordingDevices() override;
     DeviceList& playbackDevices() override;
-    EngineResult startCapture(const PcmFormat& format, CaptureCallback deliver) override;
+    platform::Result<void> startCapture(const PcmFormat& format, CaptureCallback deliver) override;
     void stopCapture() override;
     std::unique_ptr<PlaybackStream> openPlayback(const PcmFormat& format, std::string& error) override;
     void playPrompt(const std::string& wavePath) override;

@@ -71,29 +71,29 @@ public:
     [[nodiscard]] std::string TempFileName() const override;
     void setTempFileName(const std::string& folderOrPath) override;
 
-    EngineResult Open(const std::string& path) override;
-    EngineResult New(int samplesPerSecond, int channels) override;
-    EngineResult SaveAs(const std::string& path) override;
+    platform::Result<void> Open(const std::string& path) override;
+    platform::Result<void> New(int samplesPerSecond, int channels) override;
+    platform::Result<void> SaveAs(const std::string& path) override;
     void Close() override;
     void CloseKeepingWorkFile() override { dropDocument(false); }
 
-    EngineResult Play(int mode = 0) override;
-    EngineResult Record() override;
+    platform::Result<void> Play(int mode = 0) override;
+    platform::Result<void> Record() override;
     void Stop() override;
     void Pause() override;
     void Continue() override;
     [[nodiscard]] int State() const override { return static_cast<int>(state_); }
 
-    EngineResult Undo() override;
-    EngineResult Redo() override;
-    EngineResult Copy() override;
-    EngineResult Cut() override;
-    EngineResult Paste() override;
-    EngineResult PasteFile(const std::string& path) override;
+    platform::Result<void> Undo() override;
+    platform::Result<void> Redo() override;
+    platform::Result<void> Copy() override;
+    platform::Result<void> Cut() override;
+    platform::Result<void> Paste() override;
+    platform::Result<void> PasteFile(const std::string& path) override;
 
     // Brings the whole document to another rate and channel count (the "convert
     // sample type" choice). The document gets a new work file; undo starts afresh.
-    EngineResult ConvertSampleType(int samplesPerSecond, int channels);
+    platform::Result<void> ConvertSampleType(int samplesPerSecond, int channels);
 
     // The outcome of the last save, once it has finished; empty when it worked.
     [[nodiscard]] std::string lastSaveError() const override;
@@ -146,11 +146,11 @@ private:
         bool keepGrowing = false;  // the take goes on: keep the encoder open for the next save
     };
     using SaveProgress = std::function<void(SampleCount done)>;
-    EngineResult startDocument(const PcmFormat& format);
+    platform::Result<void> startDocument(const PcmFormat& format);
     void dropDocument(bool removeWorkFile);
-    EngineResult appendFile(const std::string& path, const char* operation, PieceList& added);
+    platform::Result<void> appendFile(const std::string& path, const char* operation, PieceList& added);
     // Copies audio into the work file, converted to the document's rate and channels.
-    EngineResult appendSource(PcmSource& source, const char* operation, PieceList& added);
+    platform::Result<void> appendSource(PcmSource& source, const char* operation, PieceList& added);
     void rememberForUndo();
     void restore(const Snapshot& snapshot);
     void insertPieces(SampleCount at, const PieceList& pieces);
@@ -164,8 +164,8 @@ private:
     void reportTrouble(const std::string& text);
     void emitBlock(BlockOperationEvent::Phase phase, const std::string& operation, SampleCount position,
                    SampleCount range);
-    EngineResult saveWhole(const SaveJob& job, const SaveProgress& progress);
-    EngineResult addToSavedFile(const SaveJob& job, const SaveProgress& progress);
+    platform::Result<void> saveWhole(const SaveJob& job, const SaveProgress& progress);
+    platform::Result<void> addToSavedFile(const SaveJob& job, const SaveProgress& progress);
     void syncTick();
     void feedTick();
     void onCaptured(const std::int16_t* frames, std::size_t frameCount);

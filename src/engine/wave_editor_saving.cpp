@@ -36,14 +36,14 @@ SampleCount framesIn(const PieceList& pieces) {
 
 // The pieces at the end of the encoder's file: copied as they lie in the work
 // files where the file takes the document's own frames, encoded otherwise.
-EngineResult writePieces(StreamEncoder& encoder, const PcmFormat& format, const PieceList& pieces,
+platform::Result<void> writePieces(StreamEncoder& encoder, const PcmFormat& format, const PieceList& pieces,
                          const std::function<void(SampleCount)>& progress) {
     SampleCount done = 0;
     if (encoder.copiesSourceFrames()) {
         for (const Piece& piece : pieces) {
             for (SampleCount offset = 0; offset < piece.length; offset += kCopyStretchFrames) {
                 const SampleCount count = std::min(kCopyStretchFrames, piece.length - offset);
-                EngineResult copied = encoder.appendCopied(count, [&](int fd) {
+                platform::Result<void> copied = encoder.appendCopied(count, [&](int fd) {
                     return piece.file->copyTo(fd, piece.start + offset, count);
                 });
                 if (!copied) return copied;
@@ -51,16 +51,16 @@ EngineResult writePieces(StreamEncoder& encoder, const PcmFormat& format, const 
                 progress(done);
             }
         }
-        return EngineResult::success();
+        return platform::Result<void>::success();
     }
     DocumentSource source(format, pieces);
     std::vector<std::int16_t> block(kBlockFrames * static_cast<std::size_t>(format.channels));
     while (const std::size_t got = source.read(block.data(), kBlockFrames)) {
-        if (EngineResult written = encoder.write(block.data(), got); !written) return written;
+        if (platform::Result<void> written = encoder.write(block.data(), got); !written) return written;
         done += static_cast<SampleCount>(got);
         progress(done);
     }
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
 }  // namespace
@@ -120,15 +120,15 @@ void WaveEditor::finishSavedFile() {
     // Completed through the encoder's own descriptor: a file renamed since (a
     // letter handed on under another name) is completed all the same, and a file
     // that took its old name is not touched.
-    if (EngineResult finished = session->encoder->finish(); !finished) {
+    if (platform::Result<void> finished = session->encoder->finish(); !finished) {
         session->encoder->rollBack();
         const std::lock_guard lock(saveErrorMutex_);
         lastSaveError_ = finished.error();
     }
 }
 
-EngineResult WaveEditor::SaveAs(const std::string& path) {
-    if (!workFile_) return EngineResult::failure("no document to save");
+platform::Result<void> WaveEditor::SaveAs(const std::string& path) {
+    if (!workFile_) return platform::failure("no document to save");
     finishSaving();
     syncTick();
     // Opened to listen, or saved and not touched since: the file already holds
@@ -136,7 +136,7 @@ EngineResult WaveEditor::SaveAs(const std::string& path) {
     if (!session_ && documentIsOnDisk(path)) {
         const std::lock_guard lock(saveErrorMutex_);
         lastSaveError_.clear();
-        return EngineResult::success();
+        return platform::Result<void>::success();
     }
     // An existing file is locked before this call returns, so whoever waits for it
     // to be free waits for this save, not for the one before it. A new file is not
@@ -145,10 +145,10 @@ EngineResult WaveEditor::SaveAs(const std::string& path) {
     if (platform::fileExists(path)) {
         lockFd = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
         if (lockFd < 0)
-            return EngineResult::failure("can't write " + path + ": " + std::strerror(errno));
+            return platform::failure("can't write " + path + ": " + std::strerror(errno));
         if (::flock(lockFd, LOCK_EX | LOCK_NB) != 0) {
             ::close(lockFd);
-            return EngineResult::failure(path + " is in use");
+            return platform::failure(path + " is in use");
         }
     }
     SaveJob job{path,
@@ -181,7 +181,7 @@ EngineResult WaveEditor::SaveAs(const std::string& path) {
                 if (*alive) emitBlock(BlockOperationEvent::Phase::Progress, kSaving, done, range);
             });
         };
-        EngineResult result = job.added ? addToSavedFile(job, progress) : saveWhole(job, progress);
+        platform::Result<void> result = job.added ? addToSavedFile(job, progress) : saveWhole(job, progress);
         {
             // Known before the file is free: whoever waits for the file reads the outcome.
             const std::lock_guard lock(saveErrorMutex_);
@@ -195,14 +195,14 @@ EngineResult WaveEditor::SaveAs(const std::string& path) {
         });
         saving_ = false;
     });
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
-EngineResult WaveEditor::addToSavedFile(const SaveJob& job, const SaveProgress& progress) {
+platform::Result<void> WaveEditor::addToSavedFile(const SaveJob& job, const SaveProgress& progress) {
     SaveSession& session = *session_;
     // Added in place: the header counts only what the last sync completed, so the
     // file reads whole up to the last save at every moment.
-    EngineResult result = writePieces(*session.encoder, job.format, *job.added, progress);
+    platform::Result<void> result = writePieces(*session.encoder, job.format, *job.added, progress);
     if (result) result = job.keepGrowing ? session.encoder->sync() : session.encoder->finish();
     if (!result) {
         // The file goes back to what the last save left; the next save starts afresh.
@@ -215,7 +215,7 @@ EngineResult WaveEditor::addToSavedFile(const SaveJob& job, const SaveProgress& 
     return result;
 }
 
-EngineResult WaveEditor::saveWhole(const SaveJob& job, const SaveProgress& progress) {
+platform::Result<void> WaveEditor::saveWhole(const SaveJob& job, const SaveProgress& progress) {
     // Written beside the target and moved over it once complete: until then the
     // old file (or no file) stands, after it the complete new one. A crash leaves
     // at most this file beside it, which the recovery clears away.
@@ -229,7 +229,7 @@ EngineResult WaveEditor::saveWhole(const SaveJob& job, const SaveProgress& progr
         if (fd >= 0)
             encoder = StreamEncoder::open(fd, partial, job.target, job.format, job.comment, error);
     }
-    EngineResult result = EngineResult::success();
+    platform::Result<void> result = platform::Result<void>::success();
     if (encoder) {
         result = writePieces(*encoder, job.format, job.pieces, progress);
         // Completed before it takes the target's name, unless the take goes on.
@@ -247,7 +247,7 @@ EngineResult WaveEditor::saveWhole(const SaveJob& job, const SaveProgress& progr
         });
     }
     if (result && std::rename(partial.c_str(), job.path.c_str()) != 0) {
-        result = EngineResult::failure("can't replace " + job.path + ": " + std::strerror(errno));
+        result = platform::failure("can't replace " + job.path + ": " + std::strerror(errno));
         std::remove(partial.c_str());
     }
     if (result && encoder && job.keepGrowing) {

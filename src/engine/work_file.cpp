@@ -74,7 +74,7 @@ std::shared_ptr<WorkFile> WorkFile::create(const std::string& path, const PcmFor
         return nullptr;
     }
     std::shared_ptr<WorkFile> file(new WorkFile(path, fd, format));
-    if (const EngineResult written = file->writeHeader(); !written) {
+    if (const platform::Result<void> written = file->writeHeader(); !written) {
         error = written.error();
         return nullptr;
     }
@@ -113,9 +113,9 @@ SampleCount WorkFile::append(const std::int16_t* frames, std::size_t frameCount)
     return start;
 }
 
-EngineResult WorkFile::writeBuffered() {
+platform::Result<void> WorkFile::writeBuffered() {
     const std::lock_guard lock(mutex_);
-    if (pending_.empty()) return EngineResult::success();
+    if (pending_.empty()) return platform::Result<void>::success();
     const auto offset = static_cast<off_t>(kHeaderBytes + static_cast<std::size_t>(framesOnDisk_) * frameBytes_);
     const std::size_t bytes = pending_.size() * sizeof(std::int16_t);
     const auto* data = reinterpret_cast<const char*>(pending_.data());
@@ -126,16 +126,16 @@ EngineResult WorkFile::writeBuffered() {
             if (errno == EINTR) continue;
             // What could not be written stays buffered for the next try: a full
             // disk loses nothing that is still in memory.
-            return EngineResult::failure(systemError("can't write the work file " + path_));
+            return platform::failure(systemError("can't write the work file " + path_));
         }
         done += static_cast<std::size_t>(n);
     }
     framesOnDisk_ += static_cast<SampleCount>(pending_.size() / static_cast<std::size_t>(format_.channels));
     pending_.clear();
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
-EngineResult WorkFile::writeHeader() {
+platform::Result<void> WorkFile::writeHeader() {
     std::uint64_t dataBytes = 0;
     {
         const std::lock_guard lock(mutex_);
@@ -143,16 +143,16 @@ EngineResult WorkFile::writeHeader() {
     }
     const auto header = pcmWaveHeader(format_, "", dataBytes);
     if (::pwrite(fd_, header.data(), header.size(), 0) != static_cast<ssize_t>(header.size())) {
-        return EngineResult::failure(systemError("can't write the work file's header " + path_));
+        return platform::failure(systemError("can't write the work file's header " + path_));
     }
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
-EngineResult WorkFile::flush() {
-    if (EngineResult written = writeBuffered(); !written) return written;
-    if (EngineResult header = writeHeader(); !header) return header;
-    if (::fdatasync(fd_) != 0) return EngineResult::failure(systemError("can't sync " + path_));
-    return EngineResult::success();
+platform::Result<void> WorkFile::flush() {
+    if (platform::Result<void> written = writeBuffered(); !written) return written;
+    if (platform::Result<void> header = writeHeader(); !header) return header;
+    if (::fdatasync(fd_) != 0) return platform::failure(systemError("can't sync " + path_));
+    return platform::Result<void>::success();
 }
 
 std::size_t WorkFile::read(SampleCount start, std::int16_t* out, std::size_t frameCount) const {
@@ -180,7 +180,7 @@ std::size_t WorkFile::read(SampleCount start, std::int16_t* out, std::size_t fra
     return delivered;
 }
 
-EngineResult WorkFile::copyTo(int fd, SampleCount start, SampleCount frameCount) const {
+platform::Result<void> WorkFile::copyTo(int fd, SampleCount start, SampleCount frameCount) const {
     const auto channels = static_cast<std::size_t>(format_.channels);
     std::vector<std::int16_t> fromMemory;
     while (frameCount > 0) {
@@ -212,11 +212,11 @@ EngineResult WorkFile::copyTo(int fd, SampleCount start, SampleCount frameCount)
         } else {
             copied = writeAll(fd, fromMemory.data(), fromMemory.size() * sizeof(std::int16_t));
         }
-        if (!copied) return EngineResult::failure(systemError("can't copy from the work file " + path_));
+        if (!copied) return platform::failure(systemError("can't copy from the work file " + path_));
         start += count;
         frameCount -= count;
     }
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
 void WorkFile::removeFromDisk() {

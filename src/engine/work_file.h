@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "engine/audio_backend.h"
-#include "engine/engine_result.h"
+#include "platform/result.h"
 
 namespace ovd::engine {
 
@@ -32,14 +32,14 @@ public:
     // Adds frames at the end; returns the frame index they start at.
     SampleCount append(const std::int16_t* frames, std::size_t frameCount);
     // Writes what is buffered, updates the header and syncs the data to disk.
-    EngineResult flush();
+    platform::Result<void> flush();
     // Reads frames from any thread; frames past the end read as nothing (returns fewer).
     std::size_t read(SampleCount start, std::int16_t* out, std::size_t frameCount) const;
     // Writes frames to fd at its file position, from any thread: what is on disk
     // is copied inside the kernel where the file systems allow, so saving an hour
     // as a wave file costs what copying the file costs. Frames past the end (a
     // failed write) go out as silence, as they read.
-    EngineResult copyTo(int fd, SampleCount start, SampleCount frameCount) const;
+    platform::Result<void> copyTo(int fd, SampleCount start, SampleCount frameCount) const;
 
     // Deletes the file from the folder; readers that still hold it keep their audio.
     void removeFromDisk();
@@ -48,8 +48,8 @@ public:
 
 private:
     WorkFile(std::string path, int fd, const PcmFormat& format);
-    EngineResult writeBuffered();
-    EngineResult writeHeader();
+    platform::Result<void> writeBuffered();
+    platform::Result<void> writeHeader();
 
     std::string path_;
     int fd_;

@@ -106,7 +106,7 @@ TEST(CodecsTest, EveryFormatKeepsLengthAndPitchAndIsWhatItsWordSays) {
         SCOPED_TRACE(c.label);
         const std::string path = folder.file(c.fileName);
         ToneSource take(kTake, kSeconds);
-        const EngineResult written = encodeFile(take, path, c.target, kComment);
+        const platform::Result<void> written = encodeFile(take, path, c.target, kComment);
         ASSERT_TRUE(written.ok()) << written.error();
 
         std::string error;
@@ -148,14 +148,14 @@ TEST(CodecsTest, AGivenUpOrFailedWriteLeavesNoFile) {
         const std::string path = folder.file("given-up." + formatExtension(word));
         ToneSource take(kTake, 10.0);
         int calls = 0;
-        const EngineResult result = encodeFile(take, path, format(word, 16000, 1, 32), kComment, [&](double) {
+        const platform::Result<void> result = encodeFile(take, path, format(word, 16000, 1, 32), kComment, [&](double) {
             return ++calls < 2;  // the user gives up after the first block
         });
         EXPECT_FALSE(result.ok());
         EXPECT_FALSE(std::filesystem::exists(path));
     }
     ToneSource take(kTake, 1.0);
-    const EngineResult nowhere = encodeFile(take, folder.file("no-such-folder/x.wav"), format(FormatWord::WAV, 16000, 1), "");
+    const platform::Result<void> nowhere = encodeFile(take, folder.file("no-such-folder/x.wav"), format(FormatWord::WAV, 16000, 1), "");
     EXPECT_FALSE(nowhere.ok());
     EXPECT_NE(nowhere.error().find("no-such-folder/x.wav"), std::string::npos) << nowhere.error();
 }
@@ -168,7 +168,7 @@ TEST(CodecsTest, TheTargetIsNeverFreeWhileItIsWritten) {
         ToneSource take(kTake, 10.0);
         int progressCalls = 0;
         double last = 0.0;
-        const EngineResult result = encodeFile(take, path, format(word, 16000, 1, 32), "", [&](double fraction) {
+        const platform::Result<void> result = encodeFile(take, path, format(word, 16000, 1, 32), "", [&](double fraction) {
             ++progressCalls;
             EXPECT_FALSE(platform::FileAvailable(path)) << "at " << fraction;
             EXPECT_GE(fraction, last);

@@ -74,11 +74,11 @@ protected:
     ovd::testing::TempFolder folder_;
     ovd::testing::VirtualEventLoop loop_;
     AudioConverter converter_{loop_};
-    std::optional<EngineResult> completion_;
+    std::optional<platform::Result<void>> completion_;
     int completions_ = 0;
 
     void SetUp() override {
-        converter_.setOnComplete([this](const EngineResult& result) {
+        converter_.setOnComplete([this](const platform::Result<void>& result) {
             completion_ = result;
             ++completions_;
         });

@@ -81,7 +81,7 @@ protected:
         firstFrame_.reset();
         captureStarted_ = Steady::now();
         const auto channels = static_cast<std::size_t>(format.channels);
-        const EngineResult started = backend_->startCapture(
+        const platform::Result<void> started = backend_->startCapture(
             format, [this, channels](const std::int16_t* frames, std::size_t count) {
                 if (!firstFrame_) firstFrame_ = Steady::now();
                 take_.insert(take_.end(), frames, frames + count * channels);
@@ -328,7 +328,7 @@ TEST_F(PulseBackendTest, FormatsTheServerCannotTakeAreRefusedWithAReason) {
         std::string error;
         EXPECT_EQ(backend_->openPlayback(format, error), nullptr);
         EXPECT_NE(error, "");
-        const EngineResult started = backend_->startCapture(format, [](auto*, std::size_t) {});
+        const platform::Result<void> started = backend_->startCapture(format, [](auto*, std::size_t) {});
         EXPECT_FALSE(started);
         EXPECT_NE(started.error(), "");
     }
@@ -424,7 +424,7 @@ TEST_F(PulseBackendTest, AMicrophoneThatVanishesDuringATakeEndsItWithWhatWasSaid
     std::vector<std::string> lost;
     backend_->onCaptureDeviceLost = [&](const std::string& device) { lost.push_back(device); };
     std::size_t framesAtLoss = 0;
-    const EngineResult started = backend_->startCapture(
+    const platform::Result<void> started = backend_->startCapture(
         {kTakeRate, 1}, [this](const std::int16_t* frames, std::size_t count) {
             take_.insert(take_.end(), frames, frames + count);
         });
