@@ -11,7 +11,7 @@ Station::Station(StationParts parts)
       AudioEditor21(parts_.loop, parts_.sound, clipboard_, "AudioEditor21"),
       voice_(parts_.sound, parts_.promptFolder),
       speakers_(parts_.dataFolder),
-      companion_(parts_.log, parts_.binaryFolder, parts_.dataFolder),
+      companion_(parts_.loop, parts_.log, parts_.binaryFolder, parts_.dataFolder),
       autoSendMenu_(parts_.loop, parts_.config.record, companion_),
       peerLink_({parts_.loop, parts_.config, parts_.log, parts_.prompts, parts_.orderPort}),
       peer_(peerLink_) {

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "engine/codecs.h"
+#include "platform/locked_file.h"
 
 namespace ovd::engine {
 
@@ -69,14 +70,14 @@ std::unique_ptr<AudioFileReader> openWithFfmpeg(const std::string& path, std::st
 std::string ffmpegErrorText(int code);
 
 // Writes the source into an open file descriptor the caller has locked with
-// flock(LOCK_EX); the lock stays the caller's. On failure or cancel the file is
+// a LockedFile; the lock stays the caller's. On failure or cancel the file is
 // emptied and unlinked from path before this returns.
 platform::Result<void> encodeIntoLockedFile(PcmSource& source, int fd, const std::string& path,
                                   const TargetFormat& target, const std::string& comment,
                                   const ProgressCallback& progress);
 
-// Opens path for writing and takes an exclusive lock at once; -1 with the reason
-// when it can't be opened or somebody else holds it.
-int openLockedForWriting(const std::string& path, std::string& error);
+// Opens path for writing and takes an exclusive lock at once; the failure says
+// whether it can't be opened or somebody else holds it.
+platform::Result<platform::LockedFile> openLockedForWriting(const std::string& path);
 
 }  // namespace ovd::engine

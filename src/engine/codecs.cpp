@@ -3,7 +3,6 @@
 // fails or is given up leaves no file behind to be mistaken for one.
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -69,18 +68,12 @@ PcmFormat encodedPcmFormat(const TargetFormat& target, const PcmFormat& source) 
     return out;
 }
 
-int openLockedForWriting(const std::string& path, std::string& error) {
+platform::Result<platform::LockedFile> openLockedForWriting(const std::string& path) {
     const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
-    if (fd < 0) {
-        error = "can't write " + path + ": " + std::strerror(errno);
-        return -1;
-    }
-    if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
-        error = path + " is in use";
-        ::close(fd);
-        return -1;
-    }
-    return fd;
+    if (fd < 0) return platform::failure("can't write " + path + ": " + std::strerror(errno));
+    auto locked = platform::LockedFile::lock(fd);
+    if (!locked) return platform::failure(path + " is in use");
+    return locked;
 }
 
 platform::Result<void> encodeIntoLockedFile(PcmSource& source, int fd, const std::string& path,
@@ -119,12 +112,10 @@ platform::Result<void> encodeIntoLockedFile(PcmSource& source, int fd, const std
 
 platform::Result<void> encodeFile(PcmSource& source, const std::string& path, const TargetFormat& target,
                         const std::string& comment, const ProgressCallback& progress) {
-    std::string error;
-    const int fd = openLockedForWriting(path, error);
-    if (fd < 0) return platform::failure(error);
-    platform::Result<void> result = encodeIntoLockedFile(source, fd, path, target, comment, progress);
-    ::close(fd);  // releases the lock: the file is complete, or gone
-    return result;
+    auto locked = openLockedForWriting(path);
+    if (!locked) return locked.failed();
+    // The lock goes as this returns: the file is complete, or gone.
+    return encodeIntoLockedFile(source, locked->fd(), path, target, comment, progress);
 }
 
 }  // namespace ovd::engine

@@ -34,6 +34,7 @@
 #include "engine/clipboard.h"
 #include "engine/stream_encoder.h"
 #include "platform/event_loop.h"
+#include "platform/locked_file.h"
 #include "platform/timer.h"
 
 namespace ovd::engine {
@@ -142,7 +143,7 @@ private:
         PcmFormat format;
         PieceList pieces;                 // the whole document
         std::optional<PieceList> added;   // set when the job adds these to the session's file
-        int lockFd = -1;                  // -1 for a file that does not exist yet
+        platform::LockedFile lock;        // not held for a file that does not exist yet
         bool keepGrowing = false;  // the take goes on: keep the encoder open for the next save
     };
     using SaveProgress = std::function<void(SampleCount done)>;

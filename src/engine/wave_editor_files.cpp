@@ -36,9 +36,9 @@ platform::Result<void> WaveEditor::startDocument(const PcmFormat& format) {
     // editor's successive documents.
     const std::string name = "ovd" + std::to_string(::getpid()) + "-" + name_ + "-" +
                              std::to_string(++workFilesMade_) + kWorkFileExtension;
-    std::string error;
-    workFile_ = WorkFile::create(platform::joinPath(folder, name), format, error);
-    if (!workFile_) return platform::failure(error);
+    auto created = WorkFile::create(platform::joinPath(folder, name), format);
+    if (!created) return created.failed();
+    workFile_ = std::move(*created);
     document_ = AudioDocument(format);
     syncedFrames_ = 0;
     syncTimer_.setEnabled(true);

@@ -4,7 +4,6 @@
 // what is new instead of encoding the whole take again.
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -141,15 +140,13 @@ platform::Result<void> WaveEditor::SaveAs(const std::string& path) {
     // An existing file is locked before this call returns, so whoever waits for it
     // to be free waits for this save, not for the one before it. A new file is not
     // made here: until the save is complete only the file beside it exists.
-    int lockFd = -1;
+    platform::LockedFile existing;
     if (platform::fileExists(path)) {
-        lockFd = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
-        if (lockFd < 0)
-            return platform::failure("can't write " + path + ": " + std::strerror(errno));
-        if (::flock(lockFd, LOCK_EX | LOCK_NB) != 0) {
-            ::close(lockFd);
-            return platform::failure(path + " is in use");
-        }
+        const int fd = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+        if (fd < 0) return platform::failure("can't write " + path + ": " + std::strerror(errno));
+        auto locked = platform::LockedFile::lock(fd);
+        if (!locked) return platform::failure(path + " is in use");
+        existing = std::move(*locked);
     }
     SaveJob job{path,
                 chosen_,
@@ -157,10 +154,10 @@ platform::Result<void> WaveEditor::SaveAs(const std::string& path) {
                 document_.format(),
                 document_.pieces(),
                 std::nullopt,
-                lockFd,
+                std::move(existing),
                 state_ == EditorState::Recording};
     if (session_) {
-        if (session_->path == path && lockFd >= 0 && session_->encoder->sameFileAs(lockFd) &&
+        if (session_->path == path && job.lock.held() && session_->encoder->sameFileAs(job.lock.fd()) &&
             session_->target == job.target && session_->comment == job.comment &&
             session_->format == job.format) {
             job.added = piecesAddedTo(session_->saved, job.pieces);
@@ -175,7 +172,7 @@ platform::Result<void> WaveEditor::SaveAs(const std::string& path) {
         const std::lock_guard lock(saveErrorMutex_);
         lastSaveError_.clear();
     }
-    saveThread_ = std::thread([this, alive = alive_, job = std::move(job), range] {
+    saveThread_ = std::thread([this, alive = alive_, job = std::move(job), range]() mutable {
         const SaveProgress progress = [this, alive, range](SampleCount done) {
             loop_.postFromAnyThread([this, alive, done, range] {
                 if (*alive) emitBlock(BlockOperationEvent::Phase::Progress, kSaving, done, range);
@@ -188,7 +185,7 @@ platform::Result<void> WaveEditor::SaveAs(const std::string& path) {
             lastSaveError_ = result ? std::string() : result.error();
             if (result) rememberFileOnDisk(job.path, job.pieces, justSaved_);
         }
-        if (job.lockFd >= 0) ::close(job.lockFd);
+        job.lock.release();
         loop_.postFromAnyThread([this, alive, range] {
             if (!*alive) return;
             emitBlock(BlockOperationEvent::Phase::End, kSaving, range, range);

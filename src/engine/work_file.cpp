@@ -1,7 +1,6 @@
 #include "engine/work_file.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -56,40 +55,35 @@ bool copyBytes(int from, off_t offset, int to, std::uint64_t bytes) {
 
 }  // namespace
 
-std::shared_ptr<WorkFile> WorkFile::create(const std::string& path, const PcmFormat& format,
-                                           std::string& error) {
+platform::Result<std::shared_ptr<WorkFile>> WorkFile::create(const std::string& path,
+                                                             const PcmFormat& format) {
     if (format.sampleRate <= 0 || format.channels <= 0) {
-        error = "unusable format for a work file";
-        return nullptr;
+        return platform::failure("unusable format for a work file");
     }
     const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-    if (fd < 0) {
-        error = systemError("can't create the work file " + path);
-        return nullptr;
-    }
+    if (fd < 0) return platform::failure(systemError("can't create the work file " + path));
     // Held for the file's life: the recovery of work files takes only those nobody holds.
-    if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
-        error = systemError("the work file " + path + " is held by another program");
-        ::close(fd);
-        return nullptr;
+    auto locked = platform::LockedFile::lock(fd);
+    if (!locked) {
+        return platform::failure("the work file " + path + " is held by another program: " +
+                                 locked.error());
     }
-    std::shared_ptr<WorkFile> file(new WorkFile(path, fd, format));
+    std::shared_ptr<WorkFile> file(new WorkFile(path, std::move(*locked), format));
     if (const platform::Result<void> written = file->writeHeader(); !written) {
-        error = written.error();
-        return nullptr;
+        return written.failed();
     }
     return file;
 }
 
-WorkFile::WorkFile(std::string path, int fd, const PcmFormat& format)
+WorkFile::WorkFile(std::string path, platform::LockedFile file, const PcmFormat& format)
     : path_(std::move(path)),
-      fd_(fd),
+      file_(std::move(file)),
+      fd_(file_.fd()),
       format_(format),
       frameBytes_(static_cast<std::size_t>(format.channels) * sizeof(std::int16_t)) {}
 
 WorkFile::~WorkFile() {
     if (!removed_) (void)flush();
-    ::close(fd_);
 }
 
 SampleCount WorkFile::frames() const {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "engine/audio_backend.h"
+#include "platform/locked_file.h"
 #include "platform/result.h"
 
 namespace ovd::engine {
@@ -19,8 +20,8 @@ namespace ovd::engine {
 class WorkFile {
 public:
     // Creates the file (replacing any of that name) with an empty data chunk.
-    static std::shared_ptr<WorkFile> create(const std::string& path, const PcmFormat& format,
-                                            std::string& error);
+    static platform::Result<std::shared_ptr<WorkFile>> create(const std::string& path,
+                                                              const PcmFormat& format);
     ~WorkFile();
     WorkFile(const WorkFile&) = delete;
     WorkFile& operator=(const WorkFile&) = delete;
@@ -47,12 +48,13 @@ public:
     static constexpr std::size_t kHeaderBytes = 44;
 
 private:
-    WorkFile(std::string path, int fd, const PcmFormat& format);
+    WorkFile(std::string path, platform::LockedFile file, const PcmFormat& format);
     platform::Result<void> writeBuffered();
     platform::Result<void> writeHeader();
 
     std::string path_;
-    int fd_;
+    platform::LockedFile file_;
+    int fd_;  // file_'s, for the many reads and writes
     PcmFormat format_;
     std::size_t frameBytes_;
     mutable std::mutex mutex_;

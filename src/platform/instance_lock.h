@@ -5,6 +5,9 @@
 
 #include <optional>
 #include <string>
+#include <utility>
+
+#include "platform/locked_file.h"
 
 namespace ovd::platform {
 
@@ -17,15 +20,9 @@ public:
     // there; nothing when it can't be told.
     static std::optional<long> holder(const std::string& dataFolder);
 
-    InstanceLock(InstanceLock&& other) noexcept;
-    InstanceLock& operator=(InstanceLock&& other) noexcept;
-    InstanceLock(const InstanceLock&) = delete;
-    InstanceLock& operator=(const InstanceLock&) = delete;
-    ~InstanceLock();
-
 private:
-    explicit InstanceLock(int fd) : fd_(fd) {}
-    int fd_ = -1;
+    explicit InstanceLock(LockedFile file) : file_(std::move(file)) {}
+    LockedFile file_;
 };
 
 // This process's number, which a second instance writes beside the name it hands over.

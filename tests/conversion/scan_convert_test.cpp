@@ -102,9 +102,9 @@ TEST_F(ScanConvertTest, TheConverterFormatFollowsTheGroupInForce) {
 
 TEST_F(ScanConvertTest, AWorkFileStillHeldIsLeftAndNothingIsLost) {
     // A station still recording into its work file, its header all there is so far.
-    std::string error;
-    const auto held = engine::WorkFile::create(temp() + "/a-live.tmp", {16000, 1}, error);
-    ASSERT_TRUE(held) << error;
+    const auto created = engine::WorkFile::create(temp() + "/a-live.tmp", {16000, 1});
+    ASSERT_TRUE(created) << created.error();
+    const auto& held = *created;
     workFile("b-crashed.tmp", 1.5);
 
     recoverAtStart();

@@ -228,12 +228,9 @@ TEST_F(GrowingSaveTest, AWaveFileAtTheTakesRateIsCopiedFromTheWorkFilesAsTheOthe
 }
 
 TEST(PiecesAddedTest, OnlyGrowthAtTheEndCounts) {
-    std::string error;
     TempFolder folder;
-    const std::shared_ptr<const WorkFile> a =
-        WorkFile::create(folder.file("a.tmp"), {kRate, 1}, error);
-    const std::shared_ptr<const WorkFile> b =
-        WorkFile::create(folder.file("b.tmp"), {kRate, 1}, error);
+    const std::shared_ptr<const WorkFile> a = *WorkFile::create(folder.file("a.tmp"), {kRate, 1});
+    const std::shared_ptr<const WorkFile> b = *WorkFile::create(folder.file("b.tmp"), {kRate, 1});
     const PieceList saved = {{a, 0, 100}, {b, 0, 50}, {a, 100, 10}};
     struct Case {
         const char* label;
