@@ -85,23 +85,23 @@ std::string ScanConvert::recoveredStem(const std::string& workFile,
 void ScanConvert::RecoverAll() {
     UserCanceled = false;
     spaceShort_ = false;
-    view.Image1 = true;
+    view.workingSign = true;
     changed();
     clearInterruptedSaves();
     RecoverFolder(folderFor(FileBox::Temp));
     refreshLists();
-    view.Image1 = false;
+    view.workingSign = false;
     if (!UserCanceled && !spaceShort_) {
-        view.Image1 = true;
+        view.workingSign = true;
         changed();
         RecoverFolder(folderFor(FileBox::Back));
-        view.Image1 = false;
+        view.workingSign = false;
     }
     // Takes still waiting (held, or short of room) keep the crash state, so that the
     // next start tries them again by itself.
     parts_.config.record.gNormalShutDown = !anyWorkFileIn(folderFor(FileBox::Temp));
     parts_.config.WriteConfig();
-    view.Label5 = kRecoveredText;
+    view.recoveredNotice = kRecoveredText;
     LogEvent(kRecoveredText);
     if (onRecovered) onRecovered();
 }
@@ -115,7 +115,7 @@ void ScanConvert::RecoverFolder(const std::string& folder) {
         // Folders are listed, never entered.
         const std::vector<std::string> files = platform::filesInFolder(folder);
         if (files.empty()) {
-            view.Command2Colour = kWorkingColour;
+            view.restoreButtonColour = kWorkingColour;
             emptied = true;
             break;
         }
@@ -149,7 +149,7 @@ bool ScanConvert::recoverFirstFile(const std::string& path) {
     }
     if (platform::fileSize(path).value_or(0) < kMinimumFileBytes) {
         parts_.prompts.showMessage(kEmptyFileDeleted, settings::kProductTitle);
-        view.Command2Colour = kWorkingColour;
+        view.restoreButtonColour = kWorkingColour;
         if (!removed(path)) {
             LogEvent("Error: " + name + " can't be deleted");
             return false;
@@ -162,7 +162,7 @@ bool ScanConvert::recoverFirstFile(const std::string& path) {
     const Temporary kind = temporaryKind(name);
     if (kind == Temporary::No) return false;
 
-    view.Command2Colour = kWorkingColour;
+    view.restoreButtonColour = kWorkingColour;
     changed();
     const std::int64_t milliseconds = engine::fileLengthMilliseconds(path);
     if (milliseconds < 0) {
@@ -189,7 +189,7 @@ bool ScanConvert::recoverFirstFile(const std::string& path) {
     if (platform::fileExists(TempName + "." + gFormatType_)) {
         TempName = platform::joinPath(recordings(), stemOf(name, kind) + length);
     }
-    view.Label6 = TempName;
+    view.currentFileText = TempName;
     changed();
 
     const auto made = convertToFormatInForce(path);

@@ -220,7 +220,7 @@ void AutoSend::stage(Staging staging, const std::string& source) {
     platform::createFolder(folder);
     const std::string baseName = platform::withoutFolder(source);
     platform::copyFileOver(source, platform::joinPath(folder, baseName));
-    screen_.showLabel40(email ? "File is ready to EMail" : "File is ready to FTP");
+    screen_.showStatusText(email ? "File is ready to EMail" : "File is ready to FTP");
     trace(baseName + (email ? " File is ready to Email" : " File is ready to FTP"));
 }
 

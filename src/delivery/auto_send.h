@@ -40,7 +40,7 @@ enum class Staging { Email, Ftp };
 class DeliveryScreen {
 public:
     virtual ~DeliveryScreen() = default;
-    virtual void showLabel40(const std::string& text) = 0;
+    virtual void showStatusText(const std::string& text) = 0;  // showLabel40
     // lblReady; the caller has already blanked it for the thinnest face.
     virtual void showLblReady(const std::string& text) = 0;
 };

@@ -36,7 +36,7 @@ PeerLink::PeerLink(PeerLinkParts parts)
 void PeerLink::trace(const std::string& line) { log_.trace(line); }
 
 void PeerLink::label40(const std::string& text) {
-    if (showLabel40) showLabel40(text);
+    if (showStatusText) showStatusText(text);
 }
 
 std::string PeerLink::today() const {
@@ -71,8 +71,8 @@ void PeerLink::stop() {
     timShowTCPError.setEnabled(false);
     queueRetry.setEnabled(false);
     tcpServer.close();
-    TCPClient_.CloseSocKet();
-    probe_.CloseSocKet();
+    TCPClient_.closeSocket();
+    probe_.closeSocket();
     probing_ = false;
 }
 
@@ -95,14 +95,14 @@ void PeerLink::pause(const std::string& tag) {
 }
 
 std::string PeerLink::tryConnection(const std::string& waitTag) {
-    TCPClient_.CloseSocKet();
+    TCPClient_.closeSocket();
     TCPClient_.OpenSocket(config_.record.TCPIP, config_.record.TCPPort);
     pause(waitTag);
     return TCPClient_.LastError();
 }
 
 std::string PeerLink::deliver(const std::string& text, const std::string& waitTag) {
-    TCPClient_.CloseSocKet();
+    TCPClient_.closeSocket();
     TCPClient_.OpenSocket(config_.record.TCPIP, config_.record.TCPPort);
     pause(" -53 Opening Socket");
     TCPClient_.Send(text + kLineEnd);
@@ -162,7 +162,7 @@ void PeerLink::sendQueuedOrTrace() {
 void PeerLink::queueRetryTick() {
     if (queuedCount() == 0) {
         queueRetry.setEnabled(false);
-        probe_.CloseSocKet();
+        probe_.closeSocket();
         probing_ = false;
         return;
     }
@@ -170,7 +170,7 @@ void PeerLink::queueRetryTick() {
     if (sending_ || frmTCPReConnection.loaded || timShowTCPError.Enabled()) return;
     if (probing_) {
         const bool listening = probe_.LastError().empty();
-        probe_.CloseSocKet();
+        probe_.closeSocket();
         probing_ = false;
         if (listening) {
             sending_ = true;
@@ -273,14 +273,14 @@ void PeerLink::timShowTCPError_Timer() {
     sending_ = false;
 }
 
-void PeerLink::cmdOK_Click() {
+void PeerLink::okClicked() {
     trace(" User Selected OK on TCP Comminications Failure message");
     frmTCPReConnection.cmdOKVisible = false;
     frmTCPReConnection.cmdConnectVisible = false;
     unloadDialog();
 }
 
-void PeerLink::cmdConnect_Click() {
+void PeerLink::connectClicked() {
     frmTCPReConnection.cmdOKVisible = false;
     frmTCPReConnection.cmdConnectVisible = false;
     ++frmTCPReConnection.revision;

@@ -22,7 +22,7 @@ public:
     // Sends the text as it stands, no framing of its own.
     void Send(const std::string& text);
     // Drops the connection; bytes the peer could not take by now are lost.
-    void CloseSocKet();
+    void closeSocket();
     // The last error; empty when the connection stands and everything sent so far
     // went out. A connection still being made when this is read counts as failed,
     // and what was to go on it is dropped, so that a late connection never delivers

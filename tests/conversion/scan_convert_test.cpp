@@ -51,8 +51,8 @@ TEST_F(ScanConvertTest, ACrashedTakeBecomesARecordingOfTheFormatInForceAndEmptyF
     EXPECT_TRUE(operationShown("Start ConvertToMP3"));
     EXPECT_TRUE(operationShown("Stop ConvertToMP3"));
     EXPECT_EQ(scan.view.caption, kRecoveryCaption);
-    EXPECT_EQ(scan.view.Label5, kRecoveredText);
-    EXPECT_EQ(scan.view.Command2Colour, kWorkingColour);
+    EXPECT_EQ(scan.view.recoveredNotice, kRecoveredText);
+    EXPECT_EQ(scan.view.restoreButtonColour, kWorkingColour);
     EXPECT_FALSE(crashStateStored());
 }
 
@@ -130,20 +130,20 @@ TEST_F(ScanConvertTest, AfterAnOrderlyEndTheWindowWaitsForTheUser) {
     scan.Form_Load(ScanMode::ByHand);
     loop.advance(Milliseconds(500));
     EXPECT_TRUE(platform::fileExists(temp() + "/take.tmp"));
-    EXPECT_TRUE(scan.view.Command2Visible);
+    EXPECT_TRUE(scan.view.restoreButtonVisible);
     EXPECT_EQ(scan.view.caption, kByHandCaption);
-    EXPECT_EQ(scan.view.fileBox2, std::vector<std::string>{"take.tmp"});
+    EXPECT_EQ(scan.view.tempFiles, std::vector<std::string>{"take.tmp"});
 
-    scan.Command2_Click();
+    scan.restoreClicked();
     EXPECT_TRUE(platform::fileExists(recordings + "/take-1.MP3"));
-    EXPECT_EQ(scan.view.fileBox2, std::vector<std::string>{});
-    EXPECT_EQ(scan.view.Label5, kRecoveredText);
+    EXPECT_EQ(scan.view.tempFiles, std::vector<std::string>{});
+    EXPECT_EQ(scan.view.recoveredNotice, kRecoveredText);
 
     // Opened again, the window tells nothing of the run before.
     scan.Form_Load(ScanMode::ByHand);
-    EXPECT_EQ(scan.view.Label5, "");
+    EXPECT_EQ(scan.view.recoveredNotice, "");
     EXPECT_TRUE(scan.view.viewEvent.empty());
-    EXPECT_EQ(scan.view.fileBox3, std::vector<std::string>{"take-1.MP3"});
+    EXPECT_EQ(scan.view.recordingFiles, std::vector<std::string>{"take-1.MP3"});
 }
 
 TEST_F(ScanConvertTest, AChosenFileIsConvertedAndKept) {

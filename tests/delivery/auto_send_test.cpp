@@ -52,7 +52,7 @@ struct CompanionSeam : CompanionSender {
 
 struct Screen : DeliveryScreen {
     std::string Label40, lblReady;
-    void showLabel40(const std::string& text) override { Label40 = text; }
+    void showStatusText(const std::string& text) override { Label40 = text; }
     void showLblReady(const std::string& text) override { lblReady = text; }
 };
 
