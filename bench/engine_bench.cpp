@@ -54,8 +54,8 @@ double timedSave(testing::VirtualEventLoop& loop, engine::WaveEditor& editor, co
         ::usleep(1000);
     }
     loop.runPending();
-    if (!editor.lastSaveError().empty()) {
-        std::fprintf(stderr, "save failed: %s\n", editor.lastSaveError().c_str());
+    if (const auto saved = editor.lastSaveResult(); !saved) {
+        std::fprintf(stderr, "save failed: %s\n", saved.error().c_str());
         std::abort();
     }
     return secondsSince(start);
@@ -75,12 +75,12 @@ void measureCaptureStart(const std::string& folder) {
         return;
     }
     testing::RealTimeEventLoop loop;
-    std::string error;
-    auto backend = engine::PulseBackend::connect(loop, error);
-    if (!backend) {
-        std::printf("Record to first sample (sound server): not measured: %s\n", error.c_str());
+    auto connected = engine::PulseBackend::connect(loop);
+    if (!connected) {
+        std::printf("Record to first sample (sound server): not measured: %s\n", connected.error().c_str());
         return;
     }
+    const std::unique_ptr<engine::PulseBackend> backend = std::move(*connected);
     engine::WaveEditor editor(loop, *backend, std::make_shared<engine::Clipboard>(), "latency");
     editor.setTempFileName(folder);
     for (int round = 0; round < 3; ++round) {

@@ -135,10 +135,10 @@ void Dictation::SaveFile() {
         return;
     }
     waitUntilFileIsFree();
-    if (const std::string error = AudioEditor1.lastSaveError(); !error.empty()) {
+    if (const platform::Result<void> written = AudioEditor1.lastSaveResult(); !written) {
         // The work file still holds the take: the next save tries again.
-        saveFailed(state.Filename + " File Save ERROR: " + error, " -71");
-        tellSaveFailed(error);
+        saveFailed(state.Filename + " File Save ERROR: " + written.error(), " -71");
+        tellSaveFailed(written.error());
         return;
     }
     trace("Ending File Save : " + state.Filename);

@@ -50,9 +50,8 @@ public:
     virtual platform::Result<void> startCapture(const PcmFormat& format, CaptureCallback deliver) = 0;
     virtual void stopCapture() = 0;
 
-    // Opens a stream on the current playback device; null, with the reason, on failure.
-    virtual std::unique_ptr<PlaybackStream> openPlayback(const PcmFormat& format,
-                                                         std::string& error) = 0;
+    // Opens a stream on the current playback device.
+    virtual platform::Result<std::unique_ptr<PlaybackStream>> openPlayback(const PcmFormat& format) = 0;
 
     // Plays a short wave file without waiting for it; a prompt cuts off the one before.
     virtual void playPrompt(const std::string& wavePath) = 0;

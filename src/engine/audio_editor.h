@@ -104,10 +104,9 @@ public:
     // Writes the document in the chosen format. The encoding runs off the loop's
     // thread and the file is held locked until it is complete.
     virtual platform::Result<void> SaveAs(const std::string& path) = 0;
-    // The last save has ended (its file is no longer held) and what became of it:
-    // empty when it worked.
+    // The last save has ended (its file is no longer held) and what became of it.
     [[nodiscard]] virtual bool saving() const = 0;
-    [[nodiscard]] virtual std::string lastSaveError() const = 0;
+    [[nodiscard]] virtual platform::Result<void> lastSaveResult() const = 0;
     virtual void Close() = 0;  // harmless with nothing loaded
     // Closes the document and leaves its work file in the folder, for the recovery
     // of a take that could not be saved.

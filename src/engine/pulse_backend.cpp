@@ -6,16 +6,13 @@
 
 namespace ovd::engine {
 
-std::unique_ptr<PulseBackend> PulseBackend::connect(platform::EventLoop& loop, std::string& error,
-                                                    const std::string& server) {
-    std::shared_ptr<PulseConnection> connection = PulseConnection::open(server, error);
-    if (!connection) return nullptr;
-    std::unique_ptr<PulseBackend> backend(new PulseBackend(loop, std::move(connection)));
+platform::Result<std::unique_ptr<PulseBackend>> PulseBackend::connect(platform::EventLoop& loop,
+                                                                      const std::string& server) {
+    auto connection = PulseConnection::open(server);
+    if (!connection) return connection.failed();
+    std::unique_ptr<PulseBackend> backend(new PulseBackend(loop, std::move(*connection)));
     for (PulseDevices* devices : {backend->sources_.get(), backend->sinks_.get()}) {
-        if (platform::Result<void> read = devices->refresh(); !read) {
-            error = read.error();
-            return nullptr;
-        }
+        if (platform::Result<void> read = devices->refresh(); !read) return read.failed();
     }
     return backend;
 }
@@ -73,9 +70,8 @@ void PulseBackend::stopCapture() {
     ending->stop();
 }
 
-std::unique_ptr<PlaybackStream> PulseBackend::openPlayback(const PcmFormat& format,
-                                                           std::string& error) {
-    return PulsePlayback::open(connection_, sinks_->streamDevice(), format, error);
+platform::Result<std::unique_ptr<PlaybackStream>> PulseBackend::openPlayback(const PcmFormat& format) {
+    return PulsePlayback::open(connection_, sinks_->streamDevice(), format);
 }
 
 void PulseBackend::playPrompt(const std::string& wavePath) {

@@ -22,10 +22,10 @@ class PulsePrompts;
 class PulseBackend : public AudioBackend {
 public:
     // Connects to the sound server (server empty: the usual lookup, PULSE_SERVER
-    // first) and reads its devices. Null, with the reason, when no server answers
+    // first) and reads its devices. The reason when no server answers
     // within two seconds: the station then records on the virtual backend.
-    static std::unique_ptr<PulseBackend> connect(platform::EventLoop& loop, std::string& error,
-                                                 const std::string& server = {});
+    static platform::Result<std::unique_ptr<PulseBackend>> connect(platform::EventLoop& loop,
+                                                                   const std::string& server = {});
     ~PulseBackend() override;
     PulseBackend(const PulseBackend&) = delete;
     PulseBackend& operator=(const PulseBackend&) = delete;
@@ -39,8 +39,7 @@ public:
     // Delivers what had already arrived, then nothing more.
     void stopCapture() override;
 
-    std::unique_ptr<PlaybackStream> openPlayback(const PcmFormat& format,
-                                                 std::string& error) override;
+    platform::Result<std::unique_ptr<PlaybackStream>> openPlayback(const PcmFormat& format) override;
 
     // A prompt that cannot be played is skipped: the reason is kept in promptError().
     void playPrompt(const std::string& wavePath) override;

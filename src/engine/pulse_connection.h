@@ -32,8 +32,8 @@ public:
     using ChangeCallback = std::function<void(bool sinksChanged, bool sourcesChanged)>;
 
     // Connects to server (empty: the usual lookup, PULSE_SERVER first) without ever
-    // starting a server; null, with the reason, when none answers in time.
-    static std::shared_ptr<PulseConnection> open(const std::string& server, std::string& error);
+    // starting a server; the reason when none answers in time.
+    static platform::Result<std::shared_ptr<PulseConnection>> open(const std::string& server);
     ~PulseConnection();
     PulseConnection(const PulseConnection&) = delete;
     PulseConnection& operator=(const PulseConnection&) = delete;

@@ -164,23 +164,16 @@ void PulseCapture::onReadable(pa_stream* stream, std::size_t, void* self) {
     }
 }
 
-std::unique_ptr<PulsePlayback> PulsePlayback::open(std::shared_ptr<PulseConnection> connection,
-                                                   const std::string& device,
-                                                   const PcmFormat& format, std::string& error) {
+platform::Result<std::unique_ptr<PlaybackStream>> PulsePlayback::open(
+    std::shared_ptr<PulseConnection> connection, const std::string& device, const PcmFormat& format) {
     const pa_sample_spec spec = sampleSpec(format);
-    if (pa_sample_spec_valid(&spec) == 0) {
-        error = "sound server: unusable playback format";
-        return nullptr;
-    }
+    if (pa_sample_spec_valid(&spec) == 0) return platform::failure("sound server: unusable playback format");
     std::unique_ptr<PulsePlayback> playback(new PulsePlayback(connection, format));
     const PulseConnection::Lock held = connection->lock();
     pa_channel_map map;
     pa_channel_map_init_extend(&map, spec.channels, PA_CHANNEL_MAP_DEFAULT);
     playback->stream_ = pa_stream_new(connection->context(), "Playback", &spec, &map);
-    if (playback->stream_ == nullptr) {
-        error = connection->failure("opening a playback stream").error();
-        return nullptr;
-    }
+    if (playback->stream_ == nullptr) return connection->failure("opening a playback stream").failed();
     pa_stream_set_state_callback(playback->stream_, &wakeOnState, connection.get());
     pa_buffer_attr buffer;
     buffer.maxlength = static_cast<std::uint32_t>(-1);
@@ -191,13 +184,11 @@ std::unique_ptr<PulsePlayback> PulsePlayback::open(std::shared_ptr<PulseConnecti
     if (pa_stream_connect_playback(playback->stream_, deviceOrDefault(device), &buffer,
                                    PA_STREAM_ADJUST_LATENCY, nullptr, nullptr) < 0 ||
         !waitUntilReady(*connection, playback->stream_)) {
-        error =
-            connection->failure("playing on " + (device.empty() ? "the default device" : device))
-                .error();
         releaseStream(playback->stream_);
-        return nullptr;
+        return connection->failure("playing on " + (device.empty() ? "the default device" : device))
+            .failed();
     }
-    return playback;
+    return std::unique_ptr<PlaybackStream>(std::move(playback));
 }
 
 PulsePlayback::~PulsePlayback() {

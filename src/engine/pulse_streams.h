@@ -74,9 +74,8 @@ private:
 
 class PulsePlayback : public PlaybackStream {
 public:
-    static std::unique_ptr<PulsePlayback> open(std::shared_ptr<PulseConnection> connection,
-                                               const std::string& device, const PcmFormat& format,
-                                               std::string& error);
+    static platform::Result<std::unique_ptr<PlaybackStream>> open(
+        std::shared_ptr<PulseConnection> connection, const std::string& device, const PcmFormat& format);
     ~PulsePlayback() override;
     PulsePlayback(const PulsePlayback&) = delete;
     PulsePlayback& operator=(const PulsePlayback&) = delete;

@@ -180,12 +180,9 @@ void VirtualBackend::captureTick() {
     deliver(block.data(), frames);
 }
 
-std::unique_ptr<PlaybackStream> VirtualBackend::openPlayback(const PcmFormat& format, std::string& error) {
-    if (format.sampleRate <= 0 || format.channels <= 0) {
-        error = "unusable playback format";
-        return nullptr;
-    }
-    return std::make_unique<Stream>(*this, format);
+platform::Result<std::unique_ptr<PlaybackStream>> VirtualBackend::openPlayback(const PcmFormat& format) {
+    if (format.sampleRate <= 0 || format.channels <= 0) return platform::failure("unusable playback format");
+    return std::unique_ptr<PlaybackStream>(std::make_unique<Stream>(*this, format));
 }
 
 void VirtualBackend::playPrompt(const std::string& wavePath) {

@@ -30,7 +30,7 @@ public:
     DeviceList& playbackDevices() override;
     platform::Result<void> startCapture(const PcmFormat& format, CaptureCallback deliver) override;
     void stopCapture() override;
-    std::unique_ptr<PlaybackStream> openPlayback(const PcmFormat& format, std::string& error) override;
+    platform::Result<std::unique_ptr<PlaybackStream>> openPlayback(const PcmFormat& format) override;
     void playPrompt(const std::string& wavePath) override;
     // As long as the prompt file lasts, on the loop's clock.
     [[nodiscard]] bool promptPlaying() const override;

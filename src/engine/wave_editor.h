@@ -97,7 +97,7 @@ public:
     platform::Result<void> ConvertSampleType(int samplesPerSecond, int channels);
 
     // The outcome of the last save, once it has finished; empty when it worked.
-    [[nodiscard]] std::string lastSaveError() const override;
+    [[nodiscard]] platform::Result<void> lastSaveResult() const override;
     [[nodiscard]] bool saving() const override { return saving_.load(); }
     // Waits for a running save to end (the station's exit).
     void finishSaving();
@@ -216,7 +216,7 @@ private:
     std::atomic<bool> saving_{false};
     // Written by the save's thread before it lets go of the file.
     mutable std::mutex saveErrorMutex_;
-    std::string lastSaveError_;
+    platform::Result<void> lastSave_;
     unsigned workFilesMade_ = 0;
     // Touched by the save thread while it runs, by the loop's thread once it is joined.
     std::unique_ptr<SaveSession> session_;

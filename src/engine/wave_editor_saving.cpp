@@ -64,9 +64,9 @@ platform::Result<void> writePieces(StreamEncoder& encoder, const PcmFormat& form
 
 }  // namespace
 
-std::string WaveEditor::lastSaveError() const {
+platform::Result<void> WaveEditor::lastSaveResult() const {
     const std::lock_guard lock(saveErrorMutex_);
-    return lastSaveError_;
+    return lastSave_;
 }
 
 void WaveEditor::finishSaving() {
@@ -122,7 +122,7 @@ void WaveEditor::finishSavedFile() {
     if (platform::Result<void> finished = session->encoder->finish(); !finished) {
         session->encoder->rollBack();
         const std::lock_guard lock(saveErrorMutex_);
-        lastSaveError_ = finished.error();
+        lastSave_ = finished;
     }
 }
 
@@ -134,7 +134,7 @@ platform::Result<void> WaveEditor::SaveAs(const std::string& path) {
     // this document, and it stays byte for byte as it is.
     if (!session_ && documentIsOnDisk(path)) {
         const std::lock_guard lock(saveErrorMutex_);
-        lastSaveError_.clear();
+        lastSave_ = platform::Result<void>::success();
         return platform::Result<void>::success();
     }
     // An existing file is locked before this call returns, so whoever waits for it
@@ -170,7 +170,7 @@ platform::Result<void> WaveEditor::SaveAs(const std::string& path) {
     saving_ = true;
     {
         const std::lock_guard lock(saveErrorMutex_);
-        lastSaveError_.clear();
+        lastSave_ = platform::Result<void>::success();
     }
     saveThread_ = std::thread([this, alive = alive_, job = std::move(job), range]() mutable {
         const SaveProgress progress = [this, alive, range](SampleCount done) {
@@ -182,7 +182,7 @@ platform::Result<void> WaveEditor::SaveAs(const std::string& path) {
         {
             // Known before the file is free: whoever waits for the file reads the outcome.
             const std::lock_guard lock(saveErrorMutex_);
-            lastSaveError_ = result ? std::string() : result.error();
+            lastSave_ = result;
             if (result) rememberFileOnDisk(job.path, job.pieces, justSaved_);
         }
         job.lock.release();

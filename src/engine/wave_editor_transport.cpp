@@ -72,9 +72,9 @@ platform::Result<void> WaveEditor::Play(int mode) {
         playFrom_ = 0;
         playTo_ = document_.length();
     }
-    std::string error;
-    stream_ = backend_.openPlayback(document_.format(), error);
-    if (!stream_) return platform::failure(error);
+    auto opened = backend_.openPlayback(document_.format());
+    if (!opened) return opened.failed();
+    stream_ = std::move(*opened);
     fed_ = 0;
     feedPosition_ = playFrom_;
     cursor_ = playFrom_;

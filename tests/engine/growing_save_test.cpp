@@ -98,7 +98,7 @@ protected:
             ::usleep(1000);
         }
         loop.runPending();
-        EXPECT_EQ(dictation.lastSaveError(), "");
+        EXPECT_TRUE(dictation.lastSaveResult()) << dictation.lastSaveResult().error();
         EXPECT_FALSE(platform::fileExists(path + ".partial"));
     }
 

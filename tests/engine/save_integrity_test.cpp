@@ -81,7 +81,7 @@ class SaveIntegrityTest : public ::testing::Test {
             ::usleep(1000);
         }
         loop.runPending();
-        EXPECT_EQ(from.lastSaveError(), "");
+        EXPECT_TRUE(from.lastSaveResult()) << from.lastSaveResult().error();
         EXPECT_FALSE(platform::fileExists(path + ".partial"));
     }
 
@@ -290,7 +290,7 @@ TEST_F(SaveIntegrityTest, TheLettersNameNeverHoldsAnEmptyOrHalfFile) {
         ::usleep(200);
     }
     loop.runPending();
-    ASSERT_EQ(editor.lastSaveError(), "");
+    ASSERT_TRUE(editor.lastSaveResult()) << editor.lastSaveResult().error();
     const auto first = platform::readWholeFile(path);
     ASSERT_TRUE(first.has_value());
     if (seenWhileSaving) {

@@ -34,9 +34,9 @@ TEST(WaveEditorSoundTest, AFilePlayedIntoTheSinkIsRecordedBackWithItsLengthAndPi
     ASSERT_EQ(std::system(("sox -n -r 16000 -c 1 -b 16 '" + tone + "' synth 2 sine 440 vol 0.5").c_str()), 0);
 
     ovd::testing::RealTimeEventLoop loop;
-    std::string error;
-    auto backend = PulseBackend::connect(loop, error);
-    ASSERT_NE(backend, nullptr) << error;
+    auto connected = PulseBackend::connect(loop);
+    ASSERT_TRUE(connected) << connected.error();
+    const std::unique_ptr<PulseBackend> backend = std::move(*connected);
     ASSERT_TRUE(backend->recordingDevices().setCurrent(
         indexNamed(backend->recordingDevices(), PulseDaemon::kMonitorLabel)));
     ASSERT_TRUE(backend->playbackDevices().setCurrent(

@@ -238,7 +238,7 @@ TEST_F(WaveEditorTest, SavingHoldsTheFileUntilItIsCompleteAndTheSavedFileOpensAg
     }
     loop.runPending();
 
-    EXPECT_EQ(dictation.lastSaveError(), "");
+    EXPECT_TRUE(dictation.lastSaveResult()) << dictation.lastSaveResult().error();
     ASSERT_FALSE(phases.empty());
     EXPECT_EQ(phases.front(), BlockOperationEvent::Phase::Start);
     EXPECT_EQ(phases.back(), BlockOperationEvent::Phase::End);
