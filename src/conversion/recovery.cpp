@@ -203,7 +203,7 @@ bool ScanConvert::recoverFirstFile(const std::string& path) {
     const std::string back =
         platform::joinPath(folderFor(FileBox::Back), platform::withoutFolder(*made));
     // A copy cut short by a full disk is no copy.
-    if (!platform::copyFileOver(*made, back)) std::filesystem::remove(back, error);
+    if (!platform::copyFileOver(*made, back).ok()) std::filesystem::remove(back, error);
     std::filesystem::remove(path, error);
     forgetLetterOfWorkFile(path);
     parts_.log.trace("Recovered " + path + " as " + *made);
@@ -233,8 +233,8 @@ void ScanConvert::RenameTemporary(const std::string& path) {
     if (temporaryKind(name) == Temporary::TmpWav) {
         const std::string backup = platform::joinPath(folderFor(FileBox::Save), "BACKUP " + name);
         const std::string back = platform::joinPath(folderFor(FileBox::Back), name);
-        bool kept = platform::copyFileOver(path, backup);
-        if (back != path) kept = platform::copyFileOver(path, back) && kept;
+        bool kept = platform::copyFileOver(path, backup).ok();
+        if (back != path) kept = platform::copyFileOver(path, back).ok() && kept;
         if (kept) {
             std::filesystem::remove(path, error);
             forgetLetterOfWorkFile(path);

@@ -164,7 +164,7 @@ AutoSend::CopyOutcome AutoSend::copyStep(int n, const std::string& source,
         }
         lblReady(std::string("Sending File to Destination ") + kNumberWords[index(n)]);
         // A copy that fails shows as a copy that never becomes available.
-        platform::copyFileOver(source, target);
+        (void)platform::copyFileOver(source, target);
         const bool copied = waitForCopy(target, kCopyTags[index(n)]);
         if (sendAction && !platform::fileExists(target)) {
             trace(wording.missingTrace);
@@ -219,7 +219,8 @@ void AutoSend::stage(Staging staging, const std::string& source) {
         platform::joinPath(config_.record.CaptureFilePath.toText(), email ? "EmailTemp" : "FTPTemp");
     platform::createFolder(folder);
     const std::string baseName = platform::withoutFolder(source);
-    platform::copyFileOver(source, platform::joinPath(folder, baseName));
+    // A copy that fails leaves nothing for the companion to send; the letter itself stays.
+    (void)platform::copyFileOver(source, platform::joinPath(folder, baseName));
     screen_.showStatusText(email ? "File is ready to EMail" : "File is ready to FTP");
     trace(baseName + (email ? " File is ready to Email" : " File is ready to FTP"));
 }

@@ -49,14 +49,13 @@ std::string PeerLink::today() const {
 }
 
 bool PeerLink::start() {
-    std::string reason;
-    if (!tcpServer.listen(orderPort_, reason)) {
+    if (const platform::Result<void> listening = tcpServer.listen(orderPort_); !listening) {
         const std::string text = "Error starting Port: " + std::string(" ") +
                                  std::to_string(orderPort_) +
                                  " -Server listener. Port already in use. Program will end";
         prompts_.showMessage(text, settings::kProductTitle, platform::Severity::Critical);
         trace(text);
-        trace("Order listener: " + reason);
+        trace("Order listener: " + listening.error());
         return false;
     }
     trace("TCP order listener on port " + std::to_string(orderPort_) + ", peer " +

@@ -229,8 +229,9 @@ void Dictation::SaveFileAs() {
     // Copied beside the new name and moved onto it once complete, as every save
     // is written: a crash leaves no half file under the name the author chose.
     const std::string partial = *chosen + ".partial";
-    std::string reason;
-    bool copied = platform::copyFileOver(state.SaveOldFileName, partial, &reason);
+    const platform::Result<void> copy = platform::copyFileOver(state.SaveOldFileName, partial);
+    bool copied = copy.ok();
+    std::string reason = copy.error();
     if (copied && std::rename(partial.c_str(), chosen->c_str()) != 0) {
         copied = false;
         reason = std::strerror(errno);

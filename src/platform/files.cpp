@@ -78,11 +78,11 @@ std::vector<std::string> filesInFolder(const std::string& folder) {
     return names;
 }
 
-bool copyFileOver(const std::string& from, const std::string& to, std::string* reason) {
+Result<void> copyFileOver(const std::string& from, const std::string& to) {
     std::error_code error;
     std::filesystem::copy_file(from, to, std::filesystem::copy_options::overwrite_existing, error);
-    if (error && reason != nullptr) *reason = error.message();
-    return !error;
+    if (error) return failure(error.message());
+    return Result<void>::success();
 }
 
 std::optional<std::uintmax_t> fileSize(const std::string& path) {
