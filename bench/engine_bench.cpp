@@ -46,7 +46,8 @@ void record(testing::VirtualEventLoop& loop, engine::WaveEditor& editor, int sec
     editor.Stop();
 }
 
-double timedSave(testing::VirtualEventLoop& loop, engine::WaveEditor& editor, const std::string& path) {
+double timedSave(testing::VirtualEventLoop& loop, engine::WaveEditor& editor,
+                 const std::string& path) {
     const auto start = Clock::now();
     if (!editor.SaveAs(path).ok()) std::abort();
     while (editor.saving() || !platform::FileAvailable(path)) {
@@ -71,13 +72,15 @@ double timedCommand(const std::string& command) {
 void measureCaptureStart(const std::string& folder) {
     testing::PulseDaemon daemon;
     if (!daemon.running()) {
-        std::printf("Record to first sample (sound server): not measured: %s\n", daemon.error().c_str());
+        std::printf("Record to first sample (sound server): not measured: %s\n",
+                    daemon.error().c_str());
         return;
     }
     testing::RealTimeEventLoop loop;
     auto connected = engine::PulseBackend::connect(loop);
     if (!connected) {
-        std::printf("Record to first sample (sound server): not measured: %s\n", connected.error().c_str());
+        std::printf("Record to first sample (sound server): not measured: %s\n",
+                    connected.error().c_str());
         return;
     }
     const std::unique_ptr<engine::PulseBackend> backend = std::move(*connected);
@@ -98,7 +101,8 @@ void measureCaptureStart(const std::string& folder) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const std::string folder = argc > 1 ? argv[1] : std::filesystem::temp_directory_path().string() + "/ovd-bench";
+    const std::string folder =
+        argc > 1 ? argv[1] : std::filesystem::temp_directory_path().string() + "/ovd-bench";
     std::filesystem::create_directories(folder);
     measureCaptureStart(folder);
 
@@ -175,7 +179,8 @@ int main(int argc, char** argv) {
     const long before = residentKilobytes();
     record(loop, day, 8 * 3600);
     std::printf("8 h at 16 kHz mono: resident %.1f MB (%.1f MB before the take)\n",
-                static_cast<double>(residentKilobytes()) / 1024.0, static_cast<double>(before) / 1024.0);
+                static_cast<double>(residentKilobytes()) / 1024.0,
+                static_cast<double>(before) / 1024.0);
     day.Close();
     std::filesystem::remove_all(folder);
     return 0;

@@ -21,7 +21,8 @@ enum class Temporary { No, Tmp, TmpWav };
 Temporary temporaryKind(const std::string& name) {
     const std::string upper = platform::toUpper(name);
     const auto endsWith = [&upper](const std::string& tail) {
-        return upper.size() > tail.size() && upper.compare(upper.size() - tail.size(), tail.size(), tail) == 0;
+        return upper.size() > tail.size() &&
+               upper.compare(upper.size() - tail.size(), tail.size(), tail) == 0;
     };
     if (endsWith(".TMP.WAV")) return Temporary::TmpWav;
     if (endsWith(".TMP")) return Temporary::Tmp;

@@ -19,14 +19,20 @@ ScanConvert::ScanConvert(ScanConvertParts parts)
     recoveryDelay.setOnTick([this] { recoveryDelayTick(); });
 }
 
-std::string ScanConvert::recordings() const { return parts_.config.record.CaptureFilePath.toText(); }
+std::string ScanConvert::recordings() const {
+    return parts_.config.record.CaptureFilePath.toText();
+}
 
 std::string ScanConvert::folderFor(FileBox box) const {
     switch (box) {
-        case FileBox::Save: return platform::joinPath(recordings(), "Save");
-        case FileBox::Temp: return platform::joinPath(recordings(), "Temp");
-        case FileBox::Recordings: return recordings();
-        case FileBox::Back: return platform::joinPath(recordings(), "BACK");
+        case FileBox::Save:
+            return platform::joinPath(recordings(), "Save");
+        case FileBox::Temp:
+            return platform::joinPath(recordings(), "Temp");
+        case FileBox::Recordings:
+            return recordings();
+        case FileBox::Back:
+            return platform::joinPath(recordings(), "BACK");
     }
     return recordings();
 }
@@ -101,8 +107,9 @@ void ScanConvert::ConvertChosenFile() {
     platform::FileRequest request;
     request.title = "Convert a recording";
     request.initialFolder = recordings();
-    request.filters = {{"Audio Files", {"*.wav", "*.mp3", "*.mp2", "*.wma", "*.vox", "*.raw", "*.tmp"}},
-                       {"All Files", {"*"}}};
+    request.filters = {
+        {"Audio Files", {"*.wav", "*.mp3", "*.mp2", "*.wma", "*.vox", "*.raw", "*.tmp"}},
+        {"All Files", {"*"}}};
     const auto chosen = parts_.prompts.chooseFile(request);
     if (!chosen || chosen->empty()) return;
     SetConverterFormat();

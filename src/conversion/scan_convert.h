@@ -49,12 +49,12 @@ enum class FileBox {
 
 struct ScanConvertView {
     std::string caption = kByHandCaption;
-    std::string tempFolderText;        // Label1: the Temp folder
-    std::string recordingsFolderText;  // Label2: the recordings folder
-    std::string backFolderText;        // Label3: the BACK folder
-    std::string saveFolderText;        // Label4: the Save folder
-    std::string recoveredNotice;       // Label5: "Temporary Files RECOVERED"
-    std::string currentFileText;       // Label6: the file being made
+    std::string tempFolderText;               // Label1: the Temp folder
+    std::string recordingsFolderText;         // Label2: the recordings folder
+    std::string backFolderText;               // Label3: the BACK folder
+    std::string saveFolderText;               // Label4: the Save folder
+    std::string recoveredNotice;              // Label5: "Temporary Files RECOVERED"
+    std::string currentFileText;              // Label6: the file being made
     std::vector<std::string> saveFiles;       // fileBox1
     std::vector<std::string> tempFiles;       // fileBox2
     std::vector<std::string> recordingFiles;  // fileBox3
@@ -83,7 +83,7 @@ struct ScanConvertParts {
 };
 
 class ScanConvert {
-public:
+  public:
     explicit ScanConvert(ScanConvertParts parts);
     ScanConvert(const ScanConvert&) = delete;
     ScanConvert& operator=(const ScanConvert&) = delete;
@@ -129,7 +129,7 @@ public:
     // The recovery is over: the main window takes commands again.
     std::function<void()> onRecovered;
 
-private:
+  private:
     // The folders under the recordings folder.
     [[nodiscard]] std::string recordings() const;
     [[nodiscard]] std::string folderFor(FileBox box) const;

@@ -38,15 +38,18 @@ bool AutoSendCompanion::running() const { return platform::ProcessRunning(kProgr
 void AutoSendCompanion::start() {
     if (running()) return;
     if (!installed()) {
-        log_.trace(std::string(kProgramName) + " is not installed beside the station; staged files wait in place");
+        log_.trace(std::string(kProgramName) +
+                   " is not installed beside the station; staged files wait in place");
         return;
     }
-    auto child = platform::ChildProcess::start(loop_, programPath(), {"--data-folder", dataFolder_});
+    auto child =
+        platform::ChildProcess::start(loop_, programPath(), {"--data-folder", dataFolder_});
     if (!child) {
         log_.trace("Could not start " + std::string(kProgramName) + ": " + child.error());
         return;
     }
-    log_.trace("Started " + std::string(kProgramName) + " (process " + std::to_string((*child)->pid()) + ")");
+    log_.trace("Started " + std::string(kProgramName) + " (process " +
+               std::to_string((*child)->pid()) + ")");
     keep(std::move(*child));
 }
 

@@ -17,7 +17,7 @@ namespace ovd::delivery {
 
 // What the delivery needs of the companion: is it running, start it, stop it.
 class CompanionSender {
-public:
+  public:
     virtual ~CompanionSender() = default;
     [[nodiscard]] virtual bool running() const = 0;
     virtual void start() = 0;
@@ -25,7 +25,7 @@ public:
 };
 
 class AutoSendCompanion : public CompanionSender {
-public:
+  public:
     static constexpr const char* kProgramName = "orvane-autosend";
 
     // binaryFolder: where the station's own program is installed.
@@ -43,7 +43,7 @@ public:
     // few seconds is logged. The station does not wait for it.
     void stop() override;
 
-private:
+  private:
     [[nodiscard]] std::string programPath() const;
     // Holds a started program until it ends, so that its end is collected.
     void keep(std::unique_ptr<platform::ChildProcess> child);
@@ -61,7 +61,7 @@ inline constexpr const char* kManuallyStartAutoSend = "Manually Start AutoSend";
 // The menu item mnAutoSend: its caption follows the companion (tmchkAutoSend looks
 // twice a second), and a click starts or stops it by hand.
 class AutoSendMenu {
-public:
+  public:
     AutoSendMenu(platform::EventLoop& loop, const settings::SettingsRecord& settings,
                  CompanionSender& companion);
 
@@ -74,7 +74,7 @@ public:
     std::string Caption = kManuallyStartAutoSend;
     platform::Timer tmchkAutoSend;
 
-private:
+  private:
     const settings::SettingsRecord& settings_;
     CompanionSender& companion_;
 };

@@ -150,7 +150,8 @@ platform::Result<void> OrderListener::listen(int port) {
     close();
     auto socket = listeningSocket(AF_INET6, port);
     // A machine without IPv6 still hears its peer on IPv4.
-    if (!socket && socket.error() != std::strerror(EADDRINUSE)) socket = listeningSocket(AF_INET, port);
+    if (!socket && socket.error() != std::strerror(EADDRINUSE))
+        socket = listeningSocket(AF_INET, port);
     if (!socket) return socket.failed();
     listenFd_ = *socket;
     listenWatch_ = loop_.watchFd(listenFd_, platform::FdEvent::Readable, [this] { accept(); });

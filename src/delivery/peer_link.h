@@ -106,8 +106,8 @@ class PeerLink {
     [[nodiscard]] double retries() const { return TCPRetries; }
 
     // ---- Upward: the station wires these ----
-    std::function<void()> onExitOrder;   // TCPSaysExit
-    std::function<void()> onCloseOrder;  // TCPSaysClose
+    std::function<void()> onExitOrder;                       // TCPSaysExit
+    std::function<void()> onCloseOrder;                      // TCPSaysClose
     std::function<void(const std::string&)> showStatusText;  // showLabel40
     // The main window's timers are held off while the user's reconnection runs.
     std::function<void()> holdTimers;

@@ -11,7 +11,7 @@
 namespace ovd::delivery {
 
 class TCPClient {
-public:
+  public:
     explicit TCPClient(platform::EventLoop& loop);
     ~TCPClient();
     TCPClient(const TCPClient&) = delete;
@@ -29,7 +29,7 @@ public:
     // a message the station already queued for a resend.
     [[nodiscard]] std::string LastError();
 
-private:
+  private:
     enum class Phase { Closed, Connecting, Connected, Failed };
     // Takes up a finished connection attempt and writes what is waiting.
     void settle();

@@ -7,8 +7,8 @@
 
 #include <cerrno>
 #include <chrono>
-#include <utility>
 #include <cstring>
+#include <utility>
 
 #include "settings/ini_store.h"
 

@@ -78,8 +78,9 @@ platform::Result<void> AudioConverter::start() {
     cancelled_.store(false);
     busy_.store(true);
     Job job{sourcePath_, sourceHint_, targetPath_, target_, comment_};
-    worker_ = std::thread([this, lockedTarget = std::move(*locked), job = std::move(job), source = std::move(givenSource_),
-                           onComplete = onComplete_, alive = alive_]() mutable {
+    worker_ = std::thread([this, lockedTarget = std::move(*locked), job = std::move(job),
+                           source = std::move(givenSource_), onComplete = onComplete_,
+                           alive = alive_]() mutable {
         platform::Result<void> result = platform::Result<void>::success();
         if (!source) {
             std::string error;
@@ -87,11 +88,12 @@ platform::Result<void> AudioConverter::start() {
             if (!source) result = platform::failure(error);
         }
         if (source) {
-            result = encodeIntoLockedFile(*source, lockedTarget.fd(), job.targetPath, job.target, job.comment,
-                                          [this](double fraction) {
-                                              percent_.store(static_cast<int>(std::floor(fraction * 100.0)));
-                                              return !cancelled_.load();
-                                          });
+            result = encodeIntoLockedFile(
+                *source, lockedTarget.fd(), job.targetPath, job.target, job.comment,
+                [this](double fraction) {
+                    percent_.store(static_cast<int>(std::floor(fraction * 100.0)));
+                    return !cancelled_.load();
+                });
         } else {
             ::unlink(job.targetPath.c_str());  // nothing was converted: no target either
         }

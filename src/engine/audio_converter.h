@@ -19,7 +19,7 @@
 namespace ovd::engine {
 
 class AudioConverter {
-public:
+  public:
     // Runs on the loop's thread once the work is over: success, or the reason.
     using Completion = std::function<void(const platform::Result<void>&)>;
 
@@ -52,7 +52,7 @@ public:
     // The reason the last conversion failed; empty after a success.
     [[nodiscard]] std::string error() const;
 
-private:
+  private:
     void run(int lockFd, std::unique_ptr<PcmSource> source);
 
     platform::EventLoop& loop_;

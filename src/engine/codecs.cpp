@@ -19,7 +19,8 @@ namespace ovd::engine {
 namespace {
 
 // The rates the MP3 encoder takes (MPEG 1, 2 and 2.5).
-constexpr std::array<int, 9> kMp3Rates = {8000, 11025, 12000, 16000, 22050, 24000, 32000, 44100, 48000};
+constexpr std::array<int, 9> kMp3Rates = {8000,  11025, 12000, 16000, 22050,
+                                          24000, 32000, 44100, 48000};
 // MPEG layer II has no 2.5 extension: nothing under 16 kHz.
 constexpr std::array<int, 6> kMp2Rates = {16000, 22050, 24000, 32000, 44100, 48000};
 constexpr int kWmaHighestRate = 48000;
@@ -77,11 +78,12 @@ platform::Result<platform::LockedFile> openLockedForWriting(const std::string& p
 }
 
 platform::Result<void> encodeIntoLockedFile(PcmSource& source, int fd, const std::string& path,
-                                  const TargetFormat& target, const std::string& comment,
-                                  const ProgressCallback& progress) {
+                                            const TargetFormat& target, const std::string& comment,
+                                            const ProgressCallback& progress) {
     const auto giveUp = [&](platform::Result<void> failed) {
         // Readers that still have the file open must not find half a recording either.
-        if (::ftruncate(fd, 0) != 0) { /* the unlink below still takes the name away */ }
+        if (::ftruncate(fd, 0) != 0) { /* the unlink below still takes the name away */
+        }
         ::unlink(path.c_str());
         return failed;
     };
@@ -94,12 +96,15 @@ platform::Result<void> encodeIntoLockedFile(PcmSource& source, int fd, const std
 
     const SampleCount total = source.frames();
     const EncodeJob job{*pcm, target, comment, [&] {
-        if (!progress) return true;
-        const double fraction = total > 0 ? static_cast<double>(pcm->sourceFramesRead()) / static_cast<double>(total) : 1.0;
-        return progress(std::min(fraction, 1.0));
-    }};
+                            if (!progress) return true;
+                            const double fraction =
+                                total > 0 ? static_cast<double>(pcm->sourceFramesRead()) /
+                                                static_cast<double>(total)
+                                          : 1.0;
+                            return progress(std::min(fraction, 1.0));
+                        }};
     platform::Result<void> result = throughFfmpeg(target.word) ? encodeWithFfmpeg(job, fd, path)
-                                                     : encodeWithSndfile(job, fd, path);
+                                                               : encodeWithSndfile(job, fd, path);
     if (result && !pcm->error().empty()) result = platform::failure(pcm->error());
     // A dictation counts as saved once it would survive a power cut.
     if (result && ::fsync(fd) != 0) {
@@ -110,8 +115,9 @@ platform::Result<void> encodeIntoLockedFile(PcmSource& source, int fd, const std
     return result;
 }
 
-platform::Result<void> encodeFile(PcmSource& source, const std::string& path, const TargetFormat& target,
-                        const std::string& comment, const ProgressCallback& progress) {
+platform::Result<void> encodeFile(PcmSource& source, const std::string& path,
+                                  const TargetFormat& target, const std::string& comment,
+                                  const ProgressCallback& progress) {
     auto locked = openLockedForWriting(path);
     if (!locked) return locked.failed();
     // The lock goes as this returns: the file is complete, or gone.

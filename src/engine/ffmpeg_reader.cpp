@@ -30,25 +30,31 @@ struct ResamplerCloser {
 std::string upperFirstName(const char* names) {
     std::string text(names ? names : "");
     text = text.substr(0, text.find(','));
-    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
     return text;
 }
 
 // The format word of what was found; other audio is named by its container.
 std::string formatNameOf(AVCodecID codec, const AVInputFormat* container) {
     switch (codec) {
-        case AV_CODEC_ID_MP2: return "MP2";
-        case AV_CODEC_ID_MP3: return "MP3";
+        case AV_CODEC_ID_MP2:
+            return "MP2";
+        case AV_CODEC_ID_MP3:
+            return "MP3";
         case AV_CODEC_ID_WMAV1:
-        case AV_CODEC_ID_WMAV2: return "WMA";
-        case AV_CODEC_ID_GSM_MS: return "DSP";
-        default: break;
+        case AV_CODEC_ID_WMAV2:
+            return "WMA";
+        case AV_CODEC_ID_GSM_MS:
+            return "DSP";
+        default:
+            break;
     }
     return upperFirstName(container ? container->name : nullptr);
 }
 
 class FfmpegReader : public AudioFileReader {
-public:
+  public:
     platform::Result<void> open(const std::string& path) {
         AVFormatContext* input = nullptr;
         int code = avformat_open_input(&input, path.c_str(), nullptr, nullptr);
@@ -58,7 +64,8 @@ public:
         if (code < 0) return failure(path, code);
         const AVCodec* codec = nullptr;
         stream_ = av_find_best_stream(input_.get(), AVMEDIA_TYPE_AUDIO, -1, -1, &codec, 0);
-        if (stream_ < 0 || !codec) return failure(path, stream_ < 0 ? stream_ : AVERROR_DECODER_NOT_FOUND);
+        if (stream_ < 0 || !codec)
+            return failure(path, stream_ < 0 ? stream_ : AVERROR_DECODER_NOT_FOUND);
         const AVStream* stream = input_->streams[stream_];
         decoder_.reset(avcodec_alloc_context3(codec));
         if (!decoder_) return failure(path, AVERROR(ENOMEM));
@@ -92,16 +99,17 @@ public:
                 if (!decodeMore()) break;
                 continue;
             }
-            const std::size_t take = std::min((pending_.size() - pendingStart_) / channels, frameCount - done);
-            std::copy_n(pending_.begin() + static_cast<std::ptrdiff_t>(pendingStart_), take * channels,
-                        out + done * channels);
+            const std::size_t take =
+                std::min((pending_.size() - pendingStart_) / channels, frameCount - done);
+            std::copy_n(pending_.begin() + static_cast<std::ptrdiff_t>(pendingStart_),
+                        take * channels, out + done * channels);
             pendingStart_ += take * channels;
             done += take;
         }
         return done;
     }
 
-private:
+  private:
     static platform::Result<void> failure(const std::string& path, int code) {
         return platform::failure("can't read " + path + ": " + ffmpegErrorText(code));
     }
@@ -165,7 +173,8 @@ private:
         pending_.resize(before + static_cast<std::size_t>(room) * channels);
         auto* target = reinterpret_cast<std::uint8_t*>(pending_.data() + before);
         const int made = swr_convert(converter_.get(), &target, room,
-                                     const_cast<const std::uint8_t**>(frame_->extended_data), frame_->nb_samples);
+                                     const_cast<const std::uint8_t**>(frame_->extended_data),
+                                     frame_->nb_samples);
         pending_.resize(before + static_cast<std::size_t>(std::max(made, 0)) * channels);
         return made >= 0;
     }
@@ -192,7 +201,8 @@ private:
         av_channel_layout_default(&out, format_.channels);
         SwrContext* context = nullptr;
         int code = swr_alloc_set_opts2(&context, &out, AV_SAMPLE_FMT_S16, format_.sampleRate, &in,
-                                       static_cast<AVSampleFormat>(frame_->format), frame_->sample_rate, 0, nullptr);
+                                       static_cast<AVSampleFormat>(frame_->format),
+                                       frame_->sample_rate, 0, nullptr);
         av_channel_layout_uninit(&in);
         av_channel_layout_uninit(&out);
         converter_.reset(context);

@@ -42,7 +42,8 @@ PulseBackend::~PulseBackend() {
 DeviceList& PulseBackend::recordingDevices() { return *sources_; }
 DeviceList& PulseBackend::playbackDevices() { return *sinks_; }
 
-platform::Result<void> PulseBackend::startCapture(const PcmFormat& format, CaptureCallback deliver) {
+platform::Result<void> PulseBackend::startCapture(const PcmFormat& format,
+                                                  CaptureCallback deliver) {
     stopCapture();
     std::string error;
     capture_ = PulseCapture::start(connection_, loop_, sources_->streamDevice(), format,
@@ -70,7 +71,8 @@ void PulseBackend::stopCapture() {
     ending->stop();
 }
 
-platform::Result<std::unique_ptr<PlaybackStream>> PulseBackend::openPlayback(const PcmFormat& format) {
+platform::Result<std::unique_ptr<PlaybackStream>> PulseBackend::openPlayback(
+    const PcmFormat& format) {
     return PulsePlayback::open(connection_, sinks_->streamDevice(), format);
 }
 

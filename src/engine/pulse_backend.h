@@ -20,7 +20,7 @@ class PulseDevices;
 class PulsePrompts;
 
 class PulseBackend : public AudioBackend {
-public:
+  public:
     // Connects to the sound server (server empty: the usual lookup, PULSE_SERVER
     // first) and reads its devices. The reason when no server answers
     // within two seconds: the station then records on the virtual backend.
@@ -39,7 +39,8 @@ public:
     // Delivers what had already arrived, then nothing more.
     void stopCapture() override;
 
-    platform::Result<std::unique_ptr<PlaybackStream>> openPlayback(const PcmFormat& format) override;
+    platform::Result<std::unique_ptr<PlaybackStream>> openPlayback(
+        const PcmFormat& format) override;
 
     // A prompt that cannot be played is skipped: the reason is kept in promptError().
     void playPrompt(const std::string& wavePath) override;
@@ -48,7 +49,7 @@ public:
     // True until the last prompt has sounded to its end (or was cut off).
     [[nodiscard]] bool promptPlaying() const override;
 
-private:
+  private:
     PulseBackend(platform::EventLoop& loop, std::shared_ptr<PulseConnection> connection);
     // After the sources were read again: a capture whose device has gone ends here.
     void checkCaptureDevice();

@@ -41,10 +41,12 @@ PulseConnection::Lock::Lock(pa_threaded_mainloop* mainloop) : mainloop_(mainloop
 
 PulseConnection::Lock::~Lock() { pa_threaded_mainloop_unlock(mainloop_); }
 
-platform::Result<std::shared_ptr<PulseConnection>> PulseConnection::open(const std::string& server) {
+platform::Result<std::shared_ptr<PulseConnection>> PulseConnection::open(
+    const std::string& server) {
     std::shared_ptr<PulseConnection> connection(new PulseConnection());
     connection->mainloop_ = pa_threaded_mainloop_new();
-    if (connection->mainloop_ == nullptr) return platform::failure("sound server: cannot create the sound thread");
+    if (connection->mainloop_ == nullptr)
+        return platform::failure("sound server: cannot create the sound thread");
     pa_proplist* properties = pa_proplist_new();
     pa_proplist_sets(properties, PA_PROP_APPLICATION_NAME, "Orvane Voice Desk");
     pa_proplist_sets(properties, PA_PROP_APPLICATION_ID, "orvane-voice-desk");
@@ -52,7 +54,8 @@ platform::Result<std::shared_ptr<PulseConnection>> PulseConnection::open(const s
     connection->context_ = pa_context_new_with_proplist(
         pa_threaded_mainloop_get_api(connection->mainloop_), "Orvane Voice Desk", properties);
     pa_proplist_free(properties);
-    if (connection->context_ == nullptr) return platform::failure("sound server: cannot create a client context");
+    if (connection->context_ == nullptr)
+        return platform::failure("sound server: cannot create a client context");
     pa_context_set_state_callback(connection->context_, &PulseConnectionCallbacks::contextState,
                                   connection.get());
     // Never start a server of our own: without one the station records on the virtual backend.
@@ -60,7 +63,8 @@ platform::Result<std::shared_ptr<PulseConnection>> PulseConnection::open(const s
                            PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0) {
         return platform::failure("sound server: " + connection->lastError());
     }
-    if (pa_threaded_mainloop_start(connection->mainloop_) < 0) return platform::failure("sound server: cannot start the sound thread");
+    if (pa_threaded_mainloop_start(connection->mainloop_) < 0)
+        return platform::failure("sound server: cannot start the sound thread");
     const Lock held = connection->lock();
     pa_context* context = connection->context_;
     const bool settled = connection->waitUntil([context] {
@@ -70,7 +74,8 @@ platform::Result<std::shared_ptr<PulseConnection>> PulseConnection::open(const s
     if (pa_context_get_state(context) != PA_CONTEXT_READY) {
         return platform::failure(settled ? "sound server: " + connection->lastError()
                                          : "sound server: no answer within " +
-                                               std::to_string(kAnswerTimeout.count() / 1000) + " seconds");
+                                               std::to_string(kAnswerTimeout.count() / 1000) +
+                                               " seconds");
     }
     pa_context_set_subscribe_callback(context, &PulseConnectionCallbacks::serverEvent,
                                       connection.get());

@@ -22,7 +22,7 @@ struct pa_threaded_mainloop;
 namespace ovd::engine {
 
 class PulseConnection {
-public:
+  public:
     // How long the station waits for any answer of the server.
     static constexpr std::chrono::milliseconds kAnswerTimeout{2000};
 
@@ -40,13 +40,13 @@ public:
 
     // Held by the station's thread around every call into the library.
     class [[nodiscard]] Lock {
-    public:
+      public:
         explicit Lock(pa_threaded_mainloop* mainloop);
         ~Lock();
         Lock(const Lock&) = delete;
         Lock& operator=(const Lock&) = delete;
 
-    private:
+      private:
         pa_threaded_mainloop* mainloop_;
     };
     [[nodiscard]] Lock lock() const { return Lock(mainloop_); }
@@ -63,7 +63,7 @@ public:
     // With the lock held: runs a call that reports success, and waits for its answer.
     // start gets the callback and its user data and returns the library's operation.
     platform::Result<void> call(const std::string& what,
-                      const std::function<pa_operation*(SuccessCallback, void*)>& start);
+                                const std::function<pa_operation*(SuccessCallback, void*)>& start);
 
     // The library's text for the last failure on this connection.
     [[nodiscard]] std::string lastError() const;
@@ -73,7 +73,7 @@ public:
     // With the lock held: who hears of device changes (empty to stop hearing).
     void setOnChange(ChangeCallback onChange) { onChange_ = std::move(onChange); }
 
-private:
+  private:
     friend struct PulseConnectionCallbacks;
     PulseConnection() = default;
 

@@ -226,7 +226,8 @@ int PulseDevices::SourceCurrent() const {
 platform::Result<void> PulseDevices::setSourceCurrent(int index) {
     const Device* device = lineOwner(index);
     if (device == nullptr) return platform::failure("no such source line");
-    if (device->portNames.empty() || device->activePort == index) return platform::Result<void>::success();
+    if (device->portNames.empty() || device->activePort == index)
+        return platform::Result<void>::success();
     const std::uint32_t serverIndex = device->serverIndex;
     const std::string port = device->portNames[static_cast<std::size_t>(index)];
     {
@@ -296,7 +297,7 @@ platform::Result<void> PulseDevices::setBalance(int index, int balance) {
 }
 
 platform::Result<void> PulseDevices::applyVolumes(const Device& device,
-                                        const std::vector<std::uint32_t>& volumes) {
+                                                  const std::vector<std::uint32_t>& volumes) {
     const std::uint32_t serverIndex = device.serverIndex;
     const pa_cvolume values = serverVolumes(volumes);
     {

@@ -25,7 +25,7 @@ class PulseConnection;
 enum class DeviceDirection { Recording, Playback };
 
 class PulseDevices : public DeviceList, public std::enable_shared_from_this<PulseDevices> {
-public:
+  public:
     PulseDevices(std::shared_ptr<PulseConnection> connection, DeviceDirection direction);
 
     // Reads the devices and the server's default device again (one round trip).
@@ -75,11 +75,12 @@ public:
         bool mute = false;
     };
 
-private:
+  private:
     [[nodiscard]] const Device* currentDevice() const;
     // The current device when index names one of its lines.
     [[nodiscard]] const Device* lineOwner(int index) const;
-    platform::Result<void> applyVolumes(const Device& device, const std::vector<std::uint32_t>& volumes);
+    platform::Result<void> applyVolumes(const Device& device,
+                                        const std::vector<std::uint32_t>& volumes);
 
     std::shared_ptr<PulseConnection> connection_;
     DeviceDirection direction_;

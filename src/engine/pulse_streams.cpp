@@ -165,15 +165,18 @@ void PulseCapture::onReadable(pa_stream* stream, std::size_t, void* self) {
 }
 
 platform::Result<std::unique_ptr<PlaybackStream>> PulsePlayback::open(
-    std::shared_ptr<PulseConnection> connection, const std::string& device, const PcmFormat& format) {
+    std::shared_ptr<PulseConnection> connection, const std::string& device,
+    const PcmFormat& format) {
     const pa_sample_spec spec = sampleSpec(format);
-    if (pa_sample_spec_valid(&spec) == 0) return platform::failure("sound server: unusable playback format");
+    if (pa_sample_spec_valid(&spec) == 0)
+        return platform::failure("sound server: unusable playback format");
     std::unique_ptr<PulsePlayback> playback(new PulsePlayback(connection, format));
     const PulseConnection::Lock held = connection->lock();
     pa_channel_map map;
     pa_channel_map_init_extend(&map, spec.channels, PA_CHANNEL_MAP_DEFAULT);
     playback->stream_ = pa_stream_new(connection->context(), "Playback", &spec, &map);
-    if (playback->stream_ == nullptr) return connection->failure("opening a playback stream").failed();
+    if (playback->stream_ == nullptr)
+        return connection->failure("opening a playback stream").failed();
     pa_stream_set_state_callback(playback->stream_, &wakeOnState, connection.get());
     pa_buffer_attr buffer;
     buffer.maxlength = static_cast<std::uint32_t>(-1);

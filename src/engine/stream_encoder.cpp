@@ -22,7 +22,7 @@ namespace {
 
 // 16-bit frames behind a header that is brought up to date at every sync.
 class WaveStream final : public EncodedStream {
-public:
+  public:
     static_assert(std::endian::native == std::endian::little,
                   "wave data are written as the samples lie in memory");
 
@@ -49,8 +49,9 @@ public:
 
     [[nodiscard]] bool copiesFrames() const override { return true; }
 
-    platform::Result<void> appendCopied(SampleCount frameCount,
-                              const std::function<platform::Result<void>(int fd)>& copy) override {
+    platform::Result<void> appendCopied(
+        SampleCount frameCount,
+        const std::function<platform::Result<void>(int fd)>& copy) override {
         if (platform::Result<void> copied = copy(fd_); !copied) return copied;
         dataBytes_ += static_cast<std::uint64_t>(frameCount) * frameBytes_;
         return platform::Result<void>::success();
@@ -66,7 +67,7 @@ public:
 
     platform::Result<void> finish() override { return sync(); }
 
-private:
+  private:
     const int fd_;
     const std::string path_;
     const PcmFormat format_;
@@ -77,7 +78,8 @@ private:
 
 }  // namespace
 
-platform::Result<void> EncodedStream::appendCopied(SampleCount, const std::function<platform::Result<void>(int)>&) {
+platform::Result<void> EncodedStream::appendCopied(
+    SampleCount, const std::function<platform::Result<void>(int)>&) {
     return platform::failure("this format can't take frames as they are");
 }
 
@@ -144,16 +146,18 @@ bool StreamEncoder::copiesSourceFrames() const {
     return stream_->copiesFrames() && source_ == encoded_;
 }
 
-platform::Result<void> StreamEncoder::appendCopied(SampleCount frameCount,
-                                         const std::function<platform::Result<void>(int)>& copy) {
+platform::Result<void> StreamEncoder::appendCopied(
+    SampleCount frameCount, const std::function<platform::Result<void>(int)>& copy) {
     if (!copiesSourceFrames()) return platform::failure("the file takes converted frames only");
-    if (platform::Result<void> copied = stream_->appendCopied(frameCount, copy); !copied) return copied;
+    if (platform::Result<void> copied = stream_->appendCopied(frameCount, copy); !copied)
+        return copied;
     sourceFrames_ += frameCount;
     encodedFrames_ += frameCount;
     return platform::Result<void>::success();
 }
 
-platform::Result<void> StreamEncoder::writeEncoded(const std::int16_t* frames, std::size_t frameCount) {
+platform::Result<void> StreamEncoder::writeEncoded(const std::int16_t* frames,
+                                                   std::size_t frameCount) {
     encodedFrames_ += static_cast<SampleCount>(frameCount);
     return stream_->write(frames, frameCount);
 }
@@ -195,8 +199,7 @@ platform::Result<void> StreamEncoder::finish() {
     if (resampler_) {
         converted_.clear();
         std::string error;
-        if (!resampler_->convert(nullptr, 0, converted_, error))
-            return platform::failure(error);
+        if (!resampler_->convert(nullptr, 0, converted_, error)) return platform::failure(error);
         // A converted take lasts exactly as long as the original: the converter's
         // rounding at the end is cut off or filled with silence.
         const auto width = static_cast<std::size_t>(encoded_.channels);
@@ -205,16 +208,19 @@ platform::Result<void> StreamEncoder::finish() {
             0.5L);
         const SampleCount missing = std::max<SampleCount>(expected - encodedFrames_, 0);
         converted_.resize(static_cast<std::size_t>(missing) * width, 0);
-        if (platform::Result<void> written = writeEncoded(converted_.data(), converted_.size() / width);
+        if (platform::Result<void> written =
+                writeEncoded(converted_.data(), converted_.size() / width);
             !written)
             return written;
     }
     if (encodedFrames_ == 0 && !stream_->copiesFrames()) {
         // A coded file with no frame at all is one no player opens: a letter the
         // author emptied is saved as a millisecond of silence instead.
-        converted_.assign(static_cast<std::size_t>(encoded_.sampleRate / 1000 * encoded_.channels), 0);
+        converted_.assign(static_cast<std::size_t>(encoded_.sampleRate / 1000 * encoded_.channels),
+                          0);
         const auto frames = converted_.size() / static_cast<std::size_t>(encoded_.channels);
-        if (platform::Result<void> written = writeEncoded(converted_.data(), frames); !written) return written;
+        if (platform::Result<void> written = writeEncoded(converted_.data(), frames); !written)
+            return written;
     }
     if (platform::Result<void> finished = stream_->finish(); !finished) return finished;
     return persist();

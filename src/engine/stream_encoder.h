@@ -19,7 +19,7 @@ class EncodedStream;
 class Resampler;
 
 class StreamEncoder {
-public:
+  public:
     [[nodiscard]] static bool supports(const TargetFormat& target);
     // Starts the file in fd (open for reading and writing, empty); the encoder owns
     // the descriptor from here on, and closes it when it can't start. It never
@@ -41,7 +41,7 @@ public:
     // Where copiesSourceFrames(): frameCount source frames put at the end of the
     // file by `copy`, which writes them to the descriptor it is given.
     platform::Result<void> appendCopied(SampleCount frameCount,
-                              const std::function<platform::Result<void>(int fd)>& copy);
+                                        const std::function<platform::Result<void>(int fd)>& copy);
     // Everything complete so far is in the file and on the disk, and the file's
     // header says how long it is.
     platform::Result<void> sync();
@@ -52,7 +52,7 @@ public:
     // Whether fd is open on this same file, whatever its name has become since.
     [[nodiscard]] bool sameFileAs(int fd) const;
 
-private:
+  private:
     StreamEncoder(int fd, const PcmFormat& source, const PcmFormat& encoded);
     platform::Result<void> writeEncoded(const std::int16_t* frames, std::size_t frameCount);
     platform::Result<void> persist();

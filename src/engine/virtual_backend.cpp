@@ -14,15 +14,17 @@ namespace {
 constexpr int kTickMs = 10;
 constexpr double kPlaybackBufferSeconds = 0.2;
 
-platform::Milliseconds elapsedSince(platform::EventLoop& loop, platform::WallClock::time_point start) {
+platform::Milliseconds elapsedSince(platform::EventLoop& loop,
+                                    platform::WallClock::time_point start) {
     return std::chrono::duration_cast<platform::Milliseconds>(loop.now() - start);
 }
 }  // namespace
 
 // One fixed device with one line: volume and mute are kept, and do nothing.
 class VirtualBackend::Devices : public DeviceList {
-public:
-    Devices(std::string device, std::string line) : device_(std::move(device)), line_(std::move(line)) {}
+  public:
+    Devices(std::string device, std::string line)
+        : device_(std::move(device)), line_(std::move(line)) {}
     [[nodiscard]] int Count() const override { return 1; }
     [[nodiscard]] int Current() const override { return 0; }
     platform::Result<void> setCurrent(int index) override { return check(index); }
@@ -30,7 +32,9 @@ public:
     [[nodiscard]] int SourceCount() const override { return 1; }
     [[nodiscard]] int SourceCurrent() const override { return 0; }
     platform::Result<void> setSourceCurrent(int index) override { return check(index); }
-    [[nodiscard]] std::string SourceName(int index) const override { return index == 0 ? line_ : ""; }
+    [[nodiscard]] std::string SourceName(int index) const override {
+        return index == 0 ? line_ : "";
+    }
     [[nodiscard]] bool HasVolume(int) const override { return true; }
     [[nodiscard]] int Volume(int) const override { return volume_; }
     platform::Result<void> setVolume(int index, int volume) override {
@@ -48,7 +52,7 @@ public:
         return check(index);
     }
 
-private:
+  private:
     static platform::Result<void> check(int index) {
         return index == 0 ? platform::Result<void>::success() : platform::failure("no such device");
     }
@@ -61,7 +65,7 @@ private:
 
 // Plays at the clock's pace into the backend's record of what was heard.
 class VirtualBackend::Stream : public PlaybackStream {
-public:
+  public:
     Stream(VirtualBackend& owner, const PcmFormat& format)
         : owner_(owner), format_(format), start_(owner.loop_.now()) {}
 
@@ -75,7 +79,8 @@ public:
                               frames + frameCount * static_cast<std::size_t>(format_.channels));
     }
     [[nodiscard]] SampleCount played() const override {
-        const auto running = pausedAt_ ? *pausedAt_ : elapsedSince(owner_.loop_, start_) - pausedFor_;
+        const auto running =
+            pausedAt_ ? *pausedAt_ : elapsedSince(owner_.loop_, start_) - pausedFor_;
         const SampleCount byClock = running.count() * format_.sampleRate / 1000;
         return std::min(written_, byClock);
     }
@@ -88,7 +93,7 @@ public:
         }
     }
 
-private:
+  private:
     VirtualBackend& owner_;
     PcmFormat format_;
     platform::WallClock::time_point start_;
@@ -112,7 +117,8 @@ VirtualBackend::~VirtualBackend() = default;
 DeviceList& VirtualBackend::recordingDevices() { return *inputs_; }
 DeviceList& VirtualBackend::playbackDevices() { return *outputs_; }
 
-platform::Result<void> VirtualBackend::startCapture(const PcmFormat& format, CaptureCallback deliver) {
+platform::Result<void> VirtualBackend::startCapture(const PcmFormat& format,
+                                                    CaptureCallback deliver) {
     if (format.sampleRate <= 0 || format.channels <= 0) {
         return platform::failure("unusable capture format");
     }
@@ -127,12 +133,14 @@ platform::Result<void> VirtualBackend::startCapture(const PcmFormat& format, Cap
         if (!reader) return platform::failure("virtual microphone: " + error);
         if (!(reader->format() == format)) {
             return platform::failure("virtual microphone: " + options_.inputFile +
-                                         " is not at the recording's rate and channels");
+                                     " is not at the recording's rate and channels");
         }
         std::vector<std::int16_t> chunk(4096 * static_cast<std::size_t>(format.channels));
         while (const std::size_t got = reader->read(chunk.data(), 4096)) {
-            inputSamples_.insert(inputSamples_.end(), chunk.begin(),
-                                 chunk.begin() + static_cast<std::ptrdiff_t>(got * static_cast<std::size_t>(format.channels)));
+            inputSamples_.insert(
+                inputSamples_.end(), chunk.begin(),
+                chunk.begin() +
+                    static_cast<std::ptrdiff_t>(got * static_cast<std::size_t>(format.channels)));
         }
         if (inputSamples_.empty()) return platform::failure("virtual microphone: empty input file");
     }
@@ -162,7 +170,8 @@ void VirtualBackend::fillInput(std::int16_t* out, std::size_t frames) {
     }
     const double step = 2.0 * std::numbers::pi * options_.toneHz / captureFormat_.sampleRate;
     for (std::size_t frame = 0; frame < frames; ++frame) {
-        const auto value = static_cast<std::int16_t>(std::lround(std::sin(phase_) * options_.toneLevel * 32767.0));
+        const auto value =
+            static_cast<std::int16_t>(std::lround(std::sin(phase_) * options_.toneLevel * 32767.0));
         phase_ = std::fmod(phase_ + step, 2.0 * std::numbers::pi);
         std::fill_n(out + frame * channels, channels, value);
     }
@@ -170,7 +179,8 @@ void VirtualBackend::fillInput(std::int16_t* out, std::size_t frames) {
 
 void VirtualBackend::captureTick() {
     if (!deliver_) return;
-    const SampleCount due = elapsedSince(loop_, captureStart_).count() * captureFormat_.sampleRate / 1000;
+    const SampleCount due =
+        elapsedSince(loop_, captureStart_).count() * captureFormat_.sampleRate / 1000;
     if (due <= captured_) return;
     const auto frames = static_cast<std::size_t>(due - captured_);
     std::vector<std::int16_t> block(frames * static_cast<std::size_t>(captureFormat_.channels));
@@ -180,8 +190,10 @@ void VirtualBackend::captureTick() {
     deliver(block.data(), frames);
 }
 
-platform::Result<std::unique_ptr<PlaybackStream>> VirtualBackend::openPlayback(const PcmFormat& format) {
-    if (format.sampleRate <= 0 || format.channels <= 0) return platform::failure("unusable playback format");
+platform::Result<std::unique_ptr<PlaybackStream>> VirtualBackend::openPlayback(
+    const PcmFormat& format) {
+    if (format.sampleRate <= 0 || format.channels <= 0)
+        return platform::failure("unusable playback format");
     return std::unique_ptr<PlaybackStream>(std::make_unique<Stream>(*this, format));
 }
 

@@ -146,7 +146,8 @@ platform::Result<void> WaveEditor::Paste() {
     if (!(clipboard_->format == document_.format())) {
         // Cut at another rate or channel count: converted into this document's work file.
         DocumentSource source(clipboard_->format, clipboard_->pieces);
-        if (platform::Result<void> converted = appendSource(source, "Pasting", pieces); !converted) return converted;
+        if (platform::Result<void> converted = appendSource(source, "Pasting", pieces); !converted)
+            return converted;
     }
     SampleCount range = 0;
     for (const Piece& piece : pieces) range += piece.length;
@@ -162,7 +163,8 @@ platform::Result<void> WaveEditor::PasteFile(const std::string& path) {
     if (state_ != EditorState::Stopped) return platform::failure("stop first");
     if (!workFile_) return platform::failure("no document");
     PieceList added;
-    if (platform::Result<void> appended = appendFile(path, "Pasting File", added); !appended) return appended;
+    if (platform::Result<void> appended = appendFile(path, "Pasting File", added); !appended)
+        return appended;
     rememberForUndo();
     selectionActive_ = false;
     insertPieces(cursor_, added);

@@ -40,7 +40,7 @@
 namespace ovd::engine {
 
 class WaveEditor : public AudioEditor {
-public:
+  public:
     WaveEditor(platform::EventLoop& loop, AudioBackend& backend,
                std::shared_ptr<Clipboard> clipboard, std::string name);
     ~WaveEditor() override;
@@ -111,7 +111,7 @@ public:
         return document_.read(position, out, frameCount);
     }
 
-private:
+  private:
     struct Snapshot {
         PieceList pieces;
         SampleCount cursor = 0;
@@ -141,15 +141,16 @@ private:
         TargetFormat target;
         std::string comment;
         PcmFormat format;
-        PieceList pieces;                 // the whole document
-        std::optional<PieceList> added;   // set when the job adds these to the session's file
-        platform::LockedFile lock;        // not held for a file that does not exist yet
+        PieceList pieces;                // the whole document
+        std::optional<PieceList> added;  // set when the job adds these to the session's file
+        platform::LockedFile lock;       // not held for a file that does not exist yet
         bool keepGrowing = false;  // the take goes on: keep the encoder open for the next save
     };
     using SaveProgress = std::function<void(SampleCount done)>;
     platform::Result<void> startDocument(const PcmFormat& format);
     void dropDocument(bool removeWorkFile);
-    platform::Result<void> appendFile(const std::string& path, const char* operation, PieceList& added);
+    platform::Result<void> appendFile(const std::string& path, const char* operation,
+                                      PieceList& added);
     // Copies audio into the work file, converted to the document's rate and channels.
     platform::Result<void> appendSource(PcmSource& source, const char* operation, PieceList& added);
     void rememberForUndo();
@@ -163,8 +164,8 @@ private:
     static void rememberFileOnDisk(const std::string& path, const PieceList& pieces,
                                    std::optional<FileOnDisk>& into);
     void reportTrouble(const std::string& text);
-    void emitBlock(BlockOperationEvent::Phase phase, const std::string& operation, SampleCount position,
-                   SampleCount range);
+    void emitBlock(BlockOperationEvent::Phase phase, const std::string& operation,
+                   SampleCount position, SampleCount range);
     platform::Result<void> saveWhole(const SaveJob& job, const SaveProgress& progress);
     platform::Result<void> addToSavedFile(const SaveJob& job, const SaveProgress& progress);
     void syncTick();
@@ -208,8 +209,8 @@ private:
     int playMode_ = 0;
     SampleCount playFrom_ = 0;
     SampleCount playTo_ = 0;
-    SampleCount fed_ = 0;          // frames handed to the stream since the play began
-    SampleCount feedPosition_ = 0; // document position of the next frame to hand over
+    SampleCount fed_ = 0;           // frames handed to the stream since the play began
+    SampleCount feedPosition_ = 0;  // document position of the next frame to hand over
 
     // Saving.
     std::thread saveThread_;

@@ -18,20 +18,21 @@ constexpr std::size_t kCopyFrames = 64 * 1024;
 constexpr const char* kWorkFileExtension = ".tmp";
 }  // namespace
 
-std::string WaveEditor::TempFileName() const {
-    return workFile_ ? workFile_->path() : tempFolder_;
-}
+std::string WaveEditor::TempFileName() const { return workFile_ ? workFile_->path() : tempFolder_; }
 
 void WaveEditor::setTempFileName(const std::string& folderOrPath) {
     // A path ending in the work file extension names the file; anything else is the folder.
     const std::filesystem::path given(folderOrPath);
-    tempFolder_ = given.extension() == kWorkFileExtension ? given.parent_path().string() : folderOrPath;
+    tempFolder_ =
+        given.extension() == kWorkFileExtension ? given.parent_path().string() : folderOrPath;
 }
 
 platform::Result<void> WaveEditor::startDocument(const PcmFormat& format) {
     Close();
-    const std::string folder = tempFolder_.empty() ? std::filesystem::temp_directory_path().string() : tempFolder_;
-    if (!platform::createFolder(folder)) return platform::failure("can't make the folder " + folder);
+    const std::string folder =
+        tempFolder_.empty() ? std::filesystem::temp_directory_path().string() : tempFolder_;
+    if (!platform::createFolder(folder))
+        return platform::failure("can't make the folder " + folder);
     // The process id keeps two stations on one folder apart; the counter, this
     // editor's successive documents.
     const std::string name = "ovd" + std::to_string(::getpid()) + "-" + name_ + "-" +
@@ -64,17 +65,21 @@ platform::Result<void> WaveEditor::ConvertSampleType(int samplesPerSecond, int c
     DocumentSource old(from, document_.pieces());
     const std::string name = formatName_;
     const double cursorSeconds = static_cast<double>(cursor_) / from.sampleRate;
-    if (platform::Result<void> started = startDocument({samplesPerSecond, channels}); !started) return started;
+    if (platform::Result<void> started = startDocument({samplesPerSecond, channels}); !started)
+        return started;
     PieceList converted;
-    if (platform::Result<void> appended = appendSource(old, "Converting", converted); !appended) return appended;
+    if (platform::Result<void> appended = appendSource(old, "Converting", converted); !appended)
+        return appended;
     document_.replaceAll(converted);
     formatName_ = name;
-    cursor_ = std::min(document_.length(), static_cast<SampleCount>(cursorSeconds * samplesPerSecond));
+    cursor_ =
+        std::min(document_.length(), static_cast<SampleCount>(cursorSeconds * samplesPerSecond));
     viewChanged();
     return platform::Result<void>::success();
 }
 
-platform::Result<void> WaveEditor::appendSource(PcmSource& source, const char* operation, PieceList& added) {
+platform::Result<void> WaveEditor::appendSource(PcmSource& source, const char* operation,
+                                                PieceList& added) {
     // Audio of another rate or channel count is brought to the document's on the way in.
     std::unique_ptr<ConvertingSource> converted;
     PcmSource* input = &source;
@@ -87,7 +92,8 @@ platform::Result<void> WaveEditor::appendSource(PcmSource& source, const char* o
     const SampleCount range = input->frames();
     emitBlock(BlockOperationEvent::Phase::Start, operation, 0, range);
     const SampleCount first = workFile_->frames();
-    std::vector<std::int16_t> block(kCopyFrames * static_cast<std::size_t>(document_.format().channels));
+    std::vector<std::int16_t> block(kCopyFrames *
+                                    static_cast<std::size_t>(document_.format().channels));
     SampleCount copied = 0;
     while (const std::size_t got = input->read(block.data(), kCopyFrames)) {
         workFile_->append(block.data(), got);
@@ -101,15 +107,18 @@ platform::Result<void> WaveEditor::appendSource(PcmSource& source, const char* o
     return platform::Result<void>::success();
 }
 
-platform::Result<void> WaveEditor::appendFile(const std::string& path, const char* operation, PieceList& added) {
+platform::Result<void> WaveEditor::appendFile(const std::string& path, const char* operation,
+                                              PieceList& added) {
     std::string error;
     TargetFormat hint = chosen_;
     auto reader = AudioFileReader::open(path, error, &hint);
     if (!reader) return platform::failure(error);
     if (!workFile_) {
-        if (platform::Result<void> started = startDocument(reader->format()); !started) return started;
+        if (platform::Result<void> started = startDocument(reader->format()); !started)
+            return started;
     }
-    if (platform::Result<void> appended = appendSource(*reader, operation, added); !appended) return appended;
+    if (platform::Result<void> appended = appendSource(*reader, operation, added); !appended)
+        return appended;
     if (formatName_.empty()) formatName_ = reader->formatName();
     return platform::Result<void>::success();
 }

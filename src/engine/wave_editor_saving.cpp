@@ -35,8 +35,9 @@ SampleCount framesIn(const PieceList& pieces) {
 
 // The pieces at the end of the encoder's file: copied as they lie in the work
 // files where the file takes the document's own frames, encoded otherwise.
-platform::Result<void> writePieces(StreamEncoder& encoder, const PcmFormat& format, const PieceList& pieces,
-                         const std::function<void(SampleCount)>& progress) {
+platform::Result<void> writePieces(StreamEncoder& encoder, const PcmFormat& format,
+                                   const PieceList& pieces,
+                                   const std::function<void(SampleCount)>& progress) {
     SampleCount done = 0;
     if (encoder.copiesSourceFrames()) {
         for (const Piece& piece : pieces) {
@@ -55,7 +56,8 @@ platform::Result<void> writePieces(StreamEncoder& encoder, const PcmFormat& form
     DocumentSource source(format, pieces);
     std::vector<std::int16_t> block(kBlockFrames * static_cast<std::size_t>(format.channels));
     while (const std::size_t got = source.read(block.data(), kBlockFrames)) {
-        if (platform::Result<void> written = encoder.write(block.data(), got); !written) return written;
+        if (platform::Result<void> written = encoder.write(block.data(), got); !written)
+            return written;
         done += static_cast<SampleCount>(got);
         progress(done);
     }
@@ -157,9 +159,9 @@ platform::Result<void> WaveEditor::SaveAs(const std::string& path) {
                 std::move(existing),
                 state_ == EditorState::Recording};
     if (session_) {
-        if (session_->path == path && job.lock.held() && session_->encoder->sameFileAs(job.lock.fd()) &&
-            session_->target == job.target && session_->comment == job.comment &&
-            session_->format == job.format) {
+        if (session_->path == path && job.lock.held() &&
+            session_->encoder->sameFileAs(job.lock.fd()) && session_->target == job.target &&
+            session_->comment == job.comment && session_->format == job.format) {
             job.added = piecesAddedTo(session_->saved, job.pieces);
         }
         // Saved whole, here or elsewhere: the file the session grew is completed first.
@@ -178,7 +180,8 @@ platform::Result<void> WaveEditor::SaveAs(const std::string& path) {
                 if (*alive) emitBlock(BlockOperationEvent::Phase::Progress, kSaving, done, range);
             });
         };
-        platform::Result<void> result = job.added ? addToSavedFile(job, progress) : saveWhole(job, progress);
+        platform::Result<void> result =
+            job.added ? addToSavedFile(job, progress) : saveWhole(job, progress);
         {
             // Known before the file is free: whoever waits for the file reads the outcome.
             const std::lock_guard lock(saveErrorMutex_);
@@ -195,7 +198,8 @@ platform::Result<void> WaveEditor::SaveAs(const std::string& path) {
     return platform::Result<void>::success();
 }
 
-platform::Result<void> WaveEditor::addToSavedFile(const SaveJob& job, const SaveProgress& progress) {
+platform::Result<void> WaveEditor::addToSavedFile(const SaveJob& job,
+                                                  const SaveProgress& progress) {
     SaveSession& session = *session_;
     // Added in place: the header counts only what the last sync completed, so the
     // file reads whole up to the last save at every moment.

@@ -46,8 +46,10 @@ void WaveEditor::onCaptured(const std::int16_t* frames, std::size_t frameCount) 
     selectionStart_ = selectionEnd_ = cursor_;
     if (onLevel) {
         int peak = 0;
-        const std::size_t samples = frameCount * static_cast<std::size_t>(document_.format().channels);
-        for (std::size_t i = 0; i < samples; ++i) peak = std::max(peak, std::abs(static_cast<int>(frames[i])));
+        const std::size_t samples =
+            frameCount * static_cast<std::size_t>(document_.format().channels);
+        for (std::size_t i = 0; i < samples; ++i)
+            peak = std::max(peak, std::abs(static_cast<int>(frames[i])));
         onLevel(peak * 100 / 32768);
     }
 }
@@ -65,10 +67,13 @@ platform::Result<void> WaveEditor::Play(int mode) {
     Stop();
     playMode_ = mode;
     const bool selection = selectionActive_ && selectionStart_ != selectionEnd_;
-    playFrom_ = selection && mode != kPlayToEnd ? std::min(selectionStart_, selectionEnd_) : cursor_;
-    playTo_ = selection && mode != kPlayToEnd ? std::max(selectionStart_, selectionEnd_) : document_.length();
+    playFrom_ =
+        selection && mode != kPlayToEnd ? std::min(selectionStart_, selectionEnd_) : cursor_;
+    playTo_ = selection && mode != kPlayToEnd ? std::max(selectionStart_, selectionEnd_)
+                                              : document_.length();
     if (playFrom_ >= playTo_) {
-        if (mode != kPlayLooped || document_.length() == 0) return platform::Result<void>::success();
+        if (mode != kPlayLooped || document_.length() == 0)
+            return platform::Result<void>::success();
         playFrom_ = 0;
         playTo_ = document_.length();
     }
@@ -94,7 +99,8 @@ void WaveEditor::feedTick() {
             if (playMode_ != kPlayLooped) break;
             feedPosition_ = playFrom_;
         }
-        const std::size_t want = std::min<std::size_t>(room, static_cast<std::size_t>(playTo_ - feedPosition_));
+        const std::size_t want =
+            std::min<std::size_t>(room, static_cast<std::size_t>(playTo_ - feedPosition_));
         block.resize(want * channels);
         const std::size_t got = document_.read(feedPosition_, block.data(), want);
         if (got == 0) break;

@@ -36,14 +36,15 @@ bool copyBytes(int from, off_t offset, int to, std::uint64_t bytes) {
             }
             // Across file systems, or one that does not take part (some report
             // nothing copied rather than an error): the plain way.
-            if (n < 0 && errno != EXDEV && errno != EINVAL && errno != ENOSYS && errno != EOPNOTSUPP &&
-                errno != EBADF) {
+            if (n < 0 && errno != EXDEV && errno != EINVAL && errno != ENOSYS &&
+                errno != EOPNOTSUPP && errno != EBADF) {
                 return false;
             }
             inKernel = false;
             buffer.resize(1 << 20);
         }
-        const ssize_t got = ::pread(from, buffer.data(), std::min<std::uint64_t>(bytes, buffer.size()), offset);
+        const ssize_t got =
+            ::pread(from, buffer.data(), std::min<std::uint64_t>(bytes, buffer.size()), offset);
         if (got < 0 && errno == EINTR) continue;
         if (got <= 0) return false;
         if (!writeAll(to, buffer.data(), static_cast<std::size_t>(got))) return false;
@@ -65,8 +66,8 @@ platform::Result<std::shared_ptr<WorkFile>> WorkFile::create(const std::string& 
     // Held for the file's life: the recovery of work files takes only those nobody holds.
     auto locked = platform::LockedFile::lock(fd);
     if (!locked) {
-        return platform::failure("the work file " + path + " is held by another program: " +
-                                 locked.error());
+        return platform::failure("the work file " + path +
+                                 " is held by another program: " + locked.error());
     }
     std::shared_ptr<WorkFile> file(new WorkFile(path, std::move(*locked), format));
     if (const platform::Result<void> written = file->writeHeader(); !written) {
@@ -97,8 +98,8 @@ SampleCount WorkFile::append(const std::int16_t* frames, std::size_t frameCount)
     bool full = false;
     {
         const std::lock_guard lock(mutex_);
-        start = framesOnDisk_ +
-                static_cast<SampleCount>(pending_.size() / static_cast<std::size_t>(format_.channels));
+        start = framesOnDisk_ + static_cast<SampleCount>(
+                                    pending_.size() / static_cast<std::size_t>(format_.channels));
         pending_.insert(pending_.end(), frames,
                         frames + frameCount * static_cast<std::size_t>(format_.channels));
         full = pending_.size() >= kPendingLimitSamples;
@@ -110,12 +111,14 @@ SampleCount WorkFile::append(const std::int16_t* frames, std::size_t frameCount)
 platform::Result<void> WorkFile::writeBuffered() {
     const std::lock_guard lock(mutex_);
     if (pending_.empty()) return platform::Result<void>::success();
-    const auto offset = static_cast<off_t>(kHeaderBytes + static_cast<std::size_t>(framesOnDisk_) * frameBytes_);
+    const auto offset =
+        static_cast<off_t>(kHeaderBytes + static_cast<std::size_t>(framesOnDisk_) * frameBytes_);
     const std::size_t bytes = pending_.size() * sizeof(std::int16_t);
     const auto* data = reinterpret_cast<const char*>(pending_.data());
     std::size_t done = 0;
     while (done < bytes) {
-        const ssize_t n = ::pwrite(fd_, data + done, bytes - done, offset + static_cast<off_t>(done));
+        const ssize_t n =
+            ::pwrite(fd_, data + done, bytes - done, offset + static_cast<off_t>(done));
         if (n < 0) {
             if (errno == EINTR) continue;
             // What could not be written stays buffered for the next try: a full
@@ -124,7 +127,8 @@ platform::Result<void> WorkFile::writeBuffered() {
         }
         done += static_cast<std::size_t>(n);
     }
-    framesOnDisk_ += static_cast<SampleCount>(pending_.size() / static_cast<std::size_t>(format_.channels));
+    framesOnDisk_ +=
+        static_cast<SampleCount>(pending_.size() / static_cast<std::size_t>(format_.channels));
     pending_.clear();
     return platform::Result<void>::success();
 }
@@ -156,18 +160,21 @@ std::size_t WorkFile::read(SampleCount start, std::int16_t* out, std::size_t fra
     if (start < framesOnDisk_) {
         const std::size_t fromDisk =
             std::min<std::size_t>(frameCount, static_cast<std::size_t>(framesOnDisk_ - start));
-        const auto offset = static_cast<off_t>(kHeaderBytes + static_cast<std::size_t>(start) * frameBytes_);
+        const auto offset =
+            static_cast<off_t>(kHeaderBytes + static_cast<std::size_t>(start) * frameBytes_);
         const ssize_t n = ::pread(fd_, out, fromDisk * frameBytes_, offset);
         if (n <= 0) return 0;
         delivered = static_cast<std::size_t>(n) / frameBytes_;
         if (delivered < fromDisk) return delivered;
     }
-    const SampleCount pendingStart = std::max<SampleCount>(0, start + static_cast<SampleCount>(delivered) - framesOnDisk_);
+    const SampleCount pendingStart =
+        std::max<SampleCount>(0, start + static_cast<SampleCount>(delivered) - framesOnDisk_);
     const std::size_t pendingFrames = pending_.size() / channels;
     if (static_cast<std::size_t>(pendingStart) < pendingFrames && delivered < frameCount) {
-        const std::size_t fromMemory =
-            std::min(frameCount - delivered, pendingFrames - static_cast<std::size_t>(pendingStart));
-        std::copy_n(pending_.begin() + static_cast<std::ptrdiff_t>(static_cast<std::size_t>(pendingStart) * channels),
+        const std::size_t fromMemory = std::min(
+            frameCount - delivered, pendingFrames - static_cast<std::size_t>(pendingStart));
+        std::copy_n(pending_.begin() + static_cast<std::ptrdiff_t>(
+                                           static_cast<std::size_t>(pendingStart) * channels),
                     fromMemory * channels, out + delivered * channels);
         delivered += fromMemory;
     }
@@ -193,20 +200,26 @@ platform::Result<void> WorkFile::copyTo(int fd, SampleCount start, SampleCount f
                     count = frameCount;
                     fromMemory.assign(static_cast<std::size_t>(count) * channels, 0);
                 } else {
-                    const auto first = pending_.begin() + static_cast<std::ptrdiff_t>(static_cast<std::size_t>(index) * channels);
-                    fromMemory.assign(first, first + static_cast<std::ptrdiff_t>(static_cast<std::size_t>(count) * channels));
+                    const auto first =
+                        pending_.begin() +
+                        static_cast<std::ptrdiff_t>(static_cast<std::size_t>(index) * channels);
+                    fromMemory.assign(
+                        first, first + static_cast<std::ptrdiff_t>(static_cast<std::size_t>(count) *
+                                                                   channels));
                 }
             }
         }
         bool copied = false;
         if (start < onDisk) {
             count = std::min(frameCount, onDisk - start);
-            const auto offset = static_cast<off_t>(kHeaderBytes + static_cast<std::size_t>(start) * frameBytes_);
+            const auto offset =
+                static_cast<off_t>(kHeaderBytes + static_cast<std::size_t>(start) * frameBytes_);
             copied = copyBytes(fd_, offset, fd, static_cast<std::uint64_t>(count) * frameBytes_);
         } else {
             copied = writeAll(fd, fromMemory.data(), fromMemory.size() * sizeof(std::int16_t));
         }
-        if (!copied) return platform::failure(systemError("can't copy from the work file " + path_));
+        if (!copied)
+            return platform::failure(systemError("can't copy from the work file " + path_));
         start += count;
         frameCount -= count;
     }

@@ -18,7 +18,7 @@
 namespace ovd::engine {
 
 class WorkFile {
-public:
+  public:
     // Creates the file (replacing any of that name) with an empty data chunk.
     static platform::Result<std::shared_ptr<WorkFile>> create(const std::string& path,
                                                               const PcmFormat& format);
@@ -47,7 +47,7 @@ public:
 
     static constexpr std::size_t kHeaderBytes = 44;
 
-private:
+  private:
     WorkFile(std::string path, platform::LockedFile file, const PcmFormat& format);
     platform::Result<void> writeBuffered();
     platform::Result<void> writeHeader();

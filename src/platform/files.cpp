@@ -7,8 +7,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -101,8 +101,7 @@ std::optional<std::string> readWholeFile(const std::string& path) {
 }
 
 namespace {
-bool writeWithMode(const std::string& path, const std::string& text, mode_t mode,
-                   bool forceMode) {
+bool writeWithMode(const std::string& path, const std::string& text, mode_t mode, bool forceMode) {
     const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, mode);
     if (fd < 0) return false;
     if (forceMode) ::fchmod(fd, mode);

@@ -22,7 +22,8 @@ std::optional<InstanceLock> InstanceLock::take(const std::string& dataFolder) {
     if (!locked) return std::nullopt;
     // The holder's number, so that a second start can tell the user which process to end.
     const std::string number = std::to_string(::getpid()) + "\n";
-    if (::ftruncate(locked->fd(), 0) == 0) (void)writeAll(locked->fd(), number.data(), number.size());
+    if (::ftruncate(locked->fd(), 0) == 0)
+        (void)writeAll(locked->fd(), number.data(), number.size());
     return InstanceLock(std::move(*locked));
 }
 

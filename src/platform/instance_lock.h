@@ -12,7 +12,7 @@
 namespace ovd::platform {
 
 class InstanceLock {
-public:
+  public:
     // The lock, or nothing when another process holds it. A folder where the
     // lock file can't be made counts as free: the station runs rather than refuse.
     static std::optional<InstanceLock> take(const std::string& dataFolder);
@@ -20,7 +20,7 @@ public:
     // there; nothing when it can't be told.
     static std::optional<long> holder(const std::string& dataFolder);
 
-private:
+  private:
     explicit InstanceLock(LockedFile file) : file_(std::move(file)) {}
     LockedFile file_;
 };

@@ -12,7 +12,7 @@
 namespace ovd::platform {
 
 class LockedFile {
-public:
+  public:
     // Nothing open and nothing held.
     LockedFile() = default;
 
@@ -36,7 +36,7 @@ public:
     // Closes the file, which lets go of the lock.
     void release();
 
-private:
+  private:
     explicit LockedFile(int fd) : fd_(fd) {}
     int fd_ = -1;
 };

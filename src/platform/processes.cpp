@@ -23,9 +23,7 @@ namespace {
 
 // A descriptor that becomes readable when the process ends; the process stays
 // ours to reap. Also good for a child that has ended already and is not reaped.
-int openPidFd(pid_t pid) {
-    return static_cast<int>(::syscall(SYS_pidfd_open, pid, 0));
-}
+int openPidFd(pid_t pid) { return static_cast<int>(::syscall(SYS_pidfd_open, pid, 0)); }
 
 }  // namespace
 
@@ -50,7 +48,8 @@ Result<std::unique_ptr<ChildProcess>> ChildProcess::start(EventLoop& loop, const
     ChildProcess* self = child.get();
     child->watch_ = loop.watchFd(pidFd, FdEvent::Readable, [self] { self->reap(); });
     if (timeout) {
-        child->deadline_ = loop.startRepeating(*timeout, [self, limit = *timeout] { self->timedOut(limit); });
+        child->deadline_ =
+            loop.startRepeating(*timeout, [self, limit = *timeout] { self->timedOut(limit); });
     }
     return child;
 }

@@ -21,7 +21,7 @@ std::string executableFolder();
 // makes a descriptor for the process readable when it ends), and the process is
 // reaped then, so that no ended child lingers in the process table.
 class ChildProcess {
-public:
+  public:
     // The exit status, -1 for a program ended by a signal; or why the wait ended
     // without one (the time ran out).
     using OnEnd = std::function<void(const Result<int>& status)>;
@@ -41,7 +41,7 @@ public:
     [[nodiscard]] int pid() const { return pid_; }
     [[nodiscard]] bool ended() const { return ended_; }
 
-private:
+  private:
     ChildProcess(EventLoop& loop, std::string path, int pid, int pidFd, OnEnd onEnd);
     void reap();
     void timedOut(Milliseconds timeout);

@@ -86,13 +86,17 @@ ScanConvertWindow::ScanConvertWindow(conversion::ScanConvert& scan, QWidget* par
     connect(convert_, &QPushButton::clicked, this, [this] { scan_.ConvertChosenFile(); });
     connect(exit, &QPushButton::clicked, this, [this] { scan_.exitClicked(); });
 
-    connect(tempList_, &QListWidget::itemClicked, this, [this] { scan_.fileBoxClick(conversion::FileBox::Temp); });
-    connect(backList_, &QListWidget::itemClicked, this, [this] { scan_.fileBoxClick(conversion::FileBox::Back); });
+    connect(tempList_, &QListWidget::itemClicked, this,
+            [this] { scan_.fileBoxClick(conversion::FileBox::Temp); });
+    connect(backList_, &QListWidget::itemClicked, this,
+            [this] { scan_.fileBoxClick(conversion::FileBox::Back); });
     connect(recordingsList_, &QListWidget::itemClicked, this,
             [this] { scan_.fileBoxClick(conversion::FileBox::Recordings); });
-    connect(saveList_, &QListWidget::itemClicked, this, [this] { scan_.fileBoxClick(conversion::FileBox::Save); });
-    connect(tempList_, &QListWidget::itemDoubleClicked, this,
-            [this](QListWidgetItem* item) { scan_.tempFileDoubleClicked(item->text().toStdString()); });
+    connect(saveList_, &QListWidget::itemClicked, this,
+            [this] { scan_.fileBoxClick(conversion::FileBox::Save); });
+    connect(tempList_, &QListWidget::itemDoubleClicked, this, [this](QListWidgetItem* item) {
+        scan_.tempFileDoubleClicked(item->text().toStdString());
+    });
 
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(restore_);
@@ -161,7 +165,8 @@ void ScanConvertWindow::render() {
     while (operations_->topLevelItemCount() > static_cast<int>(view.viewEvent.size())) {
         delete operations_->takeTopLevelItem(operations_->topLevelItemCount() - 1);
     }
-    for (auto i = static_cast<std::size_t>(operations_->topLevelItemCount()); i < view.viewEvent.size(); ++i) {
+    for (auto i = static_cast<std::size_t>(operations_->topLevelItemCount());
+         i < view.viewEvent.size(); ++i) {
         operations_->addTopLevelItem(
             new QTreeWidgetItem({text(view.viewEvent[i].Time), text(view.viewEvent[i].Operation)}));
     }

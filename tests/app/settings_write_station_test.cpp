@@ -8,8 +8,8 @@
 #include <filesystem>
 #include <string>
 
-#include "station_process.h"
 #include "platform/files.h"
+#include "station_process.h"
 
 namespace ovd {
 namespace {

@@ -21,7 +21,7 @@ namespace ovd::conversion::testing {
 using platform::Milliseconds;
 
 class RecoveryFixture : public ::testing::Test {
-protected:
+  protected:
     // The format in force is MP3, and the last run did not end in order.
     void useSettings() {
         auto& r = config.record;

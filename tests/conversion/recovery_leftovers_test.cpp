@@ -16,9 +16,9 @@
 #include "engine/codecs.h"
 #include "engine/work_file.h"
 #include "platform/files.h"
+#include "recovery_fixture.h"
 #include "support/scripted_prompts.h"
 #include "support/temp_folder.h"
-#include "recovery_fixture.h"
 #include "support/virtual_event_loop.h"
 
 namespace ovd::conversion {

@@ -13,10 +13,10 @@
 #include "engine/codecs.h"
 #include "engine/work_file.h"
 #include "platform/files.h"
+#include "recovery_fixture.h"
 #include "support/scripted_prompts.h"
 #include "support/temp_folder.h"
 #include "support/virtual_event_loop.h"
-#include "recovery_fixture.h"
 
 namespace ovd::conversion {
 namespace {
@@ -24,7 +24,7 @@ namespace {
 using platform::Milliseconds;
 
 class ScanConvertTest : public testing::RecoveryFixture {
-protected:
+  protected:
     ScanConvertTest() { useSettings(); }
 };
 
@@ -63,7 +63,8 @@ TEST_F(ScanConvertTest, AWaveTargetPassesThroughATemporaryMp3) {
     recoverAtStart();
 
     EXPECT_TRUE(platform::fileExists(recordings + "/take-2.WAV")) << log.text();
-    EXPECT_FALSE(platform::fileExists(recordings + "/take-2.MP3")) << "the intermediate stays behind";
+    EXPECT_FALSE(platform::fileExists(recordings + "/take-2.MP3"))
+        << "the intermediate stays behind";
     EXPECT_TRUE(operationShown("Start ConvertToMP3"));
     EXPECT_TRUE(operationShown("Start ConvertToPCM"));
     EXPECT_NEAR(static_cast<double>(engine::fileLengthMilliseconds(recordings + "/take-2.WAV")),

@@ -45,7 +45,8 @@ TEST(SerialPedalResetTest, TheLoopRunsDuringTheResetAndPowerUpBytesAreNoPress) {
     settings::ConfigFile config{folder.path()};
     config.record.HandsFreeEdition = true;
     config.record.Port = 1;
-    std::ofstream(folder.file(kSerialPortsFileName)) << "[Ports]\r\nCOM1=" << pty.slavePath() << "\r\n";
+    std::ofstream(folder.file(kSerialPortsFileName))
+        << "[Ports]\r\nCOM1=" << pty.slavePath() << "\r\n";
     dictation::DictationState dictation;
     PedalHits hits;
     Edges edges;

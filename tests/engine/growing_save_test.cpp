@@ -32,7 +32,7 @@ constexpr const char* kComment = "Dr Brown, letter 7";
 
 // Frames held in memory, read front to back.
 class FramesSource : public PcmSource {
-public:
+  public:
     FramesSource(PcmFormat format, std::vector<std::int16_t> frames)
         : format_(format), frames_(std::move(frames)) {}
     [[nodiscard]] PcmFormat format() const override { return format_; }
@@ -46,7 +46,7 @@ public:
         return take;
     }
 
-private:
+  private:
     PcmFormat format_;
     std::vector<std::int16_t> frames_;
     std::size_t position_ = 0;
@@ -72,7 +72,7 @@ std::size_t framesFfmpegHears(const std::string& path) {
 }
 
 class GrowingSaveTest : public ::testing::Test {
-protected:
+  protected:
     GrowingSaveTest() {
         dictation.setTempFileName(folder.path() + "/Temp");
         scratch.setTempFileName(folder.path() + "/Temp");

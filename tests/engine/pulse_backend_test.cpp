@@ -63,7 +63,7 @@ Sound measure(const std::vector<std::int16_t>& take, int rate) {
 }
 
 class PulseBackendTest : public ::testing::Test {
-protected:
+  protected:
     static constexpr int kTakeRate = 16000;
 
     void SetUp() override {
@@ -327,7 +327,8 @@ TEST_F(PulseBackendTest, FormatsTheServerCannotTakeAreRefusedWithAReason) {
         const auto refused = backend_->openPlayback(format);
         EXPECT_FALSE(refused);
         EXPECT_NE(refused.error(), "");
-        const platform::Result<void> started = backend_->startCapture(format, [](auto*, std::size_t) {});
+        const platform::Result<void> started =
+            backend_->startCapture(format, [](auto*, std::size_t) {});
         EXPECT_FALSE(started);
         EXPECT_NE(started.error(), "");
     }

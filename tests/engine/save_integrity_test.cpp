@@ -4,8 +4,6 @@
 // with nothing selected leaves the document as it was.
 
 #include <gtest/gtest.h>
-
-#include <optional>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,6 +12,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <optional>
 #include <vector>
 
 #include "engine/virtual_backend.h"

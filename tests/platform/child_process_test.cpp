@@ -2,8 +2,6 @@
 // loop goes on with its timers meanwhile, and a program that overstays its time
 // is told as such and still reaped when it ends.
 
-#include "platform/processes.h"
-
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
@@ -13,6 +11,7 @@
 #include <optional>
 #include <string>
 
+#include "platform/processes.h"
 #include "support/real_time_event_loop.h"
 
 namespace ovd {
@@ -29,8 +28,9 @@ TEST(ChildProcessTest, AChildEndsWhileTheLoopRunsItsTimers) {
     std::optional<platform::Result<int>> status;
 
     const auto before = std::chrono::steady_clock::now();
-    auto child = ChildProcess::start(loop, "/bin/sh", {"-c", "sleep 0.3; exit 3"}, Milliseconds(5000),
-                                     [&](const platform::Result<int>& end) { status = end; });
+    auto child =
+        ChildProcess::start(loop, "/bin/sh", {"-c", "sleep 0.3; exit 3"}, Milliseconds(5000),
+                            [&](const platform::Result<int>& end) { status = end; });
     ASSERT_TRUE(child) << child.error();
     EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(200))
         << "starting does not wait for the end";
