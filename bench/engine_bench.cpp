@@ -46,7 +46,8 @@ void record(testing::VirtualEventLoop& loop, engine::WaveEditor& editor, int sec
     editor.Stop();
 }
 
-double timedSave(testing::VirtualEventLoop& loop, engine::WaveEditor& editor, const std::string& path) {
+double timedSave(testing::VirtualEventLoop& loop, engine::WaveEditor& editor,
+                 const std::string& path) {
     const auto start = Clock::now();
     if (!editor.SaveAs(path).ok()) std::abort();
     while (editor.saving() || !platform::FileAvailable(path)) {
@@ -54,8 +55,8 @@ double timedSave(testing::VirtualEventLoop& loop, engine::WaveEditor& editor, co
         ::usleep(1000);
     }
     loop.runPending();
-    if (!editor.lastSaveError().empty()) {
-        std::fprintf(stderr, "save failed: %s\n", editor.lastSaveError().c_str());
+    if (const auto saved = editor.lastSaveResult(); !saved) {
+        std::fprintf(stderr, "save failed: %s\n", saved.error().c_str());
         std::abort();
     }
     return secondsSince(start);
@@ -71,16 +72,18 @@ double timedCommand(const std::string& command) {
 void measureCaptureStart(const std::string& folder) {
     testing::PulseDaemon daemon;
     if (!daemon.running()) {
-        std::printf("Record to first sample (sound server): not measured: %s\n", daemon.error().c_str());
+        std::printf("Record to first sample (sound server): not measured: %s\n",
+                    daemon.error().c_str());
         return;
     }
     testing::RealTimeEventLoop loop;
-    std::string error;
-    auto backend = engine::PulseBackend::connect(loop, error);
-    if (!backend) {
-        std::printf("Record to first sample (sound server): not measured: %s\n", error.c_str());
+    auto connected = engine::PulseBackend::connect(loop);
+    if (!connected) {
+        std::printf("Record to first sample (sound server): not measured: %s\n",
+                    connected.error().c_str());
         return;
     }
+    const std::unique_ptr<engine::PulseBackend> backend = std::move(*connected);
     engine::WaveEditor editor(loop, *backend, std::make_shared<engine::Clipboard>(), "latency");
     editor.setTempFileName(folder);
     for (int round = 0; round < 3; ++round) {
@@ -98,7 +101,8 @@ void measureCaptureStart(const std::string& folder) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const std::string folder = argc > 1 ? argv[1] : std::filesystem::temp_directory_path().string() + "/ovd-bench";
+    const std::string folder =
+        argc > 1 ? argv[1] : std::filesystem::temp_directory_path().string() + "/ovd-bench";
     std::filesystem::create_directories(folder);
     measureCaptureStart(folder);
 
@@ -175,7 +179,8 @@ int main(int argc, char** argv) {
     const long before = residentKilobytes();
     record(loop, day, 8 * 3600);
     std::printf("8 h at 16 kHz mono: resident %.1f MB (%.1f MB before the take)\n",
-                static_cast<double>(residentKilobytes()) / 1024.0, static_cast<double>(before) / 1024.0);
+                static_cast<double>(residentKilobytes()) / 1024.0,
+                static_cast<double>(before) / 1024.0);
     day.Close();
     std::filesystem::remove_all(folder);
     return 0;

@@ -129,13 +129,13 @@ bool ScanConvert::ConvertToPCM(const std::string& source, const std::string& tar
 bool ScanConvert::runConverter(const std::string& routine, const std::string& source,
                                const std::string& target, const engine::TargetFormat& format) {
     LogEvent("Start " + routine);
-    AudioConvert1.setSource(source);
-    AudioConvert1.setTarget(target, format);
-    AudioConvert1.setComment(settings::kProductTitle);
+    converter.setSource(source);
+    converter.setTarget(target, format);
+    converter.setComment(settings::kProductTitle);
     bool converted = false;
-    if (const engine::EngineResult started = AudioConvert1.start(); !started) {
+    if (const platform::Result<void> started = converter.start(); !started) {
         LogEvent("Error: " + started.error());
-        view.Command2Colour = kDoneColour;
+        view.restoreButtonColour = kDoneColour;
         refreshLists();
     } else {
         converted = WaitForConverter(target);
@@ -145,30 +145,30 @@ bool ScanConvert::runConverter(const std::string& routine, const std::string& so
 }
 
 bool ScanConvert::WaitForConverter(const std::string& target) {
-    while (AudioConvert1.busy()) {
-        if (UserCanceled) AudioConvert1.cancel();
-        if (view.ProgressConvert != AudioConvert1.progressPercent()) {
-            view.ProgressConvert = AudioConvert1.progressPercent();
+    while (converter.busy()) {
+        if (UserCanceled) converter.cancel();
+        if (view.ProgressConvert != converter.progressPercent()) {
+            view.ProgressConvert = converter.progressPercent();
             changed();
         }
         parts_.loop.wait(kProgressPoll);
     }
-    AudioConvert1.waitUntilDone();
+    converter.waitUntilDone();
     view.ProgressConvert = 0;
     if (UserCanceled) {
         LogEvent("Cancelled: " + platform::withoutFolder(target));
         refreshLists();
         return false;
     }
-    if (const std::string error = AudioConvert1.error(); !error.empty()) {
+    if (const std::string error = converter.error(); !error.empty()) {
         LogEvent("Error: " + error);
-        view.Command2Colour = kDoneColour;
+        view.restoreButtonColour = kDoneColour;
         refreshLists();
         return false;
     }
     if (platform::fileExists(target)) view.finishedFiles.push_back(target);
-    view.Command2Colour = kDoneColour;
-    view.Image1 = true;
+    view.restoreButtonColour = kDoneColour;
+    view.workingSign = true;
     refreshLists();
     return true;
 }

@@ -21,7 +21,8 @@ enum class Temporary { No, Tmp, TmpWav };
 Temporary temporaryKind(const std::string& name) {
     const std::string upper = platform::toUpper(name);
     const auto endsWith = [&upper](const std::string& tail) {
-        return upper.size() > tail.size() && upper.compare(upper.size() - tail.size(), tail.size(), tail) == 0;
+        return upper.size() > tail.size() &&
+               upper.compare(upper.size() - tail.size(), tail.size(), tail) == 0;
     };
     if (endsWith(".TMP.WAV")) return Temporary::TmpWav;
     if (endsWith(".TMP")) return Temporary::Tmp;
@@ -85,23 +86,23 @@ std::string ScanConvert::recoveredStem(const std::string& workFile,
 void ScanConvert::RecoverAll() {
     UserCanceled = false;
     spaceShort_ = false;
-    view.Image1 = true;
+    view.workingSign = true;
     changed();
     clearInterruptedSaves();
     RecoverFolder(folderFor(FileBox::Temp));
     refreshLists();
-    view.Image1 = false;
+    view.workingSign = false;
     if (!UserCanceled && !spaceShort_) {
-        view.Image1 = true;
+        view.workingSign = true;
         changed();
         RecoverFolder(folderFor(FileBox::Back));
-        view.Image1 = false;
+        view.workingSign = false;
     }
     // Takes still waiting (held, or short of room) keep the crash state, so that the
     // next start tries them again by itself.
     parts_.config.record.gNormalShutDown = !anyWorkFileIn(folderFor(FileBox::Temp));
     parts_.config.WriteConfig();
-    view.Label5 = kRecoveredText;
+    view.recoveredNotice = kRecoveredText;
     LogEvent(kRecoveredText);
     if (onRecovered) onRecovered();
 }
@@ -115,7 +116,7 @@ void ScanConvert::RecoverFolder(const std::string& folder) {
         // Folders are listed, never entered.
         const std::vector<std::string> files = platform::filesInFolder(folder);
         if (files.empty()) {
-            view.Command2Colour = kWorkingColour;
+            view.restoreButtonColour = kWorkingColour;
             emptied = true;
             break;
         }
@@ -149,7 +150,7 @@ bool ScanConvert::recoverFirstFile(const std::string& path) {
     }
     if (platform::fileSize(path).value_or(0) < kMinimumFileBytes) {
         parts_.prompts.showMessage(kEmptyFileDeleted, settings::kProductTitle);
-        view.Command2Colour = kWorkingColour;
+        view.restoreButtonColour = kWorkingColour;
         if (!removed(path)) {
             LogEvent("Error: " + name + " can't be deleted");
             return false;
@@ -162,7 +163,7 @@ bool ScanConvert::recoverFirstFile(const std::string& path) {
     const Temporary kind = temporaryKind(name);
     if (kind == Temporary::No) return false;
 
-    view.Command2Colour = kWorkingColour;
+    view.restoreButtonColour = kWorkingColour;
     changed();
     const std::int64_t milliseconds = engine::fileLengthMilliseconds(path);
     if (milliseconds < 0) {
@@ -189,7 +190,7 @@ bool ScanConvert::recoverFirstFile(const std::string& path) {
     if (platform::fileExists(TempName + "." + gFormatType_)) {
         TempName = platform::joinPath(recordings(), stemOf(name, kind) + length);
     }
-    view.Label6 = TempName;
+    view.currentFileText = TempName;
     changed();
 
     const auto made = convertToFormatInForce(path);
@@ -203,7 +204,7 @@ bool ScanConvert::recoverFirstFile(const std::string& path) {
     const std::string back =
         platform::joinPath(folderFor(FileBox::Back), platform::withoutFolder(*made));
     // A copy cut short by a full disk is no copy.
-    if (!platform::copyFileOver(*made, back)) std::filesystem::remove(back, error);
+    if (!platform::copyFileOver(*made, back).ok()) std::filesystem::remove(back, error);
     std::filesystem::remove(path, error);
     forgetLetterOfWorkFile(path);
     parts_.log.trace("Recovered " + path + " as " + *made);
@@ -233,8 +234,8 @@ void ScanConvert::RenameTemporary(const std::string& path) {
     if (temporaryKind(name) == Temporary::TmpWav) {
         const std::string backup = platform::joinPath(folderFor(FileBox::Save), "BACKUP " + name);
         const std::string back = platform::joinPath(folderFor(FileBox::Back), name);
-        bool kept = platform::copyFileOver(path, backup);
-        if (back != path) kept = platform::copyFileOver(path, back) && kept;
+        bool kept = platform::copyFileOver(path, backup).ok();
+        if (back != path) kept = platform::copyFileOver(path, back).ok() && kept;
         if (kept) {
             std::filesystem::remove(path, error);
             forgetLetterOfWorkFile(path);

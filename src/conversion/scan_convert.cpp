@@ -15,18 +15,24 @@ constexpr int kRecoveryDelayMs = 100;
 }  // namespace
 
 ScanConvert::ScanConvert(ScanConvertParts parts)
-    : Timer1(parts.loop, "Timer1"), parts_(parts), AudioConvert1(parts.loop) {
-    Timer1.setOnTick([this] { Timer1_Timer(); });
+    : recoveryDelay(parts.loop, "Timer1"), parts_(parts), converter(parts.loop) {
+    recoveryDelay.setOnTick([this] { recoveryDelayTick(); });
 }
 
-std::string ScanConvert::recordings() const { return parts_.config.record.CaptureFilePath.toText(); }
+std::string ScanConvert::recordings() const {
+    return parts_.config.record.CaptureFilePath.toText();
+}
 
 std::string ScanConvert::folderFor(FileBox box) const {
     switch (box) {
-        case FileBox::Save: return platform::joinPath(recordings(), "Save");
-        case FileBox::Temp: return platform::joinPath(recordings(), "Temp");
-        case FileBox::Recordings: return recordings();
-        case FileBox::Back: return platform::joinPath(recordings(), "BACK");
+        case FileBox::Save:
+            return platform::joinPath(recordings(), "Save");
+        case FileBox::Temp:
+            return platform::joinPath(recordings(), "Temp");
+        case FileBox::Recordings:
+            return recordings();
+        case FileBox::Back:
+            return platform::joinPath(recordings(), "BACK");
     }
     return recordings();
 }
@@ -41,51 +47,51 @@ void ScanConvert::Form_Load(ScanMode mode) {
     for (FileBox box : {FileBox::Temp, FileBox::Back, FileBox::Recordings, FileBox::Save}) {
         platform::createFolder(folderFor(box));
     }
-    view.Label1 = folderFor(FileBox::Temp);
-    view.Label2 = folderFor(FileBox::Recordings);
-    view.Label3 = folderFor(FileBox::Back);
-    view.Label4 = folderFor(FileBox::Save);
+    view.tempFolderText = folderFor(FileBox::Temp);
+    view.recordingsFolderText = folderFor(FileBox::Recordings);
+    view.backFolderText = folderFor(FileBox::Back);
+    view.saveFolderText = folderFor(FileBox::Save);
     refreshLists();
     if (!parts_.config.record.gNormalShutDown) {
-        view.Command2Visible = false;
-        Timer1.setInterval(kRecoveryDelayMs);
-        Timer1.setEnabled(true);
+        view.restoreButtonVisible = false;
+        recoveryDelay.setInterval(kRecoveryDelayMs);
+        recoveryDelay.setEnabled(true);
     } else {
-        view.Command2Visible = true;
-        Timer1.setEnabled(false);
+        view.restoreButtonVisible = true;
+        recoveryDelay.setEnabled(false);
     }
     changed();
 }
 
-void ScanConvert::Timer1_Timer() {
-    Timer1.setEnabled(false);
+void ScanConvert::recoveryDelayTick() {
+    recoveryDelay.setEnabled(false);
     SetConverterFormat();
     RecoverAll();
 }
 
-void ScanConvert::Command1_Click() {
+void ScanConvert::cancelClicked() {
     UserCanceled = true;
     LogEvent("Cancel");
 }
 
-void ScanConvert::Command2_Click() {
+void ScanConvert::restoreClicked() {
     if (view.busy) return;
     SetConverterFormat();
     RecoverAll();
 }
 
-void ScanConvert::Command3_Click() {
+void ScanConvert::exitClicked() {
     // Leaving stops a conversion under way; its half-made target is removed.
     UserCanceled = true;
     if (onClose) onClose();
 }
 
 void ScanConvert::fileBoxClick(FileBox box) {
-    view.Label6 = folderFor(box);
+    view.currentFileText = folderFor(box);
     changed();
 }
 
-void ScanConvert::fileBox2_DblClick(const std::string& name) {
+void ScanConvert::tempFileDoubleClicked(const std::string& name) {
     const std::string path = platform::joinPath(folderFor(FileBox::Temp), name);
     const auto bytes = platform::fileSize(path);
     if (!bytes || *bytes >= kMinimumFileBytes) return;
@@ -101,8 +107,9 @@ void ScanConvert::ConvertChosenFile() {
     platform::FileRequest request;
     request.title = "Convert a recording";
     request.initialFolder = recordings();
-    request.filters = {{"Audio Files", {"*.wav", "*.mp3", "*.mp2", "*.wma", "*.vox", "*.raw", "*.tmp"}},
-                       {"All Files", {"*"}}};
+    request.filters = {
+        {"Audio Files", {"*.wav", "*.mp3", "*.mp2", "*.wma", "*.vox", "*.raw", "*.tmp"}},
+        {"All Files", {"*"}}};
     const auto chosen = parts_.prompts.chooseFile(request);
     if (!chosen || chosen->empty()) return;
     SetConverterFormat();
@@ -114,7 +121,7 @@ void ScanConvert::ConvertChosenFile() {
     } else {
         TempName = platform::joinPath(recordings(), platform::baseNameOf(*chosen) + "-" +
                                                         std::to_string(milliseconds / 1000));
-        view.Label6 = TempName;
+        view.currentFileText = TempName;
         convertToFormatInForce(*chosen);
     }
     view.busy = false;
@@ -122,10 +129,10 @@ void ScanConvert::ConvertChosenFile() {
 }
 
 void ScanConvert::refreshLists() {
-    view.fileBox1 = platform::filesInFolder(folderFor(FileBox::Save));
-    view.fileBox2 = platform::filesInFolder(folderFor(FileBox::Temp));
-    view.fileBox3 = platform::filesInFolder(folderFor(FileBox::Recordings));
-    view.fileBox4 = platform::filesInFolder(folderFor(FileBox::Back));
+    view.saveFiles = platform::filesInFolder(folderFor(FileBox::Save));
+    view.tempFiles = platform::filesInFolder(folderFor(FileBox::Temp));
+    view.recordingFiles = platform::filesInFolder(folderFor(FileBox::Recordings));
+    view.backFiles = platform::filesInFolder(folderFor(FileBox::Back));
     changed();
 }
 

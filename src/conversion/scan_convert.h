@@ -41,30 +41,30 @@ struct OperationRow {
 
 // The four folders the window shows, each with its list box.
 enum class FileBox {
-    Save,        // fileBox1: "Save", where the BACKUP copies of temporaries go
-    Temp,        // fileBox2: the work files
-    Recordings,  // fileBox3: the recordings folder itself
-    Back,        // fileBox4: "BACK", a copy of every recovered file
+    Save,        // saveFiles: "Save", where the BACKUP copies of temporaries go
+    Temp,        // tempFiles: the work files
+    Recordings,  // recordingFiles: the recordings folder itself
+    Back,        // backFiles: "BACK", a copy of every recovered file
 };
 
 struct ScanConvertView {
     std::string caption = kByHandCaption;
-    std::string Label1;  // the Temp folder
-    std::string Label2;  // the recordings folder
-    std::string Label3;  // the BACK folder
-    std::string Label4;  // the Save folder
-    std::string Label5;  // "Temporary Files RECOVERED"
-    std::string Label6;  // the file being made
-    std::vector<std::string> fileBox1;  // Save
-    std::vector<std::string> fileBox2;  // Temp
-    std::vector<std::string> fileBox3;  // recordings
-    std::vector<std::string> fileBox4;  // BACK
+    std::string tempFolderText;               // Label1: the Temp folder
+    std::string recordingsFolderText;         // Label2: the recordings folder
+    std::string backFolderText;               // Label3: the BACK folder
+    std::string saveFolderText;               // Label4: the Save folder
+    std::string recoveredNotice;              // Label5: "Temporary Files RECOVERED"
+    std::string currentFileText;              // Label6: the file being made
+    std::vector<std::string> saveFiles;       // fileBox1
+    std::vector<std::string> tempFiles;       // fileBox2
+    std::vector<std::string> recordingFiles;  // fileBox3
+    std::vector<std::string> backFiles;       // fileBox4
     std::vector<std::string> finishedFiles;
     std::vector<OperationRow> viewEvent;
-    int Command2Colour = 0;
+    int restoreButtonColour = 0;  // Command2's
     // The RESTORE button: hidden while the window recovers by itself.
-    bool Command2Visible = true;
-    bool Image1 = false;  // shown while a folder is worked through
+    bool restoreButtonVisible = true;
+    bool workingSign = false;  // Image1: shown while a folder is worked through
     int ProgressConvert = 0;
     bool busy = false;
     unsigned long revision = 0;
@@ -83,23 +83,23 @@ struct ScanConvertParts {
 };
 
 class ScanConvert {
-public:
+  public:
     explicit ScanConvert(ScanConvertParts parts);
     ScanConvert(const ScanConvert&) = delete;
     ScanConvert& operator=(const ScanConvert&) = delete;
 
     // Makes the four folders, fills the lists, and when the last run did not end in
-    // order starts the recovery a moment later (Timer1), so the window shows first.
+    // order starts the recovery a moment later (recoveryDelay), so the window shows first.
     void Form_Load(ScanMode mode);
-    void Timer1_Timer();
+    void recoveryDelayTick();  // Timer1_Timer
 
-    void Command1_Click();  // "Cancel": the conversion under way stops
-    void Command2_Click();  // "RESTORE Temporary Files"
-    void Command3_Click();  // "Exit"
+    void cancelClicked();   // Command1_Click: "Cancel", the conversion under way stops
+    void restoreClicked();  // Command2_Click: "RESTORE Temporary Files"
+    void exitClicked();     // Command3_Click: "Exit"
     // A click on a list shows the folder of its file; a double click on the work
     // files offers the size test for that one file.
     void fileBoxClick(FileBox box);
-    void fileBox2_DblClick(const std::string& name);
+    void tempFileDoubleClicked(const std::string& name);  // fileBox2_DblClick
     // The plain conversion: a file the user chooses becomes a recording of the format
     // in force in the recordings folder; the chosen file stays as it was.
     void ConvertChosenFile();
@@ -116,12 +116,12 @@ public:
     void clearInterruptedSaves();
 
     // The recovery was asked for or runs: the main window takes no commands meanwhile.
-    [[nodiscard]] bool working() const { return view.busy || Timer1.Enabled(); }
+    [[nodiscard]] bool working() const { return view.busy || recoveryDelay.Enabled(); }
     [[nodiscard]] const engine::TargetFormat& converterFormat() const { return format_; }
     [[nodiscard]] const std::string& formatWord() const { return gFormatType_; }
 
     ScanConvertView view;
-    platform::Timer Timer1;
+    platform::Timer recoveryDelay;  // Timer1
     // Called after every change of the view.
     std::function<void()> onViewChanged;
     // The window is to close.
@@ -129,7 +129,7 @@ public:
     // The recovery is over: the main window takes commands again.
     std::function<void()> onRecovered;
 
-private:
+  private:
     // The folders under the recordings folder.
     [[nodiscard]] std::string recordings() const;
     [[nodiscard]] std::string folderFor(FileBox box) const;
@@ -161,7 +161,7 @@ private:
     bool WaitForConverter(const std::string& target);
 
     ScanConvertParts parts_;
-    engine::AudioConverter AudioConvert1;
+    engine::AudioConverter converter;  // AudioConvert1
     std::string gFormatType_;
     engine::TargetFormat format_;
     std::string currentFile_;

@@ -1,6 +1,5 @@
 #include "delivery/auto_send.h"
 
-
 #include "platform/files.h"
 #include "platform/system_queries.h"
 #include "platform/text.h"
@@ -47,23 +46,103 @@ struct PeerRow {
 // just one of them is not reported.
 const std::vector<PeerRow>& peerRows() {
     static const std::vector<PeerRow> rows = {
-        {7, 1, {{"DICT_", " -H", nullptr}, {"ERRDST1_", " -I", nullptr}}, "1", " FAILED-- Call Technical support-1"},
-        {7, 2, {{"DICT_", " -J", nullptr}, {"ERRDST2_", " -K", nullptr}}, "2", " FAILED-- Call Technical support-2"},
-        {7, 4, {{"DICTERR_", " -O", nullptr}, {"ERRDST3_", " -P", nullptr}, {"ERRDST2_", " -Q", "ERRDST3_"}}, "3", " FAILED-- Call Technical support-3"},
-        {7, 3, {{"DICTERR_", " -X", nullptr}, {"ERRDST1&2_", " -Y", nullptr}, {"ERRDST1&2_", " -Z", nullptr}}, "1 & 2", " FAILED-- Call Technical support-33"},
-        {7, 5, {{"DICTERR_", " -U", nullptr}, {"ERRDST1_", " -V", "ERRDST1&3_"}, {"ERRDST2_", " -W", "ERRDST1&3_"}}, "1 & 3", " FAILED-- Call Technical support-333"},
-        {7, 6, {{"DICTERR_", " -R", nullptr}, {"ERRDST1_", " -S", "ERRDST2&3_"}, {"ERRDST2&3_", " -T", nullptr}}, "2 3", " FAILED-- Call Technical support-3"},
-        {7, 7, {{"DICTERR_", " -L", nullptr}, {"ERRDST1&2&3_", " -M", nullptr}, {"ERRDST1&2&3_", " -N", nullptr}}, "1 & 2 3", " FAILED-- Call Technical support-3"},
-        {3, 1, {{"DICT_", " -9", nullptr}, {"ERRDST1_", " -10", nullptr}}, "1", " FAILED-- Call Technical support-1"},
-        {3, 2, {{"DICT_", " -11", nullptr}, {"ERRDST2_", " -12", nullptr}}, "2", " FAILED-- Call Technical support-2"},
-        {3, 3, {{"DICTERR_", " -11a", nullptr}, {"ERRDST1&2_", " -12b", nullptr}, {"ERRDST1&2_", " -13", nullptr}}, "1 & 2", " FAILED-- Call Technical support-3"},
-        {1, 1, {{"DICT_", " -A2", nullptr}, {"ERRDST1_", " -A3", nullptr}}, "1", " FAILED-- Call Technical support-4"},
-        {2, 2, {{"DICT_", " -A5", nullptr}, {"ERRDST2_", " -A6", nullptr}}, "2", " FAILED-- Call Technical support-5"},
-        {4, 4, {{"DICT_", " -A5", nullptr}, {"ERRDST3_", " -A6", nullptr}}, "3", " FAILED-- Call Technical support-5"},
-        {5, 1, {{"DICT_", " -H", nullptr}, {"ERRDST1&3_", " -I", "ERRDST1_"}}, "1", " FAILED-- Call Technical support-1"},
-        {5, 4, {{"DICTERR_", " -O", nullptr}, {"ERRDST1_", " -P", nullptr}, {"ERRDST2_", " -Q", nullptr}}, "3", " FAILED-- Call Technical support-3"},
-        {5, 5, {{"DICTERR_", " -L", nullptr}, {"ERRDST1_", " -M", nullptr}, {"ERRDST2_", " -N", nullptr}}, "1 & 3", " FAILED-- Call Technical support-3"},
-        {6, 6, {{"DICTERR_", " -R", nullptr}, {"ERRDST1_", " -S", nullptr}, {"ERRDST2_", " -T", nullptr}}, "2 3", " FAILED-- Call Technical support-3"},
+        {7,
+         1,
+         {{"DICT_", " -H", nullptr}, {"ERRDST1_", " -I", nullptr}},
+         "1",
+         " FAILED-- Call Technical support-1"},
+        {7,
+         2,
+         {{"DICT_", " -J", nullptr}, {"ERRDST2_", " -K", nullptr}},
+         "2",
+         " FAILED-- Call Technical support-2"},
+        {7,
+         4,
+         {{"DICTERR_", " -O", nullptr},
+          {"ERRDST3_", " -P", nullptr},
+          {"ERRDST2_", " -Q", "ERRDST3_"}},
+         "3",
+         " FAILED-- Call Technical support-3"},
+        {7,
+         3,
+         {{"DICTERR_", " -X", nullptr},
+          {"ERRDST1&2_", " -Y", nullptr},
+          {"ERRDST1&2_", " -Z", nullptr}},
+         "1 & 2",
+         " FAILED-- Call Technical support-33"},
+        {7,
+         5,
+         {{"DICTERR_", " -U", nullptr},
+          {"ERRDST1_", " -V", "ERRDST1&3_"},
+          {"ERRDST2_", " -W", "ERRDST1&3_"}},
+         "1 & 3",
+         " FAILED-- Call Technical support-333"},
+        {7,
+         6,
+         {{"DICTERR_", " -R", nullptr},
+          {"ERRDST1_", " -S", "ERRDST2&3_"},
+          {"ERRDST2&3_", " -T", nullptr}},
+         "2 3",
+         " FAILED-- Call Technical support-3"},
+        {7,
+         7,
+         {{"DICTERR_", " -L", nullptr},
+          {"ERRDST1&2&3_", " -M", nullptr},
+          {"ERRDST1&2&3_", " -N", nullptr}},
+         "1 & 2 3",
+         " FAILED-- Call Technical support-3"},
+        {3,
+         1,
+         {{"DICT_", " -9", nullptr}, {"ERRDST1_", " -10", nullptr}},
+         "1",
+         " FAILED-- Call Technical support-1"},
+        {3,
+         2,
+         {{"DICT_", " -11", nullptr}, {"ERRDST2_", " -12", nullptr}},
+         "2",
+         " FAILED-- Call Technical support-2"},
+        {3,
+         3,
+         {{"DICTERR_", " -11a", nullptr},
+          {"ERRDST1&2_", " -12b", nullptr},
+          {"ERRDST1&2_", " -13", nullptr}},
+         "1 & 2",
+         " FAILED-- Call Technical support-3"},
+        {1,
+         1,
+         {{"DICT_", " -A2", nullptr}, {"ERRDST1_", " -A3", nullptr}},
+         "1",
+         " FAILED-- Call Technical support-4"},
+        {2,
+         2,
+         {{"DICT_", " -A5", nullptr}, {"ERRDST2_", " -A6", nullptr}},
+         "2",
+         " FAILED-- Call Technical support-5"},
+        {4,
+         4,
+         {{"DICT_", " -A5", nullptr}, {"ERRDST3_", " -A6", nullptr}},
+         "3",
+         " FAILED-- Call Technical support-5"},
+        {5,
+         1,
+         {{"DICT_", " -H", nullptr}, {"ERRDST1&3_", " -I", "ERRDST1_"}},
+         "1",
+         " FAILED-- Call Technical support-1"},
+        {5,
+         4,
+         {{"DICTERR_", " -O", nullptr}, {"ERRDST1_", " -P", nullptr}, {"ERRDST2_", " -Q", nullptr}},
+         "3",
+         " FAILED-- Call Technical support-3"},
+        {5,
+         5,
+         {{"DICTERR_", " -L", nullptr}, {"ERRDST1_", " -M", nullptr}, {"ERRDST2_", " -N", nullptr}},
+         "1 & 3",
+         " FAILED-- Call Technical support-3"},
+        {6,
+         6,
+         {{"DICTERR_", " -R", nullptr}, {"ERRDST1_", " -S", nullptr}, {"ERRDST2_", " -T", nullptr}},
+         "2 3",
+         " FAILED-- Call Technical support-3"},
     };
     return rows;
 }
@@ -120,7 +199,8 @@ bool AutoSend::deliver(const std::string& SaveFileNameForSending) {
         if (SaveFileNameForSending.empty()) return false;
         if (!active[index(n)]) continue;
         const std::string source = SaveFileNameForSending;
-        canceled[index(n)] = copyStep(n, source, endOfLetterWording(n), false) == CopyOutcome::Canceled;
+        canceled[index(n)] =
+            copyStep(n, source, endOfLetterWording(n), false) == CopyOutcome::Canceled;
     }
     // A destination the author gave up on leaves the whole report out.
     if (!canceled[0] && !canceled[1] && !canceled[2]) {
@@ -164,7 +244,7 @@ AutoSend::CopyOutcome AutoSend::copyStep(int n, const std::string& source,
         }
         lblReady(std::string("Sending File to Destination ") + kNumberWords[index(n)]);
         // A copy that fails shows as a copy that never becomes available.
-        platform::copyFileOver(source, target);
+        (void)platform::copyFileOver(source, target);
         const bool copied = waitForCopy(target, kCopyTags[index(n)]);
         if (sendAction && !platform::fileExists(target)) {
             trace(wording.missingTrace);
@@ -178,16 +258,18 @@ AutoSend::CopyOutcome AutoSend::copyStep(int n, const std::string& source,
             playSentPrompt(n);
             return CopyOutcome::Copied;
         }
-        const bool again = prompts_.askYesNo(wording.keepTrying, settings::kProductTitle,
-                                             platform::Answer::No);
+        const bool again =
+            prompts_.askYesNo(wording.keepTrying, settings::kProductTitle, platform::Answer::No);
         if (again) {
             // Destination one has never said so in the log.
-            if (n != 1) trace("Destination " + folder + " User Selected to wait another 10 Seconds.");
+            if (n != 1)
+                trace("Destination " + folder + " User Selected to wait another 10 Seconds.");
             continue;
         }
         box(wording.notSent);
         // The connection words stand in this line whether or not the peer link is used.
-        trace("Destination " + folder + " User Canceled-Bypassing step: " + target + kConnectionErrorTrace);
+        trace("Destination " + folder + " User Canceled-Bypassing step: " + target +
+              kConnectionErrorTrace);
         SendStatusText = "Destination " + folder + ": User Canceled-Bypassing step";
         ErrorSendFileNotification(SendStatusText);
         DestFailed(n) = true;
@@ -215,12 +297,13 @@ void AutoSend::playSentPrompt(int n) {
 
 void AutoSend::stage(Staging staging, const std::string& source) {
     const bool email = staging == Staging::Email;
-    const std::string folder =
-        platform::joinPath(config_.record.CaptureFilePath.toText(), email ? "EmailTemp" : "FTPTemp");
+    const std::string folder = platform::joinPath(config_.record.CaptureFilePath.toText(),
+                                                  email ? "EmailTemp" : "FTPTemp");
     platform::createFolder(folder);
     const std::string baseName = platform::withoutFolder(source);
-    platform::copyFileOver(source, platform::joinPath(folder, baseName));
-    screen_.showLabel40(email ? "File is ready to EMail" : "File is ready to FTP");
+    // A copy that fails leaves nothing for the companion to send; the letter itself stays.
+    (void)platform::copyFileOver(source, platform::joinPath(folder, baseName));
+    screen_.showStatusText(email ? "File is ready to EMail" : "File is ready to FTP");
     trace(baseName + (email ? " File is ready to Email" : " File is ready to FTP"));
 }
 
@@ -242,7 +325,8 @@ void AutoSend::missingFolderBoxes(bool destinationThreeAsTwo) {
 
 void AutoSend::ReportOutcomeToPeer(const std::string& baseName) {
     const settings::SettingsRecord& record = config_.record;
-    const int active = (record.AutoSend1 ? 1 : 0) | (record.AutoSend2 ? 2 : 0) | (record.AutoSend3 ? 4 : 0);
+    const int active =
+        (record.AutoSend1 ? 1 : 0) | (record.AutoSend2 ? 2 : 0) | (record.AutoSend3 ? 4 : 0);
     if (active == 0) return;
     if (!failed_[0] && !failed_[1] && !failed_[2]) {
         trace("NO FAILURES");
@@ -250,7 +334,8 @@ void AutoSend::ReportOutcomeToPeer(const std::string& baseName) {
     }
     // With destination 3 alone, or 2 and 3, the box of destination 2 speaks for 3 too.
     missingFolderBoxes(active == 4 || active == 6);
-    const int failed = ((failed_[0] ? 1 : 0) | (failed_[1] ? 2 : 0) | (failed_[2] ? 4 : 0)) & active;
+    const int failed =
+        ((failed_[0] ? 1 : 0) | (failed_[1] ? 2 : 0) | (failed_[2] ? 4 : 0)) & active;
     for (const PeerRow& row : peerRows()) {
         if (row.active != active || row.failed != failed) continue;
         for (const PeerRow::Message& message : row.messages) {
@@ -294,14 +379,16 @@ void AutoSend::ReportOutcomeToUser() {
     } else if (shown.size() == 2 && shown[0] == 1 && shown[1] == 2) {
         text = word(1, " Failed - ", " Sucessful - ") + word(2, " Failed", " Sucessful");
     } else if (shown.size() == 2) {
-        text = word(shown[0], " Failed- ", " Successful- ") + word(shown[1], " Failed", " Successful");
+        text =
+            word(shown[0], " Failed- ", " Successful- ") + word(shown[1], " Failed", " Successful");
     } else {
         text = *folders[index(shown[0])] + " Failed";
     }
     bool anyFailed = false;
     for (const int n : shown) anyFailed = anyFailed || DestFailed(n);
     if (!anyFailed) {
-        trace("Delivery: " + (shown.size() == 1 ? *folders[index(shown[0])] + " Successful" : text));
+        trace("Delivery: " +
+              (shown.size() == 1 ? *folders[index(shown[0])] + " Successful" : text));
         return;
     }
     box(text);

@@ -38,9 +38,9 @@ enum class Staging { Email, Ftp };
 
 // Where the pipeline writes on the main window.
 class DeliveryScreen {
-public:
+  public:
     virtual ~DeliveryScreen() = default;
-    virtual void showLabel40(const std::string& text) = 0;
+    virtual void showStatusText(const std::string& text) = 0;  // showLabel40
     // lblReady; the caller has already blanked it for the thinnest face.
     virtual void showLblReady(const std::string& text) = 0;
 };
@@ -59,7 +59,7 @@ struct AutoSendParts {
 };
 
 class AutoSend {
-public:
+  public:
     explicit AutoSend(AutoSendParts parts);
 
     // The copies, the report and the staging of the closed letter whose path the
@@ -81,13 +81,15 @@ public:
     // Starts the companion sender unless it runs.
     void LaunchCompanion();
 
-    bool& DestFailed(int destination) { return failed_.at(static_cast<std::size_t>(destination - 1)); }
+    bool& DestFailed(int destination) {
+        return failed_.at(static_cast<std::size_t>(destination - 1));
+    }
     [[nodiscard]] bool DestFailed(int destination) const {
         return failed_.at(static_cast<std::size_t>(destination - 1));
     }
     std::string SendStatusText;
 
-private:
+  private:
     enum class CopyOutcome { Copied, Bypassed, Canceled };
     CopyOutcome copyStep(int destination, const std::string& source, const SendWording& wording,
                          bool sendAction);

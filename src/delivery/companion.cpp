@@ -6,9 +6,26 @@
 
 namespace ovd::delivery {
 
-AutoSendCompanion::AutoSendCompanion(settings::EventLog& log, std::string binaryFolder,
-                                     std::string dataFolder)
-    : log_(log), binaryFolder_(std::move(binaryFolder)), dataFolder_(std::move(dataFolder)) {}
+namespace {
+
+// How long a stop request may take before the log says it did not work.
+constexpr platform::Milliseconds kStopTimeout{5000};
+
+}  // namespace
+
+AutoSendCompanion::AutoSendCompanion(platform::EventLoop& loop, settings::EventLog& log,
+                                     std::string binaryFolder, std::string dataFolder)
+    : loop_(loop),
+      log_(log),
+      binaryFolder_(std::move(binaryFolder)),
+      dataFolder_(std::move(dataFolder)) {}
+
+AutoSendCompanion::~AutoSendCompanion() = default;
+
+void AutoSendCompanion::keep(std::unique_ptr<platform::ChildProcess> child) {
+    std::erase_if(children_, [](const auto& held) { return held->ended(); });
+    children_.push_back(std::move(child));
+}
 
 std::string AutoSendCompanion::programPath() const {
     return platform::joinPath(binaryFolder_, kProgramName);
@@ -21,23 +38,37 @@ bool AutoSendCompanion::running() const { return platform::ProcessRunning(kProgr
 void AutoSendCompanion::start() {
     if (running()) return;
     if (!installed()) {
-        log_.trace(std::string(kProgramName) + " is not installed beside the station; staged files wait in place");
+        log_.trace(std::string(kProgramName) +
+                   " is not installed beside the station; staged files wait in place");
         return;
     }
-    std::string error;
-    if (const auto pid = platform::startProgram(programPath(), {"--data-folder", dataFolder_}, error)) {
-        log_.trace("Started " + std::string(kProgramName) + " (process " + std::to_string(*pid) + ")");
-    } else {
-        log_.trace("Could not start " + std::string(kProgramName) + ": " + error);
+    auto child =
+        platform::ChildProcess::start(loop_, programPath(), {"--data-folder", dataFolder_});
+    if (!child) {
+        log_.trace("Could not start " + std::string(kProgramName) + ": " + child.error());
+        return;
     }
+    log_.trace("Started " + std::string(kProgramName) + " (process " +
+               std::to_string((*child)->pid()) + ")");
+    keep(std::move(*child));
 }
 
 void AutoSendCompanion::stop() {
     if (!installed() || !running()) return;
-    std::string error;
-    if (!platform::runProgram(programPath(), {"--stop", "--data-folder", dataFolder_}, 5000, error)) {
-        log_.trace("Could not stop " + std::string(kProgramName) + ": " + error);
+    const auto couldNotStop = [this](const std::string& reason) {
+        log_.trace("Could not stop " + std::string(kProgramName) + ": " + reason);
+    };
+    // The stop request runs while the station goes on; its end is heard on the loop.
+    auto child = platform::ChildProcess::start(
+        loop_, programPath(), {"--stop", "--data-folder", dataFolder_}, kStopTimeout,
+        [couldNotStop](const platform::Result<int>& status) {
+            if (!status) couldNotStop(status.error());
+        });
+    if (!child) {
+        couldNotStop(child.error());
+        return;
     }
+    keep(std::move(*child));
 }
 
 AutoSendMenu::AutoSendMenu(platform::EventLoop& loop, const settings::SettingsRecord& settings,

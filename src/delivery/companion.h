@@ -3,9 +3,12 @@
 // e-mail and FTP while the station goes on dictating. The station starts it when
 // automatic sending is on, and stops it where it must not run and at exit.
 
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/event_loop.h"
+#include "platform/processes.h"
 #include "platform/timer.h"
 #include "settings/config_file.h"
 #include "settings/event_log.h"
@@ -14,7 +17,7 @@ namespace ovd::delivery {
 
 // What the delivery needs of the companion: is it running, start it, stop it.
 class CompanionSender {
-public:
+  public:
     virtual ~CompanionSender() = default;
     [[nodiscard]] virtual bool running() const = 0;
     virtual void start() = 0;
@@ -22,25 +25,34 @@ public:
 };
 
 class AutoSendCompanion : public CompanionSender {
-public:
+  public:
     static constexpr const char* kProgramName = "orvane-autosend";
 
     // binaryFolder: where the station's own program is installed.
-    AutoSendCompanion(settings::EventLog& log, std::string binaryFolder, std::string dataFolder);
+    AutoSendCompanion(platform::EventLoop& loop, settings::EventLog& log, std::string binaryFolder,
+                      std::string dataFolder);
+    ~AutoSendCompanion() override;
+    AutoSendCompanion(const AutoSendCompanion&) = delete;
+    AutoSendCompanion& operator=(const AutoSendCompanion&) = delete;
 
     [[nodiscard]] bool installed() const;
     [[nodiscard]] bool running() const override;
     // Starts it unless one runs already; a missing program is logged, not shown.
     void start() override;
-    // Asks a running companion to stop and waits a moment for it.
+    // Asks a running companion to stop; a request that has not ended within a
+    // few seconds is logged. The station does not wait for it.
     void stop() override;
 
-private:
+  private:
     [[nodiscard]] std::string programPath() const;
+    // Holds a started program until it ends, so that its end is collected.
+    void keep(std::unique_ptr<platform::ChildProcess> child);
 
+    platform::EventLoop& loop_;
     settings::EventLog& log_;
     std::string binaryFolder_;
     std::string dataFolder_;
+    std::vector<std::unique_ptr<platform::ChildProcess>> children_;
 };
 
 inline constexpr const char* kManuallyStopAutoSend = "Manually Stop AutoSend";
@@ -49,7 +61,7 @@ inline constexpr const char* kManuallyStartAutoSend = "Manually Start AutoSend";
 // The menu item mnAutoSend: its caption follows the companion (tmchkAutoSend looks
 // twice a second), and a click starts or stops it by hand.
 class AutoSendMenu {
-public:
+  public:
     AutoSendMenu(platform::EventLoop& loop, const settings::SettingsRecord& settings,
                  CompanionSender& companion);
 
@@ -62,7 +74,7 @@ public:
     std::string Caption = kManuallyStartAutoSend;
     platform::Timer tmchkAutoSend;
 
-private:
+  private:
     const settings::SettingsRecord& settings_;
     CompanionSender& companion_;
 };

@@ -55,12 +55,10 @@ std::string numericAddress(const sockaddr* address, socklen_t size) {
     return plainAddress(host.data());
 }
 
-int listeningSocket(int family, int port, std::string& error) {
+// The listening socket's descriptor; the failure is the system's words alone.
+platform::Result<int> listeningSocket(int family, int port) {
     const int fd = ::socket(family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
-    if (fd < 0) {
-        error = std::strerror(errno);
-        return -1;
-    }
+    if (fd < 0) return platform::failure(std::strerror(errno));
     const int on = 1;
     // A station started again at once finds its port free, not held by the last run.
     ::setsockopt(fd, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
@@ -81,9 +79,9 @@ int listeningSocket(int family, int port, std::string& error) {
         result = ::bind(fd, reinterpret_cast<sockaddr*>(&any), sizeof any);
     }
     if (result != 0 || ::listen(fd, 64) != 0) {
-        error = std::strerror(errno);
+        const int error = errno;
         ::close(fd);
-        return -1;
+        return platform::failure(std::strerror(error));
     }
     return fd;
 }
@@ -148,16 +146,16 @@ OrderListener::OrderListener(platform::EventLoop& loop,
 
 OrderListener::~OrderListener() { close(); }
 
-bool OrderListener::listen(int port, std::string& error) {
+platform::Result<void> OrderListener::listen(int port) {
     close();
-    listenFd_ = listeningSocket(AF_INET6, port, error);
+    auto socket = listeningSocket(AF_INET6, port);
     // A machine without IPv6 still hears its peer on IPv4.
-    if (listenFd_ < 0 && error != std::strerror(EADDRINUSE)) {
-        listenFd_ = listeningSocket(AF_INET, port, error);
-    }
-    if (listenFd_ < 0) return false;
+    if (!socket && socket.error() != std::strerror(EADDRINUSE))
+        socket = listeningSocket(AF_INET, port);
+    if (!socket) return socket.failed();
+    listenFd_ = *socket;
     listenWatch_ = loop_.watchFd(listenFd_, platform::FdEvent::Readable, [this] { accept(); });
-    return true;
+    return platform::Result<void>::success();
 }
 
 void OrderListener::close() {

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "platform/event_loop.h"
+#include "platform/result.h"
 
 namespace ovd::delivery {
 
@@ -60,9 +61,9 @@ class OrderListener {
     OrderListener(const OrderListener&) = delete;
     OrderListener& operator=(const OrderListener&) = delete;
 
-    // Listens on the port on every address of this machine. False, with the
-    // system's reason in error, when the port can't be had.
-    [[nodiscard]] bool listen(int port, std::string& error);
+    // Listens on the port on every address of this machine; the failure is the
+    // system's reason when the port can't be had.
+    platform::Result<void> listen(int port);
     // Closes the listening socket and the peer's connection.
     void close();
     [[nodiscard]] bool listening() const { return listenFd_ >= 0; }

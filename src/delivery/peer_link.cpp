@@ -36,7 +36,7 @@ PeerLink::PeerLink(PeerLinkParts parts)
 void PeerLink::trace(const std::string& line) { log_.trace(line); }
 
 void PeerLink::label40(const std::string& text) {
-    if (showLabel40) showLabel40(text);
+    if (showStatusText) showStatusText(text);
 }
 
 std::string PeerLink::today() const {
@@ -49,14 +49,13 @@ std::string PeerLink::today() const {
 }
 
 bool PeerLink::start() {
-    std::string reason;
-    if (!tcpServer.listen(orderPort_, reason)) {
+    if (const platform::Result<void> listening = tcpServer.listen(orderPort_); !listening) {
         const std::string text = "Error starting Port: " + std::string(" ") +
                                  std::to_string(orderPort_) +
                                  " -Server listener. Port already in use. Program will end";
         prompts_.showMessage(text, settings::kProductTitle, platform::Severity::Critical);
         trace(text);
-        trace("Order listener: " + reason);
+        trace("Order listener: " + listening.error());
         return false;
     }
     trace("TCP order listener on port " + std::to_string(orderPort_) + ", peer " +
@@ -71,8 +70,8 @@ void PeerLink::stop() {
     timShowTCPError.setEnabled(false);
     queueRetry.setEnabled(false);
     tcpServer.close();
-    TCPClient_.CloseSocKet();
-    probe_.CloseSocKet();
+    TCPClient_.closeSocket();
+    probe_.closeSocket();
     probing_ = false;
 }
 
@@ -95,14 +94,14 @@ void PeerLink::pause(const std::string& tag) {
 }
 
 std::string PeerLink::tryConnection(const std::string& waitTag) {
-    TCPClient_.CloseSocKet();
+    TCPClient_.closeSocket();
     TCPClient_.OpenSocket(config_.record.TCPIP, config_.record.TCPPort);
     pause(waitTag);
     return TCPClient_.LastError();
 }
 
 std::string PeerLink::deliver(const std::string& text, const std::string& waitTag) {
-    TCPClient_.CloseSocKet();
+    TCPClient_.closeSocket();
     TCPClient_.OpenSocket(config_.record.TCPIP, config_.record.TCPPort);
     pause(" -53 Opening Socket");
     TCPClient_.Send(text + kLineEnd);
@@ -162,7 +161,7 @@ void PeerLink::sendQueuedOrTrace() {
 void PeerLink::queueRetryTick() {
     if (queuedCount() == 0) {
         queueRetry.setEnabled(false);
-        probe_.CloseSocKet();
+        probe_.closeSocket();
         probing_ = false;
         return;
     }
@@ -170,7 +169,7 @@ void PeerLink::queueRetryTick() {
     if (sending_ || frmTCPReConnection.loaded || timShowTCPError.Enabled()) return;
     if (probing_) {
         const bool listening = probe_.LastError().empty();
-        probe_.CloseSocKet();
+        probe_.closeSocket();
         probing_ = false;
         if (listening) {
             sending_ = true;
@@ -273,14 +272,14 @@ void PeerLink::timShowTCPError_Timer() {
     sending_ = false;
 }
 
-void PeerLink::cmdOK_Click() {
+void PeerLink::okClicked() {
     trace(" User Selected OK on TCP Comminications Failure message");
     frmTCPReConnection.cmdOKVisible = false;
     frmTCPReConnection.cmdConnectVisible = false;
     unloadDialog();
 }
 
-void PeerLink::cmdConnect_Click() {
+void PeerLink::connectClicked() {
     frmTCPReConnection.cmdOKVisible = false;
     frmTCPReConnection.cmdConnectVisible = false;
     ++frmTCPReConnection.revision;

@@ -96,8 +96,8 @@ class PeerLink {
     platform::Timer queueRetry;
     void timShowTCPError_Timer();
     void TCPReconnect();
-    void cmdOK_Click();
-    void cmdConnect_Click();
+    void okClicked();       // cmdOK_Click
+    void connectClicked();  // cmdConnect_Click
     ReconnectionDialog frmTCPReConnection;
 
     // The queue: slot 1 to TCPFailedCount (slot 0 unused), as the resend reads it.
@@ -106,9 +106,9 @@ class PeerLink {
     [[nodiscard]] double retries() const { return TCPRetries; }
 
     // ---- Upward: the station wires these ----
-    std::function<void()> onExitOrder;   // TCPSaysExit
-    std::function<void()> onCloseOrder;  // TCPSaysClose
-    std::function<void(const std::string&)> showLabel40;
+    std::function<void()> onExitOrder;                       // TCPSaysExit
+    std::function<void()> onCloseOrder;                      // TCPSaysClose
+    std::function<void(const std::string&)> showStatusText;  // showLabel40
     // The main window's timers are held off while the user's reconnection runs.
     std::function<void()> holdTimers;
     std::function<void()> releaseTimers;

@@ -18,7 +18,7 @@ constexpr const char* kStillConnecting = "The peer did not answer the connection
 
 TCPClient::TCPClient(platform::EventLoop& loop) : loop_(loop) {}
 
-TCPClient::~TCPClient() { CloseSocKet(); }
+TCPClient::~TCPClient() { closeSocket(); }
 
 void TCPClient::fail(const std::string& error) {
     lastError_ = error;
@@ -28,7 +28,7 @@ void TCPClient::fail(const std::string& error) {
 }
 
 void TCPClient::OpenSocket(const std::string& ip, const std::string& port) {
-    CloseSocKet();
+    closeSocket();
     lastError_.clear();
     addrinfo hints{};
     hints.ai_family = AF_UNSPEC;
@@ -70,7 +70,7 @@ void TCPClient::Send(const std::string& text) {
     if (phase_ == Phase::Connected) flush();
 }
 
-void TCPClient::CloseSocKet() {
+void TCPClient::closeSocket() {
     watchWritable(false);
     if (fd_ >= 0) {
         // One last try for what the peer has not taken; the close itself is orderly.

@@ -11,7 +11,7 @@
 namespace ovd::delivery {
 
 class TCPClient {
-public:
+  public:
     explicit TCPClient(platform::EventLoop& loop);
     ~TCPClient();
     TCPClient(const TCPClient&) = delete;
@@ -22,14 +22,14 @@ public:
     // Sends the text as it stands, no framing of its own.
     void Send(const std::string& text);
     // Drops the connection; bytes the peer could not take by now are lost.
-    void CloseSocKet();
+    void closeSocket();
     // The last error; empty when the connection stands and everything sent so far
     // went out. A connection still being made when this is read counts as failed,
     // and what was to go on it is dropped, so that a late connection never delivers
     // a message the station already queued for a resend.
     [[nodiscard]] std::string LastError();
 
-private:
+  private:
     enum class Phase { Closed, Connecting, Connected, Failed };
     // Takes up a finished connection attempt and writes what is waiting.
     void settle();

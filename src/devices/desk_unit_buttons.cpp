@@ -224,9 +224,8 @@ std::string SwitchModel::keepInBackFolder(const std::string& path) {
     std::filesystem::rename(from, to, error);
     if (!error) return to.string();
     // Another disk: copy, and the letter goes only once the copy is whole.
-    std::string reason;
-    if (!platform::copyFileOver(path, to.string(), &reason)) {
-        trace("Copy to BACK failed: " + reason);
+    if (const platform::Result<void> copied = platform::copyFileOver(path, to.string()); !copied) {
+        trace("Copy to BACK failed: " + copied.error());
         std::filesystem::remove(to, error);
         return {};
     }

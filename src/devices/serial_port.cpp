@@ -1,7 +1,6 @@
 #include "devices/serial_port.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
@@ -9,7 +8,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
-#include <thread>
+#include <utility>
 
 #include "settings/ini_store.h"
 
@@ -86,32 +85,28 @@ std::optional<SerialError> SerialPort::open(const std::string& devicePath) {
         ::close(fd);
         return SerialError{SerialFault::NotAvailable, devicePath + ": not a serial device"};
     }
-    // A port belongs to one program at a time, as a serial port always has.
-    if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
-        const int error = errno;
-        ::close(fd);
-        return SerialError{SerialFault::InUse,
-                           devicePath + ": " + std::strerror(error == EWOULDBLOCK ? EBUSY : error)};
-    }
-    if (!configureRaw1200(fd)) {
-        const int error = errno;
-        ::close(fd);
-        return errorFromErrno(error, devicePath);
-    }
-    fd_ = fd;
+    // A port belongs to one program at a time, as a serial port always has. The
+    // lock on a descriptor just opened is refused only because another holds it.
+    auto locked = platform::LockedFile::lock(fd);
+    if (!locked) return SerialError{SerialFault::InUse, devicePath + ": " + std::strerror(EBUSY)};
+    if (!configureRaw1200(locked->fd())) return errorFromErrno(errno, devicePath);
+    file_ = std::move(*locked);
     devicePath_ = devicePath;
     buffer_.clear();
     lost_ = false;
-    watch_ = loop_.watchFd(fd_, platform::FdEvent::Readable, [this] { onReadable(); });
+    watchLine();
     return std::nullopt;
+}
+
+void SerialPort::watchLine() {
+    watch_ = loop_.watchFd(file_.fd(), platform::FdEvent::Readable, [this] { onReadable(); });
 }
 
 void SerialPort::close() {
     if (!isOpen()) return;
     if (watch_) loop_.unwatchFd(*watch_);
     watch_.reset();
-    ::close(fd_);
-    fd_ = -1;
+    file_.release();
     buffer_.clear();
 }
 
@@ -119,14 +114,21 @@ void SerialPort::setRtsDtr(bool raised) {
     if (!isOpen()) return;
     int lines = TIOCM_RTS | TIOCM_DTR;
     // A refusal is no failure: see the header.
-    (void)::ioctl(fd_, raised ? TIOCMBIS : TIOCMBIC, &lines);
+    (void)::ioctl(file_.fd(), raised ? TIOCMBIS : TIOCMBIC, &lines);
 }
 
 void SerialPort::resetPedal() {
+    if (!isOpen()) return;
+    // Not heard while the lines settle: what the pedal sends as it powers up stays
+    // in the tty for the caller to drain, and the rest of the station goes on.
+    if (watch_) loop_.unwatchFd(*watch_);
+    watch_.reset();
     setRtsDtr(false);
-    std::this_thread::sleep_for(kLineSettleTime);
+    loop_.wait(kLineSettleTime);
     setRtsDtr(true);
-    std::this_thread::sleep_for(kLineSettleTime);
+    loop_.wait(kLineSettleTime);
+    // Closed, or closed and opened again, by an event meanwhile: that open watches already.
+    if (isOpen() && !watch_) watchLine();
 }
 
 bool SerialPort::fillBuffer() {
@@ -134,7 +136,7 @@ bool SerialPort::fillBuffer() {
     bool gotSome = false;
     std::uint8_t chunk[256];
     for (std::size_t taken = 0; taken < kMostPerEvent;) {
-        const ssize_t count = ::read(fd_, chunk, sizeof chunk);
+        const ssize_t count = ::read(file_.fd(), chunk, sizeof chunk);
         if (count > 0) {
             buffer_.insert(buffer_.end(), chunk, chunk + count);
             if (buffer_.size() > kReceiveBufferSize) {
@@ -178,7 +180,7 @@ std::optional<std::uint8_t> SerialPort::readByte() {
 bool SerialPort::modemLine(int bit) const {
     if (!isOpen()) return false;
     int lines = 0;
-    if (::ioctl(fd_, TIOCMGET, &lines) != 0) return false;
+    if (::ioctl(file_.fd(), TIOCMGET, &lines) != 0) return false;
     return (lines & bit) != 0;
 }
 

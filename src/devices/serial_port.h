@@ -17,6 +17,7 @@
 
 #include "devices/serial_pedal_decoder.h"
 #include "platform/event_loop.h"
+#include "platform/locked_file.h"
 
 namespace ovd::devices {
 
@@ -56,14 +57,15 @@ class SerialPort : public SerialByteSource {
     [[nodiscard]] std::optional<SerialError> open(const std::string& devicePath);
     // Nothing happens on a closed port.
     void close();
-    [[nodiscard]] bool isOpen() const { return fd_ >= 0; }
+    [[nodiscard]] bool isOpen() const { return file_.held(); }
     [[nodiscard]] const std::string& devicePath() const { return devicePath_; }
 
     // RTS and DTR together. A port that refuses the lines (a pty does) is used as
     // it is: a pedal that needs no power from them still works.
     void setRtsDtr(bool raised);
     // The pedal's reset and power-up: lines off, a short wait, on, the same wait.
-    // The wait blocks on purpose: the reset must not be cut into by other events.
+    // The loop runs other events during the waits, but the port's own input is not
+    // read until the reset is over: it must not be cut into by a press.
     void resetPedal();
 
     std::optional<std::uint8_t> readByte() override;
@@ -77,6 +79,7 @@ class SerialPort : public SerialByteSource {
   private:
     // Takes what the tty holds into the buffer; true when something new came.
     bool fillBuffer();
+    void watchLine();
     void onReadable();
     [[nodiscard]] bool modemLine(int bit) const;
 
@@ -84,7 +87,7 @@ class SerialPort : public SerialByteSource {
     std::function<void()> onReceive_;
     std::function<void()> onLost_;
     bool lost_ = false;
-    int fd_ = -1;
+    platform::LockedFile file_;
     std::string devicePath_;
     std::optional<platform::EventLoop::Handle> watch_;
     std::deque<std::uint8_t> buffer_;

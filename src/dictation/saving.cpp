@@ -135,10 +135,10 @@ void Dictation::SaveFile() {
         return;
     }
     waitUntilFileIsFree();
-    if (const std::string error = AudioEditor1.lastSaveError(); !error.empty()) {
+    if (const platform::Result<void> written = AudioEditor1.lastSaveResult(); !written) {
         // The work file still holds the take: the next save tries again.
-        saveFailed(state.Filename + " File Save ERROR: " + error, " -71");
-        tellSaveFailed(error);
+        saveFailed(state.Filename + " File Save ERROR: " + written.error(), " -71");
+        tellSaveFailed(written.error());
         return;
     }
     trace("Ending File Save : " + state.Filename);
@@ -229,8 +229,9 @@ void Dictation::SaveFileAs() {
     // Copied beside the new name and moved onto it once complete, as every save
     // is written: a crash leaves no half file under the name the author chose.
     const std::string partial = *chosen + ".partial";
-    std::string reason;
-    bool copied = platform::copyFileOver(state.SaveOldFileName, partial, &reason);
+    const platform::Result<void> copy = platform::copyFileOver(state.SaveOldFileName, partial);
+    bool copied = copy.ok();
+    std::string reason = copy.error();
     if (copied && std::rename(partial.c_str(), chosen->c_str()) != 0) {
         copied = false;
         reason = std::strerror(errno);

@@ -13,7 +13,7 @@
 #include <string>
 
 #include "engine/audio_editor.h"
-#include "engine/engine_result.h"
+#include "platform/result.h"
 
 namespace ovd::engine {
 
@@ -28,7 +28,7 @@ using CaptureCallback = std::function<void(const std::int16_t* frames, std::size
 
 // One playing stream, fed from the loop's thread: the editor tops it up on a timer.
 class PlaybackStream {
-public:
+  public:
     virtual ~PlaybackStream() = default;
     // How many frames can be queued now without blocking.
     [[nodiscard]] virtual std::size_t writable() const = 0;
@@ -39,7 +39,7 @@ public:
 };
 
 class AudioBackend {
-public:
+  public:
     virtual ~AudioBackend() = default;
 
     [[nodiscard]] virtual std::string name() const = 0;
@@ -47,12 +47,13 @@ public:
     virtual DeviceList& playbackDevices() = 0;
 
     // Starts capturing from the current recording device and source line.
-    virtual EngineResult startCapture(const PcmFormat& format, CaptureCallback deliver) = 0;
+    virtual platform::Result<void> startCapture(const PcmFormat& format,
+                                                CaptureCallback deliver) = 0;
     virtual void stopCapture() = 0;
 
-    // Opens a stream on the current playback device; null, with the reason, on failure.
-    virtual std::unique_ptr<PlaybackStream> openPlayback(const PcmFormat& format,
-                                                         std::string& error) = 0;
+    // Opens a stream on the current playback device.
+    virtual platform::Result<std::unique_ptr<PlaybackStream>> openPlayback(
+        const PcmFormat& format) = 0;
 
     // Plays a short wave file without waiting for it; a prompt cuts off the one before.
     virtual void playPrompt(const std::string& wavePath) = 0;

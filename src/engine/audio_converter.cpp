@@ -61,15 +61,14 @@ void AudioConverter::waitUntilDone() {
     if (worker_.joinable()) worker_.join();
 }
 
-EngineResult AudioConverter::start() {
-    if (busy_.load()) return EngineResult::failure("a conversion is still running");
+platform::Result<void> AudioConverter::start() {
+    if (busy_.load()) return platform::failure("a conversion is still running");
     waitUntilDone();  // the one before has ended; its thread is collected here
-    if (!targetSet_ || targetPath_.empty()) return EngineResult::failure("no target to convert to");
-    if (sourcePath_.empty() && !givenSource_) return EngineResult::failure("no source to convert");
+    if (!targetSet_ || targetPath_.empty()) return platform::failure("no target to convert to");
+    if (sourcePath_.empty() && !givenSource_) return platform::failure("no source to convert");
     // Locked before this returns: whoever checks the target from now on finds it busy.
-    std::string lockError;
-    const int lockFd = openLockedForWriting(targetPath_, lockError);
-    if (lockFd < 0) return EngineResult::failure(lockError);
+    auto locked = openLockedForWriting(targetPath_);
+    if (!locked) return locked.failed();
 
     {
         const std::lock_guard lock(errorMutex_);
@@ -79,20 +78,22 @@ EngineResult AudioConverter::start() {
     cancelled_.store(false);
     busy_.store(true);
     Job job{sourcePath_, sourceHint_, targetPath_, target_, comment_};
-    worker_ = std::thread([this, lockFd, job = std::move(job), source = std::move(givenSource_),
-                           onComplete = onComplete_, alive = alive_]() mutable {
-        EngineResult result = EngineResult::success();
+    worker_ = std::thread([this, lockedTarget = std::move(*locked), job = std::move(job),
+                           source = std::move(givenSource_), onComplete = onComplete_,
+                           alive = alive_]() mutable {
+        platform::Result<void> result = platform::Result<void>::success();
         if (!source) {
             std::string error;
             source = AudioFileReader::open(job.sourcePath, error, job.hint ? &*job.hint : nullptr);
-            if (!source) result = EngineResult::failure(error);
+            if (!source) result = platform::failure(error);
         }
         if (source) {
-            result = encodeIntoLockedFile(*source, lockFd, job.targetPath, job.target, job.comment,
-                                          [this](double fraction) {
-                                              percent_.store(static_cast<int>(std::floor(fraction * 100.0)));
-                                              return !cancelled_.load();
-                                          });
+            result = encodeIntoLockedFile(
+                *source, lockedTarget.fd(), job.targetPath, job.target, job.comment,
+                [this](double fraction) {
+                    percent_.store(static_cast<int>(std::floor(fraction * 100.0)));
+                    return !cancelled_.load();
+                });
         } else {
             ::unlink(job.targetPath.c_str());  // nothing was converted: no target either
         }
@@ -103,12 +104,12 @@ EngineResult AudioConverter::start() {
         if (result) percent_.store(100);
         // Not busy any more before the lock goes: while busy() says true the target is never free.
         busy_.store(false);
-        ::close(lockFd);
+        lockedTarget.release();
         loop_.postFromAnyThread([alive, onComplete, result] {
             if (alive->load() && onComplete) onComplete(result);
         });
     });
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
 }  // namespace ovd::engine

@@ -19,9 +19,9 @@
 namespace ovd::engine {
 
 class AudioConverter {
-public:
+  public:
     // Runs on the loop's thread once the work is over: success, or the reason.
-    using Completion = std::function<void(const EngineResult&)>;
+    using Completion = std::function<void(const platform::Result<void>&)>;
 
     explicit AudioConverter(platform::EventLoop& loop);
     // Cancels a conversion still running and waits for it to stop.
@@ -41,7 +41,7 @@ public:
     // Locks the target and starts the work. Fails at once when a conversion is
     // still running, nothing was set, or the target can't be locked; everything
     // later (an unreadable source included) comes through error() and the completion.
-    EngineResult start();
+    platform::Result<void> start();
     // Asks the running conversion to stop; it ends as a failure and removes the target.
     void cancel();
     // Blocks until the running conversion has ended (its completion is still posted).
@@ -52,7 +52,7 @@ public:
     // The reason the last conversion failed; empty after a success.
     [[nodiscard]] std::string error() const;
 
-private:
+  private:
     void run(int lockFd, std::unique_ptr<PcmSource> source);
 
     platform::EventLoop& loop_;

@@ -13,7 +13,7 @@
 #include <string>
 
 #include "engine/audio_format.h"
-#include "engine/engine_result.h"
+#include "platform/result.h"
 
 namespace ovd::engine {
 
@@ -26,26 +26,26 @@ inline constexpr int kPlayLooped = 3;
 
 // Recording or playback devices, and the source lines of the current device.
 class DeviceList {
-public:
+  public:
     virtual ~DeviceList() = default;
 
     [[nodiscard]] virtual int Count() const = 0;
     [[nodiscard]] virtual int Current() const = 0;  // -1 when there is none
-    virtual EngineResult setCurrent(int index) = 0;
+    virtual platform::Result<void> setCurrent(int index) = 0;
     [[nodiscard]] virtual std::string Name(int index) const = 0;
 
     // Source lines of the current device.
     [[nodiscard]] virtual int SourceCount() const = 0;
     [[nodiscard]] virtual int SourceCurrent() const = 0;
-    virtual EngineResult setSourceCurrent(int index) = 0;
+    virtual platform::Result<void> setSourceCurrent(int index) = 0;
     [[nodiscard]] virtual std::string SourceName(int index) const = 0;
     [[nodiscard]] virtual bool HasVolume(int index) const = 0;
     [[nodiscard]] virtual int Volume(int index) const = 0;  // 0 to 65535
-    virtual EngineResult setVolume(int index, int volume) = 0;
+    virtual platform::Result<void> setVolume(int index, int volume) = 0;
     [[nodiscard]] virtual int Balance(int index) const = 0;  // -100 (left) to 100 (right)
-    virtual EngineResult setBalance(int index, int balance) = 0;
+    virtual platform::Result<void> setBalance(int index, int balance) = 0;
     [[nodiscard]] virtual bool Mute(int index) const = 0;
-    virtual EngineResult setMute(int index, bool mute) = 0;
+    virtual platform::Result<void> setMute(int index, bool mute) = 0;
 
     // Moves each time the devices listed (or the one in use) change under the
     // station, a microphone plugged in or taken away: whoever shows the list reads
@@ -57,13 +57,13 @@ public:
 struct BlockOperationEvent {
     enum class Phase { Start, Progress, End };
     Phase phase = Phase::Start;
-    std::string name;     // "Saving", "Opening", "Pasting"...
+    std::string name;  // "Saving", "Opening", "Pasting"...
     SampleCount position = 0;
     SampleCount range = 0;  // the operation runs from 0 to range
 };
 
 class AudioEditor {
-public:
+  public:
     virtual ~AudioEditor() = default;
 
     // Selection view, in samples (frames) of the document.
@@ -99,34 +99,33 @@ public:
     [[nodiscard]] virtual std::string TempFileName() const = 0;
     virtual void setTempFileName(const std::string& folderOrPath) = 0;
 
-    virtual EngineResult Open(const std::string& path) = 0;
-    virtual EngineResult New(int samplesPerSecond, int channels) = 0;
+    virtual platform::Result<void> Open(const std::string& path) = 0;
+    virtual platform::Result<void> New(int samplesPerSecond, int channels) = 0;
     // Writes the document in the chosen format. The encoding runs off the loop's
     // thread and the file is held locked until it is complete.
-    virtual EngineResult SaveAs(const std::string& path) = 0;
-    // The last save has ended (its file is no longer held) and what became of it:
-    // empty when it worked.
+    virtual platform::Result<void> SaveAs(const std::string& path) = 0;
+    // The last save has ended (its file is no longer held) and what became of it.
     [[nodiscard]] virtual bool saving() const = 0;
-    [[nodiscard]] virtual std::string lastSaveError() const = 0;
+    [[nodiscard]] virtual platform::Result<void> lastSaveResult() const = 0;
     virtual void Close() = 0;  // harmless with nothing loaded
     // Closes the document and leaves its work file in the folder, for the recovery
     // of a take that could not be saved.
     virtual void CloseKeepingWorkFile() = 0;
 
-    virtual EngineResult Play(int mode = 0) = 0;  // from the cursor
-    virtual EngineResult Record() = 0;  // at the cursor, or over the selection
-    virtual void Stop() = 0;            // harmless when stopped
+    virtual platform::Result<void> Play(int mode = 0) = 0;  // from the cursor
+    virtual platform::Result<void> Record() = 0;            // at the cursor, or over the selection
+    virtual void Stop() = 0;                                // harmless when stopped
     virtual void Pause() = 0;
     virtual void Continue() = 0;
     [[nodiscard]] virtual int State() const = 0;
 
-    virtual EngineResult Undo() = 0;
-    virtual EngineResult Redo() = 0;
-    virtual EngineResult Copy() = 0;
-    virtual EngineResult Cut() = 0;
+    virtual platform::Result<void> Undo() = 0;
+    virtual platform::Result<void> Redo() = 0;
+    virtual platform::Result<void> Copy() = 0;
+    virtual platform::Result<void> Cut() = 0;
     // Replaces the selection, or inserts at the cursor when there is none.
-    virtual EngineResult Paste() = 0;
-    virtual EngineResult PasteFile(const std::string& path) = 0;
+    virtual platform::Result<void> Paste() = 0;
+    virtual platform::Result<void> PasteFile(const std::string& path) = 0;
 
     // Events.
     std::function<void(const BlockOperationEvent&)> onBlockOperation;

@@ -27,12 +27,13 @@ OpenedBackend openAudioBackend(BackendChoice choice, platform::EventLoop& loop,
         openVirtual("as chosen");
         return opened;
     }
-    std::string error;
-    opened.backend = PulseBackend::connect(loop, error);
-    if (opened.backend) {
+    auto connected = PulseBackend::connect(loop);
+    if (connected) {
+        opened.backend = std::move(*connected);
         opened.logLine = "Sound: sound server";
         return opened;
     }
+    const std::string& error = connected.error();
     if (choice == BackendChoice::Pulse) {
         opened.logLine = "Sound: the sound server can't be reached (" + error + ")";
         return opened;

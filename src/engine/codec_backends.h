@@ -9,6 +9,7 @@
 #include <string>
 
 #include "engine/codecs.h"
+#include "platform/locked_file.h"
 
 namespace ovd::engine {
 
@@ -24,34 +25,36 @@ struct EncodeJob {
 inline constexpr const char* kCancelledText = "cancelled";
 
 // WAV, VOX, RAW and DSP, written through fd (open, locked and empty).
-EngineResult encodeWithSndfile(const EncodeJob& job, int fd, const std::string& path);
+platform::Result<void> encodeWithSndfile(const EncodeJob& job, int fd, const std::string& path);
 // MP3, MP2 and WMA, written through fd (open, locked and empty).
-EngineResult encodeWithFfmpeg(const EncodeJob& job, int fd, const std::string& path);
+platform::Result<void> encodeWithFfmpeg(const EncodeJob& job, int fd, const std::string& path);
 
 // A file written a block at a time, from audio already at the rate and channels
 // it is written at. It writes through a descriptor it does not own.
 class EncodedStream {
-public:
+  public:
     virtual ~EncodedStream() = default;
-    virtual EngineResult write(const std::int16_t* frames, std::size_t frameCount) = 0;
+    virtual platform::Result<void> write(const std::int16_t* frames, std::size_t frameCount) = 0;
     // Frames given in the file's own layout are put at the end of the file by
     // `copy`, through the descriptor it is handed; only where copiesFrames().
     [[nodiscard]] virtual bool copiesFrames() const { return false; }
-    virtual EngineResult appendCopied(SampleCount frameCount, const std::function<EngineResult(int fd)>& copy);
+    virtual platform::Result<void> appendCopied(
+        SampleCount frameCount, const std::function<platform::Result<void>(int fd)>& copy);
     // Everything complete so far is in the file, and the file's header says so.
-    virtual EngineResult sync() = 0;
+    virtual platform::Result<void> sync() = 0;
     // What the codec still held goes in; the file is whole.
-    virtual EngineResult finish() = 0;
+    virtual platform::Result<void> finish() = 0;
 };
 
 // 16-bit PCM in a wave file with the comment in its LIST chunk.
-std::unique_ptr<EncodedStream> openWaveStream(int fd, const std::string& path, const PcmFormat& format,
-                                              const std::string& comment, std::string& error);
+std::unique_ptr<EncodedStream> openWaveStream(int fd, const std::string& path,
+                                              const PcmFormat& format, const std::string& comment,
+                                              std::string& error);
 // MP3 or MP2 through the codec library. An MP3 stream rewrites its Info frame at
 // every sync, so readers that trust it find every frame written so far.
-std::unique_ptr<EncodedStream> openFfmpegStream(int fd, const std::string& path, const TargetFormat& target,
-                                                const PcmFormat& format, const std::string& comment,
-                                                std::string& error);
+std::unique_ptr<EncodedStream> openFfmpegStream(int fd, const std::string& path,
+                                                const TargetFormat& target, const PcmFormat& format,
+                                                const std::string& comment, std::string& error);
 
 // The rate and channels a format is written at, for audio given in `source`:
 // what the user chose, brought to what the codec can carry.
@@ -69,14 +72,14 @@ std::unique_ptr<AudioFileReader> openWithFfmpeg(const std::string& path, std::st
 std::string ffmpegErrorText(int code);
 
 // Writes the source into an open file descriptor the caller has locked with
-// flock(LOCK_EX); the lock stays the caller's. On failure or cancel the file is
+// a LockedFile; the lock stays the caller's. On failure or cancel the file is
 // emptied and unlinked from path before this returns.
-EngineResult encodeIntoLockedFile(PcmSource& source, int fd, const std::string& path,
-                                  const TargetFormat& target, const std::string& comment,
-                                  const ProgressCallback& progress);
+platform::Result<void> encodeIntoLockedFile(PcmSource& source, int fd, const std::string& path,
+                                            const TargetFormat& target, const std::string& comment,
+                                            const ProgressCallback& progress);
 
-// Opens path for writing and takes an exclusive lock at once; -1 with the reason
-// when it can't be opened or somebody else holds it.
-int openLockedForWriting(const std::string& path, std::string& error);
+// Opens path for writing and takes an exclusive lock at once; the failure says
+// whether it can't be opened or somebody else holds it.
+platform::Result<platform::LockedFile> openLockedForWriting(const std::string& path);
 
 }  // namespace ovd::engine

@@ -3,7 +3,6 @@
 // fails or is given up leaves no file behind to be mistaken for one.
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -20,7 +19,8 @@ namespace ovd::engine {
 namespace {
 
 // The rates the MP3 encoder takes (MPEG 1, 2 and 2.5).
-constexpr std::array<int, 9> kMp3Rates = {8000, 11025, 12000, 16000, 22050, 24000, 32000, 44100, 48000};
+constexpr std::array<int, 9> kMp3Rates = {8000,  11025, 12000, 16000, 22050,
+                                          24000, 32000, 44100, 48000};
 // MPEG layer II has no 2.5 extension: nothing under 16 kHz.
 constexpr std::array<int, 6> kMp2Rates = {16000, 22050, 24000, 32000, 44100, 48000};
 constexpr int kWmaHighestRate = 48000;
@@ -69,62 +69,59 @@ PcmFormat encodedPcmFormat(const TargetFormat& target, const PcmFormat& source) 
     return out;
 }
 
-int openLockedForWriting(const std::string& path, std::string& error) {
+platform::Result<platform::LockedFile> openLockedForWriting(const std::string& path) {
     const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
-    if (fd < 0) {
-        error = "can't write " + path + ": " + std::strerror(errno);
-        return -1;
-    }
-    if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
-        error = path + " is in use";
-        ::close(fd);
-        return -1;
-    }
-    return fd;
+    if (fd < 0) return platform::failure("can't write " + path + ": " + std::strerror(errno));
+    auto locked = platform::LockedFile::lock(fd);
+    if (!locked) return platform::failure(path + " is in use");
+    return locked;
 }
 
-EngineResult encodeIntoLockedFile(PcmSource& source, int fd, const std::string& path,
-                                  const TargetFormat& target, const std::string& comment,
-                                  const ProgressCallback& progress) {
-    const auto giveUp = [&](EngineResult failed) {
+platform::Result<void> encodeIntoLockedFile(PcmSource& source, int fd, const std::string& path,
+                                            const TargetFormat& target, const std::string& comment,
+                                            const ProgressCallback& progress) {
+    const auto giveUp = [&](platform::Result<void> failed) {
         // Readers that still have the file open must not find half a recording either.
-        if (::ftruncate(fd, 0) != 0) { /* the unlink below still takes the name away */ }
+        if (::ftruncate(fd, 0) != 0) { /* the unlink below still takes the name away */
+        }
         ::unlink(path.c_str());
         return failed;
     };
     if (::ftruncate(fd, 0) != 0 || ::lseek(fd, 0, SEEK_SET) != 0) {
-        return giveUp(EngineResult::failure("can't write " + path + ": " + std::strerror(errno)));
+        return giveUp(platform::failure("can't write " + path + ": " + std::strerror(errno)));
     }
     std::string error;
     auto pcm = ConvertingSource::create(source, encodedPcmFormat(target, source.format()), error);
-    if (!pcm) return giveUp(EngineResult::failure(error));
+    if (!pcm) return giveUp(platform::failure(error));
 
     const SampleCount total = source.frames();
     const EncodeJob job{*pcm, target, comment, [&] {
-        if (!progress) return true;
-        const double fraction = total > 0 ? static_cast<double>(pcm->sourceFramesRead()) / static_cast<double>(total) : 1.0;
-        return progress(std::min(fraction, 1.0));
-    }};
-    EngineResult result = throughFfmpeg(target.word) ? encodeWithFfmpeg(job, fd, path)
-                                                     : encodeWithSndfile(job, fd, path);
-    if (result && !pcm->error().empty()) result = EngineResult::failure(pcm->error());
+                            if (!progress) return true;
+                            const double fraction =
+                                total > 0 ? static_cast<double>(pcm->sourceFramesRead()) /
+                                                static_cast<double>(total)
+                                          : 1.0;
+                            return progress(std::min(fraction, 1.0));
+                        }};
+    platform::Result<void> result = throughFfmpeg(target.word) ? encodeWithFfmpeg(job, fd, path)
+                                                               : encodeWithSndfile(job, fd, path);
+    if (result && !pcm->error().empty()) result = platform::failure(pcm->error());
     // A dictation counts as saved once it would survive a power cut.
     if (result && ::fsync(fd) != 0) {
-        result = EngineResult::failure("can't write " + path + ": " + std::strerror(errno));
+        result = platform::failure("can't write " + path + ": " + std::strerror(errno));
     }
     if (!result) return giveUp(std::move(result));
     if (progress) progress(1.0);
     return result;
 }
 
-EngineResult encodeFile(PcmSource& source, const std::string& path, const TargetFormat& target,
-                        const std::string& comment, const ProgressCallback& progress) {
-    std::string error;
-    const int fd = openLockedForWriting(path, error);
-    if (fd < 0) return EngineResult::failure(error);
-    EngineResult result = encodeIntoLockedFile(source, fd, path, target, comment, progress);
-    ::close(fd);  // releases the lock: the file is complete, or gone
-    return result;
+platform::Result<void> encodeFile(PcmSource& source, const std::string& path,
+                                  const TargetFormat& target, const std::string& comment,
+                                  const ProgressCallback& progress) {
+    auto locked = openLockedForWriting(path);
+    if (!locked) return locked.failed();
+    // The lock goes as this returns: the file is complete, or gone.
+    return encodeIntoLockedFile(source, locked->fd(), path, target, comment, progress);
 }
 
 }  // namespace ovd::engine

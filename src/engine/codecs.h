@@ -12,13 +12,13 @@
 
 #include "engine/audio_backend.h"
 #include "engine/audio_format.h"
-#include "engine/engine_result.h"
+#include "platform/result.h"
 
 namespace ovd::engine {
 
 // Audio read front to back: a document being saved, or a file being converted.
 class PcmSource {
-public:
+  public:
     virtual ~PcmSource() = default;
     [[nodiscard]] virtual PcmFormat format() const = 0;
     [[nodiscard]] virtual SampleCount frames() const = 0;
@@ -27,7 +27,7 @@ public:
 };
 
 class AudioFileReader : public PcmSource {
-public:
+  public:
     // Opens any file of the recording formats. RAW and VOX files carry no header:
     // their layout is taken from hint (rate, channels, encoding).
     static std::unique_ptr<AudioFileReader> open(const std::string& path, std::string& error,
@@ -41,8 +41,9 @@ using ProgressCallback = std::function<bool(double fraction)>;
 
 // Writes the whole source to path in the target format, with the comment where
 // the format has a comment field. A cancelled or failed write removes the file.
-EngineResult encodeFile(PcmSource& source, const std::string& path, const TargetFormat& target,
-                        const std::string& comment, const ProgressCallback& progress = {});
+platform::Result<void> encodeFile(PcmSource& source, const std::string& path,
+                                  const TargetFormat& target, const std::string& comment,
+                                  const ProgressCallback& progress = {});
 
 // Length of an audio file in milliseconds, or -1 when it can't be read. RAW and
 // VOX files need the hint, as for AudioFileReader::open.

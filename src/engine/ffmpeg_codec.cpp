@@ -34,9 +34,12 @@ namespace {
 
 constexpr std::size_t kBlockFrames = 64 * 1024;
 // Bit rates of MPEG audio: MPEG 1 above 24 kHz, the low-rate extensions below.
-constexpr std::array<int, 14> kLayer2HighRateKbps = {32, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320, 384};
-constexpr std::array<int, 14> kLayer3HighRateKbps = {32, 40, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320};
-constexpr std::array<int, 14> kLowRateKbps = {8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160};
+constexpr std::array<int, 14> kLayer2HighRateKbps = {32,  48,  56,  64,  80,  96,  112,
+                                                     128, 160, 192, 224, 256, 320, 384};
+constexpr std::array<int, 14> kLayer3HighRateKbps = {32,  40,  48,  56,  64,  80,  96,
+                                                     112, 128, 160, 192, 224, 256, 320};
+constexpr std::array<int, 14> kLowRateKbps = {8,  16, 24, 32,  40,  48,  56,
+                                              64, 80, 96, 112, 128, 144, 160};
 // The WMA encoder refuses anything slower.
 constexpr int kWmaLowestKbps = 24;
 
@@ -47,9 +50,12 @@ struct Recipe {
 
 Recipe recipeFor(FormatWord word) {
     switch (word) {
-        case FormatWord::MP3: return {"libmp3lame", "mp3"};
-        case FormatWord::MP2: return {"mp2", "mp2"};
-        default: return {"wmav2", "asf"};
+        case FormatWord::MP3:
+            return {"libmp3lame", "mp3"};
+        case FormatWord::MP2:
+            return {"mp2", "mp2"};
+        default:
+            return {"wmav2", "asf"};
     }
 }
 
@@ -87,8 +93,8 @@ std::int64_t encoderBitRate(const TargetFormat& target, int sampleRate) {
 }
 
 bool supportsSampleFormat(AVSampleFormat format) {
-    return format == AV_SAMPLE_FMT_S16 || format == AV_SAMPLE_FMT_S16P || format == AV_SAMPLE_FMT_FLT ||
-           format == AV_SAMPLE_FMT_FLTP;
+    return format == AV_SAMPLE_FMT_S16 || format == AV_SAMPLE_FMT_S16P ||
+           format == AV_SAMPLE_FMT_FLT || format == AV_SAMPLE_FMT_FLTP;
 }
 
 // Interleaved 16-bit frames into an encoder frame of whatever sample layout it takes.
@@ -102,7 +108,8 @@ void fillFrame(AVFrame* frame, const std::int16_t* samples, int frameCount, int 
             const int plane = planar ? c : 0;
             const int index = planar ? i : i * channels + c;
             if (floating) {
-                reinterpret_cast<float*>(frame->data[plane])[index] = static_cast<float>(sample) / 32768.0f;
+                reinterpret_cast<float*>(frame->data[plane])[index] =
+                    static_cast<float>(sample) / 32768.0f;
             } else {
                 reinterpret_cast<std::int16_t*>(frame->data[plane])[index] = sample;
             }
@@ -125,72 +132,77 @@ struct IoCloser {
 // One encoding into a file descriptor: the whole file at once, or a file that
 // grows a stretch at a time (growing), synced between stretches.
 class FfmpegStream final : public EncodedStream {
-public:
+  public:
     FfmpegStream(int fd, const std::string& path, const TargetFormat& target, const PcmFormat& pcm,
                  const std::string& comment, bool growing)
         : fd_(fd), path_(path), target_(target), pcm_(pcm), comment_(comment), growing_(growing) {}
 
-    EngineResult open() {
-        if (EngineResult prepared = prepare(); !prepared) return prepared;
+    platform::Result<void> open() {
+        if (platform::Result<void> prepared = prepare(); !prepared) return prepared;
         frame_.reset(av_frame_alloc());
         packet_.reset(av_packet_alloc());
-        if (!frame_ || !packet_) return EngineResult::failure("out of memory preparing " + path_);
+        if (!frame_ || !packet_) return platform::failure("out of memory preparing " + path_);
         const int code = avformat_write_header(output_.get(), nullptr);
         if (code < 0) return failure("can't write the header of", code);
         if (growing_ && target_.word == FormatWord::MP3) return findInfoFrame();
-        return EngineResult::success();
+        return platform::Result<void>::success();
     }
 
-    EngineResult write(const std::int16_t* samples, std::size_t frameCount) override {
+    platform::Result<void> write(const std::int16_t* samples, std::size_t frameCount) override {
         const auto width = static_cast<std::size_t>(pcm_.channels);
         queued_.insert(queued_.end(), samples, samples + frameCount * width);
         // The encoder takes whole frames: the rest waits for the next block.
         std::size_t sent = 0;
         while (queued_.size() - sent >= frameSize_ * width) {
-            if (EngineResult done = sendFrames(queued_.data() + sent, frameSize_); !done) return done;
+            if (platform::Result<void> done = sendFrames(queued_.data() + sent, frameSize_); !done)
+                return done;
             sent += frameSize_ * width;
         }
         queued_.erase(queued_.begin(), queued_.begin() + static_cast<std::ptrdiff_t>(sent));
-        return EngineResult::success();
+        return platform::Result<void>::success();
     }
 
-    EngineResult sync() override {
+    platform::Result<void> sync() override {
         avio_flush(io_.get());
         if (io_->error < 0) return failure("can't write", io_->error);
-        if (!info_) return EngineResult::success();
+        if (!info_) return platform::Result<void>::success();
         Mp3Tally tally = tally_;
         // The encoder's start-up as the muxer counts it: what it reports less the decoder's delay.
         tally.startPadding = std::max(codec_->initial_padding - kDecoderDelaySamples, 0);
         tally.endPadding = kDecoderDelaySamples;
         const std::vector<std::uint8_t> frame = info_->describing(tally);
-        const auto written = ::pwrite(fd_, frame.data(), frame.size(), static_cast<off_t>(info_->offset()));
+        const auto written =
+            ::pwrite(fd_, frame.data(), frame.size(), static_cast<off_t>(info_->offset()));
         if (written != static_cast<ssize_t>(frame.size())) {
             return failure("can't write the Info frame of", AVERROR(written < 0 ? errno : EIO));
         }
-        return EngineResult::success();
+        return platform::Result<void>::success();
     }
 
-    EngineResult finish() override {
+    platform::Result<void> finish() override {
         const auto width = static_cast<std::size_t>(pcm_.channels);
         if (!queued_.empty()) {
-            const bool takesAnySize = (codec_->codec->capabilities &
-                                       (AV_CODEC_CAP_VARIABLE_FRAME_SIZE | AV_CODEC_CAP_SMALL_LAST_FRAME)) != 0;
+            const bool takesAnySize =
+                (codec_->codec->capabilities &
+                 (AV_CODEC_CAP_VARIABLE_FRAME_SIZE | AV_CODEC_CAP_SMALL_LAST_FRAME)) != 0;
             // An encoder that takes whole frames only gets a last one ending in silence.
             if (!takesAnySize) queued_.resize(frameSize_ * width, 0);
-            if (EngineResult sent = sendFrames(queued_.data(), queued_.size() / width); !sent) return sent;
+            if (platform::Result<void> sent = sendFrames(queued_.data(), queued_.size() / width);
+                !sent)
+                return sent;
             queued_.clear();
         }
-        if (EngineResult drained = send(nullptr); !drained) return drained;
+        if (platform::Result<void> drained = send(nullptr); !drained) return drained;
         const int code = av_write_trailer(output_.get());
         if (code < 0) return failure("can't finish", code);
         avio_flush(io_.get());
         if (io_->error < 0) return failure("can't write", io_->error);
-        return EngineResult::success();
+        return platform::Result<void>::success();
     }
 
-private:
-    EngineResult failure(const std::string& what, int code) const {
-        return EngineResult::failure(what + " " + path_ + ": " + ffmpegErrorText(code));
+  private:
+    platform::Result<void> failure(const std::string& what, int code) const {
+        return platform::failure(what + " " + path_ + ": " + ffmpegErrorText(code));
     }
 
     static int writeToFile(void* opaque, std::uint8_t* data, int size) {
@@ -210,44 +222,52 @@ private:
         whence &= ~AVSEEK_FORCE;
         if (whence == AVSEEK_SIZE) {
             struct stat status {};
-            return ::fstat(fd, &status) == 0 ? static_cast<std::int64_t>(status.st_size) : AVERROR(errno);
+            return ::fstat(fd, &status) == 0 ? static_cast<std::int64_t>(status.st_size)
+                                             : AVERROR(errno);
         }
         const off_t at = ::lseek(fd, static_cast<off_t>(offset), whence);
         return at < 0 ? AVERROR(errno) : static_cast<std::int64_t>(at);
     }
 
-    EngineResult prepare() {
+    platform::Result<void> prepare() {
         const Recipe recipe = recipeFor(target_.word);
         const AVCodec* codec = avcodec_find_encoder_by_name(recipe.encoder);
-        if (!codec) return EngineResult::failure("the codec library has no " + formatWordText(target_.word) + " encoder");
+        if (!codec)
+            return platform::failure("the codec library has no " + formatWordText(target_.word) +
+                                     " encoder");
         AVFormatContext* output = nullptr;
         int code = avformat_alloc_output_context2(&output, nullptr, recipe.muxer, path_.c_str());
         if (code < 0 || !output) return failure("can't prepare", code);
         output_.reset(output);
 
         codec_.reset(avcodec_alloc_context3(codec));
-        if (!codec_) return EngineResult::failure("out of memory preparing " + path_);
+        if (!codec_) return platform::failure("out of memory preparing " + path_);
         codec_->sample_fmt = AV_SAMPLE_FMT_NONE;
-        for (const AVSampleFormat* format = codec->sample_fmts; format && *format != AV_SAMPLE_FMT_NONE; ++format) {
+        for (const AVSampleFormat* format = codec->sample_fmts;
+             format && *format != AV_SAMPLE_FMT_NONE; ++format) {
             if (supportsSampleFormat(*format)) {
                 codec_->sample_fmt = *format;
                 break;
             }
         }
         if (codec_->sample_fmt == AV_SAMPLE_FMT_NONE) {
-            return EngineResult::failure("the " + formatWordText(target_.word) + " encoder takes no usable sample format");
+            return platform::failure("the " + formatWordText(target_.word) +
+                                     " encoder takes no usable sample format");
         }
         codec_->sample_rate = pcm_.sampleRate;
         av_channel_layout_default(&codec_->ch_layout, pcm_.channels);
         codec_->bit_rate = encoderBitRate(target_, pcm_.sampleRate);
         codec_->time_base = AVRational{1, pcm_.sampleRate};
-        if (output_->oformat->flags & AVFMT_GLOBALHEADER) codec_->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+        if (output_->oformat->flags & AVFMT_GLOBALHEADER)
+            codec_->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
         code = avcodec_open2(codec_.get(), codec, nullptr);
-        if (code < 0) return failure("can't start the " + formatWordText(target_.word) + " encoder for", code);
+        if (code < 0)
+            return failure("can't start the " + formatWordText(target_.word) + " encoder for",
+                           code);
         frameSize_ = static_cast<std::size_t>(codec_->frame_size > 0 ? codec_->frame_size : 1152);
 
         stream_ = avformat_new_stream(output_.get(), nullptr);
-        if (!stream_) return EngineResult::failure("out of memory preparing " + path_);
+        if (!stream_) return platform::failure("out of memory preparing " + path_);
         code = avcodec_parameters_from_context(stream_->codecpar, codec_.get());
         if (code < 0) return failure("can't prepare", code);
         stream_->time_base = codec_->time_base;
@@ -257,33 +277,37 @@ private:
         // Written through our own descriptor, which carries the caller's lock (or
         // stays open for the next stretch of a growing file).
         auto* buffer = static_cast<std::uint8_t*>(av_malloc(kIoBufferBytes));
-        if (!buffer) return EngineResult::failure("out of memory preparing " + path_);
-        io_.reset(avio_alloc_context(buffer, kIoBufferBytes, 1, this, nullptr, &writeToFile, &seekInFile));
+        if (!buffer) return platform::failure("out of memory preparing " + path_);
+        io_.reset(avio_alloc_context(buffer, kIoBufferBytes, 1, this, nullptr, &writeToFile,
+                                     &seekInFile));
         if (!io_) {
             av_free(buffer);
-            return EngineResult::failure("out of memory preparing " + path_);
+            return platform::failure("out of memory preparing " + path_);
         }
         output_->pb = io_.get();
         output_->flags |= AVFMT_FLAG_CUSTOM_IO;
-        return EngineResult::success();
+        return platform::Result<void>::success();
     }
 
     // The Info frame the muxer put behind the ID3 tag, to be brought up to date at each sync.
-    EngineResult findInfoFrame() {
+    platform::Result<void> findInfoFrame() {
         avio_flush(io_.get());
         if (io_->error < 0) return failure("can't write", io_->error);
         const std::int64_t headerBytes = avio_tell(io_.get());
-        std::vector<std::uint8_t> head(static_cast<std::size_t>(std::max<std::int64_t>(headerBytes, 0)));
+        std::vector<std::uint8_t> head(
+            static_cast<std::size_t>(std::max<std::int64_t>(headerBytes, 0)));
         const ssize_t got = ::pread(fd_, head.data(), head.size(), 0);
         if (got != static_cast<ssize_t>(head.size())) {
             return failure("can't read back the header of", AVERROR(got < 0 ? errno : EIO));
         }
         info_ = Mp3InfoFrame::find(head.data(), head.size());
-        if (!info_) return EngineResult::failure("no Info frame at the head of " + path_ + " to keep its length in");
-        return EngineResult::success();
+        if (!info_)
+            return platform::failure("no Info frame at the head of " + path_ +
+                                     " to keep its length in");
+        return platform::Result<void>::success();
     }
 
-    EngineResult sendFrames(const std::int16_t* samples, std::size_t frameCount) {
+    platform::Result<void> sendFrames(const std::int16_t* samples, std::size_t frameCount) {
         av_frame_unref(frame_.get());
         frame_->format = codec_->sample_fmt;
         frame_->sample_rate = codec_->sample_rate;
@@ -298,12 +322,13 @@ private:
     }
 
     // Gives the encoder a frame (null at the end) and writes every packet it has ready.
-    EngineResult send(AVFrame* frame) {
+    platform::Result<void> send(AVFrame* frame) {
         int code = avcodec_send_frame(codec_.get(), frame);
         if (code < 0) return failure("can't encode", code);
         while (true) {
             code = avcodec_receive_packet(codec_.get(), packet_.get());
-            if (code == AVERROR(EAGAIN) || code == AVERROR_EOF) return EngineResult::success();
+            if (code == AVERROR(EAGAIN) || code == AVERROR_EOF)
+                return platform::Result<void>::success();
             if (code < 0) return failure("can't encode", code);
             if (info_) count(*packet_);
             av_packet_rescale_ts(packet_.get(), codec_->time_base, stream_->time_base);
@@ -354,23 +379,24 @@ std::string ffmpegErrorText(int code) {
     return text;
 }
 
-EngineResult encodeWithFfmpeg(const EncodeJob& job, int fd, const std::string& path) {
+platform::Result<void> encodeWithFfmpeg(const EncodeJob& job, int fd, const std::string& path) {
     const PcmFormat pcm = job.pcm.format();
     FfmpegStream stream(fd, path, job.target, pcm, job.comment, false);
-    if (EngineResult opened = stream.open(); !opened) return opened;
+    if (platform::Result<void> opened = stream.open(); !opened) return opened;
     std::vector<std::int16_t> block(kBlockFrames * static_cast<std::size_t>(pcm.channels));
     while (const std::size_t got = job.pcm.read(block.data(), kBlockFrames)) {
-        if (EngineResult written = stream.write(block.data(), got); !written) return written;
-        if (!job.keepGoing()) return EngineResult::failure(kCancelledText);
+        if (platform::Result<void> written = stream.write(block.data(), got); !written)
+            return written;
+        if (!job.keepGoing()) return platform::failure(kCancelledText);
     }
     return stream.finish();
 }
 
-std::unique_ptr<EncodedStream> openFfmpegStream(int fd, const std::string& path, const TargetFormat& target,
-                                                const PcmFormat& format, const std::string& comment,
-                                                std::string& error) {
+std::unique_ptr<EncodedStream> openFfmpegStream(int fd, const std::string& path,
+                                                const TargetFormat& target, const PcmFormat& format,
+                                                const std::string& comment, std::string& error) {
     auto stream = std::make_unique<FfmpegStream>(fd, path, target, format, comment, true);
-    if (EngineResult opened = stream->open(); !opened) {
+    if (platform::Result<void> opened = stream->open(); !opened) {
         error = opened.error();
         return nullptr;
     }

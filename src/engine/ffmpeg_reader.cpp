@@ -30,26 +30,32 @@ struct ResamplerCloser {
 std::string upperFirstName(const char* names) {
     std::string text(names ? names : "");
     text = text.substr(0, text.find(','));
-    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
     return text;
 }
 
 // The format word of what was found; other audio is named by its container.
 std::string formatNameOf(AVCodecID codec, const AVInputFormat* container) {
     switch (codec) {
-        case AV_CODEC_ID_MP2: return "MP2";
-        case AV_CODEC_ID_MP3: return "MP3";
+        case AV_CODEC_ID_MP2:
+            return "MP2";
+        case AV_CODEC_ID_MP3:
+            return "MP3";
         case AV_CODEC_ID_WMAV1:
-        case AV_CODEC_ID_WMAV2: return "WMA";
-        case AV_CODEC_ID_GSM_MS: return "DSP";
-        default: break;
+        case AV_CODEC_ID_WMAV2:
+            return "WMA";
+        case AV_CODEC_ID_GSM_MS:
+            return "DSP";
+        default:
+            break;
     }
     return upperFirstName(container ? container->name : nullptr);
 }
 
 class FfmpegReader : public AudioFileReader {
-public:
-    EngineResult open(const std::string& path) {
+  public:
+    platform::Result<void> open(const std::string& path) {
         AVFormatContext* input = nullptr;
         int code = avformat_open_input(&input, path.c_str(), nullptr, nullptr);
         if (code < 0) return failure(path, code);
@@ -58,7 +64,8 @@ public:
         if (code < 0) return failure(path, code);
         const AVCodec* codec = nullptr;
         stream_ = av_find_best_stream(input_.get(), AVMEDIA_TYPE_AUDIO, -1, -1, &codec, 0);
-        if (stream_ < 0 || !codec) return failure(path, stream_ < 0 ? stream_ : AVERROR_DECODER_NOT_FOUND);
+        if (stream_ < 0 || !codec)
+            return failure(path, stream_ < 0 ? stream_ : AVERROR_DECODER_NOT_FOUND);
         const AVStream* stream = input_->streams[stream_];
         decoder_.reset(avcodec_alloc_context3(codec));
         if (!decoder_) return failure(path, AVERROR(ENOMEM));
@@ -66,7 +73,7 @@ public:
         if (code >= 0) code = avcodec_open2(decoder_.get(), codec, nullptr);
         if (code < 0) return failure(path, code);
         if (decoder_->sample_rate <= 0 || decoder_->ch_layout.nb_channels < 1) {
-            return EngineResult::failure("can't read " + path + ": no usable audio in it");
+            return platform::failure("can't read " + path + ": no usable audio in it");
         }
         // A document has one or two channels; anything wider is mixed down to two.
         format_ = {decoder_->sample_rate, std::min(decoder_->ch_layout.nb_channels, 2)};
@@ -75,7 +82,7 @@ public:
         frame_.reset(av_frame_alloc());
         packet_.reset(av_packet_alloc());
         if (!frame_ || !packet_) return failure(path, AVERROR(ENOMEM));
-        return EngineResult::success();
+        return platform::Result<void>::success();
     }
 
     [[nodiscard]] PcmFormat format() const override { return format_; }
@@ -92,18 +99,19 @@ public:
                 if (!decodeMore()) break;
                 continue;
             }
-            const std::size_t take = std::min((pending_.size() - pendingStart_) / channels, frameCount - done);
-            std::copy_n(pending_.begin() + static_cast<std::ptrdiff_t>(pendingStart_), take * channels,
-                        out + done * channels);
+            const std::size_t take =
+                std::min((pending_.size() - pendingStart_) / channels, frameCount - done);
+            std::copy_n(pending_.begin() + static_cast<std::ptrdiff_t>(pendingStart_),
+                        take * channels, out + done * channels);
             pendingStart_ += take * channels;
             done += take;
         }
         return done;
     }
 
-private:
-    static EngineResult failure(const std::string& path, int code) {
-        return EngineResult::failure("can't read " + path + ": " + ffmpegErrorText(code));
+  private:
+    static platform::Result<void> failure(const std::string& path, int code) {
+        return platform::failure("can't read " + path + ": " + ffmpegErrorText(code));
     }
 
     [[nodiscard]] SampleCount lengthInFrames(const AVStream& stream) const {
@@ -165,7 +173,8 @@ private:
         pending_.resize(before + static_cast<std::size_t>(room) * channels);
         auto* target = reinterpret_cast<std::uint8_t*>(pending_.data() + before);
         const int made = swr_convert(converter_.get(), &target, room,
-                                     const_cast<const std::uint8_t**>(frame_->extended_data), frame_->nb_samples);
+                                     const_cast<const std::uint8_t**>(frame_->extended_data),
+                                     frame_->nb_samples);
         pending_.resize(before + static_cast<std::size_t>(std::max(made, 0)) * channels);
         return made >= 0;
     }
@@ -192,7 +201,8 @@ private:
         av_channel_layout_default(&out, format_.channels);
         SwrContext* context = nullptr;
         int code = swr_alloc_set_opts2(&context, &out, AV_SAMPLE_FMT_S16, format_.sampleRate, &in,
-                                       static_cast<AVSampleFormat>(frame_->format), frame_->sample_rate, 0, nullptr);
+                                       static_cast<AVSampleFormat>(frame_->format),
+                                       frame_->sample_rate, 0, nullptr);
         av_channel_layout_uninit(&in);
         av_channel_layout_uninit(&out);
         converter_.reset(context);
@@ -218,7 +228,7 @@ private:
 
 std::unique_ptr<AudioFileReader> openWithFfmpeg(const std::string& path, std::string& error) {
     auto reader = std::make_unique<FfmpegReader>();
-    if (EngineResult opened = reader->open(path); !opened) {
+    if (platform::Result<void> opened = reader->open(path); !opened) {
         error = opened.error();
         return nullptr;
     }

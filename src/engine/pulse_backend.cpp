@@ -6,16 +6,13 @@
 
 namespace ovd::engine {
 
-std::unique_ptr<PulseBackend> PulseBackend::connect(platform::EventLoop& loop, std::string& error,
-                                                    const std::string& server) {
-    std::shared_ptr<PulseConnection> connection = PulseConnection::open(server, error);
-    if (!connection) return nullptr;
-    std::unique_ptr<PulseBackend> backend(new PulseBackend(loop, std::move(connection)));
+platform::Result<std::unique_ptr<PulseBackend>> PulseBackend::connect(platform::EventLoop& loop,
+                                                                      const std::string& server) {
+    auto connection = PulseConnection::open(server);
+    if (!connection) return connection.failed();
+    std::unique_ptr<PulseBackend> backend(new PulseBackend(loop, std::move(*connection)));
     for (PulseDevices* devices : {backend->sources_.get(), backend->sinks_.get()}) {
-        if (EngineResult read = devices->refresh(); !read) {
-            error = read.error();
-            return nullptr;
-        }
+        if (platform::Result<void> read = devices->refresh(); !read) return read.failed();
     }
     return backend;
 }
@@ -45,15 +42,16 @@ PulseBackend::~PulseBackend() {
 DeviceList& PulseBackend::recordingDevices() { return *sources_; }
 DeviceList& PulseBackend::playbackDevices() { return *sinks_; }
 
-EngineResult PulseBackend::startCapture(const PcmFormat& format, CaptureCallback deliver) {
+platform::Result<void> PulseBackend::startCapture(const PcmFormat& format,
+                                                  CaptureCallback deliver) {
     stopCapture();
     std::string error;
     capture_ = PulseCapture::start(connection_, loop_, sources_->streamDevice(), format,
                                    std::move(deliver), error);
-    if (!capture_) return EngineResult::failure(error);
+    if (!capture_) return platform::failure(error);
     captureDevice_ = sources_->deviceInUse();
     captureLabel_ = sources_->Current() >= 0 ? sources_->Name(sources_->Current()) : std::string();
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
 void PulseBackend::checkCaptureDevice() {
@@ -73,13 +71,13 @@ void PulseBackend::stopCapture() {
     ending->stop();
 }
 
-std::unique_ptr<PlaybackStream> PulseBackend::openPlayback(const PcmFormat& format,
-                                                           std::string& error) {
-    return PulsePlayback::open(connection_, sinks_->streamDevice(), format, error);
+platform::Result<std::unique_ptr<PlaybackStream>> PulseBackend::openPlayback(
+    const PcmFormat& format) {
+    return PulsePlayback::open(connection_, sinks_->streamDevice(), format);
 }
 
 void PulseBackend::playPrompt(const std::string& wavePath) {
-    const EngineResult played = prompts_->play(wavePath, sinks_->streamDevice());
+    const platform::Result<void> played = prompts_->play(wavePath, sinks_->streamDevice());
     promptError_ = played ? std::string() : played.error();
 }
 

@@ -20,12 +20,12 @@ class PulseDevices;
 class PulsePrompts;
 
 class PulseBackend : public AudioBackend {
-public:
+  public:
     // Connects to the sound server (server empty: the usual lookup, PULSE_SERVER
-    // first) and reads its devices. Null, with the reason, when no server answers
+    // first) and reads its devices. The reason when no server answers
     // within two seconds: the station then records on the virtual backend.
-    static std::unique_ptr<PulseBackend> connect(platform::EventLoop& loop, std::string& error,
-                                                 const std::string& server = {});
+    static platform::Result<std::unique_ptr<PulseBackend>> connect(platform::EventLoop& loop,
+                                                                   const std::string& server = {});
     ~PulseBackend() override;
     PulseBackend(const PulseBackend&) = delete;
     PulseBackend& operator=(const PulseBackend&) = delete;
@@ -35,12 +35,12 @@ public:
     DeviceList& playbackDevices() override;
 
     // Records from the chosen source (or the server's default) at low latency.
-    EngineResult startCapture(const PcmFormat& format, CaptureCallback deliver) override;
+    platform::Result<void> startCapture(const PcmFormat& format, CaptureCallback deliver) override;
     // Delivers what had already arrived, then nothing more.
     void stopCapture() override;
 
-    std::unique_ptr<PlaybackStream> openPlayback(const PcmFormat& format,
-                                                 std::string& error) override;
+    platform::Result<std::unique_ptr<PlaybackStream>> openPlayback(
+        const PcmFormat& format) override;
 
     // A prompt that cannot be played is skipped: the reason is kept in promptError().
     void playPrompt(const std::string& wavePath) override;
@@ -49,7 +49,7 @@ public:
     // True until the last prompt has sounded to its end (or was cut off).
     [[nodiscard]] bool promptPlaying() const override;
 
-private:
+  private:
     PulseBackend(platform::EventLoop& loop, std::shared_ptr<PulseConnection> connection);
     // After the sources were read again: a capture whose device has gone ends here.
     void checkCaptureDevice();

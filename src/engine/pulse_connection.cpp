@@ -41,14 +41,12 @@ PulseConnection::Lock::Lock(pa_threaded_mainloop* mainloop) : mainloop_(mainloop
 
 PulseConnection::Lock::~Lock() { pa_threaded_mainloop_unlock(mainloop_); }
 
-std::shared_ptr<PulseConnection> PulseConnection::open(const std::string& server,
-                                                       std::string& error) {
+platform::Result<std::shared_ptr<PulseConnection>> PulseConnection::open(
+    const std::string& server) {
     std::shared_ptr<PulseConnection> connection(new PulseConnection());
     connection->mainloop_ = pa_threaded_mainloop_new();
-    if (connection->mainloop_ == nullptr) {
-        error = "sound server: cannot create the sound thread";
-        return nullptr;
-    }
+    if (connection->mainloop_ == nullptr)
+        return platform::failure("sound server: cannot create the sound thread");
     pa_proplist* properties = pa_proplist_new();
     pa_proplist_sets(properties, PA_PROP_APPLICATION_NAME, "Orvane Voice Desk");
     pa_proplist_sets(properties, PA_PROP_APPLICATION_ID, "orvane-voice-desk");
@@ -56,22 +54,17 @@ std::shared_ptr<PulseConnection> PulseConnection::open(const std::string& server
     connection->context_ = pa_context_new_with_proplist(
         pa_threaded_mainloop_get_api(connection->mainloop_), "Orvane Voice Desk", properties);
     pa_proplist_free(properties);
-    if (connection->context_ == nullptr) {
-        error = "sound server: cannot create a client context";
-        return nullptr;
-    }
+    if (connection->context_ == nullptr)
+        return platform::failure("sound server: cannot create a client context");
     pa_context_set_state_callback(connection->context_, &PulseConnectionCallbacks::contextState,
                                   connection.get());
     // Never start a server of our own: without one the station records on the virtual backend.
     if (pa_context_connect(connection->context_, server.empty() ? nullptr : server.c_str(),
                            PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0) {
-        error = "sound server: " + connection->lastError();
-        return nullptr;
+        return platform::failure("sound server: " + connection->lastError());
     }
-    if (pa_threaded_mainloop_start(connection->mainloop_) < 0) {
-        error = "sound server: cannot start the sound thread";
-        return nullptr;
-    }
+    if (pa_threaded_mainloop_start(connection->mainloop_) < 0)
+        return platform::failure("sound server: cannot start the sound thread");
     const Lock held = connection->lock();
     pa_context* context = connection->context_;
     const bool settled = connection->waitUntil([context] {
@@ -79,10 +72,10 @@ std::shared_ptr<PulseConnection> PulseConnection::open(const std::string& server
         return state == PA_CONTEXT_READY || !PA_CONTEXT_IS_GOOD(state);
     });
     if (pa_context_get_state(context) != PA_CONTEXT_READY) {
-        error = settled ? "sound server: " + connection->lastError()
-                        : "sound server: no answer within " +
-                              std::to_string(kAnswerTimeout.count() / 1000) + " seconds";
-        return nullptr;
+        return platform::failure(settled ? "sound server: " + connection->lastError()
+                                         : "sound server: no answer within " +
+                                               std::to_string(kAnswerTimeout.count() / 1000) +
+                                               " seconds");
     }
     pa_context_set_subscribe_callback(context, &PulseConnectionCallbacks::serverEvent,
                                       connection.get());
@@ -137,13 +130,13 @@ bool PulseConnection::finish(pa_operation* operation) {
     return completed;
 }
 
-EngineResult PulseConnection::call(
+platform::Result<void> PulseConnection::call(
     const std::string& what, const std::function<pa_operation*(SuccessCallback, void*)>& start) {
     std::pair<PulseConnection*, int> outcome{this, -1};
     if (!finish(start(&PulseConnectionCallbacks::success, &outcome)) || outcome.second != 1) {
         return failure(what);
     }
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
 std::string PulseConnection::lastError() const {
@@ -151,8 +144,8 @@ std::string PulseConnection::lastError() const {
     return pa_strerror(pa_context_errno(context_));
 }
 
-EngineResult PulseConnection::failure(const std::string& what) const {
-    return EngineResult::failure("sound server: " + what + ": " + lastError());
+platform::Result<void> PulseConnection::failure(const std::string& what) const {
+    return platform::failure("sound server: " + what + ": " + lastError());
 }
 
 }  // namespace ovd::engine

@@ -13,7 +13,7 @@
 #include <memory>
 #include <string>
 
-#include "engine/engine_result.h"
+#include "platform/result.h"
 
 struct pa_context;
 struct pa_operation;
@@ -22,7 +22,7 @@ struct pa_threaded_mainloop;
 namespace ovd::engine {
 
 class PulseConnection {
-public:
+  public:
     // How long the station waits for any answer of the server.
     static constexpr std::chrono::milliseconds kAnswerTimeout{2000};
 
@@ -32,21 +32,21 @@ public:
     using ChangeCallback = std::function<void(bool sinksChanged, bool sourcesChanged)>;
 
     // Connects to server (empty: the usual lookup, PULSE_SERVER first) without ever
-    // starting a server; null, with the reason, when none answers in time.
-    static std::shared_ptr<PulseConnection> open(const std::string& server, std::string& error);
+    // starting a server; the reason when none answers in time.
+    static platform::Result<std::shared_ptr<PulseConnection>> open(const std::string& server);
     ~PulseConnection();
     PulseConnection(const PulseConnection&) = delete;
     PulseConnection& operator=(const PulseConnection&) = delete;
 
     // Held by the station's thread around every call into the library.
     class [[nodiscard]] Lock {
-    public:
+      public:
         explicit Lock(pa_threaded_mainloop* mainloop);
         ~Lock();
         Lock(const Lock&) = delete;
         Lock& operator=(const Lock&) = delete;
 
-    private:
+      private:
         pa_threaded_mainloop* mainloop_;
     };
     [[nodiscard]] Lock lock() const { return Lock(mainloop_); }
@@ -62,18 +62,18 @@ public:
     bool finish(pa_operation* operation);
     // With the lock held: runs a call that reports success, and waits for its answer.
     // start gets the callback and its user data and returns the library's operation.
-    EngineResult call(const std::string& what,
-                      const std::function<pa_operation*(SuccessCallback, void*)>& start);
+    platform::Result<void> call(const std::string& what,
+                                const std::function<pa_operation*(SuccessCallback, void*)>& start);
 
     // The library's text for the last failure on this connection.
     [[nodiscard]] std::string lastError() const;
     // "what: reason" for an engine error.
-    [[nodiscard]] EngineResult failure(const std::string& what) const;
+    [[nodiscard]] platform::Result<void> failure(const std::string& what) const;
 
     // With the lock held: who hears of device changes (empty to stop hearing).
     void setOnChange(ChangeCallback onChange) { onChange_ = std::move(onChange); }
 
-private:
+  private:
     friend struct PulseConnectionCallbacks;
     PulseConnection() = default;
 

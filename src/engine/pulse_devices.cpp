@@ -128,7 +128,7 @@ bool sameDevices(const std::vector<PulseDevices::Device>& before,
 PulseDevices::PulseDevices(std::shared_ptr<PulseConnection> connection, DeviceDirection direction)
     : connection_(std::move(connection)), direction_(direction) {}
 
-EngineResult PulseDevices::refresh() {
+platform::Result<void> PulseDevices::refresh() {
     const PulseConnection::Lock held = connection_->lock();
     ListQuery query;
     query.connection = connection_.get();
@@ -149,7 +149,7 @@ EngineResult PulseDevices::refresh() {
     if (!sameDevices(devices_, query.devices) || defaultName_ != query.defaultName) ++changes_;
     devices_ = std::move(query.devices);
     defaultName_ = std::move(query.defaultName);
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
 void PulseDevices::refreshLater(platform::EventLoop& loop) {
@@ -191,11 +191,11 @@ int PulseDevices::Current() const {
     return 0;
 }
 
-EngineResult PulseDevices::setCurrent(int index) {
-    if (index < 0 || index >= Count()) return EngineResult::failure("no such device");
+platform::Result<void> PulseDevices::setCurrent(int index) {
+    if (index < 0 || index >= Count()) return platform::failure("no such device");
     // Only this station's streams move; the desktop's default device stays as it is.
     chosenName_ = devices_[static_cast<std::size_t>(index)].serverName;
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
 std::string PulseDevices::Name(int index) const {
@@ -223,16 +223,17 @@ int PulseDevices::SourceCurrent() const {
     return device == nullptr ? -1 : device->activePort;
 }
 
-EngineResult PulseDevices::setSourceCurrent(int index) {
+platform::Result<void> PulseDevices::setSourceCurrent(int index) {
     const Device* device = lineOwner(index);
-    if (device == nullptr) return EngineResult::failure("no such source line");
-    if (device->portNames.empty() || device->activePort == index) return EngineResult::success();
+    if (device == nullptr) return platform::failure("no such source line");
+    if (device->portNames.empty() || device->activePort == index)
+        return platform::Result<void>::success();
     const std::uint32_t serverIndex = device->serverIndex;
     const std::string port = device->portNames[static_cast<std::size_t>(index)];
     {
         const PulseConnection::Lock held = connection_->lock();
         pa_context* context = connection_->context();
-        EngineResult set = connection_->call(
+        platform::Result<void> set = connection_->call(
             "choosing " + device->portLabels[static_cast<std::size_t>(index)],
             [&](PulseConnection::SuccessCallback done, void* outcome) {
                 return direction_ == DeviceDirection::Playback
@@ -264,9 +265,9 @@ int PulseDevices::Volume(int index) const {
         *std::max_element(device->channelVolumes.begin(), device->channelVolumes.end()));
 }
 
-EngineResult PulseDevices::setVolume(int index, int volume) {
+platform::Result<void> PulseDevices::setVolume(int index, int volume) {
     const Device* device = lineOwner(index);
-    if (device == nullptr) return EngineResult::failure("no such source line");
+    if (device == nullptr) return platform::failure("no such source line");
     pa_cvolume volumes = serverVolumes(device->channelVolumes);
     // Scaling keeps the balance between the channels.
     pa_cvolume_scale(&volumes, toServerVolume(volume));
@@ -281,28 +282,28 @@ int PulseDevices::Balance(int index) const {
     return static_cast<int>(std::lround(pa_cvolume_get_balance(&volumes, &map) * 100.0F));
 }
 
-EngineResult PulseDevices::setBalance(int index, int balance) {
+platform::Result<void> PulseDevices::setBalance(int index, int balance) {
     const Device* device = lineOwner(index);
-    if (device == nullptr) return EngineResult::failure("no such source line");
+    if (device == nullptr) return platform::failure("no such source line");
     pa_cvolume volumes = serverVolumes(device->channelVolumes);
     const pa_channel_map map = serverChannelMap(*device);
     // A mono microphone has no left and right: its balance stays centred.
-    if (pa_channel_map_can_balance(&map) == 0) return EngineResult::success();
+    if (pa_channel_map_can_balance(&map) == 0) return platform::Result<void>::success();
     const float position = static_cast<float>(std::clamp(balance, -100, 100)) / 100.0F;
     if (pa_cvolume_set_balance(&volumes, &map, position) == nullptr) {
-        return EngineResult::failure("sound server: cannot balance " + device->label);
+        return platform::failure("sound server: cannot balance " + device->label);
     }
     return applyVolumes(*device, {volumes.values, volumes.values + volumes.channels});
 }
 
-EngineResult PulseDevices::applyVolumes(const Device& device,
-                                        const std::vector<std::uint32_t>& volumes) {
+platform::Result<void> PulseDevices::applyVolumes(const Device& device,
+                                                  const std::vector<std::uint32_t>& volumes) {
     const std::uint32_t serverIndex = device.serverIndex;
     const pa_cvolume values = serverVolumes(volumes);
     {
         const PulseConnection::Lock held = connection_->lock();
         pa_context* context = connection_->context();
-        EngineResult set =
+        platform::Result<void> set =
             connection_->call("setting the volume of " + device.label,
                               [&](PulseConnection::SuccessCallback done, void* outcome) {
                                   return direction_ == DeviceDirection::Playback
@@ -321,14 +322,14 @@ bool PulseDevices::Mute(int index) const {
     return device != nullptr && device->mute;
 }
 
-EngineResult PulseDevices::setMute(int index, bool mute) {
+platform::Result<void> PulseDevices::setMute(int index, bool mute) {
     const Device* device = lineOwner(index);
-    if (device == nullptr) return EngineResult::failure("no such source line");
+    if (device == nullptr) return platform::failure("no such source line");
     const std::uint32_t serverIndex = device->serverIndex;
     {
         const PulseConnection::Lock held = connection_->lock();
         pa_context* context = connection_->context();
-        EngineResult set = connection_->call(
+        platform::Result<void> set = connection_->call(
             (mute ? "muting " : "unmuting ") + device->label,
             [&](PulseConnection::SuccessCallback done, void* outcome) {
                 return direction_ == DeviceDirection::Playback

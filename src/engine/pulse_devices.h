@@ -25,11 +25,11 @@ class PulseConnection;
 enum class DeviceDirection { Recording, Playback };
 
 class PulseDevices : public DeviceList, public std::enable_shared_from_this<PulseDevices> {
-public:
+  public:
     PulseDevices(std::shared_ptr<PulseConnection> connection, DeviceDirection direction);
 
     // Reads the devices and the server's default device again (one round trip).
-    EngineResult refresh();
+    platform::Result<void> refresh();
     // From any thread: has the list read again on the loop's thread, once however
     // many changes come in before it gets there.
     void refreshLater(platform::EventLoop& loop);
@@ -46,20 +46,20 @@ public:
 
     [[nodiscard]] int Count() const override { return static_cast<int>(devices_.size()); }
     [[nodiscard]] int Current() const override;
-    EngineResult setCurrent(int index) override;
+    platform::Result<void> setCurrent(int index) override;
     [[nodiscard]] std::string Name(int index) const override;
 
     [[nodiscard]] int SourceCount() const override;
     [[nodiscard]] int SourceCurrent() const override;
-    EngineResult setSourceCurrent(int index) override;
+    platform::Result<void> setSourceCurrent(int index) override;
     [[nodiscard]] std::string SourceName(int index) const override;
     [[nodiscard]] bool HasVolume(int index) const override;
     [[nodiscard]] int Volume(int index) const override;
-    EngineResult setVolume(int index, int volume) override;
+    platform::Result<void> setVolume(int index, int volume) override;
     [[nodiscard]] int Balance(int index) const override;
-    EngineResult setBalance(int index, int balance) override;
+    platform::Result<void> setBalance(int index, int balance) override;
     [[nodiscard]] bool Mute(int index) const override;
-    EngineResult setMute(int index, bool mute) override;
+    platform::Result<void> setMute(int index, bool mute) override;
     [[nodiscard]] unsigned long Changes() const override { return changes_; }
 
     // What the library reports of one device, in plain types.
@@ -75,11 +75,12 @@ public:
         bool mute = false;
     };
 
-private:
+  private:
     [[nodiscard]] const Device* currentDevice() const;
     // The current device when index names one of its lines.
     [[nodiscard]] const Device* lineOwner(int index) const;
-    EngineResult applyVolumes(const Device& device, const std::vector<std::uint32_t>& volumes);
+    platform::Result<void> applyVolumes(const Device& device,
+                                        const std::vector<std::uint32_t>& volumes);
 
     std::shared_ptr<PulseConnection> connection_;
     DeviceDirection direction_;

@@ -164,23 +164,19 @@ void PulseCapture::onReadable(pa_stream* stream, std::size_t, void* self) {
     }
 }
 
-std::unique_ptr<PulsePlayback> PulsePlayback::open(std::shared_ptr<PulseConnection> connection,
-                                                   const std::string& device,
-                                                   const PcmFormat& format, std::string& error) {
+platform::Result<std::unique_ptr<PlaybackStream>> PulsePlayback::open(
+    std::shared_ptr<PulseConnection> connection, const std::string& device,
+    const PcmFormat& format) {
     const pa_sample_spec spec = sampleSpec(format);
-    if (pa_sample_spec_valid(&spec) == 0) {
-        error = "sound server: unusable playback format";
-        return nullptr;
-    }
+    if (pa_sample_spec_valid(&spec) == 0)
+        return platform::failure("sound server: unusable playback format");
     std::unique_ptr<PulsePlayback> playback(new PulsePlayback(connection, format));
     const PulseConnection::Lock held = connection->lock();
     pa_channel_map map;
     pa_channel_map_init_extend(&map, spec.channels, PA_CHANNEL_MAP_DEFAULT);
     playback->stream_ = pa_stream_new(connection->context(), "Playback", &spec, &map);
-    if (playback->stream_ == nullptr) {
-        error = connection->failure("opening a playback stream").error();
-        return nullptr;
-    }
+    if (playback->stream_ == nullptr)
+        return connection->failure("opening a playback stream").failed();
     pa_stream_set_state_callback(playback->stream_, &wakeOnState, connection.get());
     pa_buffer_attr buffer;
     buffer.maxlength = static_cast<std::uint32_t>(-1);
@@ -191,13 +187,11 @@ std::unique_ptr<PulsePlayback> PulsePlayback::open(std::shared_ptr<PulseConnecti
     if (pa_stream_connect_playback(playback->stream_, deviceOrDefault(device), &buffer,
                                    PA_STREAM_ADJUST_LATENCY, nullptr, nullptr) < 0 ||
         !waitUntilReady(*connection, playback->stream_)) {
-        error =
-            connection->failure("playing on " + (device.empty() ? "the default device" : device))
-                .error();
         releaseStream(playback->stream_);
-        return nullptr;
+        return connection->failure("playing on " + (device.empty() ? "the default device" : device))
+            .failed();
     }
-    return playback;
+    return std::unique_ptr<PlaybackStream>(std::move(playback));
 }
 
 PulsePlayback::~PulsePlayback() {
@@ -287,11 +281,11 @@ PulsePrompts::~PulsePrompts() {
     cutOff();
 }
 
-EngineResult PulsePrompts::play(const std::string& wavePath, const std::string& device) {
+platform::Result<void> PulsePrompts::play(const std::string& wavePath, const std::string& device) {
     SF_INFO info{};
     SNDFILE* file = sf_open(wavePath.c_str(), SFM_READ, &info);
     if (file == nullptr) {
-        return EngineResult::failure("prompt " + wavePath + ": " + sf_strerror(nullptr));
+        return platform::failure("prompt " + wavePath + ": " + sf_strerror(nullptr));
     }
     std::vector<std::int16_t> frames(static_cast<std::size_t>(info.frames) *
                                      static_cast<std::size_t>(info.channels));
@@ -300,7 +294,7 @@ EngineResult PulsePrompts::play(const std::string& wavePath, const std::string& 
     frames.resize(static_cast<std::size_t>(got) * static_cast<std::size_t>(info.channels));
     const pa_sample_spec spec = sampleSpec({info.samplerate, info.channels});
     if (frames.empty() || pa_sample_spec_valid(&spec) == 0) {
-        return EngineResult::failure("prompt " + wavePath + ": no sound in the file");
+        return platform::failure("prompt " + wavePath + ": no sound in the file");
     }
 
     const PulseConnection::Lock held = connection_->lock();
@@ -314,14 +308,14 @@ EngineResult PulsePrompts::play(const std::string& wavePath, const std::string& 
     pa_stream_set_state_callback(stream, &PulsePrompts::onState, this);
     if (pa_stream_connect_playback(stream, deviceOrDefault(device), nullptr, PA_STREAM_NOFLAGS,
                                    nullptr, nullptr) < 0) {
-        EngineResult failed = connection_->failure("playing " + wavePath);
+        platform::Result<void> failed = connection_->failure("playing " + wavePath);
         releaseStream(stream);
         return failed;
     }
     // The sound goes out from the sound thread once the stream is ready.
     stream_ = stream;
     sound_ = std::move(frames);
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
 bool PulsePrompts::playing() const {

@@ -22,7 +22,7 @@ class PulseConnection;
 // thread appends and asks for one delivery; however many fragments arrive before
 // the loop gets to it, they go out together and in order.
 class CaptureHandover : public std::enable_shared_from_this<CaptureHandover> {
-public:
+  public:
     CaptureHandover(platform::EventLoop& loop, int channels, CaptureCallback deliver)
         : loop_(loop),
           channels_(static_cast<std::size_t>(channels)),
@@ -35,7 +35,7 @@ public:
     // Loop thread: nothing more is delivered, even what is still on its way.
     void close() { deliver_ = nullptr; }
 
-private:
+  private:
     platform::EventLoop& loop_;
     const std::size_t channels_;
     CaptureCallback deliver_;  // touched on the loop thread only
@@ -45,7 +45,7 @@ private:
 };
 
 class PulseCapture {
-public:
+  public:
     // Records from device (empty: the server's default) at low latency; frames
     // reach deliver on the loop's thread. Null, with the reason, on failure.
     static std::unique_ptr<PulseCapture> start(std::shared_ptr<PulseConnection> connection,
@@ -60,7 +60,7 @@ public:
     // Ends the stream and delivers what had already arrived; nothing comes after.
     void stop();
 
-private:
+  private:
     PulseCapture(std::shared_ptr<PulseConnection> connection,
                  std::shared_ptr<CaptureHandover> handover)
         : connection_(std::move(connection)), handover_(std::move(handover)) {}
@@ -73,10 +73,10 @@ private:
 };
 
 class PulsePlayback : public PlaybackStream {
-public:
-    static std::unique_ptr<PulsePlayback> open(std::shared_ptr<PulseConnection> connection,
-                                               const std::string& device, const PcmFormat& format,
-                                               std::string& error);
+  public:
+    static platform::Result<std::unique_ptr<PlaybackStream>> open(
+        std::shared_ptr<PulseConnection> connection, const std::string& device,
+        const PcmFormat& format);
     ~PulsePlayback() override;
     PulsePlayback(const PulsePlayback&) = delete;
     PulsePlayback& operator=(const PulsePlayback&) = delete;
@@ -86,7 +86,7 @@ public:
     [[nodiscard]] SampleCount played() const override;
     void setPaused(bool paused) override;
 
-private:
+  private:
     PulsePlayback(std::shared_ptr<PulseConnection> connection, const PcmFormat& format)
         : connection_(std::move(connection)), format_(format) {}
     void startPlaying();  // with the lock held: play what is queued, full buffer or not
@@ -103,7 +103,7 @@ private:
 
 // At most one prompt sounds at a time: a new one cuts off the one before.
 class PulsePrompts {
-public:
+  public:
     explicit PulsePrompts(std::shared_ptr<PulseConnection> connection)
         : connection_(std::move(connection)) {}
     ~PulsePrompts();
@@ -112,10 +112,10 @@ public:
 
     // Loads the wave file and starts it on device (empty: the server's default)
     // without waiting for it to sound.
-    EngineResult play(const std::string& wavePath, const std::string& device);
+    platform::Result<void> play(const std::string& wavePath, const std::string& device);
     [[nodiscard]] bool playing() const;
 
-private:
+  private:
     static void onState(pa_stream* stream, void* self);
     static void onDrained(pa_stream* stream, int success, void* self);
     void cutOff();  // with the connection's lock held

@@ -22,7 +22,7 @@ namespace {
 
 // 16-bit frames behind a header that is brought up to date at every sync.
 class WaveStream final : public EncodedStream {
-public:
+  public:
     static_assert(std::endian::native == std::endian::little,
                   "wave data are written as the samples lie in memory");
 
@@ -33,40 +33,41 @@ public:
           comment_(comment),
           frameBytes_(static_cast<std::size_t>(format.channels) * sizeof(std::int16_t)) {}
 
-    EngineResult open() {
+    platform::Result<void> open() {
         const std::vector<std::uint8_t> header = pcmWaveHeader(format_, comment_, 0);
         if (!writeAll(fd_, header.data(), header.size()))
-            return EngineResult::failure(systemError("can't write " + path_));
-        return EngineResult::success();
+            return platform::failure(systemError("can't write " + path_));
+        return platform::Result<void>::success();
     }
 
-    EngineResult write(const std::int16_t* frames, std::size_t frameCount) override {
+    platform::Result<void> write(const std::int16_t* frames, std::size_t frameCount) override {
         if (!writeAll(fd_, frames, frameCount * frameBytes_))
-            return EngineResult::failure(systemError("can't write " + path_));
+            return platform::failure(systemError("can't write " + path_));
         dataBytes_ += frameCount * frameBytes_;
-        return EngineResult::success();
+        return platform::Result<void>::success();
     }
 
     [[nodiscard]] bool copiesFrames() const override { return true; }
 
-    EngineResult appendCopied(SampleCount frameCount,
-                              const std::function<EngineResult(int fd)>& copy) override {
-        if (EngineResult copied = copy(fd_); !copied) return copied;
+    platform::Result<void> appendCopied(
+        SampleCount frameCount,
+        const std::function<platform::Result<void>(int fd)>& copy) override {
+        if (platform::Result<void> copied = copy(fd_); !copied) return copied;
         dataBytes_ += static_cast<std::uint64_t>(frameCount) * frameBytes_;
-        return EngineResult::success();
+        return platform::Result<void>::success();
     }
 
-    EngineResult sync() override {
+    platform::Result<void> sync() override {
         const std::vector<std::uint8_t> header = pcmWaveHeader(format_, comment_, dataBytes_);
         if (::pwrite(fd_, header.data(), header.size(), 0) != static_cast<ssize_t>(header.size())) {
-            return EngineResult::failure(systemError("can't write the header of " + path_));
+            return platform::failure(systemError("can't write the header of " + path_));
         }
-        return EngineResult::success();
+        return platform::Result<void>::success();
     }
 
-    EngineResult finish() override { return sync(); }
+    platform::Result<void> finish() override { return sync(); }
 
-private:
+  private:
     const int fd_;
     const std::string path_;
     const PcmFormat format_;
@@ -77,15 +78,16 @@ private:
 
 }  // namespace
 
-EngineResult EncodedStream::appendCopied(SampleCount, const std::function<EngineResult(int)>&) {
-    return EngineResult::failure("this format can't take frames as they are");
+platform::Result<void> EncodedStream::appendCopied(
+    SampleCount, const std::function<platform::Result<void>(int)>&) {
+    return platform::failure("this format can't take frames as they are");
 }
 
 std::unique_ptr<EncodedStream> openWaveStream(int fd, const std::string& path,
                                               const PcmFormat& format, const std::string& comment,
                                               std::string& error) {
     auto stream = std::make_unique<WaveStream>(fd, path, format, comment);
-    if (EngineResult opened = stream->open(); !opened) {
+    if (platform::Result<void> opened = stream->open(); !opened) {
         error = opened.error();
         return nullptr;
     }
@@ -144,21 +146,23 @@ bool StreamEncoder::copiesSourceFrames() const {
     return stream_->copiesFrames() && source_ == encoded_;
 }
 
-EngineResult StreamEncoder::appendCopied(SampleCount frameCount,
-                                         const std::function<EngineResult(int)>& copy) {
-    if (!copiesSourceFrames()) return EngineResult::failure("the file takes converted frames only");
-    if (EngineResult copied = stream_->appendCopied(frameCount, copy); !copied) return copied;
+platform::Result<void> StreamEncoder::appendCopied(
+    SampleCount frameCount, const std::function<platform::Result<void>(int)>& copy) {
+    if (!copiesSourceFrames()) return platform::failure("the file takes converted frames only");
+    if (platform::Result<void> copied = stream_->appendCopied(frameCount, copy); !copied)
+        return copied;
     sourceFrames_ += frameCount;
     encodedFrames_ += frameCount;
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
-EngineResult StreamEncoder::writeEncoded(const std::int16_t* frames, std::size_t frameCount) {
+platform::Result<void> StreamEncoder::writeEncoded(const std::int16_t* frames,
+                                                   std::size_t frameCount) {
     encodedFrames_ += static_cast<SampleCount>(frameCount);
     return stream_->write(frames, frameCount);
 }
 
-EngineResult StreamEncoder::write(const std::int16_t* frames, std::size_t frameCount) {
+platform::Result<void> StreamEncoder::write(const std::int16_t* frames, std::size_t frameCount) {
     sourceFrames_ += static_cast<SampleCount>(frameCount);
     const std::int16_t* remixed = frames;
     if (source_.channels != encoded_.channels) {
@@ -170,33 +174,32 @@ EngineResult StreamEncoder::write(const std::int16_t* frames, std::size_t frameC
     converted_.clear();
     std::string error;
     if (!resampler_->convert(remixed, frameCount, converted_, error))
-        return EngineResult::failure(error);
+        return platform::failure(error);
     return writeEncoded(converted_.data(),
                         converted_.size() / static_cast<std::size_t>(encoded_.channels));
 }
 
-EngineResult StreamEncoder::sync() {
-    if (EngineResult synced = stream_->sync(); !synced) return synced;
+platform::Result<void> StreamEncoder::sync() {
+    if (platform::Result<void> synced = stream_->sync(); !synced) return synced;
     return persist();
 }
 
-EngineResult StreamEncoder::persist() {
+platform::Result<void> StreamEncoder::persist() {
     // A dictation counts as saved once it would survive a power cut.
     struct stat status {};
     if (::fsync(fd_) != 0 || ::fstat(fd_, &status) != 0)
-        return EngineResult::failure(systemError("can't sync the saved file"));
+        return platform::failure(systemError("can't sync the saved file"));
     syncedBytes_ = status.st_size;
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
-EngineResult StreamEncoder::finish() {
-    if (finished_) return EngineResult::success();
+platform::Result<void> StreamEncoder::finish() {
+    if (finished_) return platform::Result<void>::success();
     finished_ = true;
     if (resampler_) {
         converted_.clear();
         std::string error;
-        if (!resampler_->convert(nullptr, 0, converted_, error))
-            return EngineResult::failure(error);
+        if (!resampler_->convert(nullptr, 0, converted_, error)) return platform::failure(error);
         // A converted take lasts exactly as long as the original: the converter's
         // rounding at the end is cut off or filled with silence.
         const auto width = static_cast<std::size_t>(encoded_.channels);
@@ -205,18 +208,21 @@ EngineResult StreamEncoder::finish() {
             0.5L);
         const SampleCount missing = std::max<SampleCount>(expected - encodedFrames_, 0);
         converted_.resize(static_cast<std::size_t>(missing) * width, 0);
-        if (EngineResult written = writeEncoded(converted_.data(), converted_.size() / width);
+        if (platform::Result<void> written =
+                writeEncoded(converted_.data(), converted_.size() / width);
             !written)
             return written;
     }
     if (encodedFrames_ == 0 && !stream_->copiesFrames()) {
         // A coded file with no frame at all is one no player opens: a letter the
         // author emptied is saved as a millisecond of silence instead.
-        converted_.assign(static_cast<std::size_t>(encoded_.sampleRate / 1000 * encoded_.channels), 0);
+        converted_.assign(static_cast<std::size_t>(encoded_.sampleRate / 1000 * encoded_.channels),
+                          0);
         const auto frames = converted_.size() / static_cast<std::size_t>(encoded_.channels);
-        if (EngineResult written = writeEncoded(converted_.data(), frames); !written) return written;
+        if (platform::Result<void> written = writeEncoded(converted_.data(), frames); !written)
+            return written;
     }
-    if (EngineResult finished = stream_->finish(); !finished) return finished;
+    if (platform::Result<void> finished = stream_->finish(); !finished) return finished;
     return persist();
 }
 

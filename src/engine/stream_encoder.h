@@ -19,7 +19,7 @@ class EncodedStream;
 class Resampler;
 
 class StreamEncoder {
-public:
+  public:
     [[nodiscard]] static bool supports(const TargetFormat& target);
     // Starts the file in fd (open for reading and writing, empty); the encoder owns
     // the descriptor from here on, and closes it when it can't start. It never
@@ -34,28 +34,28 @@ public:
     StreamEncoder& operator=(const StreamEncoder&) = delete;
 
     // Frames in the source's format.
-    EngineResult write(const std::int16_t* frames, std::size_t frameCount);
+    platform::Result<void> write(const std::int16_t* frames, std::size_t frameCount);
     // True when the source's frames go into the file as they are: a wave file at
     // the source's own rate and channels.
     [[nodiscard]] bool copiesSourceFrames() const;
     // Where copiesSourceFrames(): frameCount source frames put at the end of the
     // file by `copy`, which writes them to the descriptor it is given.
-    EngineResult appendCopied(SampleCount frameCount,
-                              const std::function<EngineResult(int fd)>& copy);
+    platform::Result<void> appendCopied(SampleCount frameCount,
+                                        const std::function<platform::Result<void>(int fd)>& copy);
     // Everything complete so far is in the file and on the disk, and the file's
     // header says how long it is.
-    EngineResult sync();
+    platform::Result<void> sync();
     // The rest goes in; the file is the one a whole encoding would have written.
-    EngineResult finish();
+    platform::Result<void> finish();
     // After a failed write: cuts the file back to what the last sync left.
     void rollBack();
     // Whether fd is open on this same file, whatever its name has become since.
     [[nodiscard]] bool sameFileAs(int fd) const;
 
-private:
+  private:
     StreamEncoder(int fd, const PcmFormat& source, const PcmFormat& encoded);
-    EngineResult writeEncoded(const std::int16_t* frames, std::size_t frameCount);
-    EngineResult persist();
+    platform::Result<void> writeEncoded(const std::int16_t* frames, std::size_t frameCount);
+    platform::Result<void> persist();
 
     int fd_;
     PcmFormat source_;

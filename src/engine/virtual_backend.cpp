@@ -14,43 +14,47 @@ namespace {
 constexpr int kTickMs = 10;
 constexpr double kPlaybackBufferSeconds = 0.2;
 
-platform::Milliseconds elapsedSince(platform::EventLoop& loop, platform::WallClock::time_point start) {
+platform::Milliseconds elapsedSince(platform::EventLoop& loop,
+                                    platform::WallClock::time_point start) {
     return std::chrono::duration_cast<platform::Milliseconds>(loop.now() - start);
 }
 }  // namespace
 
 // One fixed device with one line: volume and mute are kept, and do nothing.
 class VirtualBackend::Devices : public DeviceList {
-public:
-    Devices(std::string device, std::string line) : device_(std::move(device)), line_(std::move(line)) {}
+  public:
+    Devices(std::string device, std::string line)
+        : device_(std::move(device)), line_(std::move(line)) {}
     [[nodiscard]] int Count() const override { return 1; }
     [[nodiscard]] int Current() const override { return 0; }
-    EngineResult setCurrent(int index) override { return check(index); }
+    platform::Result<void> setCurrent(int index) override { return check(index); }
     [[nodiscard]] std::string Name(int index) const override { return index == 0 ? device_ : ""; }
     [[nodiscard]] int SourceCount() const override { return 1; }
     [[nodiscard]] int SourceCurrent() const override { return 0; }
-    EngineResult setSourceCurrent(int index) override { return check(index); }
-    [[nodiscard]] std::string SourceName(int index) const override { return index == 0 ? line_ : ""; }
+    platform::Result<void> setSourceCurrent(int index) override { return check(index); }
+    [[nodiscard]] std::string SourceName(int index) const override {
+        return index == 0 ? line_ : "";
+    }
     [[nodiscard]] bool HasVolume(int) const override { return true; }
     [[nodiscard]] int Volume(int) const override { return volume_; }
-    EngineResult setVolume(int index, int volume) override {
+    platform::Result<void> setVolume(int index, int volume) override {
         volume_ = std::clamp(volume, 0, 65535);
         return check(index);
     }
     [[nodiscard]] int Balance(int) const override { return balance_; }
-    EngineResult setBalance(int index, int balance) override {
+    platform::Result<void> setBalance(int index, int balance) override {
         balance_ = std::clamp(balance, -100, 100);
         return check(index);
     }
     [[nodiscard]] bool Mute(int) const override { return mute_; }
-    EngineResult setMute(int index, bool mute) override {
+    platform::Result<void> setMute(int index, bool mute) override {
         mute_ = mute;
         return check(index);
     }
 
-private:
-    static EngineResult check(int index) {
-        return index == 0 ? EngineResult::success() : EngineResult::failure("no such device");
+  private:
+    static platform::Result<void> check(int index) {
+        return index == 0 ? platform::Result<void>::success() : platform::failure("no such device");
     }
     std::string device_;
     std::string line_;
@@ -61,7 +65,7 @@ private:
 
 // Plays at the clock's pace into the backend's record of what was heard.
 class VirtualBackend::Stream : public PlaybackStream {
-public:
+  public:
     Stream(VirtualBackend& owner, const PcmFormat& format)
         : owner_(owner), format_(format), start_(owner.loop_.now()) {}
 
@@ -75,7 +79,8 @@ public:
                               frames + frameCount * static_cast<std::size_t>(format_.channels));
     }
     [[nodiscard]] SampleCount played() const override {
-        const auto running = pausedAt_ ? *pausedAt_ : elapsedSince(owner_.loop_, start_) - pausedFor_;
+        const auto running =
+            pausedAt_ ? *pausedAt_ : elapsedSince(owner_.loop_, start_) - pausedFor_;
         const SampleCount byClock = running.count() * format_.sampleRate / 1000;
         return std::min(written_, byClock);
     }
@@ -88,7 +93,7 @@ public:
         }
     }
 
-private:
+  private:
     VirtualBackend& owner_;
     PcmFormat format_;
     platform::WallClock::time_point start_;
@@ -112,9 +117,10 @@ VirtualBackend::~VirtualBackend() = default;
 DeviceList& VirtualBackend::recordingDevices() { return *inputs_; }
 DeviceList& VirtualBackend::playbackDevices() { return *outputs_; }
 
-EngineResult VirtualBackend::startCapture(const PcmFormat& format, CaptureCallback deliver) {
+platform::Result<void> VirtualBackend::startCapture(const PcmFormat& format,
+                                                    CaptureCallback deliver) {
     if (format.sampleRate <= 0 || format.channels <= 0) {
-        return EngineResult::failure("unusable capture format");
+        return platform::failure("unusable capture format");
     }
     inputSamples_.clear();
     inputPosition_ = 0;
@@ -124,17 +130,19 @@ EngineResult VirtualBackend::startCapture(const PcmFormat& format, CaptureCallba
         hint.sampleRate = format.sampleRate;
         hint.channels = format.channels;
         auto reader = AudioFileReader::open(options_.inputFile, error, &hint);
-        if (!reader) return EngineResult::failure("virtual microphone: " + error);
+        if (!reader) return platform::failure("virtual microphone: " + error);
         if (!(reader->format() == format)) {
-            return EngineResult::failure("virtual microphone: " + options_.inputFile +
-                                         " is not at the recording's rate and channels");
+            return platform::failure("virtual microphone: " + options_.inputFile +
+                                     " is not at the recording's rate and channels");
         }
         std::vector<std::int16_t> chunk(4096 * static_cast<std::size_t>(format.channels));
         while (const std::size_t got = reader->read(chunk.data(), 4096)) {
-            inputSamples_.insert(inputSamples_.end(), chunk.begin(),
-                                 chunk.begin() + static_cast<std::ptrdiff_t>(got * static_cast<std::size_t>(format.channels)));
+            inputSamples_.insert(
+                inputSamples_.end(), chunk.begin(),
+                chunk.begin() +
+                    static_cast<std::ptrdiff_t>(got * static_cast<std::size_t>(format.channels)));
         }
-        if (inputSamples_.empty()) return EngineResult::failure("virtual microphone: empty input file");
+        if (inputSamples_.empty()) return platform::failure("virtual microphone: empty input file");
     }
     captureFormat_ = format;
     deliver_ = std::move(deliver);
@@ -142,7 +150,7 @@ EngineResult VirtualBackend::startCapture(const PcmFormat& format, CaptureCallba
     captured_ = 0;
     phase_ = 0.0;
     captureTimer_.setEnabled(true);
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
 void VirtualBackend::stopCapture() {
@@ -162,7 +170,8 @@ void VirtualBackend::fillInput(std::int16_t* out, std::size_t frames) {
     }
     const double step = 2.0 * std::numbers::pi * options_.toneHz / captureFormat_.sampleRate;
     for (std::size_t frame = 0; frame < frames; ++frame) {
-        const auto value = static_cast<std::int16_t>(std::lround(std::sin(phase_) * options_.toneLevel * 32767.0));
+        const auto value =
+            static_cast<std::int16_t>(std::lround(std::sin(phase_) * options_.toneLevel * 32767.0));
         phase_ = std::fmod(phase_ + step, 2.0 * std::numbers::pi);
         std::fill_n(out + frame * channels, channels, value);
     }
@@ -170,7 +179,8 @@ void VirtualBackend::fillInput(std::int16_t* out, std::size_t frames) {
 
 void VirtualBackend::captureTick() {
     if (!deliver_) return;
-    const SampleCount due = elapsedSince(loop_, captureStart_).count() * captureFormat_.sampleRate / 1000;
+    const SampleCount due =
+        elapsedSince(loop_, captureStart_).count() * captureFormat_.sampleRate / 1000;
     if (due <= captured_) return;
     const auto frames = static_cast<std::size_t>(due - captured_);
     std::vector<std::int16_t> block(frames * static_cast<std::size_t>(captureFormat_.channels));
@@ -180,12 +190,11 @@ void VirtualBackend::captureTick() {
     deliver(block.data(), frames);
 }
 
-std::unique_ptr<PlaybackStream> VirtualBackend::openPlayback(const PcmFormat& format, std::string& error) {
-    if (format.sampleRate <= 0 || format.channels <= 0) {
-        error = "unusable playback format";
-        return nullptr;
-    }
-    return std::make_unique<Stream>(*this, format);
+platform::Result<std::unique_ptr<PlaybackStream>> VirtualBackend::openPlayback(
+    const PcmFormat& format) {
+    if (format.sampleRate <= 0 || format.channels <= 0)
+        return platform::failure("unusable playback format");
+    return std::unique_ptr<PlaybackStream>(std::make_unique<Stream>(*this, format));
 }
 
 void VirtualBackend::playPrompt(const std::string& wavePath) {

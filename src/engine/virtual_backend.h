@@ -15,11 +15,11 @@
 namespace ovd::engine {
 
 class VirtualBackend : public AudioBackend {
-public:
+  public:
     struct Options {
-        double toneHz = 440.0;      // used when inputFile is empty
-        double toneLevel = 0.25;    // of full scale
-        std::string inputFile;      // a WAV file looped as the microphone
+        double toneHz = 440.0;    // used when inputFile is empty
+        double toneLevel = 0.25;  // of full scale
+        std::string inputFile;    // a WAV file looped as the microphone
     };
 
     VirtualBackend(platform::EventLoop& loop, Options options);
@@ -28,9 +28,10 @@ public:
     [[nodiscard]] std::string name() const override { return "virtual"; }
     DeviceList& recordingDevices() override;
     DeviceList& playbackDevices() override;
-    EngineResult startCapture(const PcmFormat& format, CaptureCallback deliver) override;
+    platform::Result<void> startCapture(const PcmFormat& format, CaptureCallback deliver) override;
     void stopCapture() override;
-    std::unique_ptr<PlaybackStream> openPlayback(const PcmFormat& format, std::string& error) override;
+    platform::Result<std::unique_ptr<PlaybackStream>> openPlayback(
+        const PcmFormat& format) override;
     void playPrompt(const std::string& wavePath) override;
     // As long as the prompt file lasts, on the loop's clock.
     [[nodiscard]] bool promptPlaying() const override;
@@ -39,7 +40,7 @@ public:
     [[nodiscard]] const std::vector<std::int16_t>& playedSamples() const { return played_; }
     [[nodiscard]] const std::vector<std::string>& promptsPlayed() const { return prompts_; }
 
-private:
+  private:
     class Devices;
     class Stream;
     void captureTick();

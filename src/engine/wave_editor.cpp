@@ -78,42 +78,42 @@ void WaveEditor::restore(const Snapshot& snapshot) {
     viewChanged();
 }
 
-EngineResult WaveEditor::Undo() {
-    if (state_ != EditorState::Stopped) return EngineResult::failure("stop first");
-    if (undo_.empty()) return EngineResult::failure("nothing to undo");
+platform::Result<void> WaveEditor::Undo() {
+    if (state_ != EditorState::Stopped) return platform::failure("stop first");
+    if (undo_.empty()) return platform::failure("nothing to undo");
     redo_.push_back({document_.pieces(), cursor_});
     restore(undo_.back());
     undo_.pop_back();
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
-EngineResult WaveEditor::Redo() {
-    if (state_ != EditorState::Stopped) return EngineResult::failure("stop first");
-    if (redo_.empty()) return EngineResult::failure("nothing to redo");
+platform::Result<void> WaveEditor::Redo() {
+    if (state_ != EditorState::Stopped) return platform::failure("stop first");
+    if (redo_.empty()) return platform::failure("nothing to redo");
     undo_.push_back({document_.pieces(), cursor_});
     restore(redo_.back());
     redo_.pop_back();
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
-EngineResult WaveEditor::Copy() {
-    if (!workFile_) return EngineResult::failure("no document");
+platform::Result<void> WaveEditor::Copy() {
+    if (!workFile_) return platform::failure("no document");
     const SampleCount from = std::min(selectionStart_, selectionEnd_);
     const SampleCount to = std::max(selectionStart_, selectionEnd_);
     if (!selectionActive_ || from == to) {
         // Nothing copied is what the clipboard holds now: a paste after it must not
         // bring back audio of an earlier letter.
         clipboard_->pieces.clear();
-        return EngineResult::failure("nothing is selected");
+        return platform::failure("nothing is selected");
     }
     clipboard_->format = document_.format();
     clipboard_->pieces = document_.slice(from, to);
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
-EngineResult WaveEditor::Cut() {
-    if (state_ != EditorState::Stopped) return EngineResult::failure("stop first");
-    if (EngineResult copied = Copy(); !copied) return copied;
+platform::Result<void> WaveEditor::Cut() {
+    if (state_ != EditorState::Stopped) return platform::failure("stop first");
+    if (platform::Result<void> copied = Copy(); !copied) return copied;
     rememberForUndo();
     const SampleCount from = std::min(selectionStart_, selectionEnd_);
     document_.remove(from, std::max(selectionStart_, selectionEnd_));
@@ -121,7 +121,7 @@ EngineResult WaveEditor::Cut() {
     selectionActive_ = false;
     selectionStart_ = selectionEnd_ = from;
     viewChanged();
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
 void WaveEditor::insertPieces(SampleCount at, const PieceList& pieces) {
@@ -138,15 +138,16 @@ void WaveEditor::insertPieces(SampleCount at, const PieceList& pieces) {
     viewChanged();
 }
 
-EngineResult WaveEditor::Paste() {
-    if (state_ != EditorState::Stopped) return EngineResult::failure("stop first");
-    if (!workFile_) return EngineResult::failure("no document");
-    if (clipboard_->empty()) return EngineResult::failure("the clipboard is empty");
+platform::Result<void> WaveEditor::Paste() {
+    if (state_ != EditorState::Stopped) return platform::failure("stop first");
+    if (!workFile_) return platform::failure("no document");
+    if (clipboard_->empty()) return platform::failure("the clipboard is empty");
     PieceList pieces = clipboard_->pieces;
     if (!(clipboard_->format == document_.format())) {
         // Cut at another rate or channel count: converted into this document's work file.
         DocumentSource source(clipboard_->format, clipboard_->pieces);
-        if (EngineResult converted = appendSource(source, "Pasting", pieces); !converted) return converted;
+        if (platform::Result<void> converted = appendSource(source, "Pasting", pieces); !converted)
+            return converted;
     }
     SampleCount range = 0;
     for (const Piece& piece : pieces) range += piece.length;
@@ -155,26 +156,27 @@ EngineResult WaveEditor::Paste() {
     insertPieces(cursor_, pieces);
     if (formatName_.empty()) formatName_ = "PCM";
     emitBlock(BlockOperationEvent::Phase::End, "Pasting", range, range);
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
-EngineResult WaveEditor::PasteFile(const std::string& path) {
-    if (state_ != EditorState::Stopped) return EngineResult::failure("stop first");
-    if (!workFile_) return EngineResult::failure("no document");
+platform::Result<void> WaveEditor::PasteFile(const std::string& path) {
+    if (state_ != EditorState::Stopped) return platform::failure("stop first");
+    if (!workFile_) return platform::failure("no document");
     PieceList added;
-    if (EngineResult appended = appendFile(path, "Pasting File", added); !appended) return appended;
+    if (platform::Result<void> appended = appendFile(path, "Pasting File", added); !appended)
+        return appended;
     rememberForUndo();
     selectionActive_ = false;
     insertPieces(cursor_, added);
     if (formatName_.empty()) formatName_ = "PCM";
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
 void WaveEditor::syncTick() {
     if (!workFile_) return;
     const SampleCount frames = workFile_->frames();
     if (frames == syncedFrames_) return;
-    if (EngineResult flushed = workFile_->flush(); !flushed) {
+    if (platform::Result<void> flushed = workFile_->flush(); !flushed) {
         // What the disk refused stays in memory and goes on trying at each tick;
         // the take keeps everything, and the log says why the disk is behind.
         reportTrouble(flushed.error());

@@ -34,12 +34,13 @@
 #include "engine/clipboard.h"
 #include "engine/stream_encoder.h"
 #include "platform/event_loop.h"
+#include "platform/locked_file.h"
 #include "platform/timer.h"
 
 namespace ovd::engine {
 
 class WaveEditor : public AudioEditor {
-public:
+  public:
     WaveEditor(platform::EventLoop& loop, AudioBackend& backend,
                std::shared_ptr<Clipboard> clipboard, std::string name);
     ~WaveEditor() override;
@@ -71,32 +72,32 @@ public:
     [[nodiscard]] std::string TempFileName() const override;
     void setTempFileName(const std::string& folderOrPath) override;
 
-    EngineResult Open(const std::string& path) override;
-    EngineResult New(int samplesPerSecond, int channels) override;
-    EngineResult SaveAs(const std::string& path) override;
+    platform::Result<void> Open(const std::string& path) override;
+    platform::Result<void> New(int samplesPerSecond, int channels) override;
+    platform::Result<void> SaveAs(const std::string& path) override;
     void Close() override;
     void CloseKeepingWorkFile() override { dropDocument(false); }
 
-    EngineResult Play(int mode = 0) override;
-    EngineResult Record() override;
+    platform::Result<void> Play(int mode = 0) override;
+    platform::Result<void> Record() override;
     void Stop() override;
     void Pause() override;
     void Continue() override;
     [[nodiscard]] int State() const override { return static_cast<int>(state_); }
 
-    EngineResult Undo() override;
-    EngineResult Redo() override;
-    EngineResult Copy() override;
-    EngineResult Cut() override;
-    EngineResult Paste() override;
-    EngineResult PasteFile(const std::string& path) override;
+    platform::Result<void> Undo() override;
+    platform::Result<void> Redo() override;
+    platform::Result<void> Copy() override;
+    platform::Result<void> Cut() override;
+    platform::Result<void> Paste() override;
+    platform::Result<void> PasteFile(const std::string& path) override;
 
     // Brings the whole document to another rate and channel count (the "convert
     // sample type" choice). The document gets a new work file; undo starts afresh.
-    EngineResult ConvertSampleType(int samplesPerSecond, int channels);
+    platform::Result<void> ConvertSampleType(int samplesPerSecond, int channels);
 
     // The outcome of the last save, once it has finished; empty when it worked.
-    [[nodiscard]] std::string lastSaveError() const override;
+    [[nodiscard]] platform::Result<void> lastSaveResult() const override;
     [[nodiscard]] bool saving() const override { return saving_.load(); }
     // Waits for a running save to end (the station's exit).
     void finishSaving();
@@ -110,7 +111,7 @@ public:
         return document_.read(position, out, frameCount);
     }
 
-private:
+  private:
     struct Snapshot {
         PieceList pieces;
         SampleCount cursor = 0;
@@ -140,17 +141,18 @@ private:
         TargetFormat target;
         std::string comment;
         PcmFormat format;
-        PieceList pieces;                 // the whole document
-        std::optional<PieceList> added;   // set when the job adds these to the session's file
-        int lockFd = -1;                  // -1 for a file that does not exist yet
+        PieceList pieces;                // the whole document
+        std::optional<PieceList> added;  // set when the job adds these to the session's file
+        platform::LockedFile lock;       // not held for a file that does not exist yet
         bool keepGrowing = false;  // the take goes on: keep the encoder open for the next save
     };
     using SaveProgress = std::function<void(SampleCount done)>;
-    EngineResult startDocument(const PcmFormat& format);
+    platform::Result<void> startDocument(const PcmFormat& format);
     void dropDocument(bool removeWorkFile);
-    EngineResult appendFile(const std::string& path, const char* operation, PieceList& added);
+    platform::Result<void> appendFile(const std::string& path, const char* operation,
+                                      PieceList& added);
     // Copies audio into the work file, converted to the document's rate and channels.
-    EngineResult appendSource(PcmSource& source, const char* operation, PieceList& added);
+    platform::Result<void> appendSource(PcmSource& source, const char* operation, PieceList& added);
     void rememberForUndo();
     void restore(const Snapshot& snapshot);
     void insertPieces(SampleCount at, const PieceList& pieces);
@@ -162,10 +164,10 @@ private:
     static void rememberFileOnDisk(const std::string& path, const PieceList& pieces,
                                    std::optional<FileOnDisk>& into);
     void reportTrouble(const std::string& text);
-    void emitBlock(BlockOperationEvent::Phase phase, const std::string& operation, SampleCount position,
-                   SampleCount range);
-    EngineResult saveWhole(const SaveJob& job, const SaveProgress& progress);
-    EngineResult addToSavedFile(const SaveJob& job, const SaveProgress& progress);
+    void emitBlock(BlockOperationEvent::Phase phase, const std::string& operation,
+                   SampleCount position, SampleCount range);
+    platform::Result<void> saveWhole(const SaveJob& job, const SaveProgress& progress);
+    platform::Result<void> addToSavedFile(const SaveJob& job, const SaveProgress& progress);
     void syncTick();
     void feedTick();
     void onCaptured(const std::int16_t* frames, std::size_t frameCount);
@@ -207,15 +209,15 @@ private:
     int playMode_ = 0;
     SampleCount playFrom_ = 0;
     SampleCount playTo_ = 0;
-    SampleCount fed_ = 0;          // frames handed to the stream since the play began
-    SampleCount feedPosition_ = 0; // document position of the next frame to hand over
+    SampleCount fed_ = 0;           // frames handed to the stream since the play began
+    SampleCount feedPosition_ = 0;  // document position of the next frame to hand over
 
     // Saving.
     std::thread saveThread_;
     std::atomic<bool> saving_{false};
     // Written by the save's thread before it lets go of the file.
     mutable std::mutex saveErrorMutex_;
-    std::string lastSaveError_;
+    platform::Result<void> lastSave_;
     unsigned workFilesMade_ = 0;
     // Touched by the save thread while it runs, by the loop's thread once it is joined.
     std::unique_ptr<SaveSession> session_;

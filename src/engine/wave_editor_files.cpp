@@ -18,76 +18,82 @@ constexpr std::size_t kCopyFrames = 64 * 1024;
 constexpr const char* kWorkFileExtension = ".tmp";
 }  // namespace
 
-std::string WaveEditor::TempFileName() const {
-    return workFile_ ? workFile_->path() : tempFolder_;
-}
+std::string WaveEditor::TempFileName() const { return workFile_ ? workFile_->path() : tempFolder_; }
 
 void WaveEditor::setTempFileName(const std::string& folderOrPath) {
     // A path ending in the work file extension names the file; anything else is the folder.
     const std::filesystem::path given(folderOrPath);
-    tempFolder_ = given.extension() == kWorkFileExtension ? given.parent_path().string() : folderOrPath;
+    tempFolder_ =
+        given.extension() == kWorkFileExtension ? given.parent_path().string() : folderOrPath;
 }
 
-EngineResult WaveEditor::startDocument(const PcmFormat& format) {
+platform::Result<void> WaveEditor::startDocument(const PcmFormat& format) {
     Close();
-    const std::string folder = tempFolder_.empty() ? std::filesystem::temp_directory_path().string() : tempFolder_;
-    if (!platform::createFolder(folder)) return EngineResult::failure("can't make the folder " + folder);
+    const std::string folder =
+        tempFolder_.empty() ? std::filesystem::temp_directory_path().string() : tempFolder_;
+    if (!platform::createFolder(folder))
+        return platform::failure("can't make the folder " + folder);
     // The process id keeps two stations on one folder apart; the counter, this
     // editor's successive documents.
     const std::string name = "ovd" + std::to_string(::getpid()) + "-" + name_ + "-" +
                              std::to_string(++workFilesMade_) + kWorkFileExtension;
-    std::string error;
-    workFile_ = WorkFile::create(platform::joinPath(folder, name), format, error);
-    if (!workFile_) return EngineResult::failure(error);
+    auto created = WorkFile::create(platform::joinPath(folder, name), format);
+    if (!created) return created.failed();
+    workFile_ = std::move(*created);
     document_ = AudioDocument(format);
     syncedFrames_ = 0;
     syncTimer_.setEnabled(true);
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
-EngineResult WaveEditor::New(int samplesPerSecond, int channels) {
+platform::Result<void> WaveEditor::New(int samplesPerSecond, int channels) {
     if (samplesPerSecond <= 0 || channels < 1 || channels > 2) {
-        return EngineResult::failure("a new document needs a rate and one or two channels");
+        return platform::failure("a new document needs a rate and one or two channels");
     }
     return startDocument({samplesPerSecond, channels});
 }
 
-EngineResult WaveEditor::ConvertSampleType(int samplesPerSecond, int channels) {
-    if (state_ != EditorState::Stopped) return EngineResult::failure("stop first");
-    if (!workFile_) return EngineResult::failure("no document");
+platform::Result<void> WaveEditor::ConvertSampleType(int samplesPerSecond, int channels) {
+    if (state_ != EditorState::Stopped) return platform::failure("stop first");
+    if (!workFile_) return platform::failure("no document");
     if (samplesPerSecond <= 0 || channels < 1 || channels > 2) {
-        return EngineResult::failure("a document needs a rate and one or two channels");
+        return platform::failure("a document needs a rate and one or two channels");
     }
     const PcmFormat from = document_.format();
-    if (from == PcmFormat{samplesPerSecond, channels}) return EngineResult::success();
+    if (from == PcmFormat{samplesPerSecond, channels}) return platform::Result<void>::success();
     // The old pieces keep the old work file readable while the new one is filled.
     DocumentSource old(from, document_.pieces());
     const std::string name = formatName_;
     const double cursorSeconds = static_cast<double>(cursor_) / from.sampleRate;
-    if (EngineResult started = startDocument({samplesPerSecond, channels}); !started) return started;
+    if (platform::Result<void> started = startDocument({samplesPerSecond, channels}); !started)
+        return started;
     PieceList converted;
-    if (EngineResult appended = appendSource(old, "Converting", converted); !appended) return appended;
+    if (platform::Result<void> appended = appendSource(old, "Converting", converted); !appended)
+        return appended;
     document_.replaceAll(converted);
     formatName_ = name;
-    cursor_ = std::min(document_.length(), static_cast<SampleCount>(cursorSeconds * samplesPerSecond));
+    cursor_ =
+        std::min(document_.length(), static_cast<SampleCount>(cursorSeconds * samplesPerSecond));
     viewChanged();
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
-EngineResult WaveEditor::appendSource(PcmSource& source, const char* operation, PieceList& added) {
+platform::Result<void> WaveEditor::appendSource(PcmSource& source, const char* operation,
+                                                PieceList& added) {
     // Audio of another rate or channel count is brought to the document's on the way in.
     std::unique_ptr<ConvertingSource> converted;
     PcmSource* input = &source;
     if (!(source.format() == document_.format())) {
         std::string error;
         converted = ConvertingSource::create(source, document_.format(), error);
-        if (!converted) return EngineResult::failure(error);
+        if (!converted) return platform::failure(error);
         input = converted.get();
     }
     const SampleCount range = input->frames();
     emitBlock(BlockOperationEvent::Phase::Start, operation, 0, range);
     const SampleCount first = workFile_->frames();
-    std::vector<std::int16_t> block(kCopyFrames * static_cast<std::size_t>(document_.format().channels));
+    std::vector<std::int16_t> block(kCopyFrames *
+                                    static_cast<std::size_t>(document_.format().channels));
     SampleCount copied = 0;
     while (const std::size_t got = input->read(block.data(), kCopyFrames)) {
         workFile_->append(block.data(), got);
@@ -95,29 +101,32 @@ EngineResult WaveEditor::appendSource(PcmSource& source, const char* operation, 
         emitBlock(BlockOperationEvent::Phase::Progress, operation, copied, range);
     }
     emitBlock(BlockOperationEvent::Phase::End, operation, copied, range);
-    if (converted && !converted->error().empty()) return EngineResult::failure(converted->error());
+    if (converted && !converted->error().empty()) return platform::failure(converted->error());
     added = {Piece{workFile_, first, copied}};
     syncTick();
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
-EngineResult WaveEditor::appendFile(const std::string& path, const char* operation, PieceList& added) {
+platform::Result<void> WaveEditor::appendFile(const std::string& path, const char* operation,
+                                              PieceList& added) {
     std::string error;
     TargetFormat hint = chosen_;
     auto reader = AudioFileReader::open(path, error, &hint);
-    if (!reader) return EngineResult::failure(error);
+    if (!reader) return platform::failure(error);
     if (!workFile_) {
-        if (EngineResult started = startDocument(reader->format()); !started) return started;
+        if (platform::Result<void> started = startDocument(reader->format()); !started)
+            return started;
     }
-    if (EngineResult appended = appendSource(*reader, operation, added); !appended) return appended;
+    if (platform::Result<void> appended = appendSource(*reader, operation, added); !appended)
+        return appended;
     if (formatName_.empty()) formatName_ = reader->formatName();
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
-EngineResult WaveEditor::Open(const std::string& path) {
+platform::Result<void> WaveEditor::Open(const std::string& path) {
     Close();
     PieceList added;
-    if (EngineResult appended = appendFile(path, "Opening", added); !appended) {
+    if (platform::Result<void> appended = appendFile(path, "Opening", added); !appended) {
         Close();
         return appended;
     }
@@ -126,7 +135,7 @@ EngineResult WaveEditor::Open(const std::string& path) {
     // Until the author changes it, a save leaves this file as it is.
     rememberFileOnDisk(path, document_.pieces(), onDisk_);
     viewChanged();
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
 void WaveEditor::Close() { dropDocument(true); }

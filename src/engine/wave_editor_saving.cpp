@@ -4,7 +4,6 @@
 // what is new instead of encoding the whole take again.
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -36,14 +35,15 @@ SampleCount framesIn(const PieceList& pieces) {
 
 // The pieces at the end of the encoder's file: copied as they lie in the work
 // files where the file takes the document's own frames, encoded otherwise.
-EngineResult writePieces(StreamEncoder& encoder, const PcmFormat& format, const PieceList& pieces,
-                         const std::function<void(SampleCount)>& progress) {
+platform::Result<void> writePieces(StreamEncoder& encoder, const PcmFormat& format,
+                                   const PieceList& pieces,
+                                   const std::function<void(SampleCount)>& progress) {
     SampleCount done = 0;
     if (encoder.copiesSourceFrames()) {
         for (const Piece& piece : pieces) {
             for (SampleCount offset = 0; offset < piece.length; offset += kCopyStretchFrames) {
                 const SampleCount count = std::min(kCopyStretchFrames, piece.length - offset);
-                EngineResult copied = encoder.appendCopied(count, [&](int fd) {
+                platform::Result<void> copied = encoder.appendCopied(count, [&](int fd) {
                     return piece.file->copyTo(fd, piece.start + offset, count);
                 });
                 if (!copied) return copied;
@@ -51,23 +51,24 @@ EngineResult writePieces(StreamEncoder& encoder, const PcmFormat& format, const 
                 progress(done);
             }
         }
-        return EngineResult::success();
+        return platform::Result<void>::success();
     }
     DocumentSource source(format, pieces);
     std::vector<std::int16_t> block(kBlockFrames * static_cast<std::size_t>(format.channels));
     while (const std::size_t got = source.read(block.data(), kBlockFrames)) {
-        if (EngineResult written = encoder.write(block.data(), got); !written) return written;
+        if (platform::Result<void> written = encoder.write(block.data(), got); !written)
+            return written;
         done += static_cast<SampleCount>(got);
         progress(done);
     }
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
 }  // namespace
 
-std::string WaveEditor::lastSaveError() const {
+platform::Result<void> WaveEditor::lastSaveResult() const {
     const std::lock_guard lock(saveErrorMutex_);
-    return lastSaveError_;
+    return lastSave_;
 }
 
 void WaveEditor::finishSaving() {
@@ -120,36 +121,34 @@ void WaveEditor::finishSavedFile() {
     // Completed through the encoder's own descriptor: a file renamed since (a
     // letter handed on under another name) is completed all the same, and a file
     // that took its old name is not touched.
-    if (EngineResult finished = session->encoder->finish(); !finished) {
+    if (platform::Result<void> finished = session->encoder->finish(); !finished) {
         session->encoder->rollBack();
         const std::lock_guard lock(saveErrorMutex_);
-        lastSaveError_ = finished.error();
+        lastSave_ = finished;
     }
 }
 
-EngineResult WaveEditor::SaveAs(const std::string& path) {
-    if (!workFile_) return EngineResult::failure("no document to save");
+platform::Result<void> WaveEditor::SaveAs(const std::string& path) {
+    if (!workFile_) return platform::failure("no document to save");
     finishSaving();
     syncTick();
     // Opened to listen, or saved and not touched since: the file already holds
     // this document, and it stays byte for byte as it is.
     if (!session_ && documentIsOnDisk(path)) {
         const std::lock_guard lock(saveErrorMutex_);
-        lastSaveError_.clear();
-        return EngineResult::success();
+        lastSave_ = platform::Result<void>::success();
+        return platform::Result<void>::success();
     }
     // An existing file is locked before this call returns, so whoever waits for it
     // to be free waits for this save, not for the one before it. A new file is not
     // made here: until the save is complete only the file beside it exists.
-    int lockFd = -1;
+    platform::LockedFile existing;
     if (platform::fileExists(path)) {
-        lockFd = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
-        if (lockFd < 0)
-            return EngineResult::failure("can't write " + path + ": " + std::strerror(errno));
-        if (::flock(lockFd, LOCK_EX | LOCK_NB) != 0) {
-            ::close(lockFd);
-            return EngineResult::failure(path + " is in use");
-        }
+        const int fd = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+        if (fd < 0) return platform::failure("can't write " + path + ": " + std::strerror(errno));
+        auto locked = platform::LockedFile::lock(fd);
+        if (!locked) return platform::failure(path + " is in use");
+        existing = std::move(*locked);
     }
     SaveJob job{path,
                 chosen_,
@@ -157,12 +156,12 @@ EngineResult WaveEditor::SaveAs(const std::string& path) {
                 document_.format(),
                 document_.pieces(),
                 std::nullopt,
-                lockFd,
+                std::move(existing),
                 state_ == EditorState::Recording};
     if (session_) {
-        if (session_->path == path && lockFd >= 0 && session_->encoder->sameFileAs(lockFd) &&
-            session_->target == job.target && session_->comment == job.comment &&
-            session_->format == job.format) {
+        if (session_->path == path && job.lock.held() &&
+            session_->encoder->sameFileAs(job.lock.fd()) && session_->target == job.target &&
+            session_->comment == job.comment && session_->format == job.format) {
             job.added = piecesAddedTo(session_->saved, job.pieces);
         }
         // Saved whole, here or elsewhere: the file the session grew is completed first.
@@ -173,36 +172,38 @@ EngineResult WaveEditor::SaveAs(const std::string& path) {
     saving_ = true;
     {
         const std::lock_guard lock(saveErrorMutex_);
-        lastSaveError_.clear();
+        lastSave_ = platform::Result<void>::success();
     }
-    saveThread_ = std::thread([this, alive = alive_, job = std::move(job), range] {
+    saveThread_ = std::thread([this, alive = alive_, job = std::move(job), range]() mutable {
         const SaveProgress progress = [this, alive, range](SampleCount done) {
             loop_.postFromAnyThread([this, alive, done, range] {
                 if (*alive) emitBlock(BlockOperationEvent::Phase::Progress, kSaving, done, range);
             });
         };
-        EngineResult result = job.added ? addToSavedFile(job, progress) : saveWhole(job, progress);
+        platform::Result<void> result =
+            job.added ? addToSavedFile(job, progress) : saveWhole(job, progress);
         {
             // Known before the file is free: whoever waits for the file reads the outcome.
             const std::lock_guard lock(saveErrorMutex_);
-            lastSaveError_ = result ? std::string() : result.error();
+            lastSave_ = result;
             if (result) rememberFileOnDisk(job.path, job.pieces, justSaved_);
         }
-        if (job.lockFd >= 0) ::close(job.lockFd);
+        job.lock.release();
         loop_.postFromAnyThread([this, alive, range] {
             if (!*alive) return;
             emitBlock(BlockOperationEvent::Phase::End, kSaving, range, range);
         });
         saving_ = false;
     });
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
-EngineResult WaveEditor::addToSavedFile(const SaveJob& job, const SaveProgress& progress) {
+platform::Result<void> WaveEditor::addToSavedFile(const SaveJob& job,
+                                                  const SaveProgress& progress) {
     SaveSession& session = *session_;
     // Added in place: the header counts only what the last sync completed, so the
     // file reads whole up to the last save at every moment.
-    EngineResult result = writePieces(*session.encoder, job.format, *job.added, progress);
+    platform::Result<void> result = writePieces(*session.encoder, job.format, *job.added, progress);
     if (result) result = job.keepGrowing ? session.encoder->sync() : session.encoder->finish();
     if (!result) {
         // The file goes back to what the last save left; the next save starts afresh.
@@ -215,7 +216,7 @@ EngineResult WaveEditor::addToSavedFile(const SaveJob& job, const SaveProgress& 
     return result;
 }
 
-EngineResult WaveEditor::saveWhole(const SaveJob& job, const SaveProgress& progress) {
+platform::Result<void> WaveEditor::saveWhole(const SaveJob& job, const SaveProgress& progress) {
     // Written beside the target and moved over it once complete: until then the
     // old file (or no file) stands, after it the complete new one. A crash leaves
     // at most this file beside it, which the recovery clears away.
@@ -229,7 +230,7 @@ EngineResult WaveEditor::saveWhole(const SaveJob& job, const SaveProgress& progr
         if (fd >= 0)
             encoder = StreamEncoder::open(fd, partial, job.target, job.format, job.comment, error);
     }
-    EngineResult result = EngineResult::success();
+    platform::Result<void> result = platform::Result<void>::success();
     if (encoder) {
         result = writePieces(*encoder, job.format, job.pieces, progress);
         // Completed before it takes the target's name, unless the take goes on.
@@ -247,7 +248,7 @@ EngineResult WaveEditor::saveWhole(const SaveJob& job, const SaveProgress& progr
         });
     }
     if (result && std::rename(partial.c_str(), job.path.c_str()) != 0) {
-        result = EngineResult::failure("can't replace " + job.path + ": " + std::strerror(errno));
+        result = platform::failure("can't replace " + job.path + ": " + std::strerror(errno));
         std::remove(partial.c_str());
     }
     if (result && encoder && job.keepGrowing) {

@@ -8,9 +8,9 @@
 
 namespace ovd::engine {
 
-EngineResult WaveEditor::Record() {
-    if (!workFile_) return EngineResult::failure("no document");
-    if (state_ == EditorState::Recording) return EngineResult::success();
+platform::Result<void> WaveEditor::Record() {
+    if (!workFile_) return platform::failure("no document");
+    if (state_ == EditorState::Recording) return platform::Result<void>::success();
     Stop();
     troubleTold_ = false;
     rememberForUndo();
@@ -24,7 +24,7 @@ EngineResult WaveEditor::Record() {
     recordingPiece_ = document_.insert(at, {Piece{workFile_, workFile_->frames(), 0}});
     cursor_ = at;
     const std::shared_ptr<bool> alive = alive_;
-    EngineResult started = backend_.startCapture(
+    platform::Result<void> started = backend_.startCapture(
         document_.format(), [this, alive](const std::int16_t* frames, std::size_t frameCount) {
             if (*alive) onCaptured(frames, frameCount);
         });
@@ -35,7 +35,7 @@ EngineResult WaveEditor::Record() {
     }
     state_ = EditorState::Recording;
     viewChanged();
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
 void WaveEditor::onCaptured(const std::int16_t* frames, std::size_t frameCount) {
@@ -46,8 +46,10 @@ void WaveEditor::onCaptured(const std::int16_t* frames, std::size_t frameCount) 
     selectionStart_ = selectionEnd_ = cursor_;
     if (onLevel) {
         int peak = 0;
-        const std::size_t samples = frameCount * static_cast<std::size_t>(document_.format().channels);
-        for (std::size_t i = 0; i < samples; ++i) peak = std::max(peak, std::abs(static_cast<int>(frames[i])));
+        const std::size_t samples =
+            frameCount * static_cast<std::size_t>(document_.format().channels);
+        for (std::size_t i = 0; i < samples; ++i)
+            peak = std::max(peak, std::abs(static_cast<int>(frames[i])));
         onLevel(peak * 100 / 32768);
     }
 }
@@ -60,28 +62,31 @@ void WaveEditor::stopRecording() {
     viewChanged();
 }
 
-EngineResult WaveEditor::Play(int mode) {
-    if (!workFile_) return EngineResult::failure("no document");
+platform::Result<void> WaveEditor::Play(int mode) {
+    if (!workFile_) return platform::failure("no document");
     Stop();
     playMode_ = mode;
     const bool selection = selectionActive_ && selectionStart_ != selectionEnd_;
-    playFrom_ = selection && mode != kPlayToEnd ? std::min(selectionStart_, selectionEnd_) : cursor_;
-    playTo_ = selection && mode != kPlayToEnd ? std::max(selectionStart_, selectionEnd_) : document_.length();
+    playFrom_ =
+        selection && mode != kPlayToEnd ? std::min(selectionStart_, selectionEnd_) : cursor_;
+    playTo_ = selection && mode != kPlayToEnd ? std::max(selectionStart_, selectionEnd_)
+                                              : document_.length();
     if (playFrom_ >= playTo_) {
-        if (mode != kPlayLooped || document_.length() == 0) return EngineResult::success();
+        if (mode != kPlayLooped || document_.length() == 0)
+            return platform::Result<void>::success();
         playFrom_ = 0;
         playTo_ = document_.length();
     }
-    std::string error;
-    stream_ = backend_.openPlayback(document_.format(), error);
-    if (!stream_) return EngineResult::failure(error);
+    auto opened = backend_.openPlayback(document_.format());
+    if (!opened) return opened.failed();
+    stream_ = std::move(*opened);
     fed_ = 0;
     feedPosition_ = playFrom_;
     cursor_ = playFrom_;
     state_ = EditorState::Playing;
     feedTick();
     feedTimer_.setEnabled(true);
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
 void WaveEditor::feedTick() {
@@ -94,7 +99,8 @@ void WaveEditor::feedTick() {
             if (playMode_ != kPlayLooped) break;
             feedPosition_ = playFrom_;
         }
-        const std::size_t want = std::min<std::size_t>(room, static_cast<std::size_t>(playTo_ - feedPosition_));
+        const std::size_t want =
+            std::min<std::size_t>(room, static_cast<std::size_t>(playTo_ - feedPosition_));
         block.resize(want * channels);
         const std::size_t got = document_.read(feedPosition_, block.data(), want);
         if (got == 0) break;

@@ -1,7 +1,6 @@
 #include "engine/work_file.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -37,14 +36,15 @@ bool copyBytes(int from, off_t offset, int to, std::uint64_t bytes) {
             }
             // Across file systems, or one that does not take part (some report
             // nothing copied rather than an error): the plain way.
-            if (n < 0 && errno != EXDEV && errno != EINVAL && errno != ENOSYS && errno != EOPNOTSUPP &&
-                errno != EBADF) {
+            if (n < 0 && errno != EXDEV && errno != EINVAL && errno != ENOSYS &&
+                errno != EOPNOTSUPP && errno != EBADF) {
                 return false;
             }
             inKernel = false;
             buffer.resize(1 << 20);
         }
-        const ssize_t got = ::pread(from, buffer.data(), std::min<std::uint64_t>(bytes, buffer.size()), offset);
+        const ssize_t got =
+            ::pread(from, buffer.data(), std::min<std::uint64_t>(bytes, buffer.size()), offset);
         if (got < 0 && errno == EINTR) continue;
         if (got <= 0) return false;
         if (!writeAll(to, buffer.data(), static_cast<std::size_t>(got))) return false;
@@ -56,40 +56,35 @@ bool copyBytes(int from, off_t offset, int to, std::uint64_t bytes) {
 
 }  // namespace
 
-std::shared_ptr<WorkFile> WorkFile::create(const std::string& path, const PcmFormat& format,
-                                           std::string& error) {
+platform::Result<std::shared_ptr<WorkFile>> WorkFile::create(const std::string& path,
+                                                             const PcmFormat& format) {
     if (format.sampleRate <= 0 || format.channels <= 0) {
-        error = "unusable format for a work file";
-        return nullptr;
+        return platform::failure("unusable format for a work file");
     }
     const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-    if (fd < 0) {
-        error = systemError("can't create the work file " + path);
-        return nullptr;
-    }
+    if (fd < 0) return platform::failure(systemError("can't create the work file " + path));
     // Held for the file's life: the recovery of work files takes only those nobody holds.
-    if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
-        error = systemError("the work file " + path + " is held by another program");
-        ::close(fd);
-        return nullptr;
+    auto locked = platform::LockedFile::lock(fd);
+    if (!locked) {
+        return platform::failure("the work file " + path +
+                                 " is held by another program: " + locked.error());
     }
-    std::shared_ptr<WorkFile> file(new WorkFile(path, fd, format));
-    if (const EngineResult written = file->writeHeader(); !written) {
-        error = written.error();
-        return nullptr;
+    std::shared_ptr<WorkFile> file(new WorkFile(path, std::move(*locked), format));
+    if (const platform::Result<void> written = file->writeHeader(); !written) {
+        return written.failed();
     }
     return file;
 }
 
-WorkFile::WorkFile(std::string path, int fd, const PcmFormat& format)
+WorkFile::WorkFile(std::string path, platform::LockedFile file, const PcmFormat& format)
     : path_(std::move(path)),
-      fd_(fd),
+      file_(std::move(file)),
+      fd_(file_.fd()),
       format_(format),
       frameBytes_(static_cast<std::size_t>(format.channels) * sizeof(std::int16_t)) {}
 
 WorkFile::~WorkFile() {
     if (!removed_) (void)flush();
-    ::close(fd_);
 }
 
 SampleCount WorkFile::frames() const {
@@ -103,8 +98,8 @@ SampleCount WorkFile::append(const std::int16_t* frames, std::size_t frameCount)
     bool full = false;
     {
         const std::lock_guard lock(mutex_);
-        start = framesOnDisk_ +
-                static_cast<SampleCount>(pending_.size() / static_cast<std::size_t>(format_.channels));
+        start = framesOnDisk_ + static_cast<SampleCount>(
+                                    pending_.size() / static_cast<std::size_t>(format_.channels));
         pending_.insert(pending_.end(), frames,
                         frames + frameCount * static_cast<std::size_t>(format_.channels));
         full = pending_.size() >= kPendingLimitSamples;
@@ -113,29 +108,32 @@ SampleCount WorkFile::append(const std::int16_t* frames, std::size_t frameCount)
     return start;
 }
 
-EngineResult WorkFile::writeBuffered() {
+platform::Result<void> WorkFile::writeBuffered() {
     const std::lock_guard lock(mutex_);
-    if (pending_.empty()) return EngineResult::success();
-    const auto offset = static_cast<off_t>(kHeaderBytes + static_cast<std::size_t>(framesOnDisk_) * frameBytes_);
+    if (pending_.empty()) return platform::Result<void>::success();
+    const auto offset =
+        static_cast<off_t>(kHeaderBytes + static_cast<std::size_t>(framesOnDisk_) * frameBytes_);
     const std::size_t bytes = pending_.size() * sizeof(std::int16_t);
     const auto* data = reinterpret_cast<const char*>(pending_.data());
     std::size_t done = 0;
     while (done < bytes) {
-        const ssize_t n = ::pwrite(fd_, data + done, bytes - done, offset + static_cast<off_t>(done));
+        const ssize_t n =
+            ::pwrite(fd_, data + done, bytes - done, offset + static_cast<off_t>(done));
         if (n < 0) {
             if (errno == EINTR) continue;
             // What could not be written stays buffered for the next try: a full
             // disk loses nothing that is still in memory.
-            return EngineResult::failure(systemError("can't write the work file " + path_));
+            return platform::failure(systemError("can't write the work file " + path_));
         }
         done += static_cast<std::size_t>(n);
     }
-    framesOnDisk_ += static_cast<SampleCount>(pending_.size() / static_cast<std::size_t>(format_.channels));
+    framesOnDisk_ +=
+        static_cast<SampleCount>(pending_.size() / static_cast<std::size_t>(format_.channels));
     pending_.clear();
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
-EngineResult WorkFile::writeHeader() {
+platform::Result<void> WorkFile::writeHeader() {
     std::uint64_t dataBytes = 0;
     {
         const std::lock_guard lock(mutex_);
@@ -143,16 +141,16 @@ EngineResult WorkFile::writeHeader() {
     }
     const auto header = pcmWaveHeader(format_, "", dataBytes);
     if (::pwrite(fd_, header.data(), header.size(), 0) != static_cast<ssize_t>(header.size())) {
-        return EngineResult::failure(systemError("can't write the work file's header " + path_));
+        return platform::failure(systemError("can't write the work file's header " + path_));
     }
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
-EngineResult WorkFile::flush() {
-    if (EngineResult written = writeBuffered(); !written) return written;
-    if (EngineResult header = writeHeader(); !header) return header;
-    if (::fdatasync(fd_) != 0) return EngineResult::failure(systemError("can't sync " + path_));
-    return EngineResult::success();
+platform::Result<void> WorkFile::flush() {
+    if (platform::Result<void> written = writeBuffered(); !written) return written;
+    if (platform::Result<void> header = writeHeader(); !header) return header;
+    if (::fdatasync(fd_) != 0) return platform::failure(systemError("can't sync " + path_));
+    return platform::Result<void>::success();
 }
 
 std::size_t WorkFile::read(SampleCount start, std::int16_t* out, std::size_t frameCount) const {
@@ -162,25 +160,28 @@ std::size_t WorkFile::read(SampleCount start, std::int16_t* out, std::size_t fra
     if (start < framesOnDisk_) {
         const std::size_t fromDisk =
             std::min<std::size_t>(frameCount, static_cast<std::size_t>(framesOnDisk_ - start));
-        const auto offset = static_cast<off_t>(kHeaderBytes + static_cast<std::size_t>(start) * frameBytes_);
+        const auto offset =
+            static_cast<off_t>(kHeaderBytes + static_cast<std::size_t>(start) * frameBytes_);
         const ssize_t n = ::pread(fd_, out, fromDisk * frameBytes_, offset);
         if (n <= 0) return 0;
         delivered = static_cast<std::size_t>(n) / frameBytes_;
         if (delivered < fromDisk) return delivered;
     }
-    const SampleCount pendingStart = std::max<SampleCount>(0, start + static_cast<SampleCount>(delivered) - framesOnDisk_);
+    const SampleCount pendingStart =
+        std::max<SampleCount>(0, start + static_cast<SampleCount>(delivered) - framesOnDisk_);
     const std::size_t pendingFrames = pending_.size() / channels;
     if (static_cast<std::size_t>(pendingStart) < pendingFrames && delivered < frameCount) {
-        const std::size_t fromMemory =
-            std::min(frameCount - delivered, pendingFrames - static_cast<std::size_t>(pendingStart));
-        std::copy_n(pending_.begin() + static_cast<std::ptrdiff_t>(static_cast<std::size_t>(pendingStart) * channels),
+        const std::size_t fromMemory = std::min(
+            frameCount - delivered, pendingFrames - static_cast<std::size_t>(pendingStart));
+        std::copy_n(pending_.begin() + static_cast<std::ptrdiff_t>(
+                                           static_cast<std::size_t>(pendingStart) * channels),
                     fromMemory * channels, out + delivered * channels);
         delivered += fromMemory;
     }
     return delivered;
 }
 
-EngineResult WorkFile::copyTo(int fd, SampleCount start, SampleCount frameCount) const {
+platform::Result<void> WorkFile::copyTo(int fd, SampleCount start, SampleCount frameCount) const {
     const auto channels = static_cast<std::size_t>(format_.channels);
     std::vector<std::int16_t> fromMemory;
     while (frameCount > 0) {
@@ -199,24 +200,30 @@ EngineResult WorkFile::copyTo(int fd, SampleCount start, SampleCount frameCount)
                     count = frameCount;
                     fromMemory.assign(static_cast<std::size_t>(count) * channels, 0);
                 } else {
-                    const auto first = pending_.begin() + static_cast<std::ptrdiff_t>(static_cast<std::size_t>(index) * channels);
-                    fromMemory.assign(first, first + static_cast<std::ptrdiff_t>(static_cast<std::size_t>(count) * channels));
+                    const auto first =
+                        pending_.begin() +
+                        static_cast<std::ptrdiff_t>(static_cast<std::size_t>(index) * channels);
+                    fromMemory.assign(
+                        first, first + static_cast<std::ptrdiff_t>(static_cast<std::size_t>(count) *
+                                                                   channels));
                 }
             }
         }
         bool copied = false;
         if (start < onDisk) {
             count = std::min(frameCount, onDisk - start);
-            const auto offset = static_cast<off_t>(kHeaderBytes + static_cast<std::size_t>(start) * frameBytes_);
+            const auto offset =
+                static_cast<off_t>(kHeaderBytes + static_cast<std::size_t>(start) * frameBytes_);
             copied = copyBytes(fd_, offset, fd, static_cast<std::uint64_t>(count) * frameBytes_);
         } else {
             copied = writeAll(fd, fromMemory.data(), fromMemory.size() * sizeof(std::int16_t));
         }
-        if (!copied) return EngineResult::failure(systemError("can't copy from the work file " + path_));
+        if (!copied)
+            return platform::failure(systemError("can't copy from the work file " + path_));
         start += count;
         frameCount -= count;
     }
-    return EngineResult::success();
+    return platform::Result<void>::success();
 }
 
 void WorkFile::removeFromDisk() {

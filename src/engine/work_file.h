@@ -12,15 +12,16 @@
 #include <vector>
 
 #include "engine/audio_backend.h"
-#include "engine/engine_result.h"
+#include "platform/locked_file.h"
+#include "platform/result.h"
 
 namespace ovd::engine {
 
 class WorkFile {
-public:
+  public:
     // Creates the file (replacing any of that name) with an empty data chunk.
-    static std::shared_ptr<WorkFile> create(const std::string& path, const PcmFormat& format,
-                                            std::string& error);
+    static platform::Result<std::shared_ptr<WorkFile>> create(const std::string& path,
+                                                              const PcmFormat& format);
     ~WorkFile();
     WorkFile(const WorkFile&) = delete;
     WorkFile& operator=(const WorkFile&) = delete;
@@ -32,27 +33,28 @@ public:
     // Adds frames at the end; returns the frame index they start at.
     SampleCount append(const std::int16_t* frames, std::size_t frameCount);
     // Writes what is buffered, updates the header and syncs the data to disk.
-    EngineResult flush();
+    platform::Result<void> flush();
     // Reads frames from any thread; frames past the end read as nothing (returns fewer).
     std::size_t read(SampleCount start, std::int16_t* out, std::size_t frameCount) const;
     // Writes frames to fd at its file position, from any thread: what is on disk
     // is copied inside the kernel where the file systems allow, so saving an hour
     // as a wave file costs what copying the file costs. Frames past the end (a
     // failed write) go out as silence, as they read.
-    EngineResult copyTo(int fd, SampleCount start, SampleCount frameCount) const;
+    platform::Result<void> copyTo(int fd, SampleCount start, SampleCount frameCount) const;
 
     // Deletes the file from the folder; readers that still hold it keep their audio.
     void removeFromDisk();
 
     static constexpr std::size_t kHeaderBytes = 44;
 
-private:
-    WorkFile(std::string path, int fd, const PcmFormat& format);
-    EngineResult writeBuffered();
-    EngineResult writeHeader();
+  private:
+    WorkFile(std::string path, platform::LockedFile file, const PcmFormat& format);
+    platform::Result<void> writeBuffered();
+    platform::Result<void> writeHeader();
 
     std::string path_;
-    int fd_;
+    platform::LockedFile file_;
+    int fd_;  // file_'s, for the many reads and writes
     PcmFormat format_;
     std::size_t frameBytes_;
     mutable std::mutex mutex_;

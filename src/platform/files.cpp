@@ -7,8 +7,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -78,11 +78,11 @@ std::vector<std::string> filesInFolder(const std::string& folder) {
     return names;
 }
 
-bool copyFileOver(const std::string& from, const std::string& to, std::string* reason) {
+Result<void> copyFileOver(const std::string& from, const std::string& to) {
     std::error_code error;
     std::filesystem::copy_file(from, to, std::filesystem::copy_options::overwrite_existing, error);
-    if (error && reason != nullptr) *reason = error.message();
-    return !error;
+    if (error) return failure(error.message());
+    return Result<void>::success();
 }
 
 std::optional<std::uintmax_t> fileSize(const std::string& path) {
@@ -101,8 +101,7 @@ std::optional<std::string> readWholeFile(const std::string& path) {
 }
 
 namespace {
-bool writeWithMode(const std::string& path, const std::string& text, mode_t mode,
-                   bool forceMode) {
+bool writeWithMode(const std::string& path, const std::string& text, mode_t mode, bool forceMode) {
     const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, mode);
     if (fd < 0) return false;
     if (forceMode) ::fchmod(fd, mode);

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/result.h"
+
 namespace ovd::platform {
 
 // Writes every byte to the descriptor, going on after interruptions; false on an error.
@@ -32,8 +34,8 @@ bool createFolder(const std::string& path);
 std::optional<std::uintmax_t> fileSize(const std::string& path);
 // The names of the files in the folder, in order; its subfolders are not listed.
 std::vector<std::string> filesInFolder(const std::string& folder);
-// Copies the file over any of that name; false, with the reason when asked for, when it fails.
-bool copyFileOver(const std::string& from, const std::string& to, std::string* reason = nullptr);
+// Copies the file over any of that name; the failure is the system's words for why.
+Result<void> copyFileOver(const std::string& from, const std::string& to);
 
 std::optional<std::string> readWholeFile(const std::string& path);
 // Replaces the file with the text; false (with errno left set) when it can't be written.

@@ -5,11 +5,14 @@
 
 #include <optional>
 #include <string>
+#include <utility>
+
+#include "platform/locked_file.h"
 
 namespace ovd::platform {
 
 class InstanceLock {
-public:
+  public:
     // The lock, or nothing when another process holds it. A folder where the
     // lock file can't be made counts as free: the station runs rather than refuse.
     static std::optional<InstanceLock> take(const std::string& dataFolder);
@@ -17,15 +20,9 @@ public:
     // there; nothing when it can't be told.
     static std::optional<long> holder(const std::string& dataFolder);
 
-    InstanceLock(InstanceLock&& other) noexcept;
-    InstanceLock& operator=(InstanceLock&& other) noexcept;
-    InstanceLock(const InstanceLock&) = delete;
-    InstanceLock& operator=(const InstanceLock&) = delete;
-    ~InstanceLock();
-
-private:
-    explicit InstanceLock(int fd) : fd_(fd) {}
-    int fd_ = -1;
+  private:
+    explicit InstanceLock(LockedFile file) : file_(std::move(file)) {}
+    LockedFile file_;
 };
 
 // This process's number, which a second instance writes beside the name it hands over.

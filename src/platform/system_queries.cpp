@@ -1,13 +1,13 @@
 #include "platform/system_queries.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <filesystem>
 
 #include "platform/files.h"
+#include "platform/locked_file.h"
 #include "platform/text.h"
 
 namespace ovd::platform {
@@ -86,11 +86,8 @@ std::uint64_t folderBytes(const std::string& folder) {
 }
 
 bool FileAvailable(const std::string& path) {
-    const int fd = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
-    if (fd < 0) return false;
-    const bool free = ::flock(fd, LOCK_EX | LOCK_NB) == 0;
-    ::close(fd);  // closing releases the lock we just took
-    return free;
+    // The lock taken for a moment goes again as the file closes at once.
+    return LockedFile::open(path, O_RDWR).ok();
 }
 
 }  // namespace ovd::platform

@@ -110,8 +110,7 @@ bool ConfigFile::WriteConfig() {
 
 void ConfigFile::keepDamagedCopy() {
     const std::string copy = path_ + ".damaged-" + localStamp();
-    std::string reason;
-    if (platform::copyFileOver(path_, copy, &reason)) damagedCopy_ = copy;
+    if (platform::copyFileOver(path_, copy).ok()) damagedCopy_ = copy;
 }
 
 void ConfigFile::resolveFolderSettings() {

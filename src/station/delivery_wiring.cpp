@@ -2,7 +2,7 @@
 
 namespace ovd::station {
 
-void ViewStatusLines::showLabel40(const std::string& text) {
+void ViewStatusLines::showStatusText(const std::string& text) {
     d_.view.Label40 = text;
     ++d_.view.revision;
     if (d_.onViewChanged) d_.onViewChanged();

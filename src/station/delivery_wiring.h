@@ -33,7 +33,7 @@ class LinkNotices : public dictation::PeerNotices {
 class ViewStatusLines : public delivery::DeliveryScreen {
   public:
     explicit ViewStatusLines(dictation::Dictation& dictation) : d_(dictation) {}
-    void showLabel40(const std::string& text) override;
+    void showStatusText(const std::string& text) override;
     void showLblReady(const std::string& text) override;
 
   private:

@@ -11,7 +11,7 @@ Station::Station(StationParts parts)
       AudioEditor21(parts_.loop, parts_.sound, clipboard_, "AudioEditor21"),
       voice_(parts_.sound, parts_.promptFolder),
       speakers_(parts_.dataFolder),
-      companion_(parts_.log, parts_.binaryFolder, parts_.dataFolder),
+      companion_(parts_.loop, parts_.log, parts_.binaryFolder, parts_.dataFolder),
       autoSendMenu_(parts_.loop, parts_.config.record, companion_),
       peerLink_({parts_.loop, parts_.config, parts_.log, parts_.prompts, parts_.orderPort}),
       peer_(peerLink_),
@@ -45,7 +45,7 @@ Station::Station(StationParts parts)
     handsFree_->onEndProgram = exit;
     peerLink_.onExitOrder = [this] { TCPSaysExit(); };
     peerLink_.onCloseOrder = [this] { TCPSaysClose(); };
-    peerLink_.showLabel40 = [this](const std::string& text) { statusLines_->showLabel40(text); };
+    peerLink_.showStatusText = [this](const std::string& text) { statusLines_->showStatusText(text); };
     peerLink_.holdTimers = [this] { timersHold_->hold(); };
     peerLink_.releaseTimers = [this] { timersHold_->release(); };
     // A microphone taken away during a take ends the take in order.

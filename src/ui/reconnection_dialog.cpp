@@ -25,8 +25,8 @@ ReconnectionDialogWindow::ReconnectionDialogWindow(delivery::PeerLink& link, QWi
     row->addWidget(cmdConnect_);
     column->addLayout(row);
     cmdOK_->setDefault(true);
-    connect(cmdOK_, &QPushButton::clicked, this, [this] { link_.cmdOK_Click(); });
-    connect(cmdConnect_, &QPushButton::clicked, this, [this] { link_.cmdConnect_Click(); });
+    connect(cmdOK_, &QPushButton::clicked, this, [this] { link_.okClicked(); });
+    connect(cmdConnect_, &QPushButton::clicked, this, [this] { link_.connectClicked(); });
     setMinimumWidth(360);
 }
 
@@ -57,7 +57,7 @@ void ReconnectionDialogWindow::render() {
 }
 
 void ReconnectionDialogWindow::reject() {
-    if (link_.frmTCPReConnection.cmdOKVisible) link_.cmdOK_Click();
+    if (link_.frmTCPReConnection.cmdOKVisible) link_.okClicked();
 }
 
 void answerReconnectionHeadless(delivery::PeerLink& link, platform::EventLoop& loop) {
@@ -66,7 +66,7 @@ void answerReconnectionHeadless(delivery::PeerLink& link, platform::EventLoop& l
         if (!view.loaded || !view.cmdOKVisible) return;
         // After the routine that opened it has finished, as a click would come.
         loop.postFromAnyThread([&link] {
-            if (link.frmTCPReConnection.loaded && link.frmTCPReConnection.cmdOKVisible) link.cmdOK_Click();
+            if (link.frmTCPReConnection.loaded && link.frmTCPReConnection.cmdOKVisible) link.okClicked();
         });
     };
 }

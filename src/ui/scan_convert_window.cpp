@@ -48,10 +48,10 @@ ScanConvertWindow::ScanConvertWindow(conversion::ScanConvert& scan, QWidget* par
     folders->addWidget(folderBox(tr("Backup copies (BACK)"), backLabel_, backList_), 0, 1);
     folders->addWidget(folderBox(tr("Recordings"), recordingsLabel_, recordingsList_), 1, 0);
     folders->addWidget(folderBox(tr("Kept as they were (Save)"), saveLabel_, saveList_), 1, 1);
-    tempList_->setObjectName("fileBox2");
-    backList_->setObjectName("fileBox4");
-    recordingsList_->setObjectName("fileBox3");
-    saveList_->setObjectName("fileBox1");
+    tempList_->setObjectName("tempFiles");
+    backList_->setObjectName("backFiles");
+    recordingsList_->setObjectName("recordingFiles");
+    saveList_->setObjectName("saveFiles");
 
     working_ = new QLabel(tr("Working…"), this);
     working_->setObjectName("Image1");
@@ -81,18 +81,22 @@ ScanConvertWindow::ScanConvertWindow(conversion::ScanConvert& scan, QWidget* par
     convert_->setObjectName("convertFile");
     auto* exit = new QPushButton(tr("Exit"), this);
     exit->setObjectName("Command3");
-    connect(restore_, &QPushButton::clicked, this, [this] { scan_.Command2_Click(); });
-    connect(cancel_, &QPushButton::clicked, this, [this] { scan_.Command1_Click(); });
+    connect(restore_, &QPushButton::clicked, this, [this] { scan_.restoreClicked(); });
+    connect(cancel_, &QPushButton::clicked, this, [this] { scan_.cancelClicked(); });
     connect(convert_, &QPushButton::clicked, this, [this] { scan_.ConvertChosenFile(); });
-    connect(exit, &QPushButton::clicked, this, [this] { scan_.Command3_Click(); });
+    connect(exit, &QPushButton::clicked, this, [this] { scan_.exitClicked(); });
 
-    connect(tempList_, &QListWidget::itemClicked, this, [this] { scan_.fileBoxClick(conversion::FileBox::Temp); });
-    connect(backList_, &QListWidget::itemClicked, this, [this] { scan_.fileBoxClick(conversion::FileBox::Back); });
+    connect(tempList_, &QListWidget::itemClicked, this,
+            [this] { scan_.fileBoxClick(conversion::FileBox::Temp); });
+    connect(backList_, &QListWidget::itemClicked, this,
+            [this] { scan_.fileBoxClick(conversion::FileBox::Back); });
     connect(recordingsList_, &QListWidget::itemClicked, this,
             [this] { scan_.fileBoxClick(conversion::FileBox::Recordings); });
-    connect(saveList_, &QListWidget::itemClicked, this, [this] { scan_.fileBoxClick(conversion::FileBox::Save); });
-    connect(tempList_, &QListWidget::itemDoubleClicked, this,
-            [this](QListWidgetItem* item) { scan_.fileBox2_DblClick(item->text().toStdString()); });
+    connect(saveList_, &QListWidget::itemClicked, this,
+            [this] { scan_.fileBoxClick(conversion::FileBox::Save); });
+    connect(tempList_, &QListWidget::itemDoubleClicked, this, [this](QListWidgetItem* item) {
+        scan_.tempFileDoubleClicked(item->text().toStdString());
+    });
 
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(restore_);
@@ -141,27 +145,28 @@ void ScanConvertWindow::render() {
     if (view.revision == shownRevision_ && shownRevision_ != 0) return;
     shownRevision_ = view.revision;
     setWindowTitle(text(view.caption));
-    tempLabel_->setText(text(view.Label1));
-    recordingsLabel_->setText(text(view.Label2));
-    backLabel_->setText(text(view.Label3));
-    saveLabel_->setText(text(view.Label4));
-    fill(saveList_, view.fileBox1);
-    fill(tempList_, view.fileBox2);
-    fill(recordingsList_, view.fileBox3);
-    fill(backList_, view.fileBox4);
-    recovered_->setText(text(view.Label5));
-    current_->setText(text(view.Label6));
-    working_->setVisible(view.Image1);
+    tempLabel_->setText(text(view.tempFolderText));
+    recordingsLabel_->setText(text(view.recordingsFolderText));
+    backLabel_->setText(text(view.backFolderText));
+    saveLabel_->setText(text(view.saveFolderText));
+    fill(saveList_, view.saveFiles);
+    fill(tempList_, view.tempFiles);
+    fill(recordingsList_, view.recordingFiles);
+    fill(backList_, view.backFiles);
+    recovered_->setText(text(view.recoveredNotice));
+    current_->setText(text(view.currentFileText));
+    working_->setVisible(view.workingSign);
     progress_->setValue(view.ProgressConvert);
-    restore_->setVisible(view.Command2Visible);
-    restore_->setStyleSheet(buttonStyle(view.Command2Colour));
+    restore_->setVisible(view.restoreButtonVisible);
+    restore_->setStyleSheet(buttonStyle(view.restoreButtonColour));
     restore_->setEnabled(!view.busy);
     convert_->setEnabled(!view.busy);
     cancel_->setEnabled(view.busy);
     while (operations_->topLevelItemCount() > static_cast<int>(view.viewEvent.size())) {
         delete operations_->takeTopLevelItem(operations_->topLevelItemCount() - 1);
     }
-    for (auto i = static_cast<std::size_t>(operations_->topLevelItemCount()); i < view.viewEvent.size(); ++i) {
+    for (auto i = static_cast<std::size_t>(operations_->topLevelItemCount());
+         i < view.viewEvent.size(); ++i) {
         operations_->addTopLevelItem(
             new QTreeWidgetItem({text(view.viewEvent[i].Time), text(view.viewEvent[i].Operation)}));
     }
@@ -170,7 +175,7 @@ void ScanConvertWindow::render() {
 
 void ScanConvertWindow::closeEvent(QCloseEvent* event) {
     // Closing the window is the Exit button: a conversion under way stops.
-    scan_.Command3_Click();
+    scan_.exitClicked();
     event->accept();
 }
 

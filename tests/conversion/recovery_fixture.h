@@ -21,7 +21,7 @@ namespace ovd::conversion::testing {
 using platform::Milliseconds;
 
 class RecoveryFixture : public ::testing::Test {
-protected:
+  protected:
     // The format in force is MP3, and the last run did not end in order.
     void useSettings() {
         auto& r = config.record;
@@ -42,7 +42,7 @@ protected:
     std::string workFile(const std::string& name, double seconds) {
         engine::testing::ToneSource tone({16000, 1}, seconds);
         const std::string path = temp() + "/" + name;
-        const engine::EngineResult written =
+        const platform::Result<void> written =
             engine::encodeFile(tone, path, engine::TargetFormat{}, "", {});
         EXPECT_TRUE(written) << written.error();
         return path;

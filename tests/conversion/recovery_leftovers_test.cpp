@@ -16,9 +16,9 @@
 #include "engine/codecs.h"
 #include "engine/work_file.h"
 #include "platform/files.h"
+#include "recovery_fixture.h"
 #include "support/scripted_prompts.h"
 #include "support/temp_folder.h"
-#include "recovery_fixture.h"
 #include "support/virtual_event_loop.h"
 
 namespace ovd::conversion {
@@ -41,10 +41,9 @@ TEST_F(RecoveryLeftoversTest, ATakeIsRecoveredUnderItsLetterAndTheInterruptedSav
     noteLetterOfWorkFile(longTake, recordings + "/" + std::string(240, 'L') + ".MP3");
     // A take still being recorded by a running station (listed last: a held file ends
     // the round): its letter is not touched.
-    std::string error;
-    const auto held =
-        engine::WorkFile::create(temp() + "/ovd99-AudioEditor1-1.tmp", {16000, 1}, error);
-    ASSERT_TRUE(held) << error;
+    const auto created = engine::WorkFile::create(temp() + "/ovd99-AudioEditor1-1.tmp", {16000, 1});
+    ASSERT_TRUE(created) << created.error();
+    const auto& held = *created;
     const std::string liveLetter = recordings + "/AB0008.MP3";
     noteLetterOfWorkFile(held->path(), liveLetter);
     platform::writeWholeFile(liveLetter, "");

@@ -13,10 +13,10 @@
 #include "engine/codecs.h"
 #include "engine/work_file.h"
 #include "platform/files.h"
+#include "recovery_fixture.h"
 #include "support/scripted_prompts.h"
 #include "support/temp_folder.h"
 #include "support/virtual_event_loop.h"
-#include "recovery_fixture.h"
 
 namespace ovd::conversion {
 namespace {
@@ -24,7 +24,7 @@ namespace {
 using platform::Milliseconds;
 
 class ScanConvertTest : public testing::RecoveryFixture {
-protected:
+  protected:
     ScanConvertTest() { useSettings(); }
 };
 
@@ -51,8 +51,8 @@ TEST_F(ScanConvertTest, ACrashedTakeBecomesARecordingOfTheFormatInForceAndEmptyF
     EXPECT_TRUE(operationShown("Start ConvertToMP3"));
     EXPECT_TRUE(operationShown("Stop ConvertToMP3"));
     EXPECT_EQ(scan.view.caption, kRecoveryCaption);
-    EXPECT_EQ(scan.view.Label5, kRecoveredText);
-    EXPECT_EQ(scan.view.Command2Colour, kWorkingColour);
+    EXPECT_EQ(scan.view.recoveredNotice, kRecoveredText);
+    EXPECT_EQ(scan.view.restoreButtonColour, kWorkingColour);
     EXPECT_FALSE(crashStateStored());
 }
 
@@ -63,7 +63,8 @@ TEST_F(ScanConvertTest, AWaveTargetPassesThroughATemporaryMp3) {
     recoverAtStart();
 
     EXPECT_TRUE(platform::fileExists(recordings + "/take-2.WAV")) << log.text();
-    EXPECT_FALSE(platform::fileExists(recordings + "/take-2.MP3")) << "the intermediate stays behind";
+    EXPECT_FALSE(platform::fileExists(recordings + "/take-2.MP3"))
+        << "the intermediate stays behind";
     EXPECT_TRUE(operationShown("Start ConvertToMP3"));
     EXPECT_TRUE(operationShown("Start ConvertToPCM"));
     EXPECT_NEAR(static_cast<double>(engine::fileLengthMilliseconds(recordings + "/take-2.WAV")),
@@ -102,9 +103,9 @@ TEST_F(ScanConvertTest, TheConverterFormatFollowsTheGroupInForce) {
 
 TEST_F(ScanConvertTest, AWorkFileStillHeldIsLeftAndNothingIsLost) {
     // A station still recording into its work file, its header all there is so far.
-    std::string error;
-    const auto held = engine::WorkFile::create(temp() + "/a-live.tmp", {16000, 1}, error);
-    ASSERT_TRUE(held) << error;
+    const auto created = engine::WorkFile::create(temp() + "/a-live.tmp", {16000, 1});
+    ASSERT_TRUE(created) << created.error();
+    const auto& held = *created;
     workFile("b-crashed.tmp", 1.5);
 
     recoverAtStart();
@@ -130,20 +131,20 @@ TEST_F(ScanConvertTest, AfterAnOrderlyEndTheWindowWaitsForTheUser) {
     scan.Form_Load(ScanMode::ByHand);
     loop.advance(Milliseconds(500));
     EXPECT_TRUE(platform::fileExists(temp() + "/take.tmp"));
-    EXPECT_TRUE(scan.view.Command2Visible);
+    EXPECT_TRUE(scan.view.restoreButtonVisible);
     EXPECT_EQ(scan.view.caption, kByHandCaption);
-    EXPECT_EQ(scan.view.fileBox2, std::vector<std::string>{"take.tmp"});
+    EXPECT_EQ(scan.view.tempFiles, std::vector<std::string>{"take.tmp"});
 
-    scan.Command2_Click();
+    scan.restoreClicked();
     EXPECT_TRUE(platform::fileExists(recordings + "/take-1.MP3"));
-    EXPECT_EQ(scan.view.fileBox2, std::vector<std::string>{});
-    EXPECT_EQ(scan.view.Label5, kRecoveredText);
+    EXPECT_EQ(scan.view.tempFiles, std::vector<std::string>{});
+    EXPECT_EQ(scan.view.recoveredNotice, kRecoveredText);
 
     // Opened again, the window tells nothing of the run before.
     scan.Form_Load(ScanMode::ByHand);
-    EXPECT_EQ(scan.view.Label5, "");
+    EXPECT_EQ(scan.view.recoveredNotice, "");
     EXPECT_TRUE(scan.view.viewEvent.empty());
-    EXPECT_EQ(scan.view.fileBox3, std::vector<std::string>{"take-1.MP3"});
+    EXPECT_EQ(scan.view.recordingFiles, std::vector<std::string>{"take-1.MP3"});
 }
 
 TEST_F(ScanConvertTest, AChosenFileIsConvertedAndKept) {

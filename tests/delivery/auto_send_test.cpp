@@ -25,7 +25,7 @@ using platform::Milliseconds;
 
 // Scripted prompts that let the test act while a box is up, as the author would.
 class ReactingPrompts : public testing::ScriptedPrompts {
-public:
+  public:
     std::function<void(const platform::MessageRequest&)> whileAsking;
     std::vector<platform::Notification> notices;
     platform::Answer message(const platform::MessageRequest& request) override {
@@ -52,12 +52,12 @@ struct CompanionSeam : CompanionSender {
 
 struct Screen : DeliveryScreen {
     std::string Label40, lblReady;
-    void showLabel40(const std::string& text) override { Label40 = text; }
+    void showStatusText(const std::string& text) override { Label40 = text; }
     void showLblReady(const std::string& text) override { lblReady = text; }
 };
 
 class AutoSendTest : public ::testing::Test {
-protected:
+  protected:
     AutoSendTest() {
         auto& r = config.record;
         r.CaptureFilePath = recordings;
@@ -78,7 +78,9 @@ protected:
     }
     [[nodiscard]] std::size_t timesLogged(const std::string& text) const {
         std::size_t count = 0;
-        for (std::size_t at = log.text().find(text); at != std::string::npos; at = log.text().find(text, at + 1)) ++count;
+        for (std::size_t at = log.text().find(text); at != std::string::npos;
+             at = log.text().find(text, at + 1))
+            ++count;
         return count;
     }
     [[nodiscard]] std::vector<std::string> boxes() const {
@@ -93,7 +95,8 @@ protected:
     std::string copied(int n) const { return dest[n - 1] + "/AB0001.WAV"; }
 
     testing::TempFolder folder;
-    std::array<std::string, 3> dest = {folder.file("Typist One"), folder.file("Two"), folder.file("Three")};
+    std::array<std::string, 3> dest = {folder.file("Typist One"), folder.file("Two"),
+                                       folder.file("Three")};
     std::string recordings = folder.file("Rec");
     std::string letter = folder.file("Rec/AB0001.WAV");
     testing::VirtualEventLoop loop;
@@ -107,7 +110,8 @@ protected:
     CompanionSeam companion;
     AutoSendMenu menu{loop, config.record, companion};
     Screen screen;
-    AutoSend pipeline{{loop, config, log, prompts, link, voice, menu, companion, screen, "/share/prompts"}};
+    AutoSend pipeline{
+        {loop, config, log, prompts, link, voice, menu, companion, screen, "/share/prompts"}};
 };
 
 TEST_F(AutoSendTest, ACleanDeliveryReachesEveryFolderAndTheStagingWithoutAWordToThePeer) {
@@ -143,22 +147,26 @@ TEST_F(AutoSendTest, AMissingFolderIsBypassedShownInThePopUpAndReportedToThePeer
     fs::remove(dest[1]);
     EXPECT_TRUE(pipeline.deliver(letter));
 
-    EXPECT_TRUE(logged("Destination " + dest[1] + " Does NOT Exist or NOT Available-Bypassing step: " +
-                       copied(2)));
+    EXPECT_TRUE(logged("Destination " + dest[1] +
+                       " Does NOT Exist or NOT Available-Bypassing step: " + copied(2)));
     ASSERT_EQ(prompts.notices.size(), 1u);
     const platform::Notification& notice = prompts.notices[0];
     EXPECT_EQ(notice.title, "Error Send Notification!");
     EXPECT_EQ(notice.heading, "Error Send File Notification!");
-    EXPECT_EQ(notice.body, "OVQDUDR Sending Status :       Destination " + dest[1] + " Error: Not Sent");
+    EXPECT_EQ(notice.body,
+              "OVQDUDR Sending Status :       Destination " + dest[1] + " Error: Not Sent");
     EXPECT_EQ(notice.textColor, "#ffffff");
     EXPECT_EQ(notice.backgroundColor, "#200040");
     EXPECT_EQ(notice.backgroundColorEnd, "#100020");
     EXPECT_EQ(notice.soundFile, "/share/prompts/ding.wav");
 
-    EXPECT_EQ(peer.receive(2), (std::vector<std::string>{"DICT_AB0001.WAV\r\n", "ERRDST2_AB0001.WAV\r\n"}));
+    EXPECT_EQ(peer.receive(2),
+              (std::vector<std::string>{"DICT_AB0001.WAV\r\n", "ERRDST2_AB0001.WAV\r\n"}));
     EXPECT_TRUE(logged("SENDING MSG ERRDST2_AB0001.WAV"));
-    EXPECT_TRUE(logged(" AB0001.WAV * TCP MSG SuccessfulLY SENT* ") || logged("DICT_AB0001.WAV * TCP MSG SuccessfulLY SENT* "));
-    EXPECT_EQ(boxes(), std::vector<std::string>{"SaveFile to True FAILED-- Call Technical support-2"});
+    EXPECT_TRUE(logged(" AB0001.WAV * TCP MSG SuccessfulLY SENT* ") ||
+                logged("DICT_AB0001.WAV * TCP MSG SuccessfulLY SENT* "));
+    EXPECT_EQ(boxes(),
+              std::vector<std::string>{"SaveFile to True FAILED-- Call Technical support-2"});
     EXPECT_TRUE(logged(" USER CLICKED OK"));
     EXPECT_TRUE(platform::fileExists(copied(3)));
     EXPECT_FALSE(pipeline.DestFailed(2)) << "the flags are cleared after the report";
@@ -180,11 +188,13 @@ TEST_F(AutoSendTest, AFolderThatRefusesTheCopyTakesTenSecondsAndYesCopiesAgain) 
     ASSERT_FALSE(prompts.transcript().empty());
     const auto& question = prompts.transcript()[0];
     EXPECT_EQ(question.text,
-              "File has been sending to Destination 1 for 10 Seconds. Would you like to keep trying to send?");
+              "File has been sending to Destination 1 for 10 Seconds. Would you like to keep "
+              "trying to send?");
     EXPECT_EQ(question.defaultAnswer, platform::Answer::No);
     EXPECT_EQ(platform::fileSize(copied(1)), 40000u) << "Yes copies the file again";
     EXPECT_EQ(timesLogged(" Pausing = 10 -A"), 2u);
-    EXPECT_FALSE(logged("User Selected to wait another 10 Seconds.")) << "destination one never says so";
+    EXPECT_FALSE(logged("User Selected to wait another 10 Seconds."))
+        << "destination one never says so";
     EXPECT_EQ(prompts.transcript().size(), 1u) << "nothing failed in the end: no box";
 }
 
@@ -192,17 +202,17 @@ TEST_F(AutoSendTest, NoAtDestinationTwoStillTriesThreeStagesAndMakesNoReport) {
     config.record.TCP = true;
     config.record.AutoEmail = true;
     blockCopyTo(2);
-    fs::remove(dest[0]);  // a failure that would otherwise be reported
+    fs::remove(dest[0]);                    // a failure that would otherwise be reported
     EXPECT_TRUE(pipeline.deliver(letter));  // No is the default answer
 
-    EXPECT_EQ(boxes(), (std::vector<std::string>{
-                           "File has been sending to Destination 2 for 10 Seconds. Would you like to keep trying to send?",
-                           "File may have not been sent to Destination 2"}));
+    EXPECT_EQ(boxes(), (std::vector<std::string>{"File has been sending to Destination 2 for 10 "
+                                                 "Seconds. Would you like to keep trying to send?",
+                                                 "File may have not been sent to Destination 2"}));
     EXPECT_TRUE(logged("Destination " + dest[1] + " User Canceled-Bypassing step: " + copied(2) +
                        " * TCP CONNECTION ERROR* "));
     ASSERT_EQ(prompts.notices.size(), 2u);
-    EXPECT_EQ(prompts.notices[1].body,
-              "OVQDUDR Sending Status :       Destination " + dest[1] + ": User Canceled-Bypassing step");
+    EXPECT_EQ(prompts.notices[1].body, "OVQDUDR Sending Status :       Destination " + dest[1] +
+                                           ": User Canceled-Bypassing step");
     EXPECT_TRUE(platform::fileExists(copied(3)));
     EXPECT_TRUE(peer.receive(0, Milliseconds(100)).empty());
     EXPECT_FALSE(logged("NO FAILURES"));
@@ -234,23 +244,91 @@ struct PeerRowCase {
 const std::vector<PeerRowCase>& peerRowCases() {
     const bool T = true, F = false;
     static const std::vector<PeerRowCase> cases = {
-        {{T, T, T}, {T, F, F}, {"DICT_ -H", "ERRDST1_ -I"}, "SaveFile to True FAILED-- Call Technical support-1", {"DICT_", "ERRDST1_"}},
-        {{T, T, T}, {F, T, F}, {"DICT_ -J", "ERRDST2_ -K"}, "SaveFile to True FAILED-- Call Technical support-2", {"DICT_", "ERRDST2_"}},
-        {{T, T, T}, {F, F, T}, {"DICTERR_ -O", "ERRDST3_ -P", "ERRDST2_ -Q"}, "SaveFile to True FAILED-- Call Technical support-3", {"DICTERR_", "ERRDST3_", "ERRDST3_"}},
-        {{T, T, T}, {T, T, F}, {"DICTERR_ -X", "ERRDST1&2_ -Y", "ERRDST1&2_ -Z"}, "SaveFile to True & True FAILED-- Call Technical support-33", {"DICTERR_", "ERRDST1&2_", "ERRDST1&2_"}},
-        {{T, T, T}, {T, F, T}, {"DICTERR_ -U", "ERRDST1_ -V", "ERRDST2_ -W"}, "SaveFile to True & True FAILED-- Call Technical support-333", {"DICTERR_", "ERRDST1&3_", "ERRDST1&3_"}},
-        {{T, T, T}, {F, T, T}, {"DICTERR_ -R", "ERRDST1_ -S", "ERRDST2&3_ -T"}, "SaveFile to True True FAILED-- Call Technical support-3", {"DICTERR_", "ERRDST2&3_", "ERRDST2&3_"}},
-        {{T, T, T}, {T, T, T}, {"DICTERR_ -L", "ERRDST1&2&3_ -M", "ERRDST1&2&3_ -N"}, "SaveFile to True & True True FAILED-- Call Technical support-3", {"DICTERR_", "ERRDST1&2&3_", "ERRDST1&2&3_"}},
-        {{T, T, F}, {T, F, F}, {"DICT_ -9", "ERRDST1_ -10"}, "SaveFile to True FAILED-- Call Technical support-1", {"DICT_", "ERRDST1_"}},
-        {{T, T, F}, {F, T, F}, {"DICT_ -11", "ERRDST2_ -12"}, "SaveFile to True FAILED-- Call Technical support-2", {"DICT_", "ERRDST2_"}},
-        {{T, T, F}, {T, T, F}, {"DICTERR_ -11a", "ERRDST1&2_ -12b", "ERRDST1&2_ -13"}, "SaveFile to True & True FAILED-- Call Technical support-3", {"DICTERR_", "ERRDST1&2_", "ERRDST1&2_"}},
-        {{T, F, F}, {T, F, F}, {"DICT_ -A2", "ERRDST1_ -A3"}, "SaveFile to True FAILED-- Call Technical support-4", {"DICT_", "ERRDST1_"}},
-        {{F, T, F}, {F, T, F}, {"DICT_ -A5", "ERRDST2_ -A6"}, "SaveFile to True FAILED-- Call Technical support-5", {"DICT_", "ERRDST2_"}},
-        {{F, F, T}, {F, F, T}, {"DICT_ -A5", "ERRDST3_ -A6"}, "SaveFile to True FAILED-- Call Technical support-5", {"DICT_", "ERRDST3_"}},
-        {{T, F, T}, {T, F, F}, {"DICT_ -H", "ERRDST1&3_ -I"}, "SaveFile to True FAILED-- Call Technical support-1", {"DICT_", "ERRDST1_"}},
-        {{T, F, T}, {F, F, T}, {"DICTERR_ -O", "ERRDST1_ -P", "ERRDST2_ -Q"}, "SaveFile to True FAILED-- Call Technical support-3", {"DICTERR_", "ERRDST1_", "ERRDST2_"}},
-        {{T, F, T}, {T, F, T}, {"DICTERR_ -L", "ERRDST1_ -M", "ERRDST2_ -N"}, "SaveFile to True & True FAILED-- Call Technical support-3", {"DICTERR_", "ERRDST1_", "ERRDST2_"}},
-        {{F, T, T}, {F, T, T}, {"DICTERR_ -R", "ERRDST1_ -S", "ERRDST2_ -T"}, "SaveFile to True True FAILED-- Call Technical support-3", {"DICTERR_", "ERRDST1_", "ERRDST2_"}},
+        {{T, T, T},
+         {T, F, F},
+         {"DICT_ -H", "ERRDST1_ -I"},
+         "SaveFile to True FAILED-- Call Technical support-1",
+         {"DICT_", "ERRDST1_"}},
+        {{T, T, T},
+         {F, T, F},
+         {"DICT_ -J", "ERRDST2_ -K"},
+         "SaveFile to True FAILED-- Call Technical support-2",
+         {"DICT_", "ERRDST2_"}},
+        {{T, T, T},
+         {F, F, T},
+         {"DICTERR_ -O", "ERRDST3_ -P", "ERRDST2_ -Q"},
+         "SaveFile to True FAILED-- Call Technical support-3",
+         {"DICTERR_", "ERRDST3_", "ERRDST3_"}},
+        {{T, T, T},
+         {T, T, F},
+         {"DICTERR_ -X", "ERRDST1&2_ -Y", "ERRDST1&2_ -Z"},
+         "SaveFile to True & True FAILED-- Call Technical support-33",
+         {"DICTERR_", "ERRDST1&2_", "ERRDST1&2_"}},
+        {{T, T, T},
+         {T, F, T},
+         {"DICTERR_ -U", "ERRDST1_ -V", "ERRDST2_ -W"},
+         "SaveFile to True & True FAILED-- Call Technical support-333",
+         {"DICTERR_", "ERRDST1&3_", "ERRDST1&3_"}},
+        {{T, T, T},
+         {F, T, T},
+         {"DICTERR_ -R", "ERRDST1_ -S", "ERRDST2&3_ -T"},
+         "SaveFile to True True FAILED-- Call Technical support-3",
+         {"DICTERR_", "ERRDST2&3_", "ERRDST2&3_"}},
+        {{T, T, T},
+         {T, T, T},
+         {"DICTERR_ -L", "ERRDST1&2&3_ -M", "ERRDST1&2&3_ -N"},
+         "SaveFile to True & True True FAILED-- Call Technical support-3",
+         {"DICTERR_", "ERRDST1&2&3_", "ERRDST1&2&3_"}},
+        {{T, T, F},
+         {T, F, F},
+         {"DICT_ -9", "ERRDST1_ -10"},
+         "SaveFile to True FAILED-- Call Technical support-1",
+         {"DICT_", "ERRDST1_"}},
+        {{T, T, F},
+         {F, T, F},
+         {"DICT_ -11", "ERRDST2_ -12"},
+         "SaveFile to True FAILED-- Call Technical support-2",
+         {"DICT_", "ERRDST2_"}},
+        {{T, T, F},
+         {T, T, F},
+         {"DICTERR_ -11a", "ERRDST1&2_ -12b", "ERRDST1&2_ -13"},
+         "SaveFile to True & True FAILED-- Call Technical support-3",
+         {"DICTERR_", "ERRDST1&2_", "ERRDST1&2_"}},
+        {{T, F, F},
+         {T, F, F},
+         {"DICT_ -A2", "ERRDST1_ -A3"},
+         "SaveFile to True FAILED-- Call Technical support-4",
+         {"DICT_", "ERRDST1_"}},
+        {{F, T, F},
+         {F, T, F},
+         {"DICT_ -A5", "ERRDST2_ -A6"},
+         "SaveFile to True FAILED-- Call Technical support-5",
+         {"DICT_", "ERRDST2_"}},
+        {{F, F, T},
+         {F, F, T},
+         {"DICT_ -A5", "ERRDST3_ -A6"},
+         "SaveFile to True FAILED-- Call Technical support-5",
+         {"DICT_", "ERRDST3_"}},
+        {{T, F, T},
+         {T, F, F},
+         {"DICT_ -H", "ERRDST1&3_ -I"},
+         "SaveFile to True FAILED-- Call Technical support-1",
+         {"DICT_", "ERRDST1_"}},
+        {{T, F, T},
+         {F, F, T},
+         {"DICTERR_ -O", "ERRDST1_ -P", "ERRDST2_ -Q"},
+         "SaveFile to True FAILED-- Call Technical support-3",
+         {"DICTERR_", "ERRDST1_", "ERRDST2_"}},
+        {{T, F, T},
+         {T, F, T},
+         {"DICTERR_ -L", "ERRDST1_ -M", "ERRDST2_ -N"},
+         "SaveFile to True & True FAILED-- Call Technical support-3",
+         {"DICTERR_", "ERRDST1_", "ERRDST2_"}},
+        {{F, T, T},
+         {F, T, T},
+         {"DICTERR_ -R", "ERRDST1_ -S", "ERRDST2_ -T"},
+         "SaveFile to True True FAILED-- Call Technical support-3",
+         {"DICTERR_", "ERRDST1_", "ERRDST2_"}},
         // Combinations the table has no row for say nothing at all.
         {{F, T, T}, {F, T, F}, {}, "", {}},
         {{F, T, T}, {F, F, T}, {}, "", {}},
@@ -274,8 +352,10 @@ TEST_F(AutoSendTest, EveryRowOfThePeerReportWithItsQueuedTexts) {
             config.record.AutoSend3 = row.active[2];
             ReactingPrompts rowPrompts;
             PeerLink rowLink{{loop, config, log, rowPrompts, testing::unusedLoopbackPort()}};
-            AutoSend rowPipeline{{loop, config, log, rowPrompts, rowLink, voice, menu, companion, screen, ""}};
-            for (int n = 1; n <= 3; ++n) rowPipeline.DestFailed(n) = row.failed[static_cast<std::size_t>(n - 1)];
+            AutoSend rowPipeline{
+                {loop, config, log, rowPrompts, rowLink, voice, menu, companion, screen, ""}};
+            for (int n = 1; n <= 3; ++n)
+                rowPipeline.DestFailed(n) = row.failed[static_cast<std::size_t>(n - 1)];
             const std::size_t logFrom = log.text().size();
             rowPipeline.ReportOutcomeToPeer("AB0001.WAV");
 
@@ -283,8 +363,9 @@ TEST_F(AutoSendTest, EveryRowOfThePeerReportWithItsQueuedTexts) {
             for (const std::string& message : row.messages) {
                 const std::string prefix = message.substr(0, message.find(' '));
                 expected.push_back(prefix + "AB0001.WAV\r\n");
-                EXPECT_NE(log.text().find(" Pausing = 0" + message.substr(message.find(' ')), logFrom),
-                          std::string::npos)
+                EXPECT_NE(
+                    log.text().find(" Pausing = 0" + message.substr(message.find(' ')), logFrom),
+                    std::string::npos)
                     << message;
             }
             for (const std::string& prefix : row.queued) queued.push_back(prefix + "AB0001.WAV");
@@ -296,7 +377,8 @@ TEST_F(AutoSendTest, EveryRowOfThePeerReportWithItsQueuedTexts) {
             }
             std::vector<std::string> shown;
             for (const auto& box : rowPrompts.transcript()) shown.push_back(box.text);
-            EXPECT_EQ(shown, row.box.empty() ? std::vector<std::string>{} : std::vector<std::string>{row.box});
+            EXPECT_EQ(shown, row.box.empty() ? std::vector<std::string>{}
+                                             : std::vector<std::string>{row.box});
         }
     }
 }
@@ -308,7 +390,8 @@ TEST_F(AutoSendTest, MissingFolderBoxesOfThePeerReportNameDestinationTwoForThree
     pipeline.DestFailed(3) = true;
     pipeline.ReportOutcomeToPeer("AB0001.WAV");
     const std::string two =
-        "Auto Send Destination 2 has been check marked but a destination folder has not been defined.";
+        "Auto Send Destination 2 has been check marked but a destination folder has not been "
+        "defined.";
     ASSERT_FALSE(boxes().empty());
     EXPECT_EQ(boxes()[0], two);
 
@@ -316,9 +399,9 @@ TEST_F(AutoSendTest, MissingFolderBoxesOfThePeerReportNameDestinationTwoForThree
     prompts.clear();
     pipeline.DestFailed(3) = true;
     pipeline.ReportOutcomeToUser();
-    EXPECT_EQ(boxes(), (std::vector<std::string>{
-                           "Auto Send Destination 3 has been check marked but a destination folder has not been defined.",
-                           " Failed"}));
+    EXPECT_EQ(boxes(), (std::vector<std::string>{"Auto Send Destination 3 has been check marked "
+                                                 "but a destination folder has not been defined.",
+                                                 " Failed"}));
 }
 
 TEST_F(AutoSendTest, TheAuthorsReportListsTheActiveFoldersWithTheirOwnSeparators) {
@@ -345,16 +428,19 @@ TEST_F(AutoSendTest, TheAuthorsReportListsTheActiveFoldersWithTheirOwnSeparators
         config.record.AutoSend1 = one.active[0];
         config.record.AutoSend2 = one.active[1];
         config.record.AutoSend3 = one.active[2];
-        for (int n = 1; n <= 3; ++n) pipeline.DestFailed(n) = one.failed[static_cast<std::size_t>(n - 1)];
+        for (int n = 1; n <= 3; ++n)
+            pipeline.DestFailed(n) = one.failed[static_cast<std::size_t>(n - 1)];
         pipeline.ReportOutcomeToUser();
-        EXPECT_EQ(boxes(), one.box.empty() ? std::vector<std::string>{} : std::vector<std::string>{one.box});
+        EXPECT_EQ(boxes(),
+                  one.box.empty() ? std::vector<std::string>{} : std::vector<std::string>{one.box});
     }
 }
 
 TEST_F(AutoSendTest, AFailedSendActionKeepsItsFlagForTheNextEndOfLetter) {
     config.record.TCP = true;
     const SendWording wording{
-        "File has been sending to Destination Three for 10 Seconds. Would you like to keep trying to send?",
+        "File has been sending to Destination Three for 10 Seconds. Would you like to keep trying "
+        "to send?",
         "File may have not been sent to Destination Three",
         "Destination " + dest[2] + "  File not in deestination -Bypassing step: " + copied(3),
         "Destination " + dest[2] + ": File not in deestination"};
@@ -368,8 +454,9 @@ TEST_F(AutoSendTest, AFailedSendActionKeepsItsFlagForTheNextEndOfLetter) {
 
     fs::remove(copied(3));
     EXPECT_TRUE(pipeline.deliver(letter));
-    EXPECT_EQ(peer.receive(3), (std::vector<std::string>{"DICTERR_AB0001.WAV\r\n", "ERRDST3_AB0001.WAV\r\n",
-                                                         "ERRDST2_AB0001.WAV\r\n"}));
+    EXPECT_EQ(peer.receive(3),
+              (std::vector<std::string>{"DICTERR_AB0001.WAV\r\n", "ERRDST3_AB0001.WAV\r\n",
+                                        "ERRDST2_AB0001.WAV\r\n"}));
 }
 
 TEST_F(AutoSendTest, TheCompanionMenuFollowsTheProcessAndTogglesIt) {

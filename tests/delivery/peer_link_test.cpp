@@ -31,7 +31,7 @@ class PeerLinkTest : public ::testing::Test {
         config.record.TCPIP = "127.0.0.1";
         config.record.TCPPort = peer.portText();
         config.record.TCPDelay = 2;
-        link.showLabel40 = [this](const std::string& text) { label40 = text; };
+        link.showStatusText = [this](const std::string& text) { label40 = text; };
         link.onDialogChanged = [this] { dialogShown.push_back(link.frmTCPReConnection); };
     }
 
@@ -101,14 +101,14 @@ TEST_F(PeerLinkTest, AnUnreachablePeerQueuesTheDialogOpensOnceAndConnectResendsI
     EXPECT_EQ(dialogShown.size(), shownBefore);
 
     // Connect while the peer is still away: one more try counted, the buttons return.
-    link.cmdConnect_Click();
+    link.connectClicked();
     EXPECT_EQ(link.retries(), 1);
     EXPECT_TRUE(logged("ERRDST1_AB0001.WAV-TCP CONNECTION ERROR*  * TRYS =1"));
     EXPECT_TRUE(link.frmTCPReConnection.cmdConnectVisible);
 
     // The peer is back: the queue goes out in order and the dialog closes.
     config.record.TCPPort = std::to_string(livePort);
-    link.cmdConnect_Click();
+    link.connectClicked();
     EXPECT_EQ(peer.receive(2),
               (std::vector<std::string>{"DICT_AB0001.WAV\r\n", "ERRDST1_AB0001.WAV\r\n"}));
     EXPECT_EQ(prompts.texts().back(), "TCP Now Connected");
@@ -124,7 +124,7 @@ TEST_F(PeerLinkTest, OkKeepsTheQueueAndTheTimersOwnTryResendsWhenThePeerIsBack) 
     peerGone();
     link.send({"UserClose_", " -63"});
     run(500);
-    link.cmdOK_Click();
+    link.okClicked();
     EXPECT_TRUE(logged(" User Selected OK on TCP Comminications Failure message"));
     EXPECT_FALSE(link.frmTCPReConnection.loaded);
     EXPECT_EQ(link.queued(), std::vector<std::string>{"UserClose_"});
@@ -161,7 +161,7 @@ TEST_F(PeerLinkTest, TheQueueGoesOutByItselfOnceThePeerListensAgain) {
     for (const char* text : {"LOADED_AB0001.WAV", "UserClose_AB0001.WAV"}) {
         EXPECT_FALSE(link.send({text, " -73"}));
         run(500);
-        link.cmdOK_Click();  // as the headless station answers the dialog
+        link.okClicked();  // as the headless station answers the dialog
     }
     ASSERT_EQ(link.queued(),
               (std::vector<std::string>{"LOADED_AB0001.WAV", "UserClose_AB0001.WAV"}));
@@ -191,11 +191,11 @@ TEST_F(PeerLinkTest, TheNextMessageThatGoesThroughBringsTheQueueAfterIt) {
     config.record.TCPPort = std::to_string(port);
     link.send({"LOADED_AB0001.WAV", " -73"});
     run(500);
-    link.cmdOK_Click();
+    link.okClicked();
 
     link.send({"DICT_AB0001.WAV", " -H"});
     run(500);
-    link.cmdOK_Click();
+    link.okClicked();
 
     testing::LoopbackPeer back("127.0.0.1", port);
     EXPECT_TRUE(link.send({"UserClose_AB0001.WAV", " -63"}));

@@ -33,7 +33,7 @@ TargetFormat mp3At(int rate, int kbps) {
 // conversion is caught in the middle, with blocks already written, whatever
 // the machine's speed.
 class HeldSource : public PcmSource {
-public:
+  public:
     explicit HeldSource(double seconds) : tone_(kTake, seconds) {}
     [[nodiscard]] PcmFormat format() const override { return tone_.format(); }
     [[nodiscard]] SampleCount frames() const override { return tone_.frames(); }
@@ -50,7 +50,7 @@ public:
     std::future<void> reading() { return reading_.get_future(); }
     void letGo() { letGo_.set_value(); }
 
-private:
+  private:
     ToneSource tone_;
     SampleCount handedOut_ = 0;
     bool held_ = false;
@@ -60,7 +60,7 @@ private:
 };
 
 class ConverterTest : public ::testing::Test {
-protected:
+  protected:
     // Runs the loop until the completion has been delivered (a generous guard against a hang).
     void runUntilComplete() {
         const auto giveUpAt = std::chrono::steady_clock::now() + std::chrono::seconds(60);
@@ -74,11 +74,11 @@ protected:
     ovd::testing::TempFolder folder_;
     ovd::testing::VirtualEventLoop loop_;
     AudioConverter converter_{loop_};
-    std::optional<EngineResult> completion_;
+    std::optional<platform::Result<void>> completion_;
     int completions_ = 0;
 
     void SetUp() override {
-        converter_.setOnComplete([this](const EngineResult& result) {
+        converter_.setOnComplete([this](const platform::Result<void>& result) {
             completion_ = result;
             ++completions_;
         });
@@ -119,7 +119,8 @@ TEST_F(ConverterTest, AMissingSourceIsReportedAndLeavesNoTarget) {
     runUntilComplete();
 
     EXPECT_FALSE(completion_->ok());
-    EXPECT_NE(converter_.error().find("never-recorded.wav"), std::string::npos) << converter_.error();
+    EXPECT_NE(converter_.error().find("never-recorded.wav"), std::string::npos)
+        << converter_.error();
     EXPECT_EQ(converter_.error(), completion_->error());
     EXPECT_FALSE(std::filesystem::exists(target));
 }

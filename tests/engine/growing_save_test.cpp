@@ -32,7 +32,7 @@ constexpr const char* kComment = "Dr Brown, letter 7";
 
 // Frames held in memory, read front to back.
 class FramesSource : public PcmSource {
-public:
+  public:
     FramesSource(PcmFormat format, std::vector<std::int16_t> frames)
         : format_(format), frames_(std::move(frames)) {}
     [[nodiscard]] PcmFormat format() const override { return format_; }
@@ -46,7 +46,7 @@ public:
         return take;
     }
 
-private:
+  private:
     PcmFormat format_;
     std::vector<std::int16_t> frames_;
     std::size_t position_ = 0;
@@ -72,7 +72,7 @@ std::size_t framesFfmpegHears(const std::string& path) {
 }
 
 class GrowingSaveTest : public ::testing::Test {
-protected:
+  protected:
     GrowingSaveTest() {
         dictation.setTempFileName(folder.path() + "/Temp");
         scratch.setTempFileName(folder.path() + "/Temp");
@@ -98,7 +98,7 @@ protected:
             ::usleep(1000);
         }
         loop.runPending();
-        EXPECT_EQ(dictation.lastSaveError(), "");
+        EXPECT_TRUE(dictation.lastSaveResult()) << dictation.lastSaveResult().error();
         EXPECT_FALSE(platform::fileExists(path + ".partial"));
     }
 
@@ -228,12 +228,9 @@ TEST_F(GrowingSaveTest, AWaveFileAtTheTakesRateIsCopiedFromTheWorkFilesAsTheOthe
 }
 
 TEST(PiecesAddedTest, OnlyGrowthAtTheEndCounts) {
-    std::string error;
     TempFolder folder;
-    const std::shared_ptr<const WorkFile> a =
-        WorkFile::create(folder.file("a.tmp"), {kRate, 1}, error);
-    const std::shared_ptr<const WorkFile> b =
-        WorkFile::create(folder.file("b.tmp"), {kRate, 1}, error);
+    const std::shared_ptr<const WorkFile> a = *WorkFile::create(folder.file("a.tmp"), {kRate, 1});
+    const std::shared_ptr<const WorkFile> b = *WorkFile::create(folder.file("b.tmp"), {kRate, 1});
     const PieceList saved = {{a, 0, 100}, {b, 0, 50}, {a, 100, 10}};
     struct Case {
         const char* label;

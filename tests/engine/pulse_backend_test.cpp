@@ -63,14 +63,14 @@ Sound measure(const std::vector<std::int16_t>& take, int rate) {
 }
 
 class PulseBackendTest : public ::testing::Test {
-protected:
+  protected:
     static constexpr int kTakeRate = 16000;
 
     void SetUp() override {
         ASSERT_TRUE(daemon_.running()) << daemon_.error();
-        std::string error;
-        backend_ = PulseBackend::connect(loop_, error);
-        ASSERT_NE(backend_, nullptr) << error;
+        auto connected = PulseBackend::connect(loop_);
+        ASSERT_TRUE(connected) << connected.error();
+        backend_ = std::move(*connected);
     }
 
     // Records what the null sink plays, as a dictation would record a microphone.
@@ -81,7 +81,7 @@ protected:
         firstFrame_.reset();
         captureStarted_ = Steady::now();
         const auto channels = static_cast<std::size_t>(format.channels);
-        const EngineResult started = backend_->startCapture(
+        const platform::Result<void> started = backend_->startCapture(
             format, [this, channels](const std::int16_t* frames, std::size_t count) {
                 if (!firstFrame_) firstFrame_ = Steady::now();
                 take_.insert(take_.end(), frames, frames + count * channels);
@@ -155,9 +155,9 @@ TEST_F(PulseBackendTest, ListsShowTheServersDevicesWithTheDefaultsCurrent) {
 }
 
 TEST_F(PulseBackendTest, VolumeBalanceAndMuteReachTheServerAndOtherClientsSeeThem) {
-    std::string error;
-    std::unique_ptr<PulseBackend> mixer = PulseBackend::connect(loop_, error);
-    ASSERT_NE(mixer, nullptr) << error;
+    auto connected = PulseBackend::connect(loop_);
+    ASSERT_TRUE(connected) << connected.error();
+    std::unique_ptr<PulseBackend> mixer = std::move(*connected);
     DeviceList& outputs = backend_->playbackDevices();
     DeviceList& seen = mixer->playbackDevices();
     ASSERT_TRUE(outputs.setCurrent(indexOf(outputs, PulseDaemon::kSinkLabel)));
@@ -202,10 +202,9 @@ TEST_F(PulseBackendTest, ToneRecordedFromTheSinkKeepsItsLengthAndPitch) {
         SCOPED_TRACE(std::to_string(take.sampleRate) + " Hz, " + std::to_string(take.channels) +
                      " channels");
         startRecordingTheSink(take);
-        std::string error;
-        const std::unique_ptr<PlaybackStream> stream =
-            backend_->openPlayback({kPlayRate, 1}, error);
-        ASSERT_NE(stream, nullptr) << error;
+        auto opened = backend_->openPlayback({kPlayRate, 1});
+        ASSERT_TRUE(opened) << opened.error();
+        const std::unique_ptr<PlaybackStream> stream = std::move(*opened);
 
         const Steady::time_point playStarted = Steady::now();
         playToTheEnd(*stream, sine(PulseDaemon::kSineHz, kPlayRate, kSeconds));
@@ -241,9 +240,9 @@ TEST_F(PulseBackendTest, ClipsShorterThanTheBufferAreStillPlayedToTheirEnd) {
     startRecordingTheSink();
     for (const double seconds : {0.02, 0.1, 0.5}) {
         SCOPED_TRACE(seconds);
-        std::string error;
-        const std::unique_ptr<PlaybackStream> stream = backend_->openPlayback({8000, 2}, error);
-        ASSERT_NE(stream, nullptr) << error;
+        auto opened = backend_->openPlayback({8000, 2});
+        ASSERT_TRUE(opened) << opened.error();
+        const std::unique_ptr<PlaybackStream> stream = std::move(*opened);
         std::vector<std::int16_t> stereo;
         for (const std::int16_t s : sine(300, 8000, seconds)) stereo.insert(stereo.end(), {s, s});
         take_.clear();
@@ -265,9 +264,9 @@ TEST_F(PulseBackendTest, ClipsShorterThanTheBufferAreStillPlayedToTheirEnd) {
 
 TEST_F(PulseBackendTest, PausedPlaybackIsSilentHoldsItsPositionAndGoesOnWhenResumed) {
     startRecordingTheSink();
-    std::string error;
-    const std::unique_ptr<PlaybackStream> stream = backend_->openPlayback({16000, 1}, error);
-    ASSERT_NE(stream, nullptr) << error;
+    auto opened = backend_->openPlayback({16000, 1});
+    ASSERT_TRUE(opened) << opened.error();
+    const std::unique_ptr<PlaybackStream> stream = std::move(*opened);
     const std::vector<std::int16_t> sound = sine(500, 16000, 1.0);
     const std::size_t written = std::min(stream->writable(), sound.size());
     stream->write(sound.data(), written);
@@ -325,10 +324,11 @@ TEST_F(PulseBackendTest, PromptsDoNotWaitAndANewOneCutsOffTheOneBefore) {
 
 TEST_F(PulseBackendTest, FormatsTheServerCannotTakeAreRefusedWithAReason) {
     for (const PcmFormat format : {PcmFormat{0, 1}, PcmFormat{16000, 0}, PcmFormat{-8000, 2}}) {
-        std::string error;
-        EXPECT_EQ(backend_->openPlayback(format, error), nullptr);
-        EXPECT_NE(error, "");
-        const EngineResult started = backend_->startCapture(format, [](auto*, std::size_t) {});
+        const auto refused = backend_->openPlayback(format);
+        EXPECT_FALSE(refused);
+        EXPECT_NE(refused.error(), "");
+        const platform::Result<void> started =
+            backend_->startCapture(format, [](auto*, std::size_t) {});
         EXPECT_FALSE(started);
         EXPECT_NE(started.error(), "");
     }
@@ -336,9 +336,9 @@ TEST_F(PulseBackendTest, FormatsTheServerCannotTakeAreRefusedWithAReason) {
 
 TEST_F(PulseBackendTest, AServerThatGoesAwayTurnsCallsIntoFailuresWithoutHanging) {
     startRecordingTheSink();
-    std::string error;
-    const std::unique_ptr<PlaybackStream> stream = backend_->openPlayback({16000, 1}, error);
-    ASSERT_NE(stream, nullptr) << error;
+    auto opened = backend_->openPlayback({16000, 1});
+    ASSERT_TRUE(opened) << opened.error();
+    const std::unique_ptr<PlaybackStream> stream = std::move(*opened);
     const std::vector<std::int16_t> sound = sine(500, 16000, 0.1);
     stream->write(sound.data(), std::min(stream->writable(), sound.size()));
     loop_.runFor(milliseconds(50));
@@ -353,8 +353,9 @@ TEST_F(PulseBackendTest, AServerThatGoesAwayTurnsCallsIntoFailuresWithoutHanging
     EXPECT_FALSE(backend_->playbackDevices().setVolume(0, 1000));
     backend_->stopCapture();
     EXPECT_FALSE(backend_->startCapture({kTakeRate, 1}, [](auto*, std::size_t) {}));
-    EXPECT_EQ(backend_->openPlayback({kTakeRate, 1}, error), nullptr);
-    EXPECT_NE(error, "");
+    const auto refused = backend_->openPlayback({kTakeRate, 1});
+    EXPECT_FALSE(refused);
+    EXPECT_NE(refused.error(), "");
     backend_->playPrompt(std::string(OVD_TEST_ASSETS) + "/prompts/beep2.wav");
     EXPECT_NE(backend_->promptError(), "");
     EXPECT_LT(Steady::now() - gone, std::chrono::seconds(2)) << "nothing waited for an answer";
@@ -362,10 +363,10 @@ TEST_F(PulseBackendTest, AServerThatGoesAwayTurnsCallsIntoFailuresWithoutHanging
 
 TEST(PulseBackendConnectTest, NoServerMeansNoBackendAndAReasonQuickly) {
     testing::RealTimeEventLoop loop;
-    std::string error;
     const Steady::time_point asked = Steady::now();
-    EXPECT_EQ(PulseBackend::connect(loop, error, "unix:/nonexistent/ovd-no-server"), nullptr);
-    EXPECT_NE(error.find("sound server"), std::string::npos) << error;
+    const auto refused = PulseBackend::connect(loop, "unix:/nonexistent/ovd-no-server");
+    ASSERT_FALSE(refused);
+    EXPECT_NE(refused.error().find("sound server"), std::string::npos) << refused.error();
     EXPECT_LT(Steady::now() - asked, std::chrono::seconds(3));
 }
 
@@ -424,7 +425,7 @@ TEST_F(PulseBackendTest, AMicrophoneThatVanishesDuringATakeEndsItWithWhatWasSaid
     std::vector<std::string> lost;
     backend_->onCaptureDeviceLost = [&](const std::string& device) { lost.push_back(device); };
     std::size_t framesAtLoss = 0;
-    const EngineResult started = backend_->startCapture(
+    const platform::Result<void> started = backend_->startCapture(
         {kTakeRate, 1}, [this](const std::int16_t* frames, std::size_t count) {
             take_.insert(take_.end(), frames, frames + count);
         });

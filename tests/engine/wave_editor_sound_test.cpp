@@ -16,8 +16,8 @@
 namespace ovd::engine {
 namespace {
 
-using std::chrono::milliseconds;
 using ovd::testing::PulseDaemon;
+using std::chrono::milliseconds;
 
 int indexNamed(DeviceList& list, const std::string& name) {
     for (int i = 0; i < list.Count(); ++i) {
@@ -31,12 +31,14 @@ TEST(WaveEditorSoundTest, AFilePlayedIntoTheSinkIsRecordedBackWithItsLengthAndPi
     ASSERT_TRUE(daemon.running()) << daemon.error();
     ovd::testing::TempFolder folder;
     const std::string tone = folder.file("tone.wav");
-    ASSERT_EQ(std::system(("sox -n -r 16000 -c 1 -b 16 '" + tone + "' synth 2 sine 440 vol 0.5").c_str()), 0);
+    ASSERT_EQ(
+        std::system(("sox -n -r 16000 -c 1 -b 16 '" + tone + "' synth 2 sine 440 vol 0.5").c_str()),
+        0);
 
     ovd::testing::RealTimeEventLoop loop;
-    std::string error;
-    auto backend = PulseBackend::connect(loop, error);
-    ASSERT_NE(backend, nullptr) << error;
+    auto connected = PulseBackend::connect(loop);
+    ASSERT_TRUE(connected) << connected.error();
+    const std::unique_ptr<PulseBackend> backend = std::move(*connected);
     ASSERT_TRUE(backend->recordingDevices().setCurrent(
         indexNamed(backend->recordingDevices(), PulseDaemon::kMonitorLabel)));
     ASSERT_TRUE(backend->playbackDevices().setCurrent(

@@ -1,16 +1,17 @@
 // The wave editor on the virtual backend and clock: takes, edits, the shared
 // clipboard and playing, as the dictation drives them.
 
+#include "engine/wave_editor.h"
+
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <cstring>
-#include <sys/wait.h>
-#include <unistd.h>
 #include <vector>
 
 #include "engine/virtual_backend.h"
-#include "engine/wave_editor.h"
 #include "platform/files.h"
 #include "platform/system_queries.h"
 #include "support/temp_folder.h"
@@ -26,7 +27,7 @@ using testing::VirtualEventLoop;
 constexpr int kRate = 16000;
 
 class WaveEditorTest : public ::testing::Test {
-protected:
+  protected:
     WaveEditorTest() {
         dictation.setTempFileName(folder.path() + "/Temp");
         scratch.setTempFileName(folder.path() + "/Temp");
@@ -41,7 +42,8 @@ protected:
         EXPECT_EQ(editor.State(), 0);
     }
 
-    std::vector<std::int16_t> frames(const WaveEditor& editor, SampleCount from, SampleCount count) {
+    std::vector<std::int16_t> frames(const WaveEditor& editor, SampleCount from,
+                                     SampleCount count) {
         std::vector<std::int16_t> out(static_cast<std::size_t>(count));
         out.resize(editor.readFrames(from, out.data(), out.size()));
         return out;
@@ -228,7 +230,9 @@ TEST_F(WaveEditorTest, SavingHoldsTheFileUntilItIsCompleteAndTheSavedFileOpensAg
     mp3.bitrateKbps = 32;
     dictation.chooseFormat(mp3);
     std::vector<BlockOperationEvent::Phase> phases;
-    dictation.onBlockOperation = [&](const BlockOperationEvent& event) { phases.push_back(event.phase); };
+    dictation.onBlockOperation = [&](const BlockOperationEvent& event) {
+        phases.push_back(event.phase);
+    };
 
     ASSERT_TRUE(dictation.SaveAs(path).ok());
     EXPECT_FALSE(platform::FileAvailable(path)) << "locked before SaveAs returns";
@@ -238,7 +242,7 @@ TEST_F(WaveEditorTest, SavingHoldsTheFileUntilItIsCompleteAndTheSavedFileOpensAg
     }
     loop.runPending();
 
-    EXPECT_EQ(dictation.lastSaveError(), "");
+    EXPECT_TRUE(dictation.lastSaveResult()) << dictation.lastSaveResult().error();
     ASSERT_FALSE(phases.empty());
     EXPECT_EQ(phases.front(), BlockOperationEvent::Phase::Start);
     EXPECT_EQ(phases.back(), BlockOperationEvent::Phase::End);
@@ -276,14 +280,17 @@ TEST(WorkFileCrashTest, AKilledRecorderLeavesAllButTheLastSecond) {
     ::close(progress[1]);
     char pathBuffer[512] = {};
     std::size_t used = 0;
-    while (used < sizeof pathBuffer && ::read(progress[0], pathBuffer + used, 1) == 1 && pathBuffer[used] != '\0') ++used;
+    while (used < sizeof pathBuffer && ::read(progress[0], pathBuffer + used, 1) == 1 &&
+           pathBuffer[used] != '\0')
+        ++used;
     const std::string workFile(pathBuffer, used);
     ::usleep(2'500'000);
     ::kill(child, SIGKILL);
     ::waitpid(child, nullptr, 0);
     SampleCount recorded = 0;
     SampleCount reading = 0;
-    while (::read(progress[0], &reading, sizeof reading) == static_cast<ssize_t>(sizeof reading)) recorded = reading;
+    while (::read(progress[0], &reading, sizeof reading) == static_cast<ssize_t>(sizeof reading))
+        recorded = reading;
     ::close(progress[0]);
 
     const auto onDisk = platform::readWholeFile(workFile);

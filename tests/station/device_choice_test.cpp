@@ -23,10 +23,10 @@ class ListedDevices : public engine::DeviceList {
 
     int Count() const override { return static_cast<int>(devices.size()); }
     int Current() const override { return current; }
-    engine::EngineResult setCurrent(int index) override {
+    platform::Result<void> setCurrent(int index) override {
         current = index;
         line = -1;
-        return engine::EngineResult::success();
+        return platform::Result<void>::success();
     }
     std::string Name(int index) const override {
         return devices.at(static_cast<std::size_t>(index));
@@ -36,24 +36,24 @@ class ListedDevices : public engine::DeviceList {
                            : static_cast<int>(lines.at(static_cast<std::size_t>(current)).size());
     }
     int SourceCurrent() const override { return line; }
-    engine::EngineResult setSourceCurrent(int index) override {
-        if (linesFail) return engine::EngineResult::failure("no such line");
+    platform::Result<void> setSourceCurrent(int index) override {
+        if (linesFail) return platform::failure("no such line");
         line = index;
-        return engine::EngineResult::success();
+        return platform::Result<void>::success();
     }
     std::string SourceName(int index) const override {
         return lines.at(static_cast<std::size_t>(current)).at(static_cast<std::size_t>(index));
     }
     bool HasVolume(int) const override { return true; }
     int Volume(int index) const override { return volumes.at(static_cast<std::size_t>(index)); }
-    engine::EngineResult setVolume(int index, int volume) override {
+    platform::Result<void> setVolume(int index, int volume) override {
         volumes.at(static_cast<std::size_t>(index)) = volume;
-        return engine::EngineResult::success();
+        return platform::Result<void>::success();
     }
     int Balance(int) const override { return 0; }
-    engine::EngineResult setBalance(int, int) override { return engine::EngineResult::success(); }
+    platform::Result<void> setBalance(int, int) override { return platform::Result<void>::success(); }
     bool Mute(int) const override { return false; }
-    engine::EngineResult setMute(int, bool) override { return engine::EngineResult::success(); }
+    platform::Result<void> setMute(int, bool) override { return platform::Result<void>::success(); }
 };
 
 // The one rule of the recording device, the same at the load and in the device box.

@@ -31,9 +31,9 @@ class DeviceBoxFollowTest : public ::testing::Test {
   protected:
     void SetUp() override {
         ASSERT_TRUE(daemon_.running()) << daemon_.error();
-        std::string error;
-        backend_ = engine::PulseBackend::connect(loop_, error);
-        ASSERT_NE(backend_, nullptr) << error;
+        auto connected = engine::PulseBackend::connect(loop_);
+        ASSERT_TRUE(connected) << connected.error();
+        backend_ = std::move(*connected);
         choice_ = std::make_unique<station::DeviceChoice>(backend_->recordingDevices(),
                                                  backend_->playbackDevices(), config_, prompts_);
         ASSERT_TRUE(choice_->load());
