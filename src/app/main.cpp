@@ -14,6 +14,7 @@
 
 #include "app/command_line.h"
 #include "app/station.h"
+#include "crypto/decrypt_command.h"
 #include "dictation/hand_off.h"
 #include "engine/backend_choice.h"
 #include "platform/files.h"
@@ -95,6 +96,13 @@ int main(int argc, char** argv) {
     if (options.showVersion) {
         std::cout << "orvane-voice-desk " << kVersion << '\n';
         return 0;
+    }
+    if (!options.decryptFile.empty()) {
+        return ovd::crypto::runDecryptCommand(
+            {options.decryptFile, options.keyName, options.keyText, options.keyTextGiven,
+             options.outputFile,
+             options.dataFolder.empty() ? ovd::platform::defaultDataFolder() : options.dataFolder},
+            std::cout, std::cerr);
     }
     if (!options.headless && !displayAvailable()) {
         std::cerr << "orvane-voice-desk: no display; running headless\n";
