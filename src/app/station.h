@@ -23,6 +23,7 @@
 #include "platform/prompts.h"
 #include "platform/timer.h"
 #include "settings/config_file.h"
+#include "settings/delivery_startup_checks.h"
 #include "settings/event_log.h"
 #include "settings/passwords_tables.h"
 
@@ -85,6 +86,8 @@ public:
     // go to the event log.
     void mnuScanConvert_Click();
     std::function<void(conversion::ScanConvert&)> onShowScanConvert;
+    // The setup windows the start-up checks of delivery open on Yes; none headless.
+    settings::SetupWindows setupWindows;
 
 private:
     bool loadRecordingDevice();

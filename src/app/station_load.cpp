@@ -127,6 +127,8 @@ LoadResult Station::Form_Load() {
               platform::boolText(record.UserSelectGame) + ", serial " +
               platform::boolText(record.UserSelectSerial));
     createDestinationFolders();
+    settings::checkDeliveryOptions(parts_.config.record, settings::CompanyRecords(parts_.dataFolder),
+                                   parts_.prompts, setupWindows);
     loadAutoSend();
 
     if (record.QDUDisconnected) {
