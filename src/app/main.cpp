@@ -29,6 +29,7 @@
 #include "ui/desk_unit_panel.h"
 #include "ui/scan_convert_window.h"
 #include "ui/qt_prompts.h"
+#include "ui/records_windows.h"
 #include "ui/window_placement.h"
 #include "ui/reconnection_dialog.h"
 #include "ui/station_window.h"
@@ -199,6 +200,12 @@ int main(int argc, char** argv) {
         window->onAutoSend = [&station] { station.autoSendMenu().mnAutoSend_Click(); };
         window->autoSendCaption = [&station] { return station.autoSendMenu().Caption; };
         static_cast<ovd::ui::QtPrompts&>(*prompts).setMainWindow(window.get());
+        const auto setup = [&window, &config, &prompts, dataFolder](ovd::ui::RecordsWindow which) {
+            return [&window, &config, &prompts, dataFolder, which] {
+                ovd::ui::showRecordsWindow(which, window.get(), dataFolder, *prompts, config.record);
+            };
+        };
+        station.setupWindows.emailSetup = setup(ovd::ui::RecordsWindow::EmailReceivers);
         // The window owns its dialog.
         auto* reconnection = new ovd::ui::ReconnectionDialogWindow(station.peerLink(), window.get());
         station.peerLink().onDialogChanged = [reconnection] { reconnection->render(); };

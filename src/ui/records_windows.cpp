@@ -1,0 +1,51 @@
+#include "ui/records_windows.h"
+
+#include "settings/company_records.h"
+#include "settings/our_company_form.h"
+#include "ui/email_receivers_window.h"
+#include "ui/key_records_window.h"
+#include "ui/manual_decrypt_window.h"
+#include "ui/our_company_window.h"
+#include "ui/transcriber_window.h"
+
+namespace ovd::ui {
+
+namespace {
+
+// Whether enciphering is asked for: e-mail attachments by the default settings.
+bool encipheringOn(const settings::CompanyRecords& records) {
+    const std::string value =
+        records.defaults().readValue("DefaultEmailForCO", "ChkEncryptDecrypt").value_or("");
+    return value == "1" || value == "True" || value == "true";
+}
+
+}  // namespace
+
+void showRecordsWindow(RecordsWindow which, QWidget* parent, const std::string& dataFolder,
+                       platform::Prompts& prompts, const settings::SettingsRecord& record) {
+    const settings::CompanyRecords records(dataFolder);
+    const auto openOurCompany = [&] { OurCompanyWindow(records, prompts, parent).exec(); };
+    switch (which) {
+        case RecordsWindow::OurCompany:
+            openOurCompany();
+            return;
+        case RecordsWindow::Transcribers:
+            if (!settings::ensureOurCompany(records, prompts, openOurCompany)) return;
+            TranscriberWindow(records, prompts,
+                              {record.AutoEmail, record.TCP, encipheringOn(records)}, parent)
+                .exec();
+            return;
+        case RecordsWindow::EmailReceivers:
+            if (!settings::ensureOurCompany(records, prompts, openOurCompany)) return;
+            EmailReceiversWindow(records, prompts, parent).exec();
+            return;
+        case RecordsWindow::DecryptionKeys:
+            KeyRecordsWindow(dataFolder, prompts, parent).exec();
+            return;
+        case RecordsWindow::ManualDecrypt:
+            ManualDecryptWindow(dataFolder, prompts, parent).exec();
+            return;
+    }
+}
+
+}  // namespace ovd::ui
