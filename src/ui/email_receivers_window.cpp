@@ -11,6 +11,7 @@ EmailReceiversWindow::EmailReceiversWindow(const settings::CompanyRecords& recor
     : QDialog(parent), form_(records, prompts) {
     setObjectName("frmEmailSetup");
     setWindowTitle(tr("Email Receivers"));
+    setMinimumWidth(440);
     form_.Form_Load();
     auto* layout = new QVBoxLayout(this);
     auto* fields = new QFormLayout;

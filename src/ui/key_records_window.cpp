@@ -55,6 +55,7 @@ KeyRecordsWindow::KeyRecordsWindow(const std::string& dataFolder, platform::Prom
     : QDialog(parent), form_(dataFolder, prompts) {
     setObjectName("frmPasswords");
     setWindowTitle(tr("Decryption Keys"));
+    setMinimumWidth(440);
     form_.Form_Load();
     auto* layout = new QVBoxLayout(this);
     panel_ = new KeyRecordsPanel(form_);

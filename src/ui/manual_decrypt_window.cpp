@@ -10,6 +10,7 @@ ManualDecryptWindow::ManualDecryptWindow(const std::string& dataFolder, platform
     : QDialog(parent), form_(dataFolder, prompts) {
     setObjectName("frmManuallyDecrypt");
     setWindowTitle(tr("Decrypt a File"));
+    setMinimumWidth(440);
     form_.Form_Load();
     auto* layout = new QVBoxLayout(this);
     panel_ = new KeyRecordsPanel(form_.keys);

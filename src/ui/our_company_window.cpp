@@ -24,6 +24,7 @@ OurCompanyWindow::OurCompanyWindow(const settings::CompanyRecords& records,
     : QDialog(parent), form_(records, prompts) {
     setObjectName("FTPfrmInformation");
     setWindowTitle(tr("Company Information"));
+    setMinimumWidth(440);
     auto* layout = new QVBoxLayout(this);
     auto* tools = new QHBoxLayout;
     connect(addButton(tools, settings::kEditEncryptionKeyCommand, tr("Edit Encryption Key")),

@@ -38,6 +38,7 @@ TranscriberWindow::TranscriberWindow(const settings::CompanyRecords& records,
     : QDialog(parent), form_(records, prompts, use) {
     setObjectName("FTPfrmReceiverInfo");
     setWindowTitle(QObject::tr("Transcriber Information"));
+    setMinimumWidth(440);
     auto* layout = new QVBoxLayout(this);
 
     auto* tools = new QHBoxLayout;
