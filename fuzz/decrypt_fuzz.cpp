@@ -25,6 +25,14 @@ std::string scratchFolder() {
     static const std::string folder = [] {
         std::string pattern = "/tmp/ovd-decrypt-fuzz-XXXXXX";
         check(::mkdtemp(pattern.data()) != nullptr);
+        static std::string made;
+        made = pattern;
+        // The scratch files go with the run.
+        std::atexit([] {
+            ::unlink((made + "/in.enc").c_str());
+            ::unlink((made + "/out").c_str());
+            ::rmdir(made.c_str());
+        });
         return pattern;
     }();
     return folder;
