@@ -3,14 +3,11 @@
 #include <string>
 
 #include "settings/config_file.h"
+#include "settings/delivery_defaults.h"
 
 namespace ovd::settings {
 
 namespace {
-
-std::string readDefault(const CompanyRecords& records, const char* section, const char* key) {
-    return records.defaults().readValue(section, key).value_or("");
-}
 
 // One check: nothing to do when `present` says so; otherwise the question, the window
 // on Yes, and the option off when it is still missing.
@@ -32,16 +29,16 @@ void checkDeliveryOptions(SettingsRecord& record, const CompanyRecords& records,
                           platform::Prompts& prompts, const SetupWindows& windows) {
     bool email = record.AutoEmail;
     check(
-        email, [&] { return !readDefault(records, "DefaultEmailForCO", "DefaultEmail").empty(); },
+        email, [&] { return !LoadDefaultEmail(records).DefaultEmail.empty(); },
         kEmailNotSetUpQuestion, kEmailDeactivatedMessage, windows.emailSetup, prompts);
     check(
-        email, [&] { return !readDefault(records, "DefaultEmailForCO", "DefaultRecEMail").empty(); },
+        email, [&] { return !LoadDefaultEmail(records).DefaultRecEMail.empty(); },
         kNoDefaultReceiverQuestion, kNoReceiverDeactivatedMessage, windows.emailSetup, prompts);
     record.AutoEmail = email;
 
     bool ftp = record.AutoFTP;
     check(
-        ftp, [&] { return !readDefault(records, "DefaultFTPForCO", "FTPServer").empty(); },
+        ftp, [&] { return !records.defaults().readValue(kDefaultFtpSection, "FTPServer").value_or("").empty(); },
         kNoDefaultFtpQuestion, kFtpDeactivatedMessage, windows.ftpSetup, prompts);
     record.AutoFTP = ftp;
 }

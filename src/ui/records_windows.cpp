@@ -1,6 +1,7 @@
 #include "ui/records_windows.h"
 
 #include "settings/company_records.h"
+#include "settings/delivery_defaults.h"
 #include "settings/our_company_form.h"
 #include "ui/email_receivers_window.h"
 #include "ui/key_records_window.h"
@@ -9,17 +10,6 @@
 #include "ui/transcriber_window.h"
 
 namespace ovd::ui {
-
-namespace {
-
-// Whether enciphering is asked for: e-mail attachments by the default settings.
-bool encipheringOn(const settings::CompanyRecords& records) {
-    const std::string value =
-        records.defaults().readValue("DefaultEmailForCO", "ChkEncryptDecrypt").value_or("");
-    return value == "1" || value == "True" || value == "true";
-}
-
-}  // namespace
 
 void showRecordsWindow(RecordsWindow which, QWidget* parent, const std::string& dataFolder,
                        platform::Prompts& prompts, const settings::SettingsRecord& record) {
@@ -32,7 +22,7 @@ void showRecordsWindow(RecordsWindow which, QWidget* parent, const std::string& 
         case RecordsWindow::Transcribers:
             if (!settings::ensureOurCompany(records, prompts, openOurCompany)) return;
             TranscriberWindow(records, prompts,
-                              {record.AutoEmail, record.TCP, encipheringOn(records)}, parent)
+                              {record.AutoEmail, record.TCP, settings::LoadDefaultEmail(records).ChkEncryptDecrypt}, parent)
                 .exec();
             return;
         case RecordsWindow::EmailReceivers:

@@ -2,12 +2,14 @@
 // setup window on Yes, and the option off for the run when it stays missing.
 
 #include "settings/delivery_startup_checks.h"
+#include "settings/delivery_defaults.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
+#include "platform/files.h"
 #include "support/scripted_prompts.h"
 #include "support/temp_folder.h"
 
@@ -81,6 +83,32 @@ TEST_F(DeliveryStartupChecksTest, YesOpensTheSetupAndAFinishedSetupKeepsTheOptio
     checkDeliveryOptions(record, records, prompts, {});
     EXPECT_EQ(prompts.texts().back(), "A defautl FTP has not been selected..The FTP option will now be deactivated.");
     EXPECT_FALSE(record.AutoFTP);
+}
+
+}  // namespace
+}  // namespace ovd::settings
+
+namespace ovd::settings {
+namespace {
+
+TEST(DeliveryDefaultsTest, DefaultReceiverBringsItsTranscribersKey) {
+    testing::TempFolder folder;
+    const CompanyRecords records(folder.path());
+    EXPECT_EQ(LoadDefaultEmail(records).RECEncryptKey, "") << "no files at all";
+    ASSERT_TRUE(platform::writeWholeFile(records.clientsPath(),
+                                         "[Pool]\r\nEmail=other@example.org\r\nRECEncryptKey=K1\r\n"
+                                         "[Typing]\r\nEmail=Pool@Example.org\r\nRECEncryptKey=K2\r\n"));
+    ASSERT_TRUE(platform::writeWholeFile(records.defaultsPath(),
+                                         "[DefaultEmailForCO]\r\nDefaultRecEMail=pool@example.org\r\n"
+                                         "ChkEncryptDecrypt=True\r\nChkRelayMessages=0\r\n"
+                                         "[DefaultFTPForCO]\r\nFTPServer=ftp.example.org\r\nFTPPort=21\r\n"));
+    const DefaultEmail email = LoadDefaultEmail(records);
+    EXPECT_EQ(email.RECEncryptKey, "K2");
+    EXPECT_TRUE(email.ChkEncryptDecrypt);
+    EXPECT_FALSE(email.ChkRelayMessages);
+    const auto site = LoadDefaultFTP(records);
+    EXPECT_EQ(site.at("FTPServer"), "ftp.example.org");
+    EXPECT_EQ(site.at("FTPPort"), "21");
 }
 
 }  // namespace
