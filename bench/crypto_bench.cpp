@@ -39,13 +39,16 @@ void writeRandomFile(const std::string& path) {
     std::vector<std::uint64_t> piece(1 << 16);
     for (std::size_t written = 0; written < kFileBytes; written += piece.size() * 8) {
         for (auto& word : piece) word = random();
-        out.write(reinterpret_cast<const char*>(piece.data()), static_cast<std::streamsize>(piece.size() * 8));
+        out.write(reinterpret_cast<const char*>(piece.data()),
+                  static_cast<std::streamsize>(piece.size() * 8));
     }
 }
 
-double timedOpenssl(bool decipher, const std::string& hex, const std::string& in, const std::string& out) {
+double timedOpenssl(bool decipher, const std::string& hex, const std::string& in,
+                    const std::string& out) {
     const std::string command = std::string("openssl enc -aes-128-cbc ") + (decipher ? "-d " : "") +
-                                "-K " + hex + " -iv " + hex + " -in '" + in + "' -out '" + out + "'";
+                                "-K " + hex + " -iv " + hex + " -in '" + in + "' -out '" + out +
+                                "'";
     const auto start = Clock::now();
     if (std::system(command.c_str()) != 0) {
         std::fprintf(stderr, "openssl failed: %s\n", command.c_str());
@@ -91,14 +94,16 @@ int main(int argc, char** argv) {
     const double theirsDecipher = timedOpenssl(true, hex, theirs, back);
 
     const double megabytes = static_cast<double>(kFileBytes) / (1024.0 * 1024.0);
-    std::printf("encipher 100 MB: ours %.3f s (%.0f MB/s), openssl enc %.3f s (%.0f MB/s), ratio %.2f\n",
-                oursEncipher, megabytes / oursEncipher, theirsEncipher, megabytes / theirsEncipher,
-                theirsEncipher / oursEncipher);
-    std::printf("decipher 100 MB: ours %.3f s (%.0f MB/s), openssl enc -d %.3f s (%.0f MB/s), ratio %.2f\n",
-                oursDecipher, megabytes / oursDecipher, theirsDecipher, megabytes / theirsDecipher,
-                theirsDecipher / oursDecipher);
-    std::printf("resident memory: %ld kB at start, %ld kB at most while working (+%ld kB)\n", startKb,
-                peakKb, peakKb - startKb);
+    std::printf(
+        "encipher 100 MB: ours %.3f s (%.0f MB/s), openssl enc %.3f s (%.0f MB/s), ratio %.2f\n",
+        oursEncipher, megabytes / oursEncipher, theirsEncipher, megabytes / theirsEncipher,
+        theirsEncipher / oursEncipher);
+    std::printf(
+        "decipher 100 MB: ours %.3f s (%.0f MB/s), openssl enc -d %.3f s (%.0f MB/s), ratio %.2f\n",
+        oursDecipher, megabytes / oursDecipher, theirsDecipher, megabytes / theirsDecipher,
+        theirsDecipher / oursDecipher);
+    std::printf("resident memory: %ld kB at start, %ld kB at most while working (+%ld kB)\n",
+                startKb, peakKb, peakKb - startKb);
     for (const auto& path : {plain, ours, theirs, back}) std::remove(path.c_str());
     return 0;
 }

@@ -50,7 +50,7 @@ class AesCbcStream {
 
 // The whole of a small text at once, for callers that hold it in memory.
 platform::Result<std::vector<std::uint8_t>> transformBytes(Direction direction,
-                                                            const CipherKey& key,
-                                                            std::string_view bytes);
+                                                           const CipherKey& key,
+                                                           std::string_view bytes);
 
 }  // namespace ovd::crypto

@@ -87,14 +87,14 @@ platform::Result<void> AesCbcStream::finish(std::vector<std::uint8_t>& out) {
 }
 
 platform::Result<std::vector<std::uint8_t>> transformBytes(Direction direction,
-                                                            const CipherKey& key,
-                                                            std::string_view bytes) {
+                                                           const CipherKey& key,
+                                                           std::string_view bytes) {
     auto stream = AesCbcStream::start(direction, key);
     if (!stream) return stream.failed();
     std::vector<std::uint8_t> out;
     out.reserve(bytes.size() + kBlockBytes);
-    if (auto fed = stream->update(reinterpret_cast<const std::uint8_t*>(bytes.data()),
-                                  bytes.size(), out);
+    if (auto fed =
+            stream->update(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size(), out);
         !fed) {
         return fed.failed();
     }

@@ -35,8 +35,7 @@ std::string commandOutputName(const std::string& inputPath) {
     return folder.empty() ? outputName : platform::joinPath(folder, outputName);
 }
 
-DecryptExit runDecryptCommand(const DecryptCommand& command, std::ostream& out,
-                              std::ostream& err) {
+DecryptExit runDecryptCommand(const DecryptCommand& command, std::ostream& out, std::ostream& err) {
     if (command.inputPath.empty()) {
         err << kProgram << "--decrypt needs the file to decrypt\n";
         return kBadCommand;
@@ -63,7 +62,8 @@ DecryptExit runDecryptCommand(const DecryptCommand& command, std::ostream& out,
     const std::string outputPath =
         command.outputPath.empty() ? commandOutputName(command.inputPath) : command.outputPath;
     if (platform::fileExists(outputPath)) {
-        err << kProgram << outputPath << " is already there; it is left alone (name another with --output)\n";
+        err << kProgram << outputPath
+            << " is already there; it is left alone (name another with --output)\n";
         return kNotDecrypted;
     }
     bool refusedByCipher = false;

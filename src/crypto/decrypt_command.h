@@ -12,11 +12,11 @@ namespace ovd::crypto {
 
 struct DecryptCommand {
     std::string inputPath = {};
-    std::string keyName = {};// looked up in DecryptPasswords
-    std::string keyText = {};// used as given
+    std::string keyName = {};  // looked up in DecryptPasswords
+    std::string keyText = {};  // used as given
     bool keyTextGiven = false;
-    std::string outputPath = {};// empty: the output name rule below
-    std::string dataFolder = {};// where Passwords.db is
+    std::string outputPath = {};  // empty: the output name rule below
+    std::string dataFolder = {};  // where Passwords.db is
 };
 
 enum DecryptExit { kDecrypted = 0, kNotDecrypted = 1, kBadCommand = 2 };
@@ -27,7 +27,6 @@ enum DecryptExit { kDecrypted = 0, kNotDecrypted = 1, kBadCommand = 2 };
 std::string commandOutputName(const std::string& inputPath);
 
 // Deciphers and says in one line on `err` why not; `out` gets the output path.
-DecryptExit runDecryptCommand(const DecryptCommand& command, std::ostream& out,
-                              std::ostream& err);
+DecryptExit runDecryptCommand(const DecryptCommand& command, std::ostream& out, std::ostream& err);
 
 }  // namespace ovd::crypto

@@ -21,9 +21,9 @@ constexpr std::size_t kPieceBytes = 256 * 1024;
 class ScratchFile {
   public:
     explicit ScratchFile(const std::string& target)
-        : path_(platform::joinPath(platform::folderOf(target).empty() ? "."
-                                                                      : platform::folderOf(target),
-                                   "." + platform::withoutFolder(target) + ".XXXXXX")) {
+        : path_(platform::joinPath(
+              platform::folderOf(target).empty() ? "." : platform::folderOf(target),
+              "." + platform::withoutFolder(target) + ".XXXXXX")) {
         fd_ = ::mkstemp(path_.data());
     }
     ScratchFile(const ScratchFile&) = delete;

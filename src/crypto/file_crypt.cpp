@@ -33,8 +33,7 @@ std::string decipheredName(const std::string& inputPath) {
     return inFolderOf(inputPath, withoutFirstCharacters(platform::withoutFolder(inputPath), 4));
 }
 
-platform::Result<std::string> EncryptFile(const std::string& inputPath,
-                                          const std::string& keyText,
+platform::Result<std::string> EncryptFile(const std::string& inputPath, const std::string& keyText,
                                           platform::Prompts& prompts) {
     const std::string outputPath = encipheredName(inputPath);
     auto done = transformFile(Direction::Encipher, inputPath, outputPath, keyFromText(keyText));

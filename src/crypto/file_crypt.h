@@ -25,8 +25,7 @@ std::string decipheredName(const std::string& inputPath);
 
 // Writes the enciphered file beside the input (see encipheredName). A failure is
 // shown in a box with the reason; the caller goes on and looks for the file.
-platform::Result<std::string> EncryptFile(const std::string& inputPath,
-                                          const std::string& keyText,
+platform::Result<std::string> EncryptFile(const std::string& inputPath, const std::string& keyText,
                                           platform::Prompts& prompts);
 
 struct DecryptOutcome {

@@ -71,11 +71,9 @@ platform::Result<std::string> encipherEmailAttachment(const EmailEncipherRequest
     std::string reason;
     if (!platform::copyFileOver(request.filePath, copy, &reason)) return notAttached(reason);
 
-    const auto enciphered =
-        EncryptFile(copy,
-                    emailSendingKeyText(request.ourKey, request.receiverCompany,
-                                        request.receiverKey),
-                    prompts);
+    const auto enciphered = EncryptFile(
+        copy, emailSendingKeyText(request.ourKey, request.receiverCompany, request.receiverKey),
+        prompts);
     // Only the enciphered file travels: a plain copy left in the folder would be the
     // letter in clear beside its locked form.
     std::remove(copy.c_str());

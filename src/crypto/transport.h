@@ -84,7 +84,9 @@ struct FtpUpload {
 // enciphered, or a site with no key, is told and goes up as it is. When enciphering
 // itself fails (the box has said why) the failure comes back and nothing goes up:
 // the site asked for the file locked, so it never leaves in clear by accident.
-platform::Result<FtpUpload> encipherFtpUpload(const std::string& filePath, const std::string& siteKey,
-                            const std::string& ftpTempFolder, platform::Prompts& prompts);
+platform::Result<FtpUpload> encipherFtpUpload(const std::string& filePath,
+                                              const std::string& siteKey,
+                                              const std::string& ftpTempFolder,
+                                              platform::Prompts& prompts);
 
 }  // namespace ovd::crypto

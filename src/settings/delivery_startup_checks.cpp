@@ -38,7 +38,13 @@ void checkDeliveryOptions(SettingsRecord& record, const CompanyRecords& records,
 
     bool ftp = record.AutoFTP;
     check(
-        ftp, [&] { return !records.defaults().readValue(kDefaultFtpSection, "FTPServer").value_or("").empty(); },
+        ftp,
+        [&] {
+            return !records.defaults()
+                        .readValue(kDefaultFtpSection, "FTPServer")
+                        .value_or("")
+                        .empty();
+        },
         kNoDefaultFtpQuestion, kFtpDeactivatedMessage, windows.ftpSetup, prompts);
     record.AutoFTP = ftp;
 }

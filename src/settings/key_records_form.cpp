@@ -56,7 +56,8 @@ bool KeyRecordsForm::enterKey(const std::string& key) {
         return false;
     }
     key_ = key;
-    if (!key.empty()) prompts_.showMessage(kKeyCautionMessage, kProductTitle, platform::Severity::Warning);
+    if (!key.empty())
+        prompts_.showMessage(kKeyCautionMessage, kProductTitle, platform::Severity::Warning);
     return true;
 }
 
@@ -98,9 +99,9 @@ bool KeyRecordsForm::deleteRecord() {
 
 bool KeyRecordsForm::requestClose() {
     if (!name_.empty() && !listed(name_) && key_.empty()) {
-        return prompts_.askYesNo(std::string(kNewNameBlankKeyMessage) + "\r\n" +
-                                     kExitWithoutSavingQuestion,
-                                 kProductTitle, platform::Answer::No);
+        return prompts_.askYesNo(
+            std::string(kNewNameBlankKeyMessage) + "\r\n" + kExitWithoutSavingQuestion,
+            kProductTitle, platform::Answer::No);
     }
     if (key_ != savedKey_) {
         if (prompts_.askYesNo(std::string(kKeyChangedMessage) + "\r\n" + kSaveNowQuestion,

@@ -68,7 +68,8 @@ bool OurCompanyForm::Form_Load() {
         }
         const IniDocument document = IniDocument::parse(*text);
         for (const auto& box : kOurCompanyBoxes) {
-            const char* section = std::string_view(box.key) == "EncryptKey" ? kKeySection : kCompanySection;
+            const char* section =
+                std::string_view(box.key) == "EncryptKey" ? kKeySection : kCompanySection;
             field(box.key) = document.value(section, box.key).value_or("");
         }
     }
@@ -96,7 +97,8 @@ bool OurCompanyForm::enterKey(const std::string& key) {
         return false;
     }
     fields_.EncryptKey = key;
-    if (!key.empty()) prompts_.showMessage(kKeyCautionMessage, kProductTitle, platform::Severity::Warning);
+    if (!key.empty())
+        prompts_.showMessage(kKeyCautionMessage, kProductTitle, platform::Severity::Warning);
     return true;
 }
 
@@ -108,7 +110,8 @@ bool OurCompanyForm::write() {
     const IniStore store = records_.ourCompany();
     IniDocument document = store.load();
     for (const auto& box : kOurCompanyBoxes) {
-        const char* section = std::string_view(box.key) == "EncryptKey" ? kKeySection : kCompanySection;
+        const char* section =
+            std::string_view(box.key) == "EncryptKey" ? kKeySection : kCompanySection;
         document.setValue(section, box.key, fieldOf(fields_, box.key));
     }
     if (!platform::replaceFile(store.path(), document.serialise(), /*ownerOnly=*/true)) {
@@ -124,7 +127,8 @@ bool OurCompanyForm::write() {
 
 bool OurCompanyForm::save() {
     for (const auto& box : kOurCompanyBoxes) {
-        if (std::string_view(box.key) != "EncryptKey") field(box.key) = platform::trim(field(box.key));
+        if (std::string_view(box.key) != "EncryptKey")
+            field(box.key) = platform::trim(field(box.key));
     }
     const auto refuse = [this](const char* text) {
         prompts_.showMessage(text, kProductTitle, platform::Severity::Warning);
@@ -152,8 +156,10 @@ bool OurCompanyForm::save() {
 
 bool OurCompanyForm::requestClose() {
     for (const auto& box : kOurCompanyBoxes) {
-        if (box.changedMessage == nullptr || fieldOf(fields_, box.key) == fieldOf(saved_, box.key)) continue;
-        prompts_.showMessage(box.changedMessage, kInformationNotSavedTitle, platform::Severity::Warning);
+        if (box.changedMessage == nullptr || fieldOf(fields_, box.key) == fieldOf(saved_, box.key))
+            continue;
+        prompts_.showMessage(box.changedMessage, kInformationNotSavedTitle,
+                             platform::Severity::Warning);
         return false;
     }
     return true;
@@ -168,7 +174,8 @@ std::string OurCompanyForm::clipboardText() const {
 bool ensureOurCompany(const CompanyRecords& records, platform::Prompts& prompts,
                       const std::function<void()>& openOurCompany) {
     if (!readOurCompany(records).g_strOrganization.empty()) return true;
-    if (prompts.askYesNo(kNoCompanyQuestion, kProductTitle, platform::Answer::Yes) && openOurCompany) {
+    if (prompts.askYesNo(kNoCompanyQuestion, kProductTitle, platform::Answer::Yes) &&
+        openOurCompany) {
         openOurCompany();
         if (!readOurCompany(records).g_strOrganization.empty()) return true;
     }

@@ -31,7 +31,7 @@ inline constexpr const char* kNoCompanyClosingMessage =
 
 // The own company as the rest of the station sees it.
 struct OurCompany {
-    std::string g_strOrganization;      // CompanyName
+    std::string g_strOrganization;       // CompanyName
     std::string g_strSaveOurCompanyKey;  // EncryptKey
 };
 

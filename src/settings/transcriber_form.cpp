@@ -71,7 +71,8 @@ bool TranscriberForm::leaveCompanyName() {
     const std::string name = platform::trim(record_.companyName());
     if (name.empty()) return true;
     if (!sixCharactersClash(name, companies_, saved_.companyName()).empty()) {
-        prompts_.showMessage(kSixCharactersClashMessage, kProductTitle, platform::Severity::Warning);
+        prompts_.showMessage(kSixCharactersClashMessage, kProductTitle,
+                             platform::Severity::Warning);
         return false;
     }
     return true;
@@ -110,11 +111,13 @@ bool TranscriberForm::refuse(const char* text) {
 
 bool TranscriberForm::save() {
     for (const auto& box : kTranscriberBoxes) {
-        if (std::string_view(box.key) != "RECEncryptKey") record_.set(box.key, platform::trim(record_.get(box.key)));
+        if (std::string_view(box.key) != "RECEncryptKey")
+            record_.set(box.key, platform::trim(record_.get(box.key)));
     }
     if (record_.companyName().empty()) return refuse(kCompanyNotEnteredRecordMessage);
     if (record_.get("Name").empty()) return refuse(kTranscriberNameRequiredMessage);
-    if (use_.encipher && record_.get("RECEncryptKey").empty()) return refuse(kKeyNotEnteredRecordMessage);
+    if (use_.encipher && record_.get("RECEncryptKey").empty())
+        return refuse(kKeyNotEnteredRecordMessage);
     if (use_.email && record_.get("Email").empty()) return refuse(kTranscriberEmailMissingMessage);
     if (use_.peer && record_.get("PTPHostIP").empty()) return refuse(kTranscriberIpMissingMessage);
     if (keyHasBlank(record_.get("RECEncryptKey"))) return refuse(kSpacesNotAllowedMessage);
@@ -141,9 +144,9 @@ bool TranscriberForm::changed(std::string_view key) const {
 bool TranscriberForm::requestClose() {
     const bool newRecord = saved_.companyName().empty();
     if (newRecord && !record_.companyName().empty() && record_.get("RECEncryptKey").empty()) {
-        return prompts_.askYesNo(std::string(kNewNameBlankKeyMessage) + "\r\n" +
-                                     kExitWithoutSavingQuestion,
-                                 kProductTitle, platform::Answer::No);
+        return prompts_.askYesNo(
+            std::string(kNewNameBlankKeyMessage) + "\r\n" + kExitWithoutSavingQuestion,
+            kProductTitle, platform::Answer::No);
     }
     for (const auto& box : kTranscriberBoxes) {
         if (box.changedMessage == nullptr || !changed(box.key)) continue;

@@ -20,10 +20,10 @@ inline constexpr std::array<std::string_view, 41> kTranscriberKeys = {
     "CompanyName", "Name", "Address", "City", "St", "Zip", "Phone", "PTPHostName", "PTPHostIP",
     "Email", "RECEncryptKey", "RECEncryptINITS",
     // The FTP site of the transcriber.
-    "FTPServer", "FTPPort", "FTPDescription", "FTPUserName", "FTPPassword", "FTPAccount",
-    "FTPMode", "FTPTranferMode", "FTPUseProxyServer", "FTPProxyAddress", "FTPProxyPort",
-    "FTPProxyUser", "FTPProxyPassword", "FTPEncryptOption", "FTPEncryptKey", "FTPEncryptINIT",
-    "FTPAutoScheduler", "FTPAutoSchedulerMinutes",
+    "FTPServer", "FTPPort", "FTPDescription", "FTPUserName", "FTPPassword", "FTPAccount", "FTPMode",
+    "FTPTranferMode", "FTPUseProxyServer", "FTPProxyAddress", "FTPProxyPort", "FTPProxyUser",
+    "FTPProxyPassword", "FTPEncryptOption", "FTPEncryptKey", "FTPEncryptINIT", "FTPAutoScheduler",
+    "FTPAutoSchedulerMinutes",
     // What goes up to the site and what comes down from it.
     "FTPUFLMOption", "FTPUFLMFileSpec", "FTPUFLMRemotePath", "FTPUFLMUploadFrom",
     "FTPUFLMMoveLocalAfterUploadOption", "FTPUFLMMoveTO", "FTPDFRSOption", "FTPDFRSFileSpec",

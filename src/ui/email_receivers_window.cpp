@@ -20,8 +20,10 @@ EmailReceiversWindow::EmailReceiversWindow(const settings::CompanyRecords& recor
     companies_->setEditable(true);
     companies_->setInsertPolicy(QComboBox::NoInsert);
     fields->addRow(tr("Company"), companies_);
-    email_ = addRecordBox(fields, "txtEmail", tr("Email Address"), tr("Enter Transcriber Email Address"));
-    key_ = addRecordBox(fields, "cboRecKey", tr("Encryption Key"), tr("Enter Transcriber Encryption Key"));
+    email_ = addRecordBox(fields, "txtEmail", tr("Email Address"),
+                          tr("Enter Transcriber Email Address"));
+    key_ = addRecordBox(fields, "cboRecKey", tr("Encryption Key"),
+                        tr("Enter Transcriber Encryption Key"));
     initials_ = new QLabel;
     initials_->setObjectName("lblINITS");
     fields->addRow(tr("Key Characters"), initials_);
@@ -51,7 +53,8 @@ EmailReceiversWindow::EmailReceiversWindow(const settings::CompanyRecords& recor
                 render();
             });
     buttons->addStretch();
-    connect(addButton(buttons, "cmdSave", tr("&Save")), &QPushButton::clicked, this, [this] { save(); });
+    connect(addButton(buttons, "cmdSave", tr("&Save")), &QPushButton::clicked, this,
+            [this] { save(); });
     connect(addButton(buttons, "cmdDelete", tr("&Delete")), &QPushButton::clicked, this,
             [this] { deleteReceiver(); });
     connect(addButton(buttons, "cmdDefault", tr("Make &Default")), &QPushButton::clicked, this,

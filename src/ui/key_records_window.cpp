@@ -37,7 +37,8 @@ void KeyRecordsPanel::fillNames() {
 }
 
 void KeyRecordsPanel::render() {
-    if (names_->currentText() != fromText(form_.name())) names_->setCurrentText(fromText(form_.name()));
+    if (names_->currentText() != fromText(form_.name()))
+        names_->setCurrentText(fromText(form_.name()));
     showText(key_.edit, form_.key());
     key_.edit->setReadOnly(!form_.keyEditable());
 }
@@ -67,7 +68,8 @@ KeyRecordsWindow::KeyRecordsWindow(const std::string& dataFolder, platform::Prom
                 panel_->render();
             });
     tools->addStretch();
-    connect(addButton(tools, "cmdSave", tr("&Save")), &QPushButton::clicked, this, [this] { save(); });
+    connect(addButton(tools, "cmdSave", tr("&Save")), &QPushButton::clicked, this,
+            [this] { save(); });
     connect(addButton(tools, "cmdDelete", tr("&Delete")), &QPushButton::clicked, this,
             [this] { deleteRecord(); });
     connect(addButton(tools, "cmdClose", tr("&Close")), &QPushButton::clicked, this,

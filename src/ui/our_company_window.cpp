@@ -56,7 +56,8 @@ OurCompanyWindow::OurCompanyWindow(const settings::CompanyRecords& records,
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
-    connect(addButton(buttons, "cmdSave", tr("&Save")), &QPushButton::clicked, this, [this] { save(); });
+    connect(addButton(buttons, "cmdSave", tr("&Save")), &QPushButton::clicked, this,
+            [this] { save(); });
     connect(addButton(buttons, "cmdClose", tr("&Close")), &QPushButton::clicked, this,
             [this] { reject(); });
     layout->addLayout(buttons);

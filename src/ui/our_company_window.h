@@ -3,7 +3,6 @@
 // settings::OurCompanyForm.
 
 #include <QDialog>
-
 #include <map>
 #include <string>
 
@@ -18,7 +17,9 @@ class OurCompanyWindow : public QDialog {
                      QWidget* parent = nullptr);
 
     [[nodiscard]] settings::OurCompanyForm& form() { return form_; }
-    [[nodiscard]] QLineEdit* box(const std::string& control) const { return boxes_.at(control).edit; }
+    [[nodiscard]] QLineEdit* box(const std::string& control) const {
+        return boxes_.at(control).edit;
+    }
     void save();
     void editEncryptionKey();
     void render();

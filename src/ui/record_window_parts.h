@@ -7,7 +7,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QString>
-
 #include <string>
 
 namespace ovd::ui {

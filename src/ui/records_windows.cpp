@@ -22,7 +22,9 @@ void showRecordsWindow(RecordsWindow which, QWidget* parent, const std::string& 
         case RecordsWindow::Transcribers:
             if (!settings::ensureOurCompany(records, prompts, openOurCompany)) return;
             TranscriberWindow(records, prompts,
-                              {record.AutoEmail, record.TCP, settings::LoadDefaultEmail(records).ChkEncryptDecrypt}, parent)
+                              {record.AutoEmail, record.TCP,
+                               settings::LoadDefaultEmail(records).ChkEncryptDecrypt},
+                              parent)
                 .exec();
             return;
         case RecordsWindow::EmailReceivers:

@@ -3,7 +3,6 @@
 // each modal over the main window, the company asked for first where one is needed.
 
 #include <QWidget>
-
 #include <string>
 
 #include "platform/prompts.h"

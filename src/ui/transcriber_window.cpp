@@ -57,13 +57,13 @@ TranscriberWindow::TranscriberWindow(const settings::CompanyRecords& records,
     fields->addRow(tr("Transcriber"), companies_);
     for (const auto& item : settings::kTranscriberBoxes) {
         const char* label = labelOf(item.key);
-        RecordBox made = addRecordBox(fields, item.control, label != nullptr ? tr(label) : tr(item.key),
-                                      fromText(item.prompt), starOf(item.key));
+        RecordBox made =
+            addRecordBox(fields, item.control, label != nullptr ? tr(label) : tr(item.key),
+                         fromText(item.prompt), starOf(item.key));
         const std::string control = item.control;
-        connect(made.edit, &QLineEdit::textEdited, this,
-                [this, control](const QString& text) {
-                    if (control != "txtRecKey") form_.setText(control, toText(text));
-                });
+        connect(made.edit, &QLineEdit::textEdited, this, [this, control](const QString& text) {
+            if (control != "txtRecKey") form_.setText(control, toText(text));
+        });
         boxes_[control] = made;
     }
     layout->addLayout(fields);
@@ -84,7 +84,8 @@ TranscriberWindow::TranscriberWindow(const settings::CompanyRecords& records,
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
-    connect(addButton(buttons, "cmdSave", tr("&Save")), &QPushButton::clicked, this, [this] { save(); });
+    connect(addButton(buttons, "cmdSave", tr("&Save")), &QPushButton::clicked, this,
+            [this] { save(); });
     connect(addButton(buttons, "cmdClose", tr("&Close")), &QPushButton::clicked, this,
             [this] { reject(); });
     layout->addLayout(buttons);

@@ -4,7 +4,6 @@
 // the user's typing and clicks on.
 
 #include <QDialog>
-
 #include <map>
 #include <string>
 
@@ -22,8 +21,12 @@ class TranscriberWindow : public QDialog {
 
     [[nodiscard]] settings::TranscriberForm& form() { return form_; }
     [[nodiscard]] QComboBox* cboCompanyName() const { return companies_; }
-    [[nodiscard]] QLineEdit* box(const std::string& control) const { return boxes_.at(control).edit; }
-    [[nodiscard]] QLabel* asterisk(const std::string& control) const { return boxes_.at(control).star; }
+    [[nodiscard]] QLineEdit* box(const std::string& control) const {
+        return boxes_.at(control).edit;
+    }
+    [[nodiscard]] QLabel* asterisk(const std::string& control) const {
+        return boxes_.at(control).star;
+    }
     // The tool bar's keys and the save button.
     void save();
     void editEncryptionKey();

@@ -21,8 +21,11 @@ TEST(DeliveryChecksStationTest, EmailOffForTheRunAfterNo) {
     station.start({"--answers", answers});
     ASSERT_TRUE(station.logShows("Procedure - CASE NEW")) << station.eventLog();
     const std::string log = station.eventLog();
-    EXPECT_NE(log.find("You have activated Email, but Email has not been setup."), std::string::npos) << log;
-    EXPECT_NE(log.find("Email is not setup.The Email option will now be deactivated."), std::string::npos);
+    EXPECT_NE(log.find("You have activated Email, but Email has not been setup."),
+              std::string::npos)
+        << log;
+    EXPECT_NE(log.find("Email is not setup.The Email option will now be deactivated."),
+              std::string::npos);
     EXPECT_NE(log.find("Loading: automatic sending off"), std::string::npos)
         << "no companion started for a delivery that can't happen";
     const testing::ProcessEnd end = station.terminate();

@@ -21,7 +21,8 @@ using testing::TempFolder;
 
 TEST(DecryptCommandNames, OutputBesideTheInput) {
     EXPECT_EQ(commandOutputName("/in/ENC_Letter.wav"), "/in/Letter.wav");
-    EXPECT_EQ(commandOutputName("/in/Letter.wav_Orvane_to_Pool.enc"), "/in/Letter.wav_Orvane_to_Pool");
+    EXPECT_EQ(commandOutputName("/in/Letter.wav_Orvane_to_Pool.enc"),
+              "/in/Letter.wav_Orvane_to_Pool");
     EXPECT_EQ(commandOutputName("Letter.wav.enc"), "Letter.wav");
     EXPECT_EQ(commandOutputName("/in/.enc"), "/in/.enc.dec");
     EXPECT_EQ(commandOutputName("/in/blob"), "/in/blob.dec");
@@ -34,8 +35,8 @@ class DecryptCommandTest : public ::testing::Test {
     std::ostringstream err;
     void SetUp() override {
         ASSERT_TRUE(platform::writeWholeFile(folder.file("plain"), "spoken words"));
-        ASSERT_TRUE(transformFile(Direction::Encipher, folder.file("plain"), folder.file("L.wav.enc"),
-                                  keyFromText("Pool's key"))
+        ASSERT_TRUE(transformFile(Direction::Encipher, folder.file("plain"),
+                                  folder.file("L.wav.enc"), keyFromText("Pool's key"))
                         .ok());
     }
     DecryptExit run(DecryptCommand command) {
@@ -47,14 +48,16 @@ class DecryptCommandTest : public ::testing::Test {
 };
 
 TEST_F(DecryptCommandTest, ByKeyTextAndByKeyName) {
-    EXPECT_EQ(run({.inputPath = folder.file("L.wav.enc"), .keyText = "Pool's key", .keyTextGiven = true}),
-              kDecrypted);
+    EXPECT_EQ(
+        run({.inputPath = folder.file("L.wav.enc"), .keyText = "Pool's key", .keyTextGiven = true}),
+        kDecrypted);
     EXPECT_EQ(out.str(), folder.file("L.wav") + "\n");
     EXPECT_EQ(platform::readWholeFile(folder.file("L.wav")), "spoken words");
 
     settings::DecryptPasswordsTable table(folder.path());
     ASSERT_TRUE(table.addPassword("Pool Ltd", "Pool's key"));
-    EXPECT_EQ(run({.inputPath = folder.file("L.wav.enc"), .keyName = "pool ltd",
+    EXPECT_EQ(run({.inputPath = folder.file("L.wav.enc"),
+                   .keyName = "pool ltd",
                    .outputPath = folder.file("again.wav")}),
               kDecrypted);
     EXPECT_EQ(platform::readWholeFile(folder.file("again.wav")), "spoken words");
@@ -62,26 +65,32 @@ TEST_F(DecryptCommandTest, ByKeyTextAndByKeyName) {
 
 TEST_F(DecryptCommandTest, FailuresSayWhyInOneLineAndTouchNothing) {
     ASSERT_TRUE(platform::writeWholeFile(folder.file("L.wav"), "already here"));
-    EXPECT_EQ(run({.inputPath = folder.file("L.wav.enc"), .keyText = "Pool's key", .keyTextGiven = true}),
-              kNotDecrypted);
+    EXPECT_EQ(
+        run({.inputPath = folder.file("L.wav.enc"), .keyText = "Pool's key", .keyTextGiven = true}),
+        kNotDecrypted);
     EXPECT_NE(err.str().find("already there"), std::string::npos);
     EXPECT_EQ(platform::readWholeFile(folder.file("L.wav")), "already here");
 
-    const auto wrong = run({.inputPath = folder.file("L.wav.enc"), .keyText = "other",
-                            .keyTextGiven = true, .outputPath = folder.file("w.wav")});
+    const auto wrong = run({.inputPath = folder.file("L.wav.enc"),
+                            .keyText = "other",
+                            .keyTextGiven = true,
+                            .outputPath = folder.file("w.wav")});
     EXPECT_EQ(wrong, kNotDecrypted);
     EXPECT_EQ(err.str(), "orvane-voice-desk: " + folder.file("L.wav.enc") +
                              ": wrong key - the file can't be decrypted with this key\n");
     EXPECT_FALSE(platform::fileExists(folder.file("w.wav")));
 
-    EXPECT_EQ(run({.inputPath = folder.file("L.wav.enc"), .keyName = "Nobody",
+    EXPECT_EQ(run({.inputPath = folder.file("L.wav.enc"),
+                   .keyName = "Nobody",
                    .outputPath = folder.file("w.wav")}),
               kNotDecrypted);
     EXPECT_NE(err.str().find("no key named \"Nobody\""), std::string::npos);
 
     EXPECT_EQ(run({.inputPath = folder.file("L.wav.enc"), .keyTextGiven = true}), kBadCommand);
     EXPECT_EQ(run({.inputPath = folder.file("L.wav.enc")}), kBadCommand);
-    EXPECT_EQ(run({.inputPath = folder.file("L.wav.enc"), .keyName = "a", .keyText = "b",
+    EXPECT_EQ(run({.inputPath = folder.file("L.wav.enc"),
+                   .keyName = "a",
+                   .keyText = "b",
                    .keyTextGiven = true}),
               kBadCommand);
     for (const std::string& line : {err.str()}) EXPECT_EQ(line.find('\n'), line.size() - 1);

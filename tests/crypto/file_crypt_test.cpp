@@ -54,8 +54,9 @@ TEST_F(FileCryptTest, RoundTripKeepsTheInputAndClearsDecryptFailed) {
     EXPECT_FALSE(outcome.DecryptFailed);
     ASSERT_EQ(prompts.transcript().size(), 1U);
     EXPECT_EQ(prompts.transcript()[0].title, "Overwrite?");
-    EXPECT_EQ(prompts.transcript()[0].text, "File " + folder.file("Letter 1.wav") +
-                                                " already exsists. Do you want to overwrite this file?");
+    EXPECT_EQ(prompts.transcript()[0].text,
+              "File " + folder.file("Letter 1.wav") +
+                  " already exsists. Do you want to overwrite this file?");
     EXPECT_EQ(platform::readWholeFile(folder.file("Letter 1.wav")), letter);
     EXPECT_TRUE(platform::fileExists(enciphered)) << "the input stays";
 }

@@ -40,11 +40,12 @@ TEST(ManualDecryptTest, NamedKeyDecryptsAndAWrongOneExplains) {
     EXPECT_FALSE(form.decryptChosenFile());
     EXPECT_EQ(prompts.transcript()[0].kind, "file");
     EXPECT_EQ(prompts.transcript()[0].title, "Get Encrypted File");
-    EXPECT_EQ(form.status(), (std::vector<std::string>{
-                                 "Your key must match the information provided by the person from "
-                                 "whom the file was sent- Unable to Decrypt file ",
-                                 "Problem Solving: ",
-                                 "To Decrypt a file: Please enter the correct key and try again."}));
+    EXPECT_EQ(form.status(),
+              (std::vector<std::string>{
+                  "Your key must match the information provided by the person from "
+                  "whom the file was sent- Unable to Decrypt file ",
+                  "Problem Solving: ",
+                  "To Decrypt a file: Please enter the correct key and try again."}));
     EXPECT_FALSE(platform::fileExists(folder.file("Letter.wav")));
 
     form.keys.chooseName("POOL");

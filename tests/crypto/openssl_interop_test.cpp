@@ -62,7 +62,9 @@ TEST_P(OpensslInterop, BothWaysByteForByte) {
     ASSERT_TRUE(platform::writeWholeFile(folder.file("plain"), plain));
 
     // Ours, then openssl's way back.
-    ASSERT_TRUE(transformFile(Direction::Encipher, folder.file("plain"), folder.file("ours.enc"), key).ok());
+    ASSERT_TRUE(
+        transformFile(Direction::Encipher, folder.file("plain"), folder.file("ours.enc"), key)
+            .ok());
     const auto ours = platform::readWholeFile(folder.file("ours.enc"));
     ASSERT_TRUE(ours);
     EXPECT_EQ(ours->size(), (param.fileBytes / 16 + 1) * 16) << "PKCS#7 always adds a block part";
@@ -72,7 +74,9 @@ TEST_P(OpensslInterop, BothWaysByteForByte) {
     // Openssl's, then ours back; and the two cipher texts are the same bytes.
     ASSERT_EQ(runOpenssl(false, key, folder.file("plain"), folder.file("theirs.enc")), 0);
     EXPECT_TRUE(platform::readWholeFile(folder.file("theirs.enc")) == ours);
-    ASSERT_TRUE(transformFile(Direction::Decipher, folder.file("theirs.enc"), folder.file("mine"), key).ok());
+    ASSERT_TRUE(
+        transformFile(Direction::Decipher, folder.file("theirs.enc"), folder.file("mine"), key)
+            .ok());
     EXPECT_TRUE(platform::readWholeFile(folder.file("mine")) == plain);
 }
 
@@ -80,15 +84,18 @@ const std::string kShortKey = "abc";
 const std::string kExactKey = "0123456789ABCDEF";
 const std::string kLongKey = "OurCoKey1Transcriber & Sons, \"Ltd\"TheirKey99";
 
-INSTANTIATE_TEST_SUITE_P(
-    SizesAndKeys, OpensslInterop,
-    ::testing::Values(InteropCase{"Empty_Short", 0, kShortKey}, InteropCase{"Empty_Exact", 0, kExactKey},
-                      InteropCase{"B15_Short", 15, kShortKey}, InteropCase{"B15_Long", 15, kLongKey},
-                      InteropCase{"B16_Exact", 16, kExactKey}, InteropCase{"B16_Long", 16, kLongKey},
-                      InteropCase{"B17_Short", 17, kShortKey}, InteropCase{"B17_Exact", 17, kExactKey},
-                      InteropCase{"B17_Long", 17, kLongKey},
-                      InteropCase{"MB50_Long", 50U * 1024U * 1024U, kLongKey}),
-    [](const auto& test) { return std::string(test.param.label); });
+INSTANTIATE_TEST_SUITE_P(SizesAndKeys, OpensslInterop,
+                         ::testing::Values(InteropCase{"Empty_Short", 0, kShortKey},
+                                           InteropCase{"Empty_Exact", 0, kExactKey},
+                                           InteropCase{"B15_Short", 15, kShortKey},
+                                           InteropCase{"B15_Long", 15, kLongKey},
+                                           InteropCase{"B16_Exact", 16, kExactKey},
+                                           InteropCase{"B16_Long", 16, kLongKey},
+                                           InteropCase{"B17_Short", 17, kShortKey},
+                                           InteropCase{"B17_Exact", 17, kExactKey},
+                                           InteropCase{"B17_Long", 17, kLongKey},
+                                           InteropCase{"MB50_Long", 50U * 1024U * 1024U, kLongKey}),
+                         [](const auto& test) { return std::string(test.param.label); });
 
 TEST(CipherKeyText, FirstSixteenBytesZeroPadded) {
     CipherKey expected{};

@@ -63,7 +63,8 @@ class TransportFiles : public ::testing::Test {
         ASSERT_TRUE(platform::writeWholeFile(letterPath, "the letter as spoken"));
     }
     std::string decipher(const std::string& path, const std::string& keyText) {
-        if (!transformFile(Direction::Decipher, path, folder.file("out"), keyFromText(keyText)).ok()) {
+        if (!transformFile(Direction::Decipher, path, folder.file("out"), keyFromText(keyText))
+                 .ok()) {
             return "<failed>";
         }
         return platform::readWholeFile(folder.file("out")).value_or("");
@@ -103,7 +104,8 @@ TEST_F(TransportFiles, FtpUploadIsEncipheredUnlessRefused) {
               "have a valid encrytion key. WARNING---Message will not be encrypted.");
 
     ASSERT_TRUE(platform::writeWholeFile(folder.file("Old.wav.enc"), "locked"));
-    const auto twice = encipherFtpUpload(folder.file("Old.wav.enc"), "SITEKEY", folder.file("FTPTemp"), prompts);
+    const auto twice =
+        encipherFtpUpload(folder.file("Old.wav.enc"), "SITEKEY", folder.file("FTPTemp"), prompts);
     ASSERT_TRUE(twice.ok());
     EXPECT_EQ(twice->remoteName, "Old.wav.enc");
     EXPECT_EQ(prompts.texts().back(),

@@ -2,7 +2,6 @@
 // setup window on Yes, and the option off for the run when it stays missing.
 
 #include "settings/delivery_startup_checks.h"
-#include "settings/delivery_defaults.h"
 
 #include <gtest/gtest.h>
 
@@ -10,6 +9,7 @@
 #include <vector>
 
 #include "platform/files.h"
+#include "settings/delivery_defaults.h"
 #include "support/scripted_prompts.h"
 #include "support/temp_folder.h"
 
@@ -27,7 +27,8 @@ class DeliveryStartupChecksTest : public ::testing::Test {
     ScriptedPrompts prompts;
     SettingsRecord record;
     std::vector<std::string> opened;
-    SetupWindows windows{[this] { opened.push_back("email"); }, [this] { opened.push_back("ftp"); }};
+    SetupWindows windows{[this] { opened.push_back("email"); },
+                         [this] { opened.push_back("ftp"); }};
 };
 
 TEST_F(DeliveryStartupChecksTest, EachMissingPieceAskedAndTheOptionOffOnNo) {
@@ -37,14 +38,18 @@ TEST_F(DeliveryStartupChecksTest, EachMissingPieceAskedAndTheOptionOffOnNo) {
         std::vector<std::string> texts;
     };
     const std::vector<Case> cases = {
-        {"no sender", {}, {kEmailNotSetUpQuestion, "Email is not setup.The Email option will now be deactivated."}},
+        {"no sender",
+         {},
+         {kEmailNotSetUpQuestion, "Email is not setup.The Email option will now be deactivated."}},
         {"no receiver",
          {{"DefaultEmail", "us@example.org"}},
          {"You have activated Email and Email has been setup. But you have not slected a default "
           "email address.Email will not function until this step has been completed!  Would you "
           "like to do so now? ",
           "An email address has not been entered.The Email option will now be deactivated."}},
-        {"all there", {{"DefaultEmail", "us@example.org"}, {"DefaultRecEMail", "pool@example.org"}}, {}},
+        {"all there",
+         {{"DefaultEmail", "us@example.org"}, {"DefaultRecEMail", "pool@example.org"}},
+         {}},
     };
     for (const auto& item : cases) {
         SCOPED_TRACE(item.label);
@@ -81,7 +86,8 @@ TEST_F(DeliveryStartupChecksTest, YesOpensTheSetupAndAFinishedSetupKeepsTheOptio
     prompts.clear();
     prompts.answerNext(Answer::Yes);
     checkDeliveryOptions(record, records, prompts, {});
-    EXPECT_EQ(prompts.texts().back(), "A defautl FTP has not been selected..The FTP option will now be deactivated.");
+    EXPECT_EQ(prompts.texts().back(),
+              "A defautl FTP has not been selected..The FTP option will now be deactivated.");
     EXPECT_FALSE(record.AutoFTP);
 }
 
@@ -95,13 +101,15 @@ TEST(DeliveryDefaultsTest, DefaultReceiverBringsItsTranscribersKey) {
     testing::TempFolder folder;
     const CompanyRecords records(folder.path());
     EXPECT_EQ(LoadDefaultEmail(records).RECEncryptKey, "") << "no files at all";
-    ASSERT_TRUE(platform::writeWholeFile(records.clientsPath(),
-                                         "[Pool]\r\nEmail=other@example.org\r\nRECEncryptKey=K1\r\n"
-                                         "[Typing]\r\nEmail=Pool@Example.org\r\nRECEncryptKey=K2\r\n"));
-    ASSERT_TRUE(platform::writeWholeFile(records.defaultsPath(),
-                                         "[DefaultEmailForCO]\r\nDefaultRecEMail=pool@example.org\r\n"
-                                         "ChkEncryptDecrypt=True\r\nChkRelayMessages=0\r\n"
-                                         "[DefaultFTPForCO]\r\nFTPServer=ftp.example.org\r\nFTPPort=21\r\n"));
+    ASSERT_TRUE(
+        platform::writeWholeFile(records.clientsPath(),
+                                 "[Pool]\r\nEmail=other@example.org\r\nRECEncryptKey=K1\r\n"
+                                 "[Typing]\r\nEmail=Pool@Example.org\r\nRECEncryptKey=K2\r\n"));
+    ASSERT_TRUE(platform::writeWholeFile(
+        records.defaultsPath(),
+        "[DefaultEmailForCO]\r\nDefaultRecEMail=pool@example.org\r\n"
+        "ChkEncryptDecrypt=True\r\nChkRelayMessages=0\r\n"
+        "[DefaultFTPForCO]\r\nFTPServer=ftp.example.org\r\nFTPPort=21\r\n"));
     const DefaultEmail email = LoadDefaultEmail(records);
     EXPECT_EQ(email.RECEncryptKey, "K2");
     EXPECT_TRUE(email.ChkEncryptDecrypt);

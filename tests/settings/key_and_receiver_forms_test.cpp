@@ -120,7 +120,8 @@ TEST_F(RecordWindowsTest, DamagedDatabasesSayAnErrorHasOccurdAndStayAsTheyWere) 
     EXPECT_FALSE(keys.Form_Load());
     EmailReceiversForm receivers(records, prompts);
     EXPECT_FALSE(receivers.Form_Load());
-    EXPECT_EQ(prompts.texts(), (std::vector<std::string>{"An Error has Occurd", "An Error has Occurd"}));
+    EXPECT_EQ(prompts.texts(),
+              (std::vector<std::string>{"An Error has Occurd", "An Error has Occurd"}));
     for (const auto which : {StationDatabase::Passwords, StationDatabase::EmailAddress}) {
         EXPECT_EQ(platform::readWholeFile(databasePath(folder.path(), which)), junk);
     }

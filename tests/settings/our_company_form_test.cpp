@@ -48,14 +48,27 @@ TEST_F(OurCompanyFormTest, SaveRulesAndTheirTexts) {
     };
     const std::vector<Case> cases = {
         {"", "Ann", "K", {}, false, {"Company Name must be entered to Save record"}},
-        {"Orvane", "Ann", "", {}, false, {"An ecryption key needs to be entered.  Please re-enter"}},
+        {"Orvane",
+         "Ann",
+         "",
+         {},
+         false,
+         {"An ecryption key needs to be entered.  Please re-enter"}},
         {"Orvane", "Ann", "   ", {}, false, {"Encryption key is blank.  Please re-enter"}},
         {"Orvane", "Ann", "a key", {}, false, {"Please try again. Spaces are not allowed"}},
         {"Orvane", "", "K", {Answer::Yes}, false, {kEmailNeedsNameQuestion}},
-        {"Orvane", "", "K", {Answer::No}, true,
+        {"Orvane",
+         "",
+         "K",
+         {Answer::No},
+         true,
          {kEmailNeedsNameQuestion, "EMail will not function--Data Not Saved",
           kCompanySavedWithoutNameMessage}},
-        {"O'Hara [Medical]", "Ann", "K", {}, true,
+        {"O'Hara [Medical]",
+         "Ann",
+         "K",
+         {},
+         true,
          {"Thank You... All required fields have been entered --- Company Information saved"}},
     };
     for (const auto& item : cases) {
@@ -87,8 +100,9 @@ TEST_F(OurCompanyFormTest, SavedKeyIsClosedAndLeavingWithChangesIsStopped) {
     prompts.clear();
     EXPECT_FALSE(again.requestClose());
     ASSERT_EQ(prompts.transcript().size(), 1U);
-    EXPECT_EQ(prompts.transcript()[0].text,
-              "City field has been changed.  The information must be saved before exiting the program.");
+    EXPECT_EQ(
+        prompts.transcript()[0].text,
+        "City field has been changed.  The information must be saved before exiting the program.");
     EXPECT_EQ(prompts.transcript()[0].title, "Information Not Saved.");
     again.setText("txtCity", "");
     EXPECT_TRUE(again.requestClose());

@@ -100,7 +100,8 @@ TEST_F(TranscriberFormTest, RequiredFieldsFollowTheDeliveriesInUse) {
         {{.email = false, .peer = true, .encipher = false},
          {{"txtRecCompanyName", "Pool"}, {"txtRecName", "Ann"}},
          "Transcibers IP Address field has not been entered-Record is not saved"},
-        {{}, {{"txtRecCompanyName", "Pool"}, {"txtRecName", "Ann"}, {"txtRecKey", "a b"}},
+        {{},
+         {{"txtRecCompanyName", "Pool"}, {"txtRecName", "Ann"}, {"txtRecKey", "a b"}},
          "Please try again. Spaces are not allowed"},
     };
     for (const auto& item : cases) {
@@ -113,7 +114,8 @@ TEST_F(TranscriberFormTest, RequiredFieldsFollowTheDeliveriesInUse) {
         EXPECT_FALSE(platform::fileExists(records.clientsPath()));
     }
     TranscriberForm form = openForm({.email = true, .peer = true, .encipher = true});
-    for (const char* control : {"txtRecCompanyName", "txtRecName", "txtRecPTPHostIP", "txtRecEmail", "txtRecKey"}) {
+    for (const char* control :
+         {"txtRecCompanyName", "txtRecName", "txtRecPTPHostIP", "txtRecEmail", "txtRecKey"}) {
         EXPECT_TRUE(form.required(control)) << control;
     }
     EXPECT_FALSE(form.required("txtRecCity"));
@@ -128,8 +130,12 @@ TEST_F(TranscriberFormTest, FirstSixCharactersMustDiffer) {
         const char* name;
         bool accepted;
     };
-    const Case cases[] = {{"Typing Services", false}, {"TYPINGs", false}, {"typing", false},
-                          {"Typist", true},           {"Annex", true},    {"Ann Ltd", true},
+    const Case cases[] = {{"Typing Services", false},
+                          {"TYPINGs", false},
+                          {"typing", false},
+                          {"Typist", true},
+                          {"Annex", true},
+                          {"Ann Ltd", true},
                           {"Anne", true}};
     for (const auto& item : cases) {
         prompts.clear();
@@ -154,7 +160,8 @@ TEST_F(TranscriberFormTest, KeyWithABlankIsRefusedOnEntry) {
     for (const char* key : {"two words", " lead", "tab\there"}) {
         prompts.clear();
         EXPECT_FALSE(form.enterKey(key));
-        EXPECT_EQ(prompts.texts(), std::vector<std::string>{"Please try again. Spaces are not allowed"});
+        EXPECT_EQ(prompts.texts(),
+                  std::vector<std::string>{"Please try again. Spaces are not allowed"});
         EXPECT_EQ(form.text("txtRecKey"), "");
     }
 }
@@ -168,7 +175,8 @@ TEST_F(TranscriberFormTest, LeavingWithChangesAsksPerField) {
     const Case cases[] = {
         {"txtRecName", "The Transcribers name has changed but the information has not been saved."},
         {"txtRecZip", "The Transcriber zip has changed but the information has not been saved."},
-        {"txtRecEmail", "The Transcriber Email address has changed but the information has not been saved."},
+        {"txtRecEmail",
+         "The Transcriber Email address has changed but the information has not been saved."},
     };
     for (const auto& item : cases) {
         TranscriberForm form = openForm();

@@ -15,7 +15,8 @@ class RecordsMenuTest : public StationWindowTest {};
 
 TEST_F(RecordsMenuTest, EntriesAreEnabledAndOpenTheirWindows) {
     window().render();
-    for (const char* name : {"mnCompanyInfo", "mnTranscribers", "mnemail", "mnPasswords", "mnDecrypt"}) {
+    for (const char* name :
+         {"mnCompanyInfo", "mnTranscribers", "mnemail", "mnPasswords", "mnDecrypt"}) {
         auto* entry = window().findChild<QAction*>(name);
         ASSERT_NE(entry, nullptr) << name;
         EXPECT_TRUE(entry->isEnabled()) << name;

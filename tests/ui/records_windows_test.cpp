@@ -1,6 +1,8 @@
 // The delivery record windows on the offscreen platform: each is filled as a user
 // would, saved, and its file or database read back from disk.
 
+#include <gtest/gtest.h>
+
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
@@ -8,14 +10,12 @@
 #include <QLineEdit>
 #include <QPushButton>
 
-#include <gtest/gtest.h>
-
+#include "crypto/file_crypt.h"
 #include "platform/files.h"
 #include "settings/company_records.h"
+#include "settings/email_sites_tables.h"
 #include "settings/ini_store.h"
 #include "settings/passwords_tables.h"
-#include "settings/email_sites_tables.h"
-#include "crypto/file_crypt.h"
 #include "support/scripted_prompts.h"
 #include "support/temp_folder.h"
 #include "ui/email_receivers_window.h"
@@ -101,7 +101,8 @@ TEST_F(RecordsWindowsTest, EmailReceiversWindowSavesToTheDatabase) {
     ASSERT_TRUE(row);
     EXPECT_EQ(row->EmailEmailAddress, "pool@example.org");
     EXPECT_EQ(row->EmailINITS, "PL");
-    EXPECT_EQ(records.defaults().ReadKey("DefaultEmailForCO", "DefaultRecEMail"), "pool@example.org");
+    EXPECT_EQ(records.defaults().ReadKey("DefaultEmailForCO", "DefaultRecEMail"),
+              "pool@example.org");
     EXPECT_EQ(window.lblDefault()->text(), "pool@example.org");
 }
 

@@ -7,7 +7,6 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPixmap>
-
 #include <iostream>
 
 #include "crypto/manual_decrypt.h"
@@ -33,7 +32,8 @@ void save(QWidget& window, const std::string& folder, const char* name) {
     window.adjustSize();
     for (int i = 0; i < 20; ++i) QApplication::processEvents();
     const std::string path = platform::joinPath(folder, name);
-    if (!window.grab().save(QString::fromStdString(path))) std::cerr << "can't write " << path << '\n';
+    if (!window.grab().save(QString::fromStdString(path)))
+        std::cerr << "can't write " << path << '\n';
     window.hide();
 }
 
@@ -66,14 +66,16 @@ int main(int argc, char** argv) {
         save(window, output, "records-company.png");
     }
     {
-        ui::TranscriberWindow window(records, prompts, {.email = true, .peer = false, .encipher = true});
+        ui::TranscriberWindow window(records, prompts,
+                                     {.email = true, .peer = false, .encipher = true});
         fill(window.box("txtRecCompanyName"), "Typing Pool Ltd");
         fill(window.box("txtRecName"), "Mary Walsh");
         fill(window.box("txtRecEmail"), "mary@typingpool.example");
         save(window, output, "records-transcriber.png");
     }
     {
-        settings::EmailReceiversTable(data.path()).saveReceiver({"Typing Pool Ltd", "mary@typingpool.example", "PoolKey7", "TP", false});
+        settings::EmailReceiversTable(data.path())
+            .saveReceiver({"Typing Pool Ltd", "mary@typingpool.example", "PoolKey7", "TP", false});
         ui::EmailReceiversWindow window(records, prompts);
         window.cboCo()->textActivated("Typing Pool Ltd");
         window.makeDefault();
