@@ -80,11 +80,18 @@ std::unique_ptr<ovd::platform::Prompts> makePrompts(bool headless,
 }  // namespace
 
 int main(int argc, char** argv) {
-    // Before Qt starts any thread, so that every thread has these signals blocked.
-    ovd::platform::TerminationSignals terminationSignals;
-
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     ovd::app::StationOptions options = ovd::app::parseCommandLine(arguments);
+    // The decryptor is a plain command: Ctrl-C stops it as it stops any other.
+    if (options.error.empty() && !options.decryptFile.empty()) {
+        return ovd::crypto::runDecryptCommand(
+            {options.decryptFile, options.keyName, options.keyText, options.keyTextGiven,
+             options.outputFile,
+             options.dataFolder.empty() ? ovd::platform::defaultDataFolder() : options.dataFolder},
+            std::cout, std::cerr);
+    }
+    // Before Qt starts any thread, so that every thread has these signals blocked.
+    ovd::platform::TerminationSignals terminationSignals;
     if (!options.error.empty()) {
         std::cerr << "orvane-voice-desk: " << options.error << "\n\n"
                   << ovd::app::usageText("orvane-voice-desk");
@@ -97,13 +104,6 @@ int main(int argc, char** argv) {
     if (options.showVersion) {
         std::cout << "orvane-voice-desk " << kVersion << '\n';
         return 0;
-    }
-    if (!options.decryptFile.empty()) {
-        return ovd::crypto::runDecryptCommand(
-            {options.decryptFile, options.keyName, options.keyText, options.keyTextGiven,
-             options.outputFile,
-             options.dataFolder.empty() ? ovd::platform::defaultDataFolder() : options.dataFolder},
-            std::cout, std::cerr);
     }
     if (!options.headless && !displayAvailable()) {
         std::cerr << "orvane-voice-desk: no display; running headless\n";
