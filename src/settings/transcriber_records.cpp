@@ -55,6 +55,8 @@ platform::Result<void> TranscriberStore::save(const TranscriberRecord& record,
         doc->removeSection(previousName);
     }
     for (const auto key : kTranscriberKeys) doc->setValue(section, key, record.get(key));
+    // Keys this station does not know travel with the record, so a rename keeps them.
+    for (const auto& [key, value] : record.values) doc->setValue(section, key, value);
     if (!platform::replaceFile(records_.clientsPath(), doc->serialise(), /*ownerOnly=*/true)) {
         return platform::systemFailure("Can't write " + records_.clientsPath(), errno);
     }

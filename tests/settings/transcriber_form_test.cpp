@@ -230,3 +230,29 @@ TEST_F(TranscriberFormTest, ClipboardAndDamagedFile) {
 
 }  // namespace
 }  // namespace ovd::settings
+
+namespace ovd::settings {
+namespace {
+
+TEST(TranscriberStoreTest, RenameMovesTheWholeSectionAndLeavesOthers) {
+    testing::TempFolder folder;
+    const CompanyRecords records(folder.path());
+    ASSERT_TRUE(platform::writeWholeFile(
+        records.clientsPath(),
+        "; kept\r\n[Old Name]\r\nCompanyName=Old Name\r\nName=Ann\r\n"
+        "LocalNote=from another tool\r\n[Other]\r\nCompanyName=Other\r\n"));
+    const TranscriberStore store(records);
+    auto record = store.load("old name");
+    ASSERT_TRUE(record.ok());
+    record->set("CompanyName", "New Name");
+    ASSERT_TRUE(store.save(*record, "Old Name").ok());
+    EXPECT_EQ(store.companies().value(), (std::vector<std::string>{"Other", "New Name"}));
+    const IniStore clients = records.clients();
+    EXPECT_EQ(clients.ReadKey("New Name", "Name"), "Ann");
+    EXPECT_EQ(clients.ReadKey("New Name", "LocalNote"), "from another tool");
+    EXPECT_EQ(clients.ReadKey("Other", "CompanyName"), "Other");
+    EXPECT_EQ(platform::readWholeFile(records.clientsPath())->substr(0, 8), "; kept\r\n");
+}
+
+}  // namespace
+}  // namespace ovd::settings
