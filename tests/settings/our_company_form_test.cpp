@@ -81,6 +81,13 @@ TEST_F(OurCompanyFormTest, SaveRulesAndTheirTexts) {
         EXPECT_EQ(readOurCompany(records).g_strOrganization, item.saved ? item.company : "");
     }
     EXPECT_EQ(readOurCompany(records).g_strSaveOurCompanyKey, "K");
+
+    // A long key comes back whole: settings reads stop at 99 characters, keys must not.
+    const std::string longKey(200, 'k');
+    std::remove(records.ourCompanyPath().c_str());
+    OurCompanyForm form = filledForm("Orvane", "Ann", longKey);
+    ASSERT_TRUE(form.save());
+    EXPECT_EQ(readOurCompany(records).g_strSaveOurCompanyKey, longKey);
 }
 
 TEST_F(OurCompanyFormTest, SavedKeyIsClosedAndLeavingWithChangesIsStopped) {
