@@ -3,6 +3,7 @@
 #include "settings/company_records.h"
 #include "settings/delivery_defaults.h"
 #include "settings/our_company_form.h"
+#include "ui/company_info_window.h"
 #include "ui/email_receivers_window.h"
 #include "ui/key_records_window.h"
 #include "ui/manual_decrypt_window.h"
@@ -18,6 +19,9 @@ void showRecordsWindow(RecordsWindow which, QWidget* parent, const std::string& 
     switch (which) {
         case RecordsWindow::OurCompany:
             openOurCompany();
+            return;
+        case RecordsWindow::CompanyAndMail:
+            CompanyInfoWindow(records, prompts, parent).exec();
             return;
         case RecordsWindow::Transcribers:
             if (!settings::ensureOurCompany(records, prompts, openOurCompany)) return;

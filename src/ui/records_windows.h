@@ -12,6 +12,7 @@ namespace ovd::ui {
 
 enum class RecordsWindow {
     OurCompany,      // FTPfrmInformation
+    CompanyAndMail,  // frmCompInfo
     Transcribers,    // FTPfrmReceiverInfo
     EmailReceivers,  // frmEmailSetup
     DecryptionKeys,  // frmPasswords

@@ -129,6 +129,7 @@ void StationMenus::buildConfiguration() {
         };
     };
     add(configuration, "mnCompanyInfo", QObject::tr("Company Information..."), records(RecordsWindow::OurCompany));
+    add(configuration, "mnCompInfo", QObject::tr("Company and Mail Accounts..."), records(RecordsWindow::CompanyAndMail));
     add(configuration, "mnTranscribers", QObject::tr("Transcribers..."), records(RecordsWindow::Transcribers));
     add(configuration, "mnemail", QObject::tr("Configure Email..."), records(RecordsWindow::EmailReceivers));
     addGreyed(configuration, "mnFTP", QObject::tr("Configure FTP..."));

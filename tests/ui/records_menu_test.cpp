@@ -16,7 +16,7 @@ class RecordsMenuTest : public StationWindowTest {};
 TEST_F(RecordsMenuTest, EntriesAreEnabledAndOpenTheirWindows) {
     window().render();
     for (const char* name :
-         {"mnCompanyInfo", "mnTranscribers", "mnemail", "mnPasswords", "mnDecrypt"}) {
+         {"mnCompanyInfo", "mnCompInfo", "mnTranscribers", "mnemail", "mnPasswords", "mnDecrypt"}) {
         auto* entry = window().findChild<QAction*>(name);
         ASSERT_NE(entry, nullptr) << name;
         EXPECT_TRUE(entry->isEnabled()) << name;

@@ -18,6 +18,7 @@
 #include "settings/passwords_tables.h"
 #include "support/scripted_prompts.h"
 #include "support/temp_folder.h"
+#include "ui/company_info_window.h"
 #include "ui/email_receivers_window.h"
 #include "ui/key_records_window.h"
 #include "ui/manual_decrypt_window.h"
@@ -86,6 +87,25 @@ TEST_F(RecordsWindowsTest, OurCompanyWindowSavesToOurCompanyInfo) {
     EXPECT_TRUE(window.box("txtKeyInfo")->isReadOnly());
     click(window, settings::kEditEncryptionKeyCommand);
     EXPECT_FALSE(window.box("txtKeyInfo")->isReadOnly());
+}
+
+TEST_F(RecordsWindowsTest, CompanyInfoWindowSavesCompanyAndMailAccount) {
+    CompanyInfoWindow window(records, prompts);
+    type(window.box("txtCompanyName"), "Orvane Medical");
+    type(window.box("txtName"), "Dr Who");
+    type(window.box("txtKeyInfo"), "OurKey");
+    window.cboAccount()->setCurrentIndex(1);
+    window.senderBox(3)->setText("desk@orvane.example");
+    window.senderBox(6)->setText("smtp.orvane.example");
+    click(window, "cmdSave");
+    const settings::IniStore ours = records.ourCompany();
+    EXPECT_EQ(ours.ReadKey("Company", "CompanyName"), "Orvane Medical");
+    EXPECT_EQ(ours.ReadKey("Company", "Email2"), "desk@orvane.example");
+    EXPECT_EQ(ours.ReadKey("Company", "RelayServer2"), "smtp.orvane.example");
+    EXPECT_EQ(ours.ReadKey("Company", "Email1"), "");
+    EXPECT_EQ(records.LoadOurEmails(), (std::vector<std::string>{"desk@orvane.example"}));
+    window.cboAccount()->setCurrentIndex(0);
+    EXPECT_EQ(window.senderBox(3)->text(), "");
 }
 
 TEST_F(RecordsWindowsTest, EmailReceiversWindowSavesToTheDatabase) {

@@ -17,6 +17,7 @@
 #include "settings/passwords_tables.h"
 #include "support/scripted_prompts.h"
 #include "support/temp_folder.h"
+#include "ui/company_info_window.h"
 #include "ui/email_receivers_window.h"
 #include "ui/key_records_window.h"
 #include "ui/manual_decrypt_window.h"
@@ -64,6 +65,12 @@ int main(int argc, char** argv) {
         fill(window.box("txtKeyInfo"), "OrvKey2024");
         window.save();
         save(window, output, "records-company.png");
+    }
+    {
+        ui::CompanyInfoWindow window(records, prompts);
+        window.senderBox(3)->setText("desk@orvane.example");
+        window.senderBox(6)->setText("smtp.orvane.example");
+        save(window, output, "records-company-and-mail.png");
     }
     {
         ui::TranscriberWindow window(records, prompts,
