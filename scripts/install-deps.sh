@@ -7,6 +7,7 @@ packages=(
     build-essential cmake ninja-build pkg-config git
     qt6-base-dev libgl-dev
     libsqlite3-dev sqlite3
+    libssl-dev openssl
     libsndfile1-dev libavcodec-dev libavformat-dev libavutil-dev libswresample-dev
     libpulse-dev pulseaudio pulseaudio-utils
     espeak-ng sox libsox-fmt-all ffmpeg lame

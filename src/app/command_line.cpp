@@ -43,6 +43,15 @@ StationOptions parseCommandLine(const std::vector<std::string>& arguments) {
                 options.error = "--order-port takes a port number from 1 to 65535";
             }
             options.orderPort = number;
+        } else if (argument == "--decrypt") {
+            takeValue(options.decryptFile);
+        } else if (argument == "--key-name") {
+            takeValue(options.keyName);
+        } else if (argument == "--key-text") {
+            takeValue(options.keyText);
+            options.keyTextGiven = true;
+        } else if (argument == "--output") {
+            takeValue(options.outputFile);
         } else if (argument.rfind("--", 0) == 0) {
             options.error = "unknown option " + argument;
         } else if (options.fileName.empty()) {
@@ -51,6 +60,11 @@ StationOptions parseCommandLine(const std::vector<std::string>& arguments) {
             options.error = "only one file name can be given";
         }
         if (!options.error.empty()) break;
+    }
+    const bool keyGiven = !options.keyName.empty() || options.keyTextGiven;
+    if (options.error.empty() && options.decryptFile.empty() &&
+        (keyGiven || !options.outputFile.empty())) {
+        options.error = "--key-name, --key-text and --output go with --decrypt";
     }
     // Folder settings are placed below the data folder: a relative one would
     // move with the current directory, and the next start would nest it again.
@@ -75,6 +89,10 @@ std::string usageText(const std::string& program) {
            "  --virtual-input F  a WAV file the virtual microphone plays in a loop\n"
            "  --order-port PORT  where the peer's orders are heard when the TCP link is\n"
            "                     on (default 2013), for a second station on one machine\n"
+           "  --decrypt FILE     decrypt a received .enc file with no window, with\n"
+           "    --key-name NAME  the key of that name in the decryption keys, or\n"
+           "    --key-text TEXT  the key text itself; the result goes beside the file\n"
+           "    --output FILE    (or here); exit status 0 decrypted, 1 not, 2 misused\n"
            "  --version          print the version and stop\n"
            "  --help             print this text and stop\n"
            "  file               a recording to dictate into\n";

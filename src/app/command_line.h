@@ -16,6 +16,12 @@ struct StationOptions {
     std::string audio = "auto";  // "auto", "pulse" or "virtual"
     std::string virtualInput;    // a WAV file for the virtual microphone
     int orderPort = 2013;        // where the peer's orders are heard
+    // The decryptor without a window: the file, and its key by name or as text.
+    std::string decryptFile;
+    std::string keyName;
+    std::string keyText;
+    bool keyTextGiven = false;
+    std::string outputFile;
     std::string fileName;     // the file named on the command line, quotes removed
     std::string error;        // set when the command line can't be used
 };

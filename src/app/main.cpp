@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "app/command_line.h"
+#include "crypto/decrypt_command.h"
 #include "dictation/hand_off.h"
 #include "engine/backend_choice.h"
 #include "platform/files.h"
@@ -26,6 +27,7 @@
 #include "ui/desk_unit_panel.h"
 #include "ui/qt_event_loop.h"
 #include "ui/qt_prompts.h"
+#include "ui/records_windows.h"
 #include "ui/reconnection_dialog.h"
 #include "ui/scan_convert_window.h"
 #include "ui/station_window.h"
@@ -78,11 +80,18 @@ std::unique_ptr<ovd::platform::Prompts> makePrompts(bool headless,
 }  // namespace
 
 int main(int argc, char** argv) {
-    // Before Qt starts any thread, so that every thread has these signals blocked.
-    ovd::platform::TerminationSignals terminationSignals;
-
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     ovd::app::StationOptions options = ovd::app::parseCommandLine(arguments);
+    // The decryptor is a plain command: Ctrl-C stops it as it stops any other.
+    if (options.error.empty() && !options.decryptFile.empty()) {
+        return ovd::crypto::runDecryptCommand(
+            {options.decryptFile, options.keyName, options.keyText, options.keyTextGiven,
+             options.outputFile,
+             options.dataFolder.empty() ? ovd::platform::defaultDataFolder() : options.dataFolder},
+            std::cout, std::cerr);
+    }
+    // Before Qt starts any thread, so that every thread has these signals blocked.
+    ovd::platform::TerminationSignals terminationSignals;
     if (!options.error.empty()) {
         std::cerr << "orvane-voice-desk: " << options.error << "\n\n"
                   << ovd::app::usageText("orvane-voice-desk");
@@ -197,6 +206,12 @@ int main(int argc, char** argv) {
         window->onAutoSend = [&station] { station.autoSendMenu().mnAutoSend_Click(); };
         window->autoSendCaption = [&station] { return station.autoSendMenu().Caption; };
         static_cast<ovd::ui::QtPrompts&>(*prompts).setMainWindow(window.get());
+        const auto setup = [&window, &config, &prompts, dataFolder](ovd::ui::RecordsWindow which) {
+            return [&window, &config, &prompts, dataFolder, which] {
+                ovd::ui::showRecordsWindow(which, window.get(), dataFolder, *prompts, config.record);
+            };
+        };
+        station.setupWindows.emailSetup = setup(ovd::ui::RecordsWindow::EmailReceivers);
         // The window owns its dialog.
         auto* reconnection =
             new ovd::ui::ReconnectionDialogWindow(station.peerLink(), window.get());

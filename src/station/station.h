@@ -21,6 +21,7 @@
 #include "platform/prompts.h"
 #include "platform/timer.h"
 #include "settings/config_file.h"
+#include "settings/delivery_startup_checks.h"
 #include "settings/event_log.h"
 #include "settings/passwords_tables.h"
 #include "station/delivery_wiring.h"
@@ -90,6 +91,8 @@ class Station {
     // go to the event log.
     void openScanConvertByHand();  // mnuScanConvert_Click
     std::function<void(conversion::ScanConvert&)> onShowScanConvert;
+    // The setup windows the start-up checks of delivery open on Yes; none headless.
+    settings::SetupWindows setupWindows;
 
   private:
     bool loadRecordingDevice();

@@ -139,6 +139,8 @@ void Station::loadPedalsAndDelivery() {
               platform::boolText(record.UserSelectGame) + ", serial " +
               platform::boolText(record.UserSelectSerial));
     createDestinationFolders();
+    settings::checkDeliveryOptions(parts_.config.record, settings::CompanyRecords(parts_.dataFolder),
+                                   parts_.prompts, setupWindows);
     loadAutoSend();
 
     if (record.QDUDisconnected) {

@@ -7,6 +7,7 @@
 #include "devices/hands_free.h"
 #include "dictation/dictation.h"
 #include "settings/config_file.h"
+#include "ui/records_windows.h"
 #include "ui/station_window.h"
 
 namespace ovd::ui {
@@ -122,9 +123,18 @@ void StationMenus::buildConfiguration() {
     addGreyed(configuration, "mnuSpeakers", QObject::tr("Speakers..."));
     addGreyed(configuration, "mnuFilePurge", QObject::tr("Scheduled Deletion..."));
     configuration->addSeparator();
-    addGreyed(configuration, "mnemail", QObject::tr("Configure Email..."));
+    const auto records = [this](RecordsWindow which) {
+        return [this, which] {
+            showRecordsWindow(which, &window_, parts_.config.dataFolder(), parts_.prompts, parts_.config.record);
+        };
+    };
+    add(configuration, "mnCompanyInfo", QObject::tr("Company Information..."), records(RecordsWindow::OurCompany));
+    add(configuration, "mnCompInfo", QObject::tr("Company and Mail Accounts..."), records(RecordsWindow::CompanyAndMail));
+    add(configuration, "mnTranscribers", QObject::tr("Transcribers..."), records(RecordsWindow::Transcribers));
+    add(configuration, "mnemail", QObject::tr("Configure Email..."), records(RecordsWindow::EmailReceivers));
     addGreyed(configuration, "mnFTP", QObject::tr("Configure FTP..."));
-    addGreyed(configuration, "mnDecrypt", QObject::tr("Decrypt a File..."));
+    add(configuration, "mnPasswords", QObject::tr("Decryption Keys..."), records(RecordsWindow::DecryptionKeys));
+    add(configuration, "mnDecrypt", QObject::tr("Decrypt a File..."), records(RecordsWindow::ManualDecrypt));
 }
 
 void StationMenus::buildPedals() {

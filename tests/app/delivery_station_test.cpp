@@ -58,6 +58,11 @@ TEST(DeliveryStationTest, EndOfLetterDeliversToThreeFoldersStagesAndThePeerHears
         r.SendToThree = folders[2];
         r.AutoEmail = r.AutoFTP = true;
     });
+    // E-mail and FTP set up, so the start-up checks leave both on.
+    ASSERT_TRUE(platform::writeWholeFile(
+        station.folder.file("DefaultInfo.ini"),
+        "[DefaultEmailForCO]\r\nDefaultEmail=us@example.org\r\nDefaultRecEMail=pool@example.org\r\n"
+        "[DefaultFTPForCO]\r\nFTPServer=127.0.0.1\r\n"));
     station.start({"--order-port", std::to_string(orderPort)});
 
     // The new file is announced as it is named and again once it is ready.

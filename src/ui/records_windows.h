@@ -1,0 +1,26 @@
+#pragma once
+// Opening the delivery record windows from the menus and from the start-up checks:
+// each modal over the main window, the company asked for first where one is needed.
+
+#include <QWidget>
+#include <string>
+
+#include "platform/prompts.h"
+#include "settings/settings_record.h"
+
+namespace ovd::ui {
+
+enum class RecordsWindow {
+    OurCompany,      // FTPfrmInformation
+    CompanyAndMail,  // frmCompInfo
+    Transcribers,    // FTPfrmReceiverInfo
+    EmailReceivers,  // frmEmailSetup
+    DecryptionKeys,  // frmPasswords
+    ManualDecrypt,   // frmManuallyDecrypt
+};
+
+// Returns when the window closes.
+void showRecordsWindow(RecordsWindow which, QWidget* parent, const std::string& dataFolder,
+                       platform::Prompts& prompts, const settings::SettingsRecord& record);
+
+}  // namespace ovd::ui
