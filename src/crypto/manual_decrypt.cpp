@@ -46,9 +46,8 @@ bool ManualDecryptForm::saveDecryptedFile() {
     request.filters = {{"All Files", {"*.*"}}};
     const auto chosen = prompts_.chooseFile(request);
     if (!chosen || *chosen == decryptedPath_) return false;
-    std::string reason;
-    if (!platform::copyFileOver(decryptedPath_, *chosen, &reason)) {
-        prompts_.showMessage(reason, {}, platform::Severity::Warning);
+    if (auto copied = platform::copyFileOver(decryptedPath_, *chosen); !copied) {
+        prompts_.showMessage(copied.error(), {}, platform::Severity::Warning);
         return false;
     }
     return true;

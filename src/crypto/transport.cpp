@@ -68,8 +68,9 @@ platform::Result<std::string> encipherEmailAttachment(const EmailEncipherRequest
     const std::string tempFolder = platform::joinPath(request.dataFolder, kEmailTempFolderName);
     if (!platform::createFolder(tempFolder)) return notAttached("Can't make " + tempFolder);
     const std::string copy = platform::joinPath(tempFolder, fileName);
-    std::string reason;
-    if (!platform::copyFileOver(request.filePath, copy, &reason)) return notAttached(reason);
+    if (auto copied = platform::copyFileOver(request.filePath, copy); !copied) {
+        return notAttached(copied.error());
+    }
 
     const auto enciphered = EncryptFile(
         copy, emailSendingKeyText(request.ourKey, request.receiverCompany, request.receiverKey),
@@ -107,8 +108,7 @@ platform::Result<FtpUpload> encipherFtpUpload(const std::string& filePath,
         return platform::failure("Can't make " + ftpTempFolder);
     }
     const std::string copy = platform::joinPath(ftpTempFolder, fileName);
-    std::string reason;
-    if (!platform::copyFileOver(filePath, copy, &reason)) return platform::failure(reason);
+    if (auto copied = platform::copyFileOver(filePath, copy); !copied) return copied.failed();
     const auto enciphered = EncryptFile(copy, ftpSendingKeyText(siteKey), prompts);
     std::remove(copy.c_str());
     if (!enciphered) return enciphered.failed();

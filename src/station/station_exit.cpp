@@ -51,7 +51,7 @@ void Station::Form_Unload() {
     // start, and the rest of the load never comes.
     loadOnAfterRecovery_.setEnabled(false);
     if (scanConvert_) {
-        scanConvert_->Timer1.setEnabled(false);
+        scanConvert_->recoveryDelay.setEnabled(false);
         scanConvert_->onRecovered = nullptr;
     }
     dictation::Dictation& d = *dictation_;
