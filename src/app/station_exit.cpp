@@ -30,9 +30,9 @@ void Station::TCPSaysClose() {
     parts_.config.WriteConfig();
     dictation::Dictation& d = *dictation_;
     d.state.TCPClose = true;
-    d.Image10_Click();
+    d.closeFile();
     d.state.TCPClose = false;
-    d.Timer28.setEnabled(true);
+    d.handOffLookTimer.setEnabled(true);
 }
 
 void Station::KillAllPedals() { handsFree_->stop(); }
@@ -50,12 +50,12 @@ void Station::Form_Unload() {
     dictation::Dictation& d = *dictation_;
     d.state.Imclosing = true;
     d.tmCommand.setEnabled(false);
-    d.Timer28.setEnabled(false);
-    d.Timer34.setEnabled(false);
+    d.handOffLookTimer.setEnabled(false);
+    d.handOffWaitTimer.setEnabled(false);
     peerLink_.stop();
     autoSendMenu_.tmchkAutoSend.setEnabled(false);
     companion_.stop();
-    if (d.state.FileChanged) d.Image10_Click();
+    if (d.state.FileChanged) d.closeFile();
     closeWorkFiles();
     KillAllPedals();
     settings::SettingsRecord& record = parts_.config.record;

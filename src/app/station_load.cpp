@@ -62,8 +62,8 @@ LoadResult Station::Form_Load() {
     settings::EventLog& log = parts_.log;
 
     log.trace("Loading: program folder " + parts_.programFolder + ", data folder " + parts_.dataFolder);
-    d.Timer28.setInterval(50);
-    d.Timer34.setEnabled(false);
+    d.handOffLookTimer.setInterval(50);
+    d.handOffWaitTimer.setEnabled(false);
     d.state.CommandFileName = parts_.commandFileName;
     if (!d.state.CommandFileName.empty()) {
         log.trace("Received Command line File Name = " + d.state.CommandFileName);
@@ -136,7 +136,7 @@ LoadResult Station::Form_Load() {
     d.view.cmdEOL = false;
     d.view.caption = dictation::applicationTitle(record.HandsFreeEdition);
     d.state.OnLoad = false;
-    d.naming.ComnboFill();
+    d.naming.ComboFill();
     log.trace("Loading: done, view " + record.ScreenSize);
     return LoadResult::Ready;
 }

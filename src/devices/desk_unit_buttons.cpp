@@ -109,28 +109,28 @@ void SwitchModel::runButtonAction(const std::string& action, int buttonNumber) {
     if (action == "Rewind") {
         if (!bar.Prev) return;
         hits_.HandSetHitNotHit = true;
-        d_.MMControl1_PrevClick();
+        d_.goToBeginning();
     } else if (action == "FastForward") {
         if (!bar.Next) return;
         hits_.HandSetHitNotHit = true;
-        d_.MMControl1_NextClick();
+        d_.goToEnd();
     } else if (action == "EOL") {
         // The end of an insert is its own Stop; a letter never ends in the middle of one.
         if (state_.DoingInsertUpdate) return;
         hits_.HandSetHitNotHit = true;
         SwitchCommand("EOL");
     } else if (action == "New") {
-        d_.Image2_Click();
+        d_.newLetter();
     } else if (action == "Open") {
-        d_.Image3_Click();
+        d_.openLetter();
     } else if (action == "Close") {
-        d_.Image10_Click();
+        d_.closeFile();
     } else if (action == "Exit") {
         letters_.exitProgram();
     } else if (action == "AddBeg") {
         view_.Lbl4Pos = dictation::kSwitchDictate;
         shown();
-        d_.Command1_Click();
+        d_.addToBeginning();
     } else if (action == "RenameFile") {
         renameFile();
     } else if (action == "Previous") {
@@ -156,7 +156,7 @@ void SwitchModel::runButtonAction(const std::string& action, int buttonNumber) {
 
 void SwitchModel::stopAndClose() {
     StopClick();
-    d_.Image10_Click();
+    d_.closeFile();
 }
 
 void SwitchModel::renameFile() {
@@ -192,7 +192,7 @@ void SwitchModel::stepThroughRecentFiles(int step) {
         return;
     }
     state_.PreviousNextFile = wanted;
-    d_.OpenMyList(entries[static_cast<std::size_t>(wanted)]);
+    d_.openRecentFile(entries[static_cast<std::size_t>(wanted)]);
 }
 
 void SwitchModel::eraseFile() {
@@ -283,7 +283,7 @@ void SwitchModel::stageForSending(Staging staging) {
         const std::string path = state_.Filename;
         stopAndClose();
         letters_.stageForSending(staging, path);
-        d_.Image2_Click();
+        d_.newLetter();
         return;
     }
     shown();

@@ -71,7 +71,7 @@ void EndOfLetter::endOfLetter() {
 
     SaveFileNameForSending = state.Filename;
     const std::string commandFileName = state.CommandFileName;
-    d_.Image10_Click();
+    d_.closeFile();
     // A take too short to save leaves no letter on disk even when it counts as
     // recorded; waiting for that file would hold the station for ever, so it is
     // treated as a letter with nothing worth keeping.
@@ -84,7 +84,7 @@ void EndOfLetter::endOfLetter() {
         showReady();
         if (commandFileName.empty()) {
             log_.trace(" Calling Image2_Click from HandSetSwitchs3");
-            d_.Image2_Click();
+            d_.newLetter();
         }
         state.CommandFileName.clear();
         state.FileKilled = false;
@@ -110,14 +110,14 @@ void EndOfLetter::endOfLetter() {
         // waits for the next name rather than numbering a file of its own.
         state.CommandFileName.clear();
         d_.ResetRecorderState();
-        d_.Timer28.setEnabled(true);
+        d_.handOffLookTimer.setEnabled(true);
         DoingEOL = false;
         return;
     }
     log_.trace(" Calling Image2_Click from HandSetSwitchs3-1");
     if (!record.ExitAtEOL) {
         ExitRequested = false;
-        d_.Image2_Click();
+        d_.newLetter();
     } else {
         ExitRequested = true;
     }
@@ -156,7 +156,7 @@ void EndOfLetter::sendToDestination(int destination, const std::string& path,
     d_.view.Label40 = dictation::kReadyAfterSave;
     showReady();
     // A file named from outside waits for its next name; otherwise the next letter begins.
-    if (!d_.state.commandLine.CommandLineLaunched) d_.Image2_Click();
+    if (!d_.state.commandLine.CommandLineLaunched) d_.newLetter();
 }
 
 void EndOfLetter::stageForSending(Staging staging, const std::string& path) {

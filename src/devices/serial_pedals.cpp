@@ -71,7 +71,7 @@ void SerialPedals::OpenSerialPedals() {
 
 void SerialPedals::startPedal() {
     port_.resetPedal();
-    host_.clearLabel17();
+    host_.clearDeskUnitNotice();
     decoder_.clearLastSerCode();
     // Whatever the pedal sent while powering up is no press.
     for (int i = 0; i < kDrainReads; ++i) (void)port_.readByte();
@@ -195,7 +195,7 @@ void SerialPedals::mnuComPortItem(int index) {
         reportPortError(*error, oldPort);
         return;
     }
-    host_.clearLabel17();
+    host_.clearDeskUnitNotice();
     config_.WriteConfig();
 }
 

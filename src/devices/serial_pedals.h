@@ -45,7 +45,7 @@ class SerialPedalsHost {
     virtual void uncheckOtherFootPedalMenus() = 0;
     // frmConfigSERFootPedals, modally.
     virtual void showConfigSERFootPedals() = 0;
-    virtual void clearLabel17() = 0;
+    virtual void clearDeskUnitNotice() = 0;
     // A port change takes effect at the next start: the program ends here.
     virtual void endProgram() = 0;
     // The pedal's port could not be opened (or went away), with the reason; told

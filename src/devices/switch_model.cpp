@@ -153,7 +153,7 @@ void SwitchModel::listen() {
         state_.PausedRecording = false;
         rereadPosition();
         state_.JustOpened = false;
-        d_.MMControl1_PlayClick();
+        d_.play();
         return;
     }
     state_.PausedRecording = false;
@@ -248,7 +248,7 @@ bool SwitchModel::record(bool plainRecord) {
 void SwitchModel::stepForward() {
     endTakeAndDisarm();
     shown();
-    d_.MMControl1_StepClick();
+    d_.stepForward();
 }
 
 void SwitchModel::arm(bool overwrite) {
@@ -265,9 +265,9 @@ void SwitchModel::arm(bool overwrite) {
     view_.Lbl4Pos = kSwitchDictate;
     shown();
     if (overwrite) {
-        d_.cmdOVR_Click();
+        d_.overwriteAtCursor();
     } else {
-        d_.Command2_Click();
+        d_.insertAtCursor();
     }
 }
 
@@ -304,7 +304,7 @@ void SwitchModel::SwitchAction(const std::string& word) {
     } else if (word == "LISTEN") {
         if (scratchTake || !engineIdle()) return;
         if (AudioEditor1.CursorPosition() >= AudioEditor1.Length()) d_.CaseBeginning();
-        if (bar.Play) d_.MMControl1_PlayClick();
+        if (bar.Play) d_.play();
     } else if (word == "STOP") {
         // The stop that ends a step back only ends the step; playing goes on.
         if (!d_.state.StepBackRequest) {
@@ -314,9 +314,9 @@ void SwitchModel::SwitchAction(const std::string& word) {
         }
         UpdateEOLButton();
     } else if (word == "DICTATE") {
-        if (bar.Record) d_.MMControl1_RecordClick();
+        if (bar.Record) d_.recordTake();
     } else if (word == kLast3Secs) {
-        if (!scratchTake && engineIdle()) d_.Command3_Click();
+        if (!scratchTake && engineIdle()) d_.replayLastThreeSeconds();
     }
 }
 
@@ -332,7 +332,7 @@ void SwitchModel::HandSetSwitchs3(const std::string& word) {
         if (!view_.Command2) return;
         if (view_.Lbl4Pos != kSwitchDictate)
             askToMoveSwitch(dictation::kMoveSwitchToRecord, "DICTATE");
-        d_.Command2_Click();
+        d_.insertAtCursor();
     } else if (word == "OVERWRITE") {
         if (!view_.cmdOVR) {
             hits_.HandSetHitNotHit = false;
@@ -342,10 +342,10 @@ void SwitchModel::HandSetSwitchs3(const std::string& word) {
         }
         if (view_.Lbl4Pos != kSwitchDictate)
             askToMoveSwitch(dictation::kMoveSwitchToRecord, "DICTATE");
-        d_.cmdOVR_Click();
+        d_.overwriteAtCursor();
     } else if (word == "GOTOEND") {
         if (view_.Lbl4Pos != kSwitchListen) askToMoveSwitch(kMoveSwitchToListen, "LISTEN");
-        if (bar.Next) d_.MMControl1_NextClick();
+        if (bar.Next) d_.goToEnd();
     } else if (word == "STEPFOWARD") {
         if (!bar.Step) {
             hits_.HandSetHitNotHit = false;
@@ -380,7 +380,7 @@ bool SwitchModel::engineIdle() const {
            engineState == static_cast<int>(engine::EditorState::Paused);
 }
 
-void SwitchModel::StopClick() { d_.MMControl1_StopClick(); }
+void SwitchModel::StopClick() { d_.stop(); }
 void SwitchModel::CaseStop() { d_.CaseStop(); }
 void SwitchModel::CaseEnd() { d_.CaseEnd(); }
 

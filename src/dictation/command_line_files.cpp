@@ -1,7 +1,7 @@
 // A file named from outside the station: the name on this process's command line,
 // or one a second process handed over. The first file of the run is opened by
-// tmCommand; after a letter dictated for a named file, Timer28 looks for the next
-// hand-off and Timer34 takes it once no file is open, so a dictation under way is
+// tmCommand; after a letter dictated for a named file, handOffLookTimer looks for the next
+// hand-off and handOffWaitTimer takes it once no file is open, so a dictation under way is
 // never interrupted.
 
 #include <filesystem>
@@ -57,13 +57,13 @@ void Dictation::tmCommand_Timer() {
     state.commandLine.DIDDOCOMMANDLINE = true;
 }
 
-void Dictation::Timer28_Timer() {
-    Timer28.setEnabled(false);
+void Dictation::handOffLook_Timer() {
+    handOffLookTimer.setEnabled(false);
     trace("Timer 28 Looking for ovtitemp.ini");
     if (const auto handOff = readHandOff(dataFolder_)) {
         state.NextString = handOff->NextString;
         state.commandLine.MyInstance = handOff->MyInstance;
-        Timer34.setEnabled(true);
+        handOffWaitTimer.setEnabled(true);
         return;
     }
     // No name waits: dictation starts at once under the temporary name, and the
@@ -75,9 +75,9 @@ void Dictation::Timer28_Timer() {
     state.commandLine.DIDDOCOMMANDLINE = true;
 }
 
-void Dictation::Timer34_Timer() {
+void Dictation::handOffWait_Timer() {
     if (state.flgfileOpen1) return;
-    Timer34.setEnabled(false);
+    handOffWaitTimer.setEnabled(false);
     state.commandLine.SecondCommand = true;
     state.commandLine.CommandLineLaunched = false;
     state.CommandFileName = state.NextString;
@@ -94,7 +94,7 @@ bool Dictation::renameToHandedOffName(const std::string& moment) {
     }
     const auto handOff = readHandOff(dataFolder_);
     if (!handOff) return false;
-    Timer28.setEnabled(false);
+    handOffLookTimer.setEnabled(false);
     std::string folder = platform::folderOf(handOff->NextString);
     if (folder.empty()) folder = platform::folderOf(state.Filename);
     const std::string stem = platform::joinPath(folder, platform::baseNameOf(handOff->NextString));

@@ -33,8 +33,8 @@ Dictation::Dictation(DictationParts parts)
       timsync(parts.loop, "timsync", 250),
       Reader(parts.loop, "Reader", 50),
       tmCommand(parts.loop, "tmCommand", 10),
-      Timer28(parts.loop, "Timer28", 50),
-      Timer34(parts.loop, "Timer34", 50),
+      handOffLookTimer(parts.loop, "Timer28", 50),
+      handOffWaitTimer(parts.loop, "Timer34", 50),
       playbackWatch(parts.loop, "playbackWatch", 25),
       loop_(parts.loop),
       config_(parts.config),
@@ -53,8 +53,8 @@ Dictation::Dictation(DictationParts parts)
     timLastThreeSecondsCon.setOnTick([this] { timLastThreeSeconds_Timer(); });
     timsync.setOnTick([this] { timsync_Timer(); });
     tmCommand.setOnTick([this] { tmCommand_Timer(); });
-    Timer28.setOnTick([this] { Timer28_Timer(); });
-    Timer34.setOnTick([this] { Timer34_Timer(); });
+    handOffLookTimer.setOnTick([this] { handOffLook_Timer(); });
+    handOffWaitTimer.setOnTick([this] { handOffWait_Timer(); });
     playbackWatch.setOnTick([this] { playbackWatch_Timer(); });
     // A take the disk stopped taking is told in the event log.
     AudioEditor1.onTrouble = [this](const std::string& text) { trace(text); };
@@ -71,7 +71,7 @@ void Dictation::start() {
     loadScreen();
     takeSettings();
     SetParam("load");
-    naming.ComnboFill();
+    naming.ComboFill();
 }
 
 void Dictation::loadScreen() {

@@ -145,49 +145,49 @@ public:
     void TurnOffTimers();
 
     // ---- Routes: what the window's controls and the devices call ----
-    void MMControl1_PlayClick();
-    void MMControl1_RecordClick();
-    void MMControl1_StopClick();
-    void MMControl1_PauseClick();
-    void MMControl1_PrevClick();
-    void MMControl1_NextClick();
-    void MMControl1_BackClick();
-    void MMControl1_StepClick();
-    void Image2_Click();   // new
-    void Image3_Click();   // open
-    void Image4_Click();   // save
-    void Image7_Click();   // factory formats
-    void Image10_Click();  // close
+    void play();  // MMControl1_PlayClick
+    void recordTake();  // MMControl1_RecordClick
+    void stop();  // MMControl1_StopClick
+    void pause();  // MMControl1_PauseClick
+    void goToBeginning();  // MMControl1_PrevClick
+    void goToEnd();  // MMControl1_NextClick
+    void stepBack();  // MMControl1_BackClick
+    void stepForward();  // MMControl1_StepClick
+    void newLetter();              // Image2_Click
+    void openLetter();             // Image3_Click
+    void saveNow();                // Image4_Click
+    void restoreFactoryFormats();  // Image7_Click
+    void closeFile();              // Image10_Click
     // The last save found no room, and the take waits in its work file.
     [[nodiscard]] bool takeWaitsInTemp() const { return takeWaitsInTemp_; }
     void CLOSEME();
-    void mnclose_Click();
-    void mnuSaveAs_Click();
-    void Command1_Click();  // add comments to the beginning
-    void Command2_Click();  // insert at the current position
-    void cmdOVR_Click();    // overwrite at the current position
-    void Command3_Click();  // the last three seconds
-    void ButtonEx1_Click(); // end of an insert
-    void ButtonEx2_Click(); // end of an append
-    void cmdEOL_Click();
-    void Toolbar1_ButtonClick(const std::string& key);
+    void closeFromMenu();  // mnclose_Click
+    void saveAs();  // mnuSaveAs_Click
+    void addToBeginning();          // Command1_Click: add comments to the beginning
+    void insertAtCursor();          // Command2_Click
+    void overwriteAtCursor();       // cmdOVR_Click
+    void replayLastThreeSeconds();  // Command3_Click
+    void endInsert();               // ButtonEx1_Click
+    void endAppend();               // ButtonEx2_Click
+    void finishLetter();  // cmdEOL_Click: the end of letter button
+    void toolbarButton(const std::string& key);  // Toolbar1_ButtonClick
     // The form's right-click menu.
-    void mnuInsertBeginning_Click();
-    void mnuAppendEnd_Click();
-    void mnuLastThreeContinue_Click();
-    void OpenMyList(const std::string& path);
-    void Clear_Click();  // File > Reopen > Clear
-    void txtStepAmt_Change(const std::string& text);
+    void insertAtBeginningFromMenu();         // mnuInsertBeginning_Click
+    void appendAtEnd();                       // mnuAppendEnd_Click
+    void lastThreeSecondsContinueFromMenu();  // mnuLastThreeContinue_Click
+    void openRecentFile(const std::string& path);  // OpenMyList
+    void clearRecentFiles();  // Clear_Click: File > Reopen > Clear
+    void stepAmountChanged(const std::string& text);  // txtStepAmt_Change
 
     // ---- Position and recording ----
     void StepForward();
     void StepBackward();
     void LastThreeSecondsContinue();
     void OverWriteFileOK(const std::string& from);
-    void AcutallyInsert();
-    void ctSlide1_MouseDown();
-    void ctSlide1_Change(int value);
-    void ctSlide1_MouseUp(int value);
+    void ActuallyInsert();
+    void positionSliderPressed();           // ctSlide1_MouseDown
+    void positionSliderMoved(int value);     // ctSlide1_Change
+    void positionSliderReleased(int value);  // ctSlide1_MouseUp
     // Rescales the times to the engine's figures when nothing else moves them.
     void AdjustNCTTimeDisplay();
     // The microphone of a take has gone: the take ends as a Stop would end it,
@@ -221,13 +221,13 @@ public:
 
     // ---- A file named from outside (command line, a second instance) ----
     platform::Timer tmCommand;  // one shot: the first file of the run
-    platform::Timer Timer28;    // one shot: looks for a hand-off after a named letter
-    platform::Timer Timer34;    // waits until no file is open, then takes the hand-off
+    platform::Timer handOffLookTimer;  // Timer28: one shot: looks for a hand-off after a named letter
+    platform::Timer handOffWaitTimer;  // Timer34: waits until no file is open, then takes the hand-off
     // The screen follows a playback that ends by itself while the position timer rests.
     platform::Timer playbackWatch;
     void tmCommand_Timer();
-    void Timer28_Timer();
-    void Timer34_Timer();
+    void handOffLook_Timer();  // Timer28_Timer
+    void handOffWait_Timer();  // Timer34_Timer
     // A file begun under the temporary name takes the handed-over name when one
     // waits; moment is "recording" or "EOL" for the log. True when it was renamed.
     bool renameToHandedOffName(const std::string& moment);

@@ -253,7 +253,7 @@ void FileNaming::askBeforeOverwriting() {
     log_.trace("User Selected NO to overwrite file");
 }
 
-void FileNaming::ComnboFill() {
+void FileNaming::ComboFill() {
     settings::SettingsRecord& record = config_.record;
     settings::SpeakerChoice choice = speakers_.loadSpeakers(record.CurrentSpeaker);
     names_ = std::move(choice.names);

@@ -89,7 +89,7 @@ class FileNaming {
 
     // Fills the speaker box from the active speakers, and puts the current
     // speaker's number in DictatorSeqNo. A speaker no longer listed is cleared.
-    void ComnboFill();
+    void ComboFill();
     // The user picks a speaker from the box: any spelling of a listed name finds
     // it. False, and nothing changed, when no listed name matches.
     bool pickDictator(const std::string& name);

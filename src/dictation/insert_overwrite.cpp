@@ -26,7 +26,7 @@ bool Dictation::deskUnitAllowsTake() {
     return false;
 }
 
-void Dictation::Command1_Click() {
+void Dictation::addToBeginning() {
     trace("Add Comments To Beginning: " + state.Filename);
     // A second press while a take runs would leave that take recording unseen.
     if (AudioEditor1.State() == kRecording || scratchTakeRuns()) return;
@@ -47,7 +47,7 @@ void Dictation::Command1_Click() {
     beginScratchTake(0, true);
 }
 
-void Dictation::Command2_Click() {
+void Dictation::insertAtCursor() {
     trace("Insert Audio at Current Position: " + state.Filename);
     if (scratchTakeRuns()) return;  // the take in progress ends by its own button
     if (AudioEditor1.State() == kRecording) {
@@ -73,7 +73,7 @@ void Dictation::Command2_Click() {
     PlayPrompt("beep2.wav");
 }
 
-void Dictation::cmdOVR_Click() {
+void Dictation::overwriteAtCursor() {
     trace("Overwrite Audio at Current Position: " + state.Filename);
     if (AudioEditor1.State() == kRecording || scratchTakeRuns()) return;
     view.Lbl4Pos = kSwitchDictate;
@@ -172,7 +172,7 @@ void Dictation::closeScratchTake(const std::string& waitTag) {
     changed();
 }
 
-void Dictation::ButtonEx1_Click() {
+void Dictation::endInsert() {
     if (!state.DoingInsertUpdate) return;  // nothing in the scratch take to put in
     trace("End of Insert: " + state.Filename);
     selectScratchTake();
@@ -216,7 +216,7 @@ void Dictation::OverWriteFileOK(const std::string& from) {
     state.PedalsBusy = false;
 }
 
-void Dictation::ButtonEx2_Click() {
+void Dictation::endAppend() {
     trace("End of Append: " + state.Filename);
     AudioEditor1.setSelectionActive(false);
     AudioEditor1.setSelectionStart(0);
@@ -228,7 +228,7 @@ void Dictation::ButtonEx2_Click() {
     applyEOLRule();
 }
 
-void Dictation::mnuAppendEnd_Click() {
+void Dictation::appendAtEnd() {
     if (!state.flgfileOpen1 || refusedWhileRecording("CaseInsertAppend")) return;
     // An append is a take at the end, ended by its own button.
     state.DoingAppending = true;
@@ -237,7 +237,7 @@ void Dictation::mnuAppendEnd_Click() {
     CaseRecord();
 }
 
-void Dictation::AcutallyInsert() {
+void Dictation::ActuallyInsert() {
     if (auto opened = AudioEditor1.Open(state.SaveFileName); !opened) trace(opened.error());
     if (auto pasted = AudioEditor1.PasteFile(state.Filename); !pasted) trace(pasted.error());
 }

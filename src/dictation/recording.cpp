@@ -131,7 +131,7 @@ void Dictation::timRecord_Timer() {
     lastDiskWarning_ = now;
     trace(state.Filename + " Disk Full Warning during Recording");
     const std::string name = state.Filename;
-    if (config_.record.DFStopRec) Image10_Click();
+    if (config_.record.DFStopRec) closeFile();
     notifyPeer("DiskErr_" + platform::withoutFolder(name), " -68");
 }
 
@@ -185,20 +185,20 @@ void Dictation::rotateWorkFileNames() {
     conversion::noteLetterOfWorkFile(current, state.Filename);
 }
 
-void Dictation::ctSlide1_MouseDown() {
+void Dictation::positionSliderPressed() {
     if (state.Recordingstatus) return;
     state.JustOpened = true;
     timCurPos.setEnabled(false);
 }
 
-void Dictation::ctSlide1_Change(int value) {
+void Dictation::positionSliderMoved(int value) {
     view.ctSlide1 = value;
     state.iCurSecond = static_cast<std::int32_t>(value / 100.0 * state.iTotalSecFile);
     state.Positionfromslide = state.iCurSecond;
     etprocess("ctSlide1_Change");
 }
 
-void Dictation::ctSlide1_MouseUp(int value) {
+void Dictation::positionSliderReleased(int value) {
     if (state.Recordingstatus) return;
     state.ManuallyMovedctSlide = true;
     const int engineState = AudioEditor1.State();
@@ -217,7 +217,7 @@ void Dictation::ctSlide1_MouseUp(int value) {
     changed();
 }
 
-void Dictation::txtStepAmt_Change(const std::string& text) {
+void Dictation::stepAmountChanged(const std::string& text) {
     if (text.empty()) {
         view.txtStepAmt = std::to_string(config_.record.StepAmt);
         changed();

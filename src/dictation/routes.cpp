@@ -14,7 +14,7 @@ constexpr int kRecording = static_cast<int>(engine::EditorState::Recording);
 
 }  // namespace
 
-void Dictation::MMControl1_PlayClick() {
+void Dictation::play() {
     if (view.Label40 == kDeskUnitMissing) view.Lbl4Pos = kSwitchListen;
     if (view.Lbl4Pos != kSwitchListen) {
         state.RememberLastSwitchLabel = view.Lbl4Pos;
@@ -25,7 +25,7 @@ void Dictation::MMControl1_PlayClick() {
     state.MYDirty = false;
 }
 
-void Dictation::MMControl1_RecordClick() {
+void Dictation::recordTake() {
     if (AudioEditor1.State() == kRecording) return;
     hits.HandSetHitNotHit = true;
     state.RememberLastSwitchLabel = view.Lbl4Pos;
@@ -33,17 +33,17 @@ void Dictation::MMControl1_RecordClick() {
     applyEOLRule();
 }
 
-void Dictation::MMControl1_StopClick() {
+void Dictation::stop() {
     if (state.OverWriteFile) {
         OverWriteFileOK("MMControl1_StopClick");
         state.OverWriteFile = false;
     }
     if (state.DoingAppending) {
-        ButtonEx2_Click();
+        endAppend();
         state.DoingAppending = false;
     }
     if (state.DoingInsertUpdate) {
-        ButtonEx1_Click();
+        endInsert();
         state.DoingInsertUpdate = false;
     }
     PlayPrompt("bloop3.wav");
@@ -51,7 +51,7 @@ void Dictation::MMControl1_StopClick() {
     if (engineState == kPlaying) {
         // Stop during playback only pauses; the next Stop ends.
         state.PausedRecording = true;
-        MMControl1_PauseClick();
+        pause();
     } else if (engineState > 0) {
         CaseStop();
         CaseEnd();
@@ -59,7 +59,7 @@ void Dictation::MMControl1_StopClick() {
     }
 }
 
-void Dictation::MMControl1_PauseClick() {
+void Dictation::pause() {
     // Pause while recording ends the take.
     if (AudioEditor1.State() == kRecording) {
         CasePauseStop();
@@ -68,43 +68,43 @@ void Dictation::MMControl1_PauseClick() {
     }
 }
 
-void Dictation::MMControl1_PrevClick() {
+void Dictation::goToBeginning() {
     CasePause("MMControl1_PrevClick");
     CaseBeginning();
 }
 
-void Dictation::MMControl1_NextClick() {
+void Dictation::goToEnd() {
     CaseStop();
     CasePause("MMControl1_NextClick");
     CaseEnd();
 }
 
-void Dictation::MMControl1_BackClick() {
+void Dictation::stepBack() {
     CaseStepBackward();
     barByPosition();
     if (view.caption.find("File is Playing") != std::string::npos) CasePlay("MMControl1_BackClick");
 }
 
-void Dictation::MMControl1_StepClick() {
+void Dictation::stepForward() {
     CaseStepForward();
     barByPosition();
     if (view.caption.find("File is Playing") != std::string::npos) CasePlay("MMControl1_StepClick");
 }
 
-void Dictation::Image2_Click() {
+void Dictation::newLetter() {
     state.HitOnce = false;
     state.HitTwice = false;
     CaseNew();
 }
 
-void Dictation::Image3_Click() {
+void Dictation::openLetter() {
     CaseStop();
-    Image10_Click();
+    closeFile();
     state.FromCurrentList = false;
     CaseOpen();
 }
 
-void Dictation::Image4_Click() {
+void Dictation::saveNow() {
     if (state.Recordingstatus || state.Filename.empty()) return;
     // The save icon saves whatever crash protection says; the check box's own
     // value comes back afterwards.
@@ -118,11 +118,11 @@ void Dictation::Image4_Click() {
     state.flgPlay = false;
 }
 
-void Dictation::Image7_Click() { CaseDefault(); }
+void Dictation::restoreFactoryFormats() { CaseDefault(); }
 
-void Dictation::mnuSaveAs_Click() { CaseSaveAs(); }
+void Dictation::saveAs() { CaseSaveAs(); }
 
-void Dictation::Command3_Click() {
+void Dictation::replayLastThreeSeconds() {
     if (refusedWhileRecording("Command3")) return;
     if (!config_.record.Last3SecsAR) {
         CaseThreeSeconds();
@@ -134,18 +134,18 @@ void Dictation::Command3_Click() {
     state.FourthSwitchPosition.clear();
 }
 
-void Dictation::cmdEOL_Click() {
+void Dictation::finishLetter() {
     hits.HandSetHitNotHit = true;
     if (switchCommand) switchCommand("EOL");
     view.cmdEOL = false;
     changed();
 }
 
-void Dictation::mnuInsertBeginning_Click() { Command1_Click(); }
+void Dictation::insertAtBeginningFromMenu() { addToBeginning(); }
 
-void Dictation::mnuLastThreeContinue_Click() { LastThreeSecondsContinue(); }
+void Dictation::lastThreeSecondsContinueFromMenu() { LastThreeSecondsContinue(); }
 
-void Dictation::Toolbar1_ButtonClick(const std::string& key) {
+void Dictation::toolbarButton(const std::string& key) {
     timSave.setEnabled(false);
     const std::pair<const char*, void (Dictation::*)()> routines[] = {
         {"Continue", &Dictation::CaseContinue},
@@ -191,13 +191,13 @@ void Dictation::Toolbar1_ButtonClick(const std::string& key) {
     SetParam(state.WhichBut);
 }
 
-void Dictation::Clear_Click() {
-    recent.Clear_Click();
+void Dictation::clearRecentFiles() {
+    recent.clearRecentFiles();
     view.Reopen.clear();
     changed();
 }
 
-void Dictation::OpenMyList(const std::string& path) {
+void Dictation::openRecentFile(const std::string& path) {
     // Another file while a take runs would leave that take recording unseen.
     if (refusedWhileRecording("OpenMyList")) return;
     if (platform::fileExists(path)) {

@@ -239,7 +239,7 @@ void Dictation::SaveFileAs() {
         std::remove(partial.c_str());
         trace("Save As copy to " + *chosen + " failed: " + reason);
     }
-    OpenMyList(*chosen);
+    openRecentFile(*chosen);
     CaseEnd();
     view.lblBusyVisible = false;
     changed();
@@ -375,12 +375,12 @@ void Dictation::keepUnsavedTake() {
     AudioEditor1.CloseKeepingWorkFile();
 }
 
-void Dictation::Image10_Click() {
+void Dictation::closeFile() {
     closeByUserOrPeer(state.TCPClose ? " Closing because TCP sent Msg" : " User Hit Icon to Close File",
                       " -63");
 }
 
-void Dictation::mnclose_Click() { closeByUserOrPeer(" User selected File Menu Close", " -65"); }
+void Dictation::closeFromMenu() { closeByUserOrPeer(" User selected File Menu Close", " -65"); }
 
 void Dictation::closeByUserOrPeer(const std::string& logLine, const std::string& waitTag) {
     if (state.Filename.empty()) {
@@ -411,8 +411,8 @@ void Dictation::closeByUserOrPeer(const std::string& logLine, const std::string&
     }
     config_.WriteConfig();
     if (state.OverWriteFile) OverWriteFileOK("Image10_Click");
-    if (state.DoingAppending) ButtonEx2_Click();
-    if (state.DoingInsertUpdate) ButtonEx1_Click();
+    if (state.DoingAppending) endAppend();
+    if (state.DoingInsertUpdate) endInsert();
     CaseStop();
     CaseClose();
     view.lblBusyVisible = false;

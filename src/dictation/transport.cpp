@@ -12,7 +12,7 @@ void Dictation::finishPendingInsertOrAppend() {
     if (state.InsertingFile) {
         state.FileChanged = true;
         AudioEditor1.Close();
-        AcutallyInsert();
+        ActuallyInsert();
         state.InsertingFile = false;
         std::remove(state.Filename.c_str());
     }
@@ -27,7 +27,7 @@ void Dictation::closeBeforeNewFile() {
         // The file in hand is closed (and saved) before a new one is named.
         state.FileChanged = false;
         CaseStop();
-        Image10_Click();
+        closeFile();
     }
     timCurPos.setEnabled(false);
 }

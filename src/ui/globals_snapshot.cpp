@@ -79,7 +79,7 @@ settings::GlobalsSnapshot snapshotOf(const dictation::Dictation& dictation,
     snapshot.timers = settings::timerStates(
         {&dictation.timCurPos, &dictation.timRecord, &dictation.timLight, &dictation.timSave,
          &dictation.timLastThreeSecondsCon, &dictation.timsync, &dictation.Reader,
-         &dictation.tmCommand, &dictation.Timer28, &dictation.Timer34});
+         &dictation.tmCommand, &dictation.handOffLookTimer, &dictation.handOffWaitTimer});
     snapshot.globals = dictationGlobals(dictation);
     for (auto& value : settings::settingsGlobals(record)) snapshot.globals.push_back(std::move(value));
     return snapshot;

@@ -55,12 +55,12 @@ void StationMenus::buildFile() {
     dictation::Dictation& d = parts_.dictation;
     QMenu* file = window_.menuBar()->addMenu(QObject::tr("&File"));
     file->setObjectName("mnuFile");
-    add(file, "mnuNew", QObject::tr("&New"), [&d] { d.Image2_Click(); })->setShortcut(QKeySequence::New);
-    add(file, "mnuOpen", QObject::tr("&Open..."), [&d] { d.Image3_Click(); })
+    add(file, "mnuNew", QObject::tr("&New"), [&d] { d.newLetter(); })->setShortcut(QKeySequence::New);
+    add(file, "mnuOpen", QObject::tr("&Open..."), [&d] { d.openLetter(); })
         ->setShortcut(QKeySequence::Open);
-    add(file, "mnuSave", QObject::tr("&Save"), [&d] { d.Image4_Click(); })->setShortcut(QKeySequence::Save);
-    add(file, "mnuSaveAs", QObject::tr("Save &As..."), [&d] { d.mnuSaveAs_Click(); });
-    add(file, "mnclose", QObject::tr("&Close"), [&d] { d.mnclose_Click(); });
+    add(file, "mnuSave", QObject::tr("&Save"), [&d] { d.saveNow(); })->setShortcut(QKeySequence::Save);
+    add(file, "mnuSaveAs", QObject::tr("Save &As..."), [&d] { d.saveAs(); });
+    add(file, "mnclose", QObject::tr("&Close"), [&d] { d.closeFromMenu(); });
     file->addSeparator();
     reopen_ = file->addMenu(QObject::tr("&Reopen"));
     reopen_->setObjectName("mnuReopen");
@@ -77,7 +77,7 @@ void StationMenus::buildEdit() {
     QMenu* edit = window_.menuBar()->addMenu(QObject::tr("&Edit"));
     edit->setObjectName("mnuEdit");
     // The editing keys run their routine and then refresh the screen as a toolbar would.
-    const auto key = [&d](const char* name) { return [&d, name] { d.Toolbar1_ButtonClick(name); }; };
+    const auto key = [&d](const char* name) { return [&d, name] { d.toolbarButton(name); }; };
     add(edit, "mnuUndo", QObject::tr("&Undo"), key("Undo"))->setShortcut(QKeySequence::Undo);
     add(edit, "mnuRedo", QObject::tr("&Redo"), key("Redo"))->setShortcut(QKeySequence::Redo);
     edit->addSeparator();
@@ -114,7 +114,7 @@ void StationMenus::buildConfiguration() {
     configuration->setObjectName("mnuConfiguration");
     addGreyed(configuration, "mnuFileSaves", QObject::tr("File Names, Folders and Delivery..."));
     addGreyed(configuration, "mnuRecordingFormats", QObject::tr("Recording Formats..."));
-    add(configuration, "CaseDefaults", QObject::tr("Factory Recording Formats"), [&d] { d.Image7_Click(); });
+    add(configuration, "CaseDefaults", QObject::tr("Factory Recording Formats"), [&d] { d.restoreFactoryFormats(); });
     configuration->addSeparator();
     addGreyed(configuration, "mnuQDUCon", QObject::tr("Quadrant Desk Unit Connected"))->setCheckable(true);
     addGreyed(configuration, "mnuButtons", QObject::tr("Desk Unit Buttons..."));
@@ -193,10 +193,10 @@ void StationMenus::buildContextMenu() {
     contextMenu_ = new QMenu(&window_);
     contextMenu_->setObjectName("mnuPopUp");
     add(contextMenu_, "mnuInsertBeginning", QStringLiteral("Insert Beginning of File"),
-        [&d] { d.mnuInsertBeginning_Click(); });
-    add(contextMenu_, "mnuAppendEnd", QStringLiteral("Append End of File"), [&d] { d.mnuAppendEnd_Click(); });
+        [&d] { d.insertAtBeginningFromMenu(); });
+    add(contextMenu_, "mnuAppendEnd", QStringLiteral("Append End of File"), [&d] { d.appendAtEnd(); });
     add(contextMenu_, "mnuLastThreeContinue", QStringLiteral("Play Last Three Seconds Continue Recording"),
-        [&d] { d.mnuLastThreeContinue_Click(); });
+        [&d] { d.lastThreeSecondsContinueFromMenu(); });
 }
 
 void StationMenus::refresh(const dictation::MainView& view) {
@@ -244,13 +244,13 @@ void StationMenus::refreshReopen(const dictation::MainView& view) {
     for (const std::string& path : view.Reopen) {
         const QString text = QStringLiteral("&%1 %2").arg(number++).arg(QString::fromStdString(path));
         QObject::connect(reopen_->addAction(text), &QAction::triggered, &window_,
-                         [&d, path] { d.OpenMyList(path); });
+                         [&d, path] { d.openRecentFile(path); });
     }
     reopen_->addSeparator();
     QAction* clear = reopen_->addAction(QObject::tr("Clear"));
     clear->setObjectName("mnuClear");
     clear->setEnabled(!view.Reopen.empty());
-    QObject::connect(clear, &QAction::triggered, &window_, [&d] { d.Clear_Click(); });
+    QObject::connect(clear, &QAction::triggered, &window_, [&d] { d.clearRecentFiles(); });
 }
 
 }  // namespace ovd::ui

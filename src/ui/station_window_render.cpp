@@ -272,7 +272,7 @@ void StationWindow::Option_Click(bool otherConditions) {
             std::string(" Calling Image2_Click from ") + (otherConditions ? "Option3_Click" : "Option2_Click");
         if (!d.state.RecordedOnce) {
             d.CaseStop();
-            d.Image10_Click();
+            d.closeFile();
             parts_.eventLog.trace(reason);
         } else {
             const bool armed = d.state.RecordingstatusPaused;
@@ -283,10 +283,10 @@ void StationWindow::Option_Click(bool otherConditions) {
                     settings::kProductTitle);
             }
             d.CaseStop();
-            d.Image10_Click();
+            d.closeFile();
             parts_.eventLog.trace(reason + (armed ? "-2" : "-1"));
         }
-        d.Image2_Click();
+        d.newLetter();
     }
     shownRevision_ = ~0UL;
     render();

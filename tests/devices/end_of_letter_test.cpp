@@ -34,7 +34,7 @@ TEST_F(EndOfLetterTest, TheLetterIsSavedDeliveredAndTheNextFileOpens) {
 }
 
 TEST_F(EndOfLetterTest, AnEmptyLetterIsNotDeliveredAndExitAtEndOfLetterAsksToLeave) {
-    d().Image2_Click();
+    d().newLetter();
     const std::string empty = state().Filename;
     eol.startEndOfLetter();
     EXPECT_TRUE(delivery.delivered.empty());

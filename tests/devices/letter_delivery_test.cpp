@@ -98,7 +98,7 @@ TEST_F(LetterDeliveryTest, ASecondTriggerDuringTheTenSecondWaitDoesNotRestartThe
 }
 
 TEST_F(LetterDeliveryTest, AnEmptyLetterIsNeitherSentNorStaged) {
-    d().Image2_Click();
+    d().newLetter();
     const std::string name = fs::path(state().Filename).filename();
     eol.startEndOfLetter();
     EXPECT_FALSE(platform::fileExists(config.record.SendToOne + "/" + name));

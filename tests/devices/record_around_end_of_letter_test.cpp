@@ -131,7 +131,7 @@ TEST_P(RecordAroundEndOfLetterTest,
             disagreements = 0;
             letters.delivered.clear();
 
-            d().Image2_Click();
+            d().newLetter();
             recordBetween(10, 2010);
             run(2500);
             ASSERT_FALSE(state().Recordingstatus);
@@ -174,7 +174,7 @@ TEST_P(RecordAroundEndOfLetterTest,
                 seconds, 0.1);
             for (auto handle : pending) loop.stopRepeating(handle);
             pending.clear();
-            d().Image10_Click();
+            d().closeFile();
         }
     }
 }

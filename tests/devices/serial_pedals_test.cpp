@@ -47,7 +47,7 @@ struct FakeHost : SerialPedalsHost {
     bool pedalInputSilenced() const override { return false; }
     void uncheckOtherFootPedalMenus() override { ++othersUnchecked; }
     void showConfigSERFootPedals() override { ++configShown; }
-    void clearLabel17() override { ++label17Cleared; }
+    void clearDeskUnitNotice() override { ++label17Cleared; }
     void endProgram() override { ++endings; }
     void tellSerialPortProblem(const std::string& text) override { problems.push_back(text); }
     void tellSerialPortOpened(const std::string& text) override { opened.push_back(text); }

@@ -53,7 +53,7 @@ class SwitchModelTest : public dictation::testing::DictationTest {
     // A four-second letter opened from disk, the cursor at second one: the
     // insert and overwrite buttons are on.
     void openLetterAtSecondOne() {
-        d().OpenMyList(dictation::testing::writeRampWave(recordings + "/letter.wav", 4));
+        d().openRecentFile(dictation::testing::writeRampWave(recordings + "/letter.wav", 4));
         editor1.setCursorPosition(kRate);
         d().timCurPos_Timer();
         ASSERT_TRUE(view().Command2 && view().cmdOVR);
@@ -66,7 +66,7 @@ class SwitchModelTest : public dictation::testing::DictationTest {
 };
 
 TEST_F(SwitchModelTest, FromDictateThroughStopListenReplaysTheLastThreeSecondsOnce) {
-    d().Image2_Click();
+    d().newLetter();
     say("Record");
     EXPECT_EQ(editor1.State(), 2);
     run(5000);
@@ -97,7 +97,7 @@ TEST_F(SwitchModelTest, RecordWithAutoOverwriteOverwritesInsteadOfAppending) {
 }
 
 TEST_F(SwitchModelTest, RecordDuringATakeChangesNothingAndLeavesTheExitForLater) {
-    d().Image2_Click();
+    d().newLetter();
     say("Record");
     run(1000);
     letters.exit = true;
@@ -252,7 +252,7 @@ TEST_F(SwitchModelTest, SendButtonsRefuseWithTheirOwnWordsAndKeepTheFileOpen) {
     EXPECT_TRUE(logged("Destination " + missing + " Does NOT Exist or NOT Available"));
 
     r.AutoEmailName = "typist@example.org";
-    d().Image10_Click();
+    d().closeFile();
     press("SENDEMAIL", 6);
     EXPECT_EQ(view().Label40, "There is not a file to Auto Send.");
 }
@@ -297,7 +297,7 @@ TEST_F(SwitchModelTest, PreviousAndNextStepThroughTheRecentFiles) {
     const std::string newer = dictation::testing::writeRampWave(recordings + "/newer.wav", 2);
     d().recent.AddToMRUX(older);
     d().recent.AddToMRUX(newer);
-    d().OpenMyList(newer);
+    d().openRecentFile(newer);
     const struct {
         const char* action;
         std::string opened;
@@ -312,7 +312,7 @@ TEST_F(SwitchModelTest, PreviousAndNextStepThroughTheRecentFiles) {
 }
 
 TEST_F(SwitchModelTest, DeleteButtonMovesTheLetterToBackWithoutOverwritingAnOlderOne) {
-    d().Image2_Click();
+    d().newLetter();
     const std::string letter = state().Filename;
     const std::string name = platform::withoutFolder(letter);
     // A letter of the same name deleted earlier is already in BACK.

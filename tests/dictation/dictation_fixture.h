@@ -109,10 +109,10 @@ protected:
 
     // New file, a take of the given length, Stop from the bar.
     void dictate(int milliseconds) {
-        d().Image2_Click();
-        d().MMControl1_RecordClick();
+        d().newLetter();
+        d().recordTake();
         run(milliseconds);
-        d().MMControl1_StopClick();
+        d().stop();
     }
 
     std::vector<std::int16_t> frames(engine::SampleCount from, engine::SampleCount count) const {

@@ -38,8 +38,8 @@ protected:
 };
 
 TEST_F(DiskFullTest, TheWarningComesWhileRecordingAndTheTakeGoesOn) {
-    d().Image2_Click();
-    d().MMControl1_RecordClick();
+    d().newLetter();
+    d().recordTake();
     run(2000);
     EXPECT_EQ(view().Label40, "Recording");
     EXPECT_FALSE(view().Label40Warning);
@@ -58,11 +58,11 @@ TEST_F(DiskFullTest, AWorkFileTheDiskRefusesIsLoggedOnceAndTheTakeKeepsEverythin
     config.record.FileSaveAtStop = false;  // the Stop does not try to save on the full disk
     config.WriteConfig();
     rebuild();
-    d().Image2_Click();
-    d().MMControl1_RecordClick();
+    d().newLetter();
+    d().recordTake();
     run(45000);  // a megabyte holds about thirty seconds
     EXPECT_EQ(editor1.State(), 2) << "the take goes on";
-    d().MMControl1_StopClick();
+    d().stop();
     EXPECT_EQ(editor1.Length(), 45 * kRate);
     const std::string refused = "can't write the work file ";
     const std::string text = log.text();
@@ -82,11 +82,11 @@ TEST_F(DiskFullTest, ASaveWithoutRoomAsksUntilTheAuthorMovesTheFile) {
     prompts.answerNext(platform::Answer::Yes);  // move
     prompts.answerNextText(roomy);
 
-    d().Image2_Click();
+    d().newLetter();
     const std::string name = platform::withoutFolder(state().Filename);
-    d().MMControl1_RecordClick();
+    d().recordTake();
     run(12000);
-    d().MMControl1_StopClick();
+    d().stop();
 
     const std::vector<std::string> texts = prompts.texts();
     EXPECT_EQ(std::count(texts.begin(), texts.end(), std::string(kDiskSpaceQuestion)), 2) << texts.size();
@@ -103,8 +103,8 @@ TEST_F(DiskFullTest, ASaveWithoutRoomAsksUntilTheAuthorMovesTheFile) {
 
 TEST_F(DiskFullTest, AWarningThatStaysTrueIsLoggedAndSentEveryTwoSecondsNotEveryTick) {
     peer.on = true;  // a link that waits for nothing
-    d().Image2_Click();
-    d().MMControl1_RecordClick();
+    d().newLetter();
+    d().recordTake();
     run(20000);
     ASSERT_TRUE(view().Label40Warning)
         << "the disk is short of room for the last ten seconds or so";
@@ -124,13 +124,13 @@ TEST_F(DiskFullTest, AWarningThatStaysTrueIsLoggedAndSentEveryTwoSecondsNotEvery
 
 TEST_F(DiskFullTest, WhenNobodyMakesRoomTheSaveStopsAskingAndTheTakeStaysInTemp) {
     // No answers scripted: the question takes its default, No, and would get it for ever.
-    d().Image2_Click();
+    d().newLetter();
     const std::string letter = state().Filename;
-    d().MMControl1_RecordClick();
+    d().recordTake();
     run(14000);
-    d().MMControl1_StopClick();
+    d().stop();
     const engine::SampleCount spoken = editor1.Length();
-    d().Image10_Click();
+    d().closeFile();
 
     const std::vector<std::string> texts = prompts.texts();
     EXPECT_EQ(std::count(texts.begin(), texts.end(), std::string(kDiskSpaceQuestion)), 1);
@@ -147,12 +147,12 @@ TEST_F(DiskFullTest, WhenNobodyMakesRoomTheSaveStopsAskingAndTheTakeStaysInTemp)
 TEST_F(DiskFullTest, AStationEndingStopsTheQuestionAtOnce) {
     prompts.answerNext(platform::Answer::No);
     prompts.answerNext(platform::Answer::No);
-    d().Image2_Click();
-    d().MMControl1_RecordClick();
+    d().newLetter();
+    d().recordTake();
     run(14000);
-    d().MMControl1_StopClick();
+    d().stop();
     state().Imclosing = true;  // SIGTERM or the peer's EXIT came in
-    d().Image10_Click();
+    d().closeFile();
     EXPECT_TRUE(prompts.texts().empty()) << "nobody is asked while the station ends";
     EXPECT_TRUE(logged(kTakeKeptInTemp));
 }

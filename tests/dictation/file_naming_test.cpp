@@ -169,7 +169,7 @@ TEST_F(FileNamingTest, SpeakersAreFoundInAnySpellingAndTheirNumberIsStoredAtOnce
     ASSERT_TRUE(speakers.addSpeaker("Bob", false));
     ASSERT_TRUE(speakers.saveSpeakerNumber("Jones", 11));
     config.record.CurrentSpeaker = "Bob";
-    naming.ComnboFill();
+    naming.ComboFill();
     EXPECT_EQ(naming.dictatorNames(), (Calls{"anne", "Jones"}));
     EXPECT_EQ(config.record.CurrentSpeaker, "") << "an inactive speaker names no files";
     EXPECT_FALSE(naming.pickDictator("bob"));

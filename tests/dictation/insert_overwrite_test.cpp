@@ -28,14 +28,14 @@ protected:
 
 TEST_F(InsertOverwriteTest, AnInsertGoesInAtTheCursorAndKeepsEverythingBehindIt) {
     takeAndStandAtSecondOne();
-    d().Command2_Click();
+    d().insertAtCursor();
     EXPECT_TRUE(state().DoingInsertUpdate);
     EXPECT_TRUE(state().Recordingstatus);
     EXPECT_EQ(view().lblMode, "Insert Mode");
     EXPECT_TRUE(view().ButtonEx1Visible);
     EXPECT_EQ(editor21.State(), 2) << "the take goes into the scratch editor";
     run(2000);
-    d().MMControl1_StopClick();
+    d().stop();
 
     EXPECT_FALSE(state().DoingInsertUpdate);
     EXPECT_FALSE(state().Recordingstatus);
@@ -50,12 +50,12 @@ TEST_F(InsertOverwriteTest, AnInsertGoesInAtTheCursorAndKeepsEverythingBehindIt)
 
 TEST_F(InsertOverwriteTest, AnOverwriteReplacesAsMuchAsWasSpoken) {
     takeAndStandAtSecondOne();
-    d().cmdOVR_Click();
+    d().overwriteAtCursor();
     EXPECT_TRUE(state().OverWriteFile);
     EXPECT_EQ(view().lblMode, "Overwrite Mode");
     EXPECT_FALSE(view().ButtonEx1Visible);
     run(1000);  // the second prompt came after one of these seconds
-    d().MMControl1_StopClick();
+    d().stop();
 
     EXPECT_FALSE(state().OverWriteFile);
     ASSERT_EQ(editor1.Length(), 4 * kRate);
@@ -68,9 +68,9 @@ TEST_F(InsertOverwriteTest, AnOverwriteReplacesAsMuchAsWasSpoken) {
 TEST_F(InsertOverwriteTest, OverwriteToEndThrowsAwayEverythingBehindItsStart) {
     config.record.OverwriteToEnd = true;
     takeAndStandAtSecondOne();
-    d().cmdOVR_Click();
+    d().overwriteAtCursor();
     run(500);
-    d().MMControl1_StopClick();
+    d().stop();
     ASSERT_EQ(editor1.Length(), kRate + 3 * kRate / 2);
     expectStretch(kRate, 3 * kRate / 2, 0);
 }
@@ -78,10 +78,10 @@ TEST_F(InsertOverwriteTest, OverwriteToEndThrowsAwayEverythingBehindItsStart) {
 TEST_F(InsertOverwriteTest, CommentsGoInFrontOfTheFile) {
     takeAndStandAtSecondOne();
     view().Label40 = kDeskUnitMissing;
-    d().Command1_Click();
+    d().addToBeginning();
     EXPECT_EQ(editor1.CursorPosition(), 0);
     run(1000);
-    d().ButtonEx1_Click();
+    d().endInsert();
     ASSERT_EQ(editor1.Length(), 5 * kRate);
     expectStretch(0, kRate, 0);
     expectStretch(kRate, 4 * kRate, 0);
@@ -92,8 +92,8 @@ TEST_F(InsertOverwriteTest, AtEitherEndThereIsNothingToInsertInto) {
     for (const engine::SampleCount at : {engine::SampleCount{0}, editor1.Length()}) {
         editor1.setCursorPosition(at);
         d().timCurPos_Timer();
-        d().Command2_Click();
-        d().cmdOVR_Click();
+        d().insertAtCursor();
+        d().overwriteAtCursor();
         EXPECT_FALSE(state().Recordingstatus);
         EXPECT_FALSE(state().OverWriteFile);
         EXPECT_EQ(editor21.State(), 0);
@@ -116,20 +116,20 @@ TEST_F(DictationTest, TheLastThreeSecondsPlayAndWithAutoResumeTheTakeGoesOn) {
     EXPECT_EQ(editor1.State(), 2);
     EXPECT_TRUE(d().timSave.Enabled());
     run(1000);
-    d().MMControl1_StopClick();
+    d().stop();
     EXPECT_GT(editor1.Length(), 5 * kRate);
     EXPECT_TRUE(prompts.texts().empty());
 }
 
 TEST_F(DictationTest, StepsMoveByTheStepAmountAndTheButtonSaysWhereTheCursorIs) {
     dictate(5000);
-    d().MMControl1_BackClick();
+    d().stepBack();
     EXPECT_EQ(editor1.CursorPosition(), 3 * kRate);
     EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::StepBetween));
-    d().MMControl1_BackClick();
-    d().MMControl1_BackClick();
+    d().stepBack();
+    d().stepBack();
     EXPECT_LE(editor1.CursorPosition(), 0);
-    d().MMControl1_StepClick();
+    d().stepForward();
     EXPECT_EQ(state().SecondSwitchPosition, "STEPFORWARD");
 }
 

@@ -51,14 +51,14 @@ class LastThreeSecondsTest : public DictationTest {
 
 TEST_F(LastThreeSecondsTest, TheTakeEndsThePlaybackShowsAndTheTakeGoesOnWithNothingLost) {
     config.record.Last3SecsAR = true;
-    d().Image2_Click();
+    d().newLetter();
     const std::string letter = state().Filename;
-    d().MMControl1_RecordClick();
+    d().recordTake();
     run(5000);
     const engine::SampleCount firstTake = editor1.Length();
 
     watchEveryTick();
-    d().mnuLastThreeContinue_Click();
+    d().lastThreeSecondsContinueFromMenu();
     EXPECT_EQ(editor1.State(), static_cast<int>(engine::EditorState::Playing));
     EXPECT_TRUE(view().MMControl1.Stop) << "the playback can be stopped";
     // The last words play, then the take goes on by itself.
@@ -67,7 +67,7 @@ TEST_F(LastThreeSecondsTest, TheTakeEndsThePlaybackShowsAndTheTakeGoesOnWithNoth
     EXPECT_TRUE(state().Recordingstatus);
     run(3000);
 
-    d().MMControl1_StopClick();
+    d().stop();
     EXPECT_EQ(editor1.State(), static_cast<int>(engine::EditorState::Stopped)) << "Stop works";
     EXPECT_FALSE(state().Recordingstatus);
     run(500);
@@ -80,23 +80,23 @@ TEST_F(LastThreeSecondsTest, TheTakeEndsThePlaybackShowsAndTheTakeGoesOnWithNoth
         std::chrono::duration_cast<std::chrono::milliseconds>(*stoppedAt - *resumedAt).count();
     const engine::SampleCount expected = firstTake + resumedMs * kRate / 1000;
     EXPECT_NEAR(static_cast<double>(editor1.Length()), static_cast<double>(expected), kRate / 10.0);
-    d().Image10_Click();
+    d().closeFile();
     const auto bytes = platform::fileSize(letter).value_or(0);
     EXPECT_NEAR(static_cast<double>(bytes - 44) / 2, static_cast<double>(expected), kRate / 10.0);
 }
 
 TEST_F(LastThreeSecondsTest, StopDuringThePlaybackEndsItAndNoTakeStartsBehindTheAuthorsBack) {
     config.record.Last3SecsAR = true;
-    d().Image2_Click();
-    d().MMControl1_RecordClick();
+    d().newLetter();
+    d().recordTake();
     run(5000);
 
     watchEveryTick();
-    d().mnuLastThreeContinue_Click();
+    d().lastThreeSecondsContinueFromMenu();
     run(500);
-    d().MMControl1_StopClick();  // during playback: pauses
+    d().stop();  // during playback: pauses
     EXPECT_NE(view().caption.find("File is Paused"), std::string::npos) << view().caption;
-    d().MMControl1_StopClick();  // paused: stops
+    d().stop();  // paused: stops
     run(8000);
     EXPECT_FALSE(resumedAt.has_value()) << "the author stopped: nothing records";
     EXPECT_EQ(editor1.State(), static_cast<int>(engine::EditorState::Stopped));

@@ -29,8 +29,8 @@ class MicrophoneLostTest : public DictationTest {
 };
 
 TEST_F(MicrophoneLostTest, ATakeEndsInOrderAndKeepsWhatWasSaid) {
-    d().Image2_Click();
-    d().MMControl1_RecordClick();
+    d().newLetter();
+    d().recordTake();
     run(3000);
     d().recordingDeviceLost("USB Headset");
     run(100);
@@ -48,7 +48,7 @@ TEST_F(MicrophoneLostTest, AnInsertIsPutInPlaceBeforeTheTakeEnds) {
     dictate(4000);
     editor1.setCursorPosition(kRate);
     d().timCurPos_Timer();
-    d().Command2_Click();
+    d().insertAtCursor();
     run(2000);
     d().recordingDeviceLost("USB Headset");
     run(100);

@@ -35,8 +35,8 @@ TEST_F(ScreenAfterActionsTest, AStopThatSavesKeepsTheFileNamedAndTheTakeNoLonger
 
 TEST_F(ScreenAfterActionsTest, PlaybackThatRanToTheEndNoLongerSaysPlaying) {
     dictate(2000);
-    d().MMControl1_PrevClick();
-    d().MMControl1_PlayClick();
+    d().goToBeginning();
+    d().play();
     ASSERT_TRUE(captionSays("File is Playing"));
     run(3000);
 
@@ -45,15 +45,15 @@ TEST_F(ScreenAfterActionsTest, PlaybackThatRanToTheEndNoLongerSaysPlaying) {
     EXPECT_FALSE(captionSays("Playing")) << view().caption;
     EXPECT_TRUE(captionSays("Stopped")) << view().caption;
     // A step from the end does not start the playback again.
-    d().MMControl1_BackClick();
+    d().stepBack();
     EXPECT_FALSE(state().flgPlay);
     EXPECT_EQ(editor1.State(), 0);
 }
 
 TEST_F(ScreenAfterActionsTest, PlaybackTheEngineBrokeOffNoLongerSaysPlaying) {
     dictate(4000);
-    d().MMControl1_PrevClick();
-    d().MMControl1_PlayClick();
+    d().goToBeginning();
+    d().play();
     run(1000);
     editor1.Stop();  // the engine ends the playback by itself, half way
     run(100);
@@ -72,14 +72,14 @@ TEST_F(ScreenAfterActionsTest, TheModeAndTheTimesFollowTheEndOfAnInsertOrAnOverw
         editor1.setCursorPosition(editor1.Length() / 3);
         d().timCurPos_Timer();
         if (overwrite) {
-            d().cmdOVR_Click();
+            d().overwriteAtCursor();
             EXPECT_EQ(view().lblMode, "Overwrite Mode");
         } else {
-            d().Command2_Click();
+            d().insertAtCursor();
             EXPECT_EQ(view().lblMode, "Insert Mode");
         }
         run(1000);
-        d().MMControl1_StopClick();
+        d().stop();
         run(100);
 
         EXPECT_FALSE(state().Recordingstatus);
@@ -94,16 +94,16 @@ TEST_F(ScreenAfterActionsTest, TheModeAndTheTimesFollowTheEndOfAnInsertOrAnOverw
 
 TEST_F(ScreenAfterActionsTest, AnOpenedFileCanBeMovedInOnceItHasLoaded) {
     const std::string path = writeRampWave(folder.file("Letter.wav"), 5);
-    d().OpenMyList(path);
+    d().openRecentFile(path);
     ASSERT_TRUE(state().flgfileOpen1);
     run(100);
     EXPECT_FALSE(view().lblBusyVisible);
     EXPECT_TRUE(view().ctSlide1Enabled)
         << "the position slider was held only while the file loaded";
     EXPECT_EQ(view().lblReady, "Letter.wav");
-    d().ctSlide1_MouseDown();
-    d().ctSlide1_Change(40);
-    d().ctSlide1_MouseUp(40);
+    d().positionSliderPressed();
+    d().positionSliderMoved(40);
+    d().positionSliderReleased(40);
     run(100);
     EXPECT_EQ(editor1.CursorPosition(), 2 * kRate);
     EXPECT_EQ(view().ctSlide1, 40);
@@ -119,11 +119,11 @@ TEST_F(ScreenAfterActionsTest, WithNoFileEveryTransportButtonIsGreyed) {
     // leaves the bar as a start of the program does.
     const std::vector<std::pair<const char*, std::function<void()>>> closes = {
         {"after a stop", [] {}},
-        {"at the beginning", [this] { d().MMControl1_PrevClick(); }},
+        {"at the beginning", [this] { d().goToBeginning(); }},
         {"during playback",
          [this] {
-             d().MMControl1_PrevClick();
-             d().MMControl1_PlayClick();
+             d().goToBeginning();
+             d().play();
              run(200);
          }},
     };
@@ -131,7 +131,7 @@ TEST_F(ScreenAfterActionsTest, WithNoFileEveryTransportButtonIsGreyed) {
         SCOPED_TRACE(when);
         dictate(2000);
         before();
-        d().Image10_Click();
+        d().closeFile();
         run(100);
         ASSERT_FALSE(state().flgfileOpen1);
         EXPECT_EQ(view().MMControl1, none);

@@ -9,7 +9,7 @@ namespace {
 constexpr const char* kTitle = "Orvane Voice Desk - ";
 
 TEST_F(DictationTest, NewRecordStopPlayPauseContinueToTheEnd) {
-    d().Image2_Click();
+    d().newLetter();
     EXPECT_EQ(view().caption, std::string(kTitle) + "File Is Ready to be Recorded-Please hit the Record Icon");
     EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CaseNew));
     EXPECT_TRUE(state().flgfileOpen1);
@@ -19,7 +19,7 @@ TEST_F(DictationTest, NewRecordStopPlayPauseContinueToTheEnd) {
     EXPECT_EQ(backend.promptsPlayed().back().substr(backend.promptsPlayed().back().rfind('/') + 1),
               "TwoBeeps.wav") << "the new file is announced even with prompts off";
 
-    d().MMControl1_RecordClick();
+    d().recordTake();
     EXPECT_EQ(view().caption, std::string(kTitle) + "File is being Recorded");
     EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CaseRecord));
     EXPECT_FALSE(view().formatOptionsEnabled);
@@ -29,7 +29,7 @@ TEST_F(DictationTest, NewRecordStopPlayPauseContinueToTheEnd) {
     EXPECT_EQ(view().lblOnAir, "ON AIR");
     EXPECT_NE(view().Image5, view().Image6) << "the lamps take turns";
 
-    d().MMControl1_StopClick();
+    d().stop();
     EXPECT_EQ(editor1.Length(), 3 * kRate);
     EXPECT_EQ(view().caption, std::string(kTitle) + "File is in Recording Mode but is Stopped");
     EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CaseEnd));
@@ -38,16 +38,16 @@ TEST_F(DictationTest, NewRecordStopPlayPauseContinueToTheEnd) {
     EXPECT_TRUE(state().FileChanged) << "without crash protection a Stop saves nothing";
     EXPECT_FALSE(platform::fileExists(state().Filename));
 
-    d().MMControl1_PrevClick();
+    d().goToBeginning();
     EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CaseBeginning));
     EXPECT_EQ(editor1.CursorPosition(), 0);
-    d().MMControl1_PlayClick();
+    d().play();
     EXPECT_EQ(view().caption, std::string(kTitle) + "File is Playing");
     EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CasePlayOrOpen));
     run(1000);
     EXPECT_EQ(view().timeElapsed, "00:00:01");
 
-    d().MMControl1_PauseClick();
+    d().pause();
     EXPECT_EQ(editor1.State(), 5);
     EXPECT_EQ(view().caption, std::string(kTitle) + "File is Paused");
     const auto pausedAt = editor1.CursorPosition();
@@ -65,15 +65,15 @@ TEST_F(DictationTest, NewRecordStopPlayPauseContinueToTheEnd) {
 
 TEST_F(DictationTest, StopDuringPlaybackPausesAndASecondStopEnds) {
     dictate(2000);
-    d().MMControl1_PrevClick();
-    d().MMControl1_PlayClick();
+    d().goToBeginning();
+    d().play();
     run(500);
-    d().MMControl1_StopClick();
+    d().stop();
     EXPECT_EQ(editor1.State(), 5);
     EXPECT_TRUE(state().PausedRecording);
     EXPECT_EQ(editor1.CursorPosition(), kRate / 2) << "the position is kept";
 
-    d().MMControl1_StopClick();
+    d().stop();
     EXPECT_EQ(editor1.State(), 0);
     EXPECT_EQ(editor1.CursorPosition(), editor1.Length());
     EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CaseEnd));
@@ -92,8 +92,8 @@ TEST_F(DictationTest, RoutinesThatFindNothingToDoChangeNothing) {
     EXPECT_EQ(state().WhichBut, "Stop");
     EXPECT_EQ(editor1.State(), 0);
 
-    d().MMControl1_PrevClick();
-    d().MMControl1_PlayClick();
+    d().goToBeginning();
+    d().play();
     const auto length = editor1.Length();
     d().CaseRecord();  // while playing: nothing, and nothing shown
     EXPECT_EQ(editor1.State(), 1);
@@ -133,14 +133,14 @@ TEST_F(DictationTest, EveryRefusalCarriesItsTag) {
         {"CaseStepBackward", {}, [&] { d().CaseStepBackward(); }},
         {"CaseStepForward", {}, [&] { d().CaseStepForward(); }},
         {"CaseUndo", {}, [&] { d().CaseUndo(); }},
-        {"Command1", atTheMiddle, [&] { d().Command1_Click(); }},
-        {"Command1-2", [&] { atTheMiddle(); view().ctSlide1 = 0; }, [&] { d().Command1_Click(); }},
+        {"Command1", atTheMiddle, [&] { d().addToBeginning(); }},
+        {"Command1-2", [&] { atTheMiddle(); view().ctSlide1 = 0; }, [&] { d().addToBeginning(); }},
         {"Command1-3",
          [&] { atTheMiddle(); view().ctSlide1 = 0; state().flgfileOpen1 = false; },
-         [&] { d().Command1_Click(); }},
-        {"Command2", atTheMiddle, [&] { d().Command2_Click(); }},
-        {"Command3", {}, [&] { d().Command3_Click(); }},
-        {"cmdOVR", atTheMiddle, [&] { d().cmdOVR_Click(); }},
+         [&] { d().addToBeginning(); }},
+        {"Command2", atTheMiddle, [&] { d().insertAtCursor(); }},
+        {"Command3", {}, [&] { d().replayLastThreeSeconds(); }},
+        {"cmdOVR", atTheMiddle, [&] { d().overwriteAtCursor(); }},
         {"TurnOffTimers", {}, [&] { d().TurnOffTimers(); }},
         {"timLastThreeSecondsCon",
          [&] { editor1.setCursorPosition(editor1.Length() - kRate); state().iTotalSecFile = 3; },
@@ -167,7 +167,7 @@ TEST_F(DictationTest, APedalDuringTheNewFilesAnnouncementIsRefusedOnTheSecondPat
     config.record.TCP = true;
     peer.on = true;
     peer.duringWait = [&] { state().Recordingstatus = true; };
-    d().Image2_Click();
+    d().newLetter();
     ASSERT_FALSE(prompts.texts().empty());
     EXPECT_EQ(prompts.texts()[0], refusalText("CaseNew-2"));
     ASSERT_FALSE(peer.messages.empty());
@@ -190,11 +190,11 @@ TEST_F(DictationTest, AfterTheFirstStopThePeriodicSaveKeepsTheFileOneIntervalBeh
     dictate(2000);
     const std::string file = state().Filename;
     EXPECT_FALSE(platform::fileExists(file)) << "before the save timer, only the work file holds it";
-    d().MMControl1_RecordClick();
+    d().recordTake();
     run(16192);
     editor1.finishSaving();  // the file takes its name once the save is complete
     ASSERT_TRUE(platform::fileExists(file));
-    d().MMControl1_StopClick();
+    d().stop();
 }
 
 TEST(SaveIntervalTest, SharesOfTheLongestIntervalAndNothingElse) {

@@ -29,7 +29,7 @@ protected:
 };
 
 TEST_F(DeskUnitPanelTest, TheSwitchRecordsAndStopsAndFollowsTheModel) {
-    d().Image2_Click();
+    d().newLetter();
     DeskUnitPanel panel(model, view(), config.record);
     find<QRadioButton>(panel, "switch0")->click();  // DICTATE
     EXPECT_TRUE(state().Recordingstatus);

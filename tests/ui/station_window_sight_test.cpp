@@ -127,9 +127,9 @@ TEST_F(StationWindowTest, DraggingThePositionSliderMovesTheSliderAndTheTimes) {
     run(60000);
     editor1.setCursorPosition(dictation::testing::kRate);
     d().timCurPos_Timer();
-    d().cmdOVR_Click();
+    d().overwriteAtCursor();
     run(1000);
-    d().MMControl1_StopClick();
+    d().stop();
     runAndRender(100);
     ASSERT_EQ(editor1.Length(), 4 * dictation::testing::kRate);
     auto* slider = child<QSlider>("ctSlide1");

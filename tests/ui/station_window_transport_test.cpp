@@ -124,7 +124,7 @@ TEST_F(TransportTest, ReopenListsTheRecentFilesOrANoneGreyed) {
     EXPECT_FALSE(reopen->actions().front()->isEnabled());
 
     dictate(2000);
-    d().Image10_Click();  // closed and saved: it joins the recent files
+    d().closeFile();  // closed and saved: it joins the recent files
     window().render();
     ASSERT_FALSE(view().Reopen.empty());
     EXPECT_NE(reopen->actions().front()->text().indexOf(QString::fromStdString(view().Reopen.front())), -1);
