@@ -50,7 +50,7 @@ int faceWidth(Face face) {
 }  // namespace
 
 void StationWindow::render() {
-    const dictation::MainView& v = parts_.dictation.view;
+    const dictation::MainView& v = parts_.dictation.view();
     waveform_->refresh();
     deviceBox_->follow();
     if (v.revision == shownRevision_) return;
@@ -77,7 +77,7 @@ void StationWindow::render() {
     statusPanel2_->setText(text(v.statusPanel2));
 
     MMControl1_->render(v.MMControl1, v.transportLabelsVisible);
-    MMControl1_->showNoFile(!parts_.dictation.state.flgfileOpen1);
+    MMControl1_->showNoFile(!parts_.dictation.state().flgfileOpen1);
     cmdEOL_->setEnabled(v.cmdEOL);
     Command1_->setEnabled(v.Command1);
     Command2_->setEnabled(v.Command2);
@@ -259,7 +259,7 @@ void StationWindow::Option_Click(bool otherConditions) {
     settings::SettingsRecord& record = parts_.config.record;
     const std::string chosen = otherConditions ? "OPT3" : "OPT2";
     // During a take the options do nothing; the render puts the mark back.
-    if (d.state.Recordingstatus || record.RecordingFormats == chosen) {
+    if (d.state().Recordingstatus || record.RecordingFormats == chosen) {
         shownRevision_ = ~0UL;
         render();
         return;
@@ -267,15 +267,15 @@ void StationWindow::Option_Click(bool otherConditions) {
     // The next file is made in the format now chosen; the one in hand keeps its own.
     record.RecordingFormats = chosen;
     parts_.config.WriteConfig();
-    if (d.state.flgfileOpen1) {
+    if (d.state().flgfileOpen1) {
         const std::string reason =
             std::string(" Calling Image2_Click from ") + (otherConditions ? "Option3_Click" : "Option2_Click");
-        if (!d.state.RecordedOnce) {
+        if (!d.state().RecordedOnce) {
             d.CaseStop();
             d.closeFile();
             parts_.eventLog.trace(reason);
         } else {
-            const bool armed = d.state.RecordingstatusPaused;
+            const bool armed = d.state().RecordingstatusPaused;
             if (armed) {
                 parts_.prompts.showMessage(
                     "Your current recording in progress will be saved now, using your previous settings "
