@@ -95,7 +95,7 @@ void PedalDispatcher::dispatch(PedalDevice device, const std::string& pedal, con
     // While one-tap recording runs only the record pedal and the end of letter
     // pedal are alive.
     const bool busy = settings_.OneTapRecPause && state_.Recordingstatus;
-    const dictation::TransportBar& bar = view_.MMControl1;
+    const dictation::TransportBar& bar = view_.transportBar;
 
     if (*keyword == "STEPLIST") {
         if (busy) return;
@@ -121,7 +121,7 @@ void PedalDispatcher::dispatch(PedalDevice device, const std::string& pedal, con
         if (down) commands_.SwitchCommand("Record");
     } else if (*keyword == "EOLSTOP") {
         // The end of letter button is asked first, before the busy test.
-        if (!view_.cmdEOL || busy) return;
+        if (!view_.endOfLetterEnabled || busy) return;
         if (down) {
             hits_.HandSetHitNotHit = true;
             commands_.SwitchCommand("EOL");

@@ -103,7 +103,7 @@ void SwitchModel::runButtonAction(const std::string& action, int buttonNumber) {
         if (name == "StepBack") buttonReleased(buttonNumber);
         return;
     }
-    const dictation::TransportBar& bar = view_.MMControl1;
+    const dictation::TransportBar& bar = view_.transportBar;
     if (action == "Rewind") {
         if (!bar.Prev) return;
         hits_.HandSetHitNotHit = true;

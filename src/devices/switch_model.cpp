@@ -123,7 +123,7 @@ void SwitchModel::listen() {
     if (state_.SecondSwitchPosition == kSteppedForward && alreadyListening) {
         // Stepped forward while listening: at the end, the file is left at its end.
         if (atTheEnd) {
-            if (!view_.MMControl1.Record) d_.CaseEnd();
+            if (!view_.transportBar.Record) d_.CaseEnd();
             return;
         }
     } else if (alreadyListening) {
@@ -200,12 +200,12 @@ bool SwitchModel::record(bool plainRecord) {
     if (plainRecord) {
         // With the automatic modes, the record command inserts or overwrites
         // wherever the buttons for it are on.
-        if (view_.cmdOVR && s.AutoOverwrite) d_.armOverwrite();
+        if (view_.overwriteEnabled && s.AutoOverwrite) d_.armOverwrite();
         if (state_.HitTwice) {
             d_.disarmInsertOverwrite();
             HandSetSwitchs3("OVERWRITE");
         }
-        if (view_.Command2 && s.AutoInsert) d_.armInsert();
+        if (view_.insertEnabled && s.AutoInsert) d_.armInsert();
         if (state_.HitOnce) {
             d_.disarmInsertOverwrite();
             HandSetSwitchs3("INSERT");
@@ -238,7 +238,7 @@ void SwitchModel::stepForward() {
 void SwitchModel::arm(bool overwrite) {
     // Arming needs both buttons: either one alone means the position or the
     // file allows no take in the middle.
-    if (!view_.Command2 || !view_.cmdOVR) {
+    if (!view_.insertEnabled || !view_.overwriteEnabled) {
         hits_.HandSetHitNotHit = false;
         return;
     }
@@ -272,7 +272,7 @@ void SwitchModel::endOfLetterCommand() {
 void SwitchModel::SwitchAction(const std::string& word) {
     d_.noteSwitchWord(word);
     if (state_.CheckingKey || word == "Trigger") return;
-    const dictation::TransportBar& bar = view_.MMControl1;
+    const dictation::TransportBar& bar = view_.transportBar;
     const bool scratchTake =
         state_.DoingAppending || state_.DoingInsertUpdate || state_.OverWriteFile;
     if (word == "STEPBACK") {
@@ -311,30 +311,30 @@ void SwitchModel::HandSetSwitchs3(const std::string& word) {
     }
     if (state_.CheckingKey) return;
     d_.forgetDiscardedFile();
-    const dictation::TransportBar& bar = view_.MMControl1;
+    const dictation::TransportBar& bar = view_.transportBar;
     if (word == "INSERT") {
-        if (!view_.Command2) return;
-        if (view_.Lbl4Pos != kSwitchDictate)
+        if (!view_.insertEnabled) return;
+        if (view_.switchPosition != kSwitchDictate)
             askToMoveSwitch(dictation::kMoveSwitchToRecord, "DICTATE");
         d_.insertAtCursor();
     } else if (word == "OVERWRITE") {
-        if (!view_.cmdOVR) {
+        if (!view_.overwriteEnabled) {
             hits_.HandSetHitNotHit = false;
             d_.disarmInsertOverwrite();
             return;
         }
-        if (view_.Lbl4Pos != kSwitchDictate)
+        if (view_.switchPosition != kSwitchDictate)
             askToMoveSwitch(dictation::kMoveSwitchToRecord, "DICTATE");
         d_.overwriteAtCursor();
     } else if (word == "GOTOEND") {
-        if (view_.Lbl4Pos != kSwitchListen) askToMoveSwitch(kMoveSwitchToListen, "LISTEN");
+        if (view_.switchPosition != kSwitchListen) askToMoveSwitch(kMoveSwitchToListen, "LISTEN");
         if (bar.Next) d_.goToEnd();
     } else if (word == "STEPFOWARD") {
         if (!bar.Step) {
             hits_.HandSetHitNotHit = false;
             return;
         }
-        if (view_.Lbl4Pos != kSwitchStop && view_.Lbl4Pos != kSwitchListen) {
+        if (view_.switchPosition != kSwitchStop && view_.switchPosition != kSwitchListen) {
             askToMoveSwitch(kMoveSwitchToListenOrStop, kSteppedForward);
         }
         d_.CaseStepForward();

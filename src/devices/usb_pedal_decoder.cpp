@@ -109,7 +109,7 @@ void UsbPedalDecoder::decode(std::span<const std::uint8_t> report, bool showRaw)
             if (i > 0) raw += ' ';
             raw += HexPad(report[i], 2);
         }
-        view.LblRawHIDFootPedal = raw;
+        view.rawReport = raw;
     }
     if (report.size() < 2 || report[0] != 0) return;
     const std::uint8_t bits = report[1];

@@ -32,7 +32,7 @@ inline constexpr const char* kRawButtonsPrefix = "Buttons: ";
 struct UsbRawView {
     enum class Indicator { ButtonFace, Green };
     // The last pedal state, three blanks and the report in hexadecimal.
-    std::string LblRawHIDFootPedal;
+    std::string rawReport;
     // "Buttons: " and the pedal bits in two hexadecimal digits.
     std::string buttonsText;
     // One lamp per pedal bit: green while the bit is set.

@@ -40,10 +40,10 @@ UsbPedals::UsbPedals(settings::ConfigFile& config, platform::Prompts& prompts,
 }
 
 void UsbPedals::start() {
-    menu.mnuUSBFootPedals = config_.record.UserSelectUSB;
-    menu.mnuSERFootPedals = config_.record.UserSelectSerial;
-    menu.mnuGAMEFootPedals = config_.record.UserSelectGame;
-    menu.mn30VEC = config_.record.Use30VEC;
+    menu.usbChecked = config_.record.UserSelectUSB;
+    menu.serialChecked = config_.record.UserSelectSerial;
+    menu.gameChecked = config_.record.UserSelectGame;
+    menu.vec30Checked = config_.record.Use30VEC;
     if (config_.record.UserSelectUSB) OpenUSBPedals();
 }
 
@@ -165,23 +165,23 @@ void UsbPedals::traceMiddleDown() {
                       std::to_string(error ? 0 : size));
 }
 
-void UsbPedals::mnuUSBFootPedals_Click() {
-    if (!menu.mnuUSBFootPedals) {
-        menu.mnuUSBFootPedals = true;
-        menu.mnuGAMEFootPedals = false;
-        menu.mnuSERFootPedals = false;
+void UsbPedals::toggleUsbPedals() {
+    if (!menu.usbChecked) {
+        menu.usbChecked = true;
+        menu.gameChecked = false;
+        menu.serialChecked = false;
         config_.record.UserSelectUSB = true;
         if (showConfigDialog) showConfigDialog();
         OpenUSBPedals();
     } else {
-        menu.mnuUSBFootPedals = false;
+        menu.usbChecked = false;
         config_.record.UserSelectUSB = false;
         CloseUSBPedals();
     }
     config_.WriteConfig();
 }
 
-void UsbPedals::mn30VEC_Click() {
+void UsbPedals::toggleVec30Pedal() {
     if (state_.flgfileOpen1) {
         prompts_.showMessage(kCloseFileFirstMessage);
         return;
@@ -191,7 +191,7 @@ void UsbPedals::mn30VEC_Click() {
         return;
     }
     config_.record.Use30VEC = !config_.record.Use30VEC;
-    menu.mn30VEC = config_.record.Use30VEC;
+    menu.vec30Checked = config_.record.Use30VEC;
     config_.WriteConfig();
     if (endProgram) endProgram();
 }

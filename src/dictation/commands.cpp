@@ -33,12 +33,12 @@ void Dictation::beforePedalsStart() {
 }
 
 void Dictation::showDeskUnitMissing() {
-    screen().Label40 = kDeskUnitMissing;
+    screen().statusLine = kDeskUnitMissing;
     tmCommand.setEnabled(true);
 }
 
 void Dictation::finishLoad(bool handsFreeEdition) {
-    screen().cmdEOL = false;
+    screen().endOfLetterEnabled = false;
     screen().caption = applicationTitle(handsFreeEdition);
     state_.OnLoad = false;
 }
@@ -92,9 +92,9 @@ void Dictation::replaceNewestSwitchPosition(const std::string& status) {
     state_.FirstSwitchPosition = status;
 }
 
-void Dictation::showSwitchPosition(const std::string& label) { screen().Lbl4Pos = label; }
+void Dictation::showSwitchPosition(const std::string& label) { screen().switchPosition = label; }
 
-void Dictation::rememberSwitchLabel() { state_.RememberLastSwitchLabel = view().Lbl4Pos; }
+void Dictation::rememberSwitchLabel() { state_.RememberLastSwitchLabel = view().switchPosition; }
 
 void Dictation::showMode(const std::string& text) { screen().lblMode = text; }
 
@@ -130,19 +130,19 @@ void Dictation::forgetDiscardedFile() { state_.FileKilled = false; }
 void Dictation::rereadCursorSecond() { state_.iCurSecond = secondsOf(AudioEditor1.CursorPosition()); }
 
 void Dictation::refreshEndOfLetterButton() {
-    const bool on = cmdEOLAfter(view().MMControl1, state_.RecordedOnce, view().cmdEOL);
-    if (on != view().cmdEOL) screen().cmdEOL = on;
+    const bool on = cmdEOLAfter(view().transportBar, state_.RecordedOnce, view().endOfLetterEnabled);
+    if (on != view().endOfLetterEnabled) screen().endOfLetterEnabled = on;
 }
 
 void Dictation::rememberRecentStep(int step) { state_.PreviousNextFile = step; }
 
 // ---- What the end of letter and the devices show and ask ----
 
-void Dictation::showStatus(const std::string& text) { screen().Label40 = text; }
+void Dictation::showStatus(const std::string& text) { screen().statusLine = text; }
 
 void Dictation::showFileLabel(const std::string& text) { screen().lblReady = text; }
 
-void Dictation::showTitlePicture(const std::string& path) { screen().MyPicture = path; }
+void Dictation::showTitlePicture(const std::string& path) { screen().titlePicture = path; }
 
 void Dictation::saveOnRequest() {
     state_.SaveRequested = true;

@@ -63,7 +63,7 @@ Dictation::Dictation(DictationParts parts)
     view_.onChanged = [this] {
         if (onViewChanged) onViewChanged();
     };
-    screen().Lbl4Pos = kSwitchPlain;
+    screen().switchPosition = kSwitchPlain;
 }
 
 Dictation::~Dictation() {
@@ -86,8 +86,8 @@ void Dictation::loadScreen() {
     screen().lblOnAirVisible = false;
     setBar(BarAfter::ProgramStart);
     setRecordButtons(false);
-    screen().cmdEOL = false;
-    screen().ctSlide1Enabled = false;
+    screen().endOfLetterEnabled = false;
+    screen().positionSliderEnabled = false;
     changed();
 }
 

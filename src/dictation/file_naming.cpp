@@ -218,7 +218,7 @@ void FileNaming::announce() {
     log_.trace("LOADED New File: " + state_.Filename + " Procedure - CREATEFILENAME");
     if (config_.record.TCP) {
         log_.trace(" -58 Sending Message in CreateFileName");
-        view_.edit().Label40 = hooks_.sendLoaded(platform::withoutFolder(state_.Filename));
+        view_.edit().statusLine = hooks_.sendLoaded(platform::withoutFolder(state_.Filename));
     }
     state_.FileSaveError = false;
     log_.trace(std::string("CaseNew-FileSaveError =: ") +
@@ -246,7 +246,7 @@ void FileNaming::askBeforeOverwriting() {
     state_.UserSelectedNo = true;
     state_.WhichBut.clear();
     if (config_.record.TCP) hooks_.tellPeerNewFileRefused();
-    view_.edit().Label40.clear();
+    view_.edit().statusLine.clear();
     log_.trace("User Selected NO to overwrite file");
 }
 

@@ -47,7 +47,7 @@ void Dictation::timCurPos_Timer() {
     }
     if (!state_.RecordingstatusPaused && !state_.Recordingstatus) totalSecondsFromEngine();
     refreshSeconds();
-    if (engineState == kRecording) screen().ctSlide1 = state_.percentrun;  // the slider stays put
+    if (engineState == kRecording) screen().positionPercent = state_.percentrun;  // the slider stays put
     if ((state_.flgPlay || playedToEnd) && AudioEditor1.CursorPosition() >= AudioEditor1.Length()) {
         state_.flgPlay = false;
         state_.PlayedOnce = false;
@@ -105,7 +105,7 @@ void Dictation::timRecord_Timer() {
     }
     screen().timeElapsed = clockText(state_.iCurSecond);
     setRecordButtons(false);
-    screen().ctSlide1Enabled = false;
+    screen().positionSliderEnabled = false;
     etprocess("timRecord_Timer");
 
     // The disk check: the take must keep room for three times what the work
@@ -114,14 +114,14 @@ void Dictation::timRecord_Timer() {
     const std::uint64_t free = platform::freeDiskBytes(recordings).value_or(0);
     const std::uint64_t workBytes = platform::folderBytes(temporaryFolder());
     if (workBytes * 3 < free) {
-        screen().Label40 = "Recording";
-        screen().Label40Warning = false;
+        screen().statusLine = "Recording";
+        screen().statusLineWarning = false;
         lastDiskWarning_.reset();
         changed();
         return;
     }
-    screen().Label40 = "Warning -- Number of Free Bytes : " + std::to_string(free);
-    screen().Label40Warning = true;
+    screen().statusLine = "Warning -- Number of Free Bytes : " + std::to_string(free);
+    screen().statusLineWarning = true;
     changed();
     // The label follows every tick; the log and the peer hear a warning that
     // stays true once per wait of the link, as if each notice still held the
@@ -137,9 +137,9 @@ void Dictation::timRecord_Timer() {
 
 void Dictation::timLight_Timer() {
     // The lamps take turns, so the take shows from across the room.
-    const bool first = !screen().Image5;
-    screen().Image5 = first;
-    screen().Image6 = !first;
+    const bool first = !screen().onAirLamp1;
+    screen().onAirLamp1 = first;
+    screen().onAirLamp2 = !first;
     screen().lblOnAir = "ON AIR";
     screen().lblOnAirVisible = true;
     changed();
@@ -192,7 +192,7 @@ void Dictation::positionSliderPressed() {
 }
 
 void Dictation::positionSliderMoved(int value) {
-    screen().ctSlide1 = value;
+    screen().positionPercent = value;
     state_.iCurSecond = static_cast<std::int32_t>(value / 100.0 * state_.iTotalSecFile);
     state_.Positionfromslide = state_.iCurSecond;
     etprocess("ctSlide1_Change");
@@ -209,8 +209,8 @@ void Dictation::positionSliderReleased(int value) {
         if (engineState == kPaused) AudioEditor1.Pause();
     }
     if (AudioEditor1.State() == kStopped && value == 100) {
-        screen().Command2 = false;
-        screen().cmdOVR = false;
+        screen().insertEnabled = false;
+        screen().overwriteEnabled = false;
         AudioEditor1.setCursorPosition(AudioEditor1.Length());
     }
     timCurPos.setEnabled(true);

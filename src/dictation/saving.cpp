@@ -108,8 +108,8 @@ void Dictation::SaveFile() {
     if (!makeRoomToSave()) {
         // Nobody made room: the file is not written half way, and the take stays
         // whole in its work file under Temp, where a close leaves it too.
-        screen().Label40 = kTakeKeptInTemp;
-        screen().Label40Warning = true;
+        screen().statusLine = kTakeKeptInTemp;
+        screen().statusLineWarning = true;
         saveFailed(
             state_.Filename + " File Save ERROR: " + kTakeKeptInTemp + " " + temporaryFolder(),
             " -71");
@@ -342,7 +342,7 @@ void Dictation::CaseClose() {
     state_.WhichBut = "Close";
     state_.CommandFileName.clear();
     state_.NextString.clear();
-    screen().Label43.clear();
+    screen().fileSizeText.clear();
     for (std::string& workFile : state_.LastThreeNCTTmps) {
         if (!workFile.empty() && workFile != keptWorkFile_ && platform::fileExists(workFile)) {
             std::remove(workFile.c_str());
@@ -355,9 +355,9 @@ void Dictation::CaseClose() {
     screen().transportLabelsVisible = false;
     applyEOLRule();
     setRecordButtons(false);
-    screen().ctSlide1Enabled = false;
+    screen().positionSliderEnabled = false;
     state_.RecordedOnce = false;
-    screen().cmdEOL = false;
+    screen().endOfLetterEnabled = false;
     changed();
 }
 

@@ -62,7 +62,7 @@ TEST_F(PedalDispatcherTest, EachKeywordActsOnItsEdgesAsTheTableSays) {
     EXPECT_EQ(edge(kLeft, kDown), Calls{"Switch:STOP"}) << "listen pedal while playing stops";
     EXPECT_EQ(edge(kLeft, kUp), Calls{});
 
-    view.MMControl1.Stop = true;  // hold to record
+    view.transportBar.Stop = true;  // hold to record
     EXPECT_EQ(edge(kMiddle, kDown), Calls{"Switch:Record"});
     EXPECT_EQ(edge(kMiddle, kUp), Calls{"StopClick"});
 
@@ -72,18 +72,18 @@ TEST_F(PedalDispatcherTest, EachKeywordActsOnItsEdgesAsTheTableSays) {
     EXPECT_EQ(edge(kMiddle, kUp), Calls{}) << "the release never stops a one-tap take";
     EXPECT_EQ(edge(kMiddle, kDown), Calls{"StopClick"});
     EXPECT_EQ(edge(kLeft, kDown), Calls{}) << "busy: the listen pedal is dead";
-    view.cmdEOL = true;
+    view.endOfLetterEnabled = true;
     EXPECT_EQ(edge(kRight, kDown), Calls{}) << "busy: even end of letter waits";
 
     settings.OneTapRecPause = false;
     state.Recordingstatus = false;
-    view.cmdEOL = false;
+    view.endOfLetterEnabled = false;
     EXPECT_EQ(edge(kRight, kDown), Calls{}) << "end of letter needs its button on";
-    view.cmdEOL = true;
+    view.endOfLetterEnabled = true;
     EXPECT_EQ(edge(kRight, kDown), Calls{"Switch:EOL"});
     EXPECT_TRUE(hits.HandSetHitNotHit);
 
-    view.MMControl1.Stop = false;
+    view.transportBar.Stop = false;
     EXPECT_EQ(edge(kLeft, kUp, true), Calls{}) << "insert released with nothing to stop";
     EXPECT_EQ(edge(kLeft, kDown, true), Calls{"Switch:Ins"});
     EXPECT_EQ(edge(kMiddle, kDown, true), Calls{"Switch:OVR"});
@@ -92,7 +92,7 @@ TEST_F(PedalDispatcherTest, EachKeywordActsOnItsEdgesAsTheTableSays) {
 }
 
 TEST_F(PedalDispatcherTest, AHeldListenPedalStepsBackEveryTenthOfASecondUntilReleased) {
-    view.MMControl1.Back = true;
+    view.transportBar.Back = true;
     hits.LEFTSERPEDALHit = true;
     EXPECT_EQ(edge(kLeft, kDown), Calls{}) << "nothing moves before the first tick";
     loop.advance(Milliseconds(99));
@@ -102,7 +102,7 @@ TEST_F(PedalDispatcherTest, AHeldListenPedalStepsBackEveryTenthOfASecondUntilRel
               (Calls{"Position:4 Position Switch STATUS: STEPBACK", "Action:STEPBACK",
                      "Position:4 Position Switch STATUS: STEPBACK", "Action:STEPBACK",
                      "Position:4 Position Switch STATUS: STEPBACK", "Action:STEPBACK"}));
-    EXPECT_EQ(view.Lbl4Pos, "4 Position Switch STATUS: STEPBACK");
+    EXPECT_EQ(view.switchPosition, "4 Position Switch STATUS: STEPBACK");
 
     hits.LEFTSERPEDALHit = false;
     commands.calls.clear();
@@ -129,12 +129,12 @@ TEST_F(PedalDispatcherTest, TheEndOfLetterButtonFollowsRecordAndStop) {
         {true, true, true, true, true},
     };
     for (const Case& c : cases) {
-        view.MMControl1.Record = c.record;
-        view.MMControl1.Stop = c.stop;
+        view.transportBar.Record = c.record;
+        view.transportBar.Stop = c.stop;
         state.RecordedOnce = c.recordedOnce;
-        view.cmdEOL = c.before;
+        view.endOfLetterEnabled = c.before;
         dispatcher.UpdateEOLButton();
-        EXPECT_EQ(view.cmdEOL, c.after) << c.record << c.stop << c.recordedOnce << c.before;
+        EXPECT_EQ(view.endOfLetterEnabled, c.after) << c.record << c.stop << c.recordedOnce << c.before;
     }
     EXPECT_EQ(buttonDisplayName("FastForward"), "F-FWD");
     EXPECT_EQ(buttonDisplayName("AudioSRC"), "Audio Src");

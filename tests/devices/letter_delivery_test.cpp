@@ -68,7 +68,7 @@ TEST_F(LetterDeliveryTest, TheLetterReachesBothFoldersAndTheStagingAndTheNextFil
     EXPECT_EQ(platform::fileSize(recordings + "/EmailTemp/" + name), size);
     EXPECT_EQ(companion.starts, 1);
     EXPECT_NE(state().Filename, letter) << "the next letter is open";
-    EXPECT_EQ(view().MyPicture, "Match.ico");
+    EXPECT_EQ(view().titlePicture, "Match.ico");
     EXPECT_TRUE(boxes.transcript().empty()) << "a clean delivery shows nothing";
 }
 

@@ -80,9 +80,9 @@ class RecordAroundEndOfLetterTest : public dictation::testing::DictationTest,
                 stopRecording(2000);
             }
             if (!records && takeStarted && !takeEnded) takeEnded = loop.now();
-            const bool lit = view().Image5 || view().Image6 ||
+            const bool lit = view().onAirLamp1 || view().onAirLamp2 ||
                              (view().lblOnAirVisible && view().lblOnAir == "ON AIR");
-            if ((records && (!state().Recordingstatus || !view().MMControl1.Stop)) ||
+            if ((records && (!state().Recordingstatus || !view().transportBar.Stop)) ||
                 (lit && !records)) {
                 ++disagreements;
             }
@@ -134,7 +134,7 @@ TEST_P(RecordAroundEndOfLetterTest,
             recordBetween(10, 2010);
             run(2500);
             ASSERT_FALSE(state().Recordingstatus);
-            ASSERT_TRUE(view().cmdEOL);
+            ASSERT_TRUE(view().endOfLetterEnabled);
             const std::string first = state().Filename;
 
             watch();

@@ -198,11 +198,11 @@ TEST(UsbPedalDecoderTest, RawDisplayAndHexPad) {
     EXPECT_EQ(f.decoder.view.indicators,
               (std::array{Indicator::Green, Indicator::ButtonFace, Indicator::Green}));
     // The raw line shows the state before this report was decoded.
-    EXPECT_EQ(f.decoder.view.LblRawHIDFootPedal, "0   00 05 00");
+    EXPECT_EQ(f.decoder.view.rawReport, "0   00 05 00");
     f.decoder.UseHIDDataNew(std::array<std::uint8_t, 3>{9, 0, 0});
-    EXPECT_EQ(f.decoder.view.LblRawHIDFootPedal, "1   09 00 00") << "shown though ignored";
+    EXPECT_EQ(f.decoder.view.rawReport, "1   09 00 00") << "shown though ignored";
     f.decoder.UseHIDData(std::array<std::uint8_t, 3>{0, 0, 0});
-    EXPECT_EQ(f.decoder.view.LblRawHIDFootPedal, "1   09 00 00") << "the stream driver shows nothing";
+    EXPECT_EQ(f.decoder.view.rawReport, "1   09 00 00") << "the stream driver shows nothing";
     f.decoder.ShowRawHIDButtons(std::array<std::uint8_t, 3>{0, 2, 0});
     EXPECT_EQ(f.decoder.view.indicators,
               (std::array{Indicator::ButtonFace, Indicator::Green, Indicator::ButtonFace}));

@@ -118,7 +118,7 @@ TEST_F(UsbPedalsTest, BothDriversReadThePedalOnTheLoop) {
         pedals.start();
         ASSERT_TRUE(pedals.decoder.USBPedals);
         EXPECT_FALSE(pedals.NoUSBPedalConnected);
-        EXPECT_TRUE(pedals.menu.mnuUSBFootPedals);
+        EXPECT_TRUE(pedals.menu.usbChecked);
         EXPECT_EQ(pedals.TmrHIDReadNew.Enabled(), use30Vec);
         EXPECT_EQ(pedals.TmrHIDRead.Enabled(), !use30Vec);
 
@@ -232,18 +232,18 @@ TEST_F(UsbPedalsTest, TheUsbPedalMenuSwitchesThePedalAndWritesTheSettings) {
     int dialogs = 0;
     pedals.showConfigDialog = [&] { ++dialogs; };
     pedals.start();
-    EXPECT_TRUE(pedals.menu.mnuSERFootPedals);
+    EXPECT_TRUE(pedals.menu.serialChecked);
 
-    pedals.mnuUSBFootPedals_Click();
-    EXPECT_TRUE(pedals.menu.mnuUSBFootPedals);
-    EXPECT_FALSE(pedals.menu.mnuSERFootPedals);
+    pedals.toggleUsbPedals();
+    EXPECT_TRUE(pedals.menu.usbChecked);
+    EXPECT_FALSE(pedals.menu.serialChecked);
     EXPECT_TRUE(config.record.UserSelectUSB);
     EXPECT_EQ(dialogs, 1);
     EXPECT_TRUE(pedals.reader.isOpen());
     EXPECT_EQ(config.writeCount(), 1);
 
-    pedals.mnuUSBFootPedals_Click();
-    EXPECT_FALSE(pedals.menu.mnuUSBFootPedals);
+    pedals.toggleUsbPedals();
+    EXPECT_FALSE(pedals.menu.usbChecked);
     EXPECT_FALSE(config.record.UserSelectUSB);
     EXPECT_FALSE(pedals.reader.isOpen());
     EXPECT_EQ(config.writeCount(), 2);
@@ -260,17 +260,17 @@ TEST_F(UsbPedalsTest, TheDriverMenuAsksAndEndsTheProgram) {
     pedals.endProgram = [&] { ++ends; };
 
     state.flgfileOpen1 = true;
-    pedals.mn30VEC_Click();
+    pedals.toggleVec30Pedal();
     state.flgfileOpen1 = false;
     prompts.answerNext(platform::Answer::No);
-    pedals.mn30VEC_Click();
+    pedals.toggleVec30Pedal();
     EXPECT_FALSE(config.record.Use30VEC);
     EXPECT_EQ(config.writeCount(), 0);
 
     prompts.answerNext(platform::Answer::Yes);
-    pedals.mn30VEC_Click();
+    pedals.toggleVec30Pedal();
     EXPECT_TRUE(config.record.Use30VEC);
-    EXPECT_TRUE(pedals.menu.mn30VEC);
+    EXPECT_TRUE(pedals.menu.vec30Checked);
     EXPECT_EQ(config.writeCount(), 1);
     EXPECT_EQ(ends, 1);
     EXPECT_EQ(prompts.texts(), (std::vector<std::string>{

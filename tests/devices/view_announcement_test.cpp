@@ -89,11 +89,11 @@ TEST_F(ViewAnnouncementTest, EveryKindOfActionIsAnnouncedAndShowsWhatTheWindowRe
     expectAnnounced("the pedal let go");
 
     model->SwitchCommand("LISTEN");
-    EXPECT_EQ(view().Lbl4Pos, dictation::kSwitchListen);
+    EXPECT_EQ(view().switchPosition, dictation::kSwitchListen);
     expectAnnounced("a switch word");
 
     model->Switch1TO8ON("AudioSRC", 5);
-    EXPECT_EQ(view().Label40, "Last Button Pressed on QDU Unit was 5 : Audio Src");
+    EXPECT_EQ(view().statusLine, "Last Button Pressed on QDU Unit was 5 : Audio Src");
     expectAnnounced("a desk unit button");
 
     d().closeFile();
@@ -111,8 +111,8 @@ TEST_F(ViewAnnouncementTest, ChangesOfOneTurnAreAnnouncedOnceAndAnUnchangedScree
     loop.runPending();
     EXPECT_EQ(signals, 1);
     EXPECT_EQ(d().viewAnnouncements(), announced + 1);
-    EXPECT_GT(view().revision, revision) << "the revision moves with each announcement";
-    EXPECT_EQ(drawn.Label40, "two");
+    EXPECT_GT(view().revision, revision) << "the revision moves with every change";
+    EXPECT_EQ(drawn.statusLine, "two");
 
     // Written again as it already stands: nothing to redraw.
     d().showStatus("two");

@@ -41,14 +41,14 @@ TEST_F(DiskFullTest, TheWarningComesWhileRecordingAndTheTakeGoesOn) {
     d().newLetter();
     d().recordTake();
     run(2000);
-    EXPECT_EQ(view().Label40, "Recording");
-    EXPECT_FALSE(view().Label40Warning);
+    EXPECT_EQ(view().statusLine, "Recording");
+    EXPECT_FALSE(view().statusLineWarning);
 
     // A megabyte holds about thirty seconds; the warning keeps room for three
     // times what the work file holds.
     run(9000);
-    EXPECT_EQ(view().Label40.rfind("Warning -- Number of Free Bytes : ", 0), 0u) << view().Label40;
-    EXPECT_TRUE(view().Label40Warning);
+    EXPECT_EQ(view().statusLine.rfind("Warning -- Number of Free Bytes : ", 0), 0u) << view().statusLine;
+    EXPECT_TRUE(view().statusLineWarning);
     EXPECT_TRUE(logged(state().Filename + " Disk Full Warning during Recording"));
     EXPECT_TRUE(state().Recordingstatus) << "without the stop setting the take goes on";
     EXPECT_EQ(editor1.State(), 2);
@@ -106,7 +106,7 @@ TEST_F(DiskFullTest, AWarningThatStaysTrueIsLoggedAndSentEveryTwoSecondsNotEvery
     d().newLetter();
     d().recordTake();
     run(20000);
-    ASSERT_TRUE(view().Label40Warning)
+    ASSERT_TRUE(view().statusLineWarning)
         << "the disk is short of room for the last ten seconds or so";
 
     std::size_t warnings = 0;
