@@ -62,9 +62,7 @@ void HandsFree::endProgram() {
     if (onEndProgram) onEndProgram();
 }
 
-void HandsFree::showStatus(const std::string& text) {
-    dictation_.showStatus(text);
-}
+void HandsFree::showStatus(const std::string& text) { dictation_.showStatus(text); }
 
 void HandsFree::tellSerialPortProblem(const std::string& text) {
     log_.trace(text);

@@ -10,8 +10,8 @@ constexpr int kDrainReads = 10;
 
 SerialPedals::SerialPedals(settings::ConfigFile& config, platform::Prompts& prompts,
                            platform::EventLoop& loop, PedalEventSink& sink, PedalHits& hits,
-                           const dictation::DictationState& dictation, platform::Timer& timSERStepBACK,
-                           SerialPedalsHost& host)
+                           const dictation::DictationState& dictation,
+                           platform::Timer& timSERStepBACK, SerialPedalsHost& host)
     : config_(config),
       prompts_(prompts),
       host_(host),

@@ -92,9 +92,7 @@ void SwitchModel::SwitchCommand(const std::string& command) {
     if (letters_.exitRequested()) letters_.startTimClose();
 }
 
-void SwitchModel::pushSwitchPosition(const std::string& status) {
-    d_.pushSwitchPosition(status);
-}
+void SwitchModel::pushSwitchPosition(const std::string& status) { d_.pushSwitchPosition(status); }
 
 void SwitchModel::endTakeAndDisarm() {
     if (state_.Recordingstatus) {
@@ -345,13 +343,9 @@ void SwitchModel::askToMoveSwitch(const char* message, const char* waitingFor) {
     d_.askToMoveSwitch(message, waitingFor);
 }
 
-void SwitchModel::UpdateEOLButton() {
-    d_.refreshEndOfLetterButton();
-}
+void SwitchModel::UpdateEOLButton() { d_.refreshEndOfLetterButton(); }
 
-void SwitchModel::rereadPosition() {
-    d_.rereadCursorSecond();
-}
+void SwitchModel::rereadPosition() { d_.rereadCursorSecond(); }
 
 bool SwitchModel::engineIdle() const {
     // A paused playback is as still as a stopped file: either may start playing.
@@ -363,6 +357,5 @@ bool SwitchModel::engineIdle() const {
 void SwitchModel::StopClick() { d_.stop(); }
 void SwitchModel::CaseStop() { d_.CaseStop(); }
 void SwitchModel::CaseEnd() { d_.CaseEnd(); }
-
 
 }  // namespace ovd::devices

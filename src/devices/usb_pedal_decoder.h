@@ -41,9 +41,8 @@ struct UsbRawView {
 };
 
 class UsbPedalDecoder {
-public:
-    UsbPedalDecoder(PedalEventSink& sink, PedalHits& hits,
-                    const settings::SettingsRecord& settings,
+  public:
+    UsbPedalDecoder(PedalEventSink& sink, PedalHits& hits, const settings::SettingsRecord& settings,
                     const dictation::DictationState& state);
 
     // The stream driver: steps 3 to 5 of a read, given the read's buffer and count.
@@ -79,7 +78,7 @@ public:
     // Called after an accepted middle pedal press, for the support trace.
     std::function<void()> onMiddleDown;
 
-private:
+  private:
     void decode(std::span<const std::uint8_t> report, bool showRaw);
     [[nodiscard]] bool otherDeviceHeld() const;
     [[nodiscard]] bool anyUsbHit() const;

@@ -91,8 +91,8 @@ void UsbPedals::ConnectPIE() {
     const std::string description =
         "PID: " + HexPad(static_cast<std::uint32_t>(list[0]), 3) +
         ", Usg: " + HexPad(static_cast<std::uint32_t>(list[1]), 3) +
-        ", UP: " + HexPad(static_cast<std::uint32_t>(kPieUsagePage), 3) +
-        " -- splat device # " + std::to_string(list[3]);
+        ", UP: " + HexPad(static_cast<std::uint32_t>(kPieUsagePage), 3) + " -- splat device # " +
+        std::to_string(list[3]);
     // The handle is read back out of the description on purpose: the description
     // exists for this step only.
     PIEHandle = numberAfterHash(description);
@@ -161,8 +161,8 @@ void UsbPedals::traceMiddleDown() {
     if (trace == nullptr || !trace->DebugOn) return;
     std::error_code error;
     const auto size = std::filesystem::file_size(state_.Filename, error);
-    trace->DebugPrint(state_.Filename + "  MIDDLE DOWN " + "File Size = " +
-                      std::to_string(error ? 0 : size));
+    trace->DebugPrint(state_.Filename + "  MIDDLE DOWN " +
+                      "File Size = " + std::to_string(error ? 0 : size));
 }
 
 void UsbPedals::toggleUsbPedals() {

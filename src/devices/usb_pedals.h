@@ -45,7 +45,7 @@ struct PedalMenuChecks {
 };
 
 class UsbPedals {
-public:
+  public:
     UsbPedals(settings::ConfigFile& config, platform::Prompts& prompts, platform::EventLoop& loop,
               PedalEventSink& sink, PedalHits& hits, const dictation::DictationState& state,
               platform::Timer& timUSBStepBACK, HidrawRoots roots = {});
@@ -89,7 +89,7 @@ public:
     // The support trace; a middle pedal press is noted there while it is switched on.
     settings::DebugTrace* trace = nullptr;
 
-private:
+  private:
     void closeHIDWatch();
     void traceMiddleDown();
     [[nodiscard]] bool busy() const { return PedalsBusy && PedalsBusy(); }

@@ -14,7 +14,7 @@
 namespace ovd::dictation {
 
 class AnnouncedView {
-public:
+  public:
     explicit AnnouncedView(platform::EventLoop& loop);
     ~AnnouncedView();
     AnnouncedView(const AnnouncedView&) = delete;
@@ -31,7 +31,7 @@ public:
     // A write waits for its announcement (the loop has not turned since).
     [[nodiscard]] bool announcementDue() const { return checkPosted_; }
 
-private:
+  private:
     void announceIfChanged();
 
     platform::EventLoop& loop_;

@@ -8,7 +8,7 @@
 namespace ovd::dictation {
 
 std::vector<const platform::Timer*> Dictation::timers() const {
-    return {&timCurPos, &timRecord, &timLight, &timSave, &timLastThreeSecondsCon,
+    return {&timCurPos, &timRecord, &timLight,  &timSave,          &timLastThreeSecondsCon,
             &timsync,   &Reader,    &tmCommand, &handOffLookTimer, &handOffWaitTimer};
 }
 
@@ -64,7 +64,8 @@ void Dictation::lookForHandOff() { handOffLookTimer.setEnabled(true); }
 void Dictation::holdTimers() {
     if (timersHeld_) return;
     timersHeld_ = true;
-    platform::Timer* held[] = {&timCurPos, &timRecord, &timLight, &timSave, &timLastThreeSecondsCon};
+    platform::Timer* held[] = {&timCurPos, &timRecord, &timLight, &timSave,
+                               &timLastThreeSecondsCon};
     for (std::size_t i = 0; i < heldTimersWere_.size(); ++i) {
         heldTimersWere_[i] = held[i]->Enabled();
         held[i]->setEnabled(false);
@@ -74,8 +75,10 @@ void Dictation::holdTimers() {
 void Dictation::releaseTimers() {
     if (!timersHeld_) return;
     timersHeld_ = false;
-    platform::Timer* held[] = {&timCurPos, &timRecord, &timLight, &timSave, &timLastThreeSecondsCon};
-    for (std::size_t i = 0; i < heldTimersWere_.size(); ++i) held[i]->setEnabled(heldTimersWere_[i]);
+    platform::Timer* held[] = {&timCurPos, &timRecord, &timLight, &timSave,
+                               &timLastThreeSecondsCon};
+    for (std::size_t i = 0; i < heldTimersWere_.size(); ++i)
+        held[i]->setEnabled(heldTimersWere_[i]);
 }
 
 // ---- The desk unit's switch and the pedals ----
@@ -127,10 +130,13 @@ void Dictation::withdrawSwitchRequest() { state_.StatusMessage.clear(); }
 
 void Dictation::forgetDiscardedFile() { state_.FileKilled = false; }
 
-void Dictation::rereadCursorSecond() { state_.iCurSecond = secondsOf(AudioEditor1.CursorPosition()); }
+void Dictation::rereadCursorSecond() {
+    state_.iCurSecond = secondsOf(AudioEditor1.CursorPosition());
+}
 
 void Dictation::refreshEndOfLetterButton() {
-    const bool on = cmdEOLAfter(view().transportBar, state_.RecordedOnce, view().endOfLetterEnabled);
+    const bool on =
+        cmdEOLAfter(view().transportBar, state_.RecordedOnce, view().endOfLetterEnabled);
     if (on != view().endOfLetterEnabled) screen().endOfLetterEnabled = on;
 }
 

@@ -15,7 +15,6 @@ namespace {
 // No new action: only the position and labels are refreshed.
 constexpr const char* kFromTimer = "From timCurPos Timer";
 
-
 }  // namespace
 
 std::string applicationTitle(bool handsFreeEdition) {
@@ -52,8 +51,8 @@ void Dictation::totalSecondsFromEngine() {
         // take began, plus the take.
         const int rate21 = AudioEditor21.SamplesPerSecond();
         const std::int32_t take =
-            rate21 > 0 ? static_cast<std::int32_t>(std::nearbyint(
-                             static_cast<double>(AudioEditor21.Length()) / rate21))
+            rate21 > 0 ? static_cast<std::int32_t>(
+                             std::nearbyint(static_cast<double>(AudioEditor21.Length()) / rate21))
                        : 0;
         state_.iTotalSecFile = secondsOf(state_.SaveCurrentPosition) + take;
     } else {
@@ -86,7 +85,8 @@ std::string Dictation::sizeText() const {
     if (!bytes) return "";
     char text[48];
     if (*bytes >= 1024 * 1024) {
-        std::snprintf(text, sizeof text, "%.2f MB", static_cast<double>(*bytes) / (1024.0 * 1024.0));
+        std::snprintf(text, sizeof text, "%.2f MB",
+                      static_cast<double>(*bytes) / (1024.0 * 1024.0));
     } else {
         std::snprintf(text, sizeof text, "%.1f KB", static_cast<double>(*bytes) / 1024.0);
     }
@@ -164,7 +164,8 @@ void Dictation::SetParam(const std::string& action) {
         const bool paused = word == "Pause";
         caption(paused ? "File is Paused" : "File is Playing");
         if (!paused) playbackWatch.setEnabled(true);
-        screen().addToBeginningEnabled = screen().insertEnabled = screen().overwriteEnabled = paused;
+        screen().addToBeginningEnabled = screen().insertEnabled = screen().overwriteEnabled =
+            paused;
         showFileName();
     } else if (word == "New") {
         caption("File Is Ready to be Recorded-Please hit the Record Icon");
@@ -205,7 +206,8 @@ void Dictation::SetParam(const std::string& action) {
     if (!state_.RecordingstatusPaused && !state_.Recordingstatus) totalSecondsFromEngine();
     refreshSeconds();
     if (state_.Recordingstatus) {
-        const auto take = std::chrono::duration_cast<std::chrono::seconds>(state_.EndTime - state_.StartTime);
+        const auto take =
+            std::chrono::duration_cast<std::chrono::seconds>(state_.EndTime - state_.StartTime);
         state_.iCurSecond = state_.iTotalSecFile = static_cast<std::int32_t>(take.count());
     }
     screen().timeElapsed = clockText(state_.iCurSecond);
@@ -230,13 +232,15 @@ void Dictation::SetParam(const std::string& action) {
 void Dictation::setBar(BarAfter after) {
     const TransportBar bar = transportBarAfter(after);
     // The end-of-letter rule looks at the bar as set, before its last button.
-    screen().endOfLetterEnabled = cmdEOLAfter(bar, state_.RecordedOnce, screen().endOfLetterEnabled);
+    screen().endOfLetterEnabled =
+        cmdEOLAfter(bar, state_.RecordedOnce, screen().endOfLetterEnabled);
     screen().transportBar = bar;
     changed();
 }
 
 void Dictation::applyEOLRule() {
-    screen().endOfLetterEnabled = cmdEOLAfter(screen().transportBar, state_.RecordedOnce, screen().endOfLetterEnabled);
+    screen().endOfLetterEnabled =
+        cmdEOLAfter(screen().transportBar, state_.RecordedOnce, screen().endOfLetterEnabled);
     changed();
 }
 

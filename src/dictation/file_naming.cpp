@@ -19,7 +19,6 @@ std::string localText(platform::WallClock::time_point when, const char* format) 
     return std::string(buffer, length);
 }
 
-
 // Where the extension starts in the file's own name (a dot in a folder name
 // does not count); npos without one.
 std::size_t extensionDot(const std::string& path) {
@@ -30,7 +29,6 @@ std::size_t extensionDot(const std::string& path) {
     }
     return dot;
 }
-
 
 // A counter that does not read as a number counts from 0 rather than stopping
 // the new file.
@@ -221,8 +219,7 @@ void FileNaming::announce() {
         view_.edit().statusLine = hooks_.sendLoaded(platform::withoutFolder(state_.Filename));
     }
     state_.FileSaveError = false;
-    log_.trace(std::string("CaseNew-FileSaveError =: ") +
-               platform::boolText(state_.FileSaveError));
+    log_.trace(std::string("CaseNew-FileSaveError =: ") + platform::boolText(state_.FileSaveError));
     log_.trace("LOADED New File: " + state_.Filename + " Procedure - CreateFileName");
 }
 

@@ -16,7 +16,8 @@ enum class ScratchKind { Beginning, Insert, Overwrite };
 }  // namespace
 
 bool Dictation::deskUnitAllowsTake() {
-    if (view().statusLine == kDeskUnitMissing || view().switchPosition == kSwitchDictate) return true;
+    if (view().statusLine == kDeskUnitMissing || view().switchPosition == kSwitchDictate)
+        return true;
     // The author is asked (on the unit's display) to move the switch; the
     // message is cleared as soon as it is set.
     state_.StatusMessage = kMoveSwitchToRecord;
@@ -121,7 +122,8 @@ void Dictation::beginScratchTake(engine::SampleCount at, bool showEndButton) {
     // The scratch take is made exactly like the file: same wave format, same
     // devices, same file format.
     AudioEditor21.Close();
-    if (auto made = AudioEditor21.New(AudioEditor1.SamplesPerSecond(), AudioEditor1.Channels()); !made) {
+    if (auto made = AudioEditor21.New(AudioEditor1.SamplesPerSecond(), AudioEditor1.Channels());
+        !made) {
         trace("Scratch take could not start: " + made.error());
     }
     AudioEditor21.chooseFormat(AudioEditor1.chosenFormat());

@@ -14,27 +14,28 @@ struct MainView {
     // The window's caption: the title, " - " and the state text.
     std::string caption;
     std::string statusLine;  // Label40: "File Is Ready to be Recorded"...
-    std::string lblReady;  // the file label: the file's name without folder
+    std::string lblReady;    // the file label: the file's name without folder
     std::string lblMode;
     std::string switchPosition;  // Lbl4Pos: the desk unit's switch
     std::string lblOnAir = "STAND BY";
     bool lblOnAirVisible = false;
     bool statusLineWarning = false;  // the disk-full warning shows in red
-    std::string fileSizeText;  // Label43
-    std::string timeRemaining;  // Label24: "Time Remaining"
-    std::string operationName;  // Label37: the long operation under way
-    std::string titlePicture;  // MyPicture: the title's icon, from the program's folder; empty: the usual one
+    std::string fileSizeText;        // Label43
+    std::string timeRemaining;       // Label24: "Time Remaining"
+    std::string operationName;       // Label37: the long operation under way
+    std::string titlePicture;  // MyPicture: the title's icon, from the program's folder; empty: the
+                               // usual one
     std::string statusPanel1;  // the full file name
     std::string statusPanel2;  // the file's size
 
-    TransportBar transportBar;  // MMControl1
-    bool endOfLetterEnabled = false;  // cmdEOL
-    bool addToBeginningEnabled = false;  // Command1
-    bool insertEnabled = false;  // Command2
-    bool overwriteEnabled = false;  // cmdOVR
+    TransportBar transportBar;            // MMControl1
+    bool endOfLetterEnabled = false;      // cmdEOL
+    bool addToBeginningEnabled = false;   // Command1
+    bool insertEnabled = false;           // Command2
+    bool overwriteEnabled = false;        // cmdOVR
     bool lastThreeSecondsEnabled = true;  // Command3
-    bool onAirLamp1 = false;  // Image5
-    bool onAirLamp2 = false;  // Image6
+    bool onAirLamp1 = false;              // Image5
+    bool onAirLamp2 = false;              // Image6
 
     int positionPercent = 0;  // ctSlide1: 0 to 100
     bool positionSliderEnabled = true;
@@ -46,8 +47,8 @@ struct MainView {
     bool audioFrameVisible = true;
     bool lblBusyVisible = false;
     bool transportLabelsVisible = false;  // "Play", "Stop"... under the bar
-    bool endInsertVisible = false;  // ButtonEx1: ends an insert
-    bool endAppendVisible = false;  // ButtonEx2: ends an append
+    bool endInsertVisible = false;        // ButtonEx1: ends an insert
+    bool endAppendVisible = false;        // ButtonEx2: ends an append
     bool mnuScanConvertEnabled = true;
     // The files of File > Reopen, newest first; none shows the one entry "None", greyed.
     std::vector<std::string> Reopen;

@@ -28,8 +28,7 @@ void Dictation::timCurPos_Timer() {
     state_.SaveCurrentPosition = AudioEditor1.CursorPosition();
     // The engine stops by itself when playback reaches the end; that end still
     // counts as the end of the playback below.
-    const bool playedToEnd =
-        state_.flgPlay && state_.SaveCurrentPosition >= AudioEditor1.Length();
+    const bool playedToEnd = state_.flgPlay && state_.SaveCurrentPosition >= AudioEditor1.Length();
     const int engineState = AudioEditor1.State();
     // A playback the engine ended short of the end (its device went, say).
     const bool playbackBrokenOff = engineState == kStopped && state_.flgPlay && !playedToEnd;
@@ -47,7 +46,8 @@ void Dictation::timCurPos_Timer() {
     }
     if (!state_.RecordingstatusPaused && !state_.Recordingstatus) totalSecondsFromEngine();
     refreshSeconds();
-    if (engineState == kRecording) screen().positionPercent = state_.percentrun;  // the slider stays put
+    if (engineState == kRecording)
+        screen().positionPercent = state_.percentrun;  // the slider stays put
     if ((state_.flgPlay || playedToEnd) && AudioEditor1.CursorPosition() >= AudioEditor1.Length()) {
         state_.flgPlay = false;
         state_.PlayedOnce = false;
@@ -59,7 +59,8 @@ void Dictation::timCurPos_Timer() {
         state_.WhichBut = "Stop";
         SetParam(state_.WhichBut);
         barByPosition();
-    } else if (engineState == kStopped && (state_.WhichBut == "Play" || state_.WhichBut == "Continue")) {
+    } else if (engineState == kStopped &&
+               (state_.WhichBut == "Play" || state_.WhichBut == "Continue")) {
         SetParam(state_.WhichBut);  // a playback over before the screen heard of it
     }
     screen().timeElapsed = clockText(state_.iCurSecond);
@@ -203,8 +204,8 @@ void Dictation::positionSliderReleased(int value) {
     state_.ManuallyMovedctSlide = true;
     const int engineState = AudioEditor1.State();
     if (state_.JustOpened && state_.flgfileOpen1) {
-        AudioEditor1.setCursorPosition(
-            static_cast<engine::SampleCount>(static_cast<double>(AudioEditor1.Length()) / 100.0 * value));
+        AudioEditor1.setCursorPosition(static_cast<engine::SampleCount>(
+            static_cast<double>(AudioEditor1.Length()) / 100.0 * value));
         if (engineState == kPlaying) (void)AudioEditor1.Play();
         if (engineState == kPaused) AudioEditor1.Pause();
     }
@@ -270,7 +271,8 @@ void Dictation::CaseThreeSeconds() {
     timRecord.setEnabled(false);
     timSave.setEnabled(false);
     // Under three seconds the start falls before 0; the engine takes it as it comes.
-    const auto start = static_cast<engine::SampleCount>((state_.iTotalSecFile - 3) * samplesPerSecond());
+    const auto start =
+        static_cast<engine::SampleCount>((state_.iTotalSecFile - 3) * samplesPerSecond());
     AudioEditor1.setSelectionActive(false);
     AudioEditor1.setSelectionStart(0);
     AudioEditor1.setCursorPosition(start);
@@ -304,8 +306,8 @@ void Dictation::LastThreeSecondsContinue() {
     waitTraced(1, " -55");
     if (state_.flgfileOpen1) {
         totalSecondsFromEngine();
-        const auto start = AudioEditor1.Length() -
-                           static_cast<engine::SampleCount>(3 * samplesPerSecond());
+        const auto start =
+            AudioEditor1.Length() - static_cast<engine::SampleCount>(3 * samplesPerSecond());
         AudioEditor1.setSelectionActive(false);
         AudioEditor1.setCursorPosition(start);
         AudioEditor1.Stop();

@@ -82,13 +82,15 @@ void Dictation::goToEnd() {
 void Dictation::stepBack() {
     CaseStepBackward();
     barByPosition();
-    if (view().caption.find("File is Playing") != std::string::npos) CasePlay("MMControl1_BackClick");
+    if (view().caption.find("File is Playing") != std::string::npos)
+        CasePlay("MMControl1_BackClick");
 }
 
 void Dictation::stepForward() {
     CaseStepForward();
     barByPosition();
-    if (view().caption.find("File is Playing") != std::string::npos) CasePlay("MMControl1_StepClick");
+    if (view().caption.find("File is Playing") != std::string::npos)
+        CasePlay("MMControl1_StepClick");
 }
 
 void Dictation::newLetter() {

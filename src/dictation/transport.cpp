@@ -117,8 +117,10 @@ void Dictation::CaseNewFileName() {
     normalise(state_);
     SetParam(state_.WhichBut);
     setBar(BarAfter::CaseNew);
-    if (view().statusLine == kDeskUnitMissing || view().switchPosition.empty()) screen().switchPosition = kSwitchPlain;
-    if (view().switchPosition == kSwitchDictate || view().switchPosition == kSwitchPlain) PlayPrompt("beep2.wav");
+    if (view().statusLine == kDeskUnitMissing || view().switchPosition.empty())
+        screen().switchPosition = kSwitchPlain;
+    if (view().switchPosition == kSwitchDictate || view().switchPosition == kSwitchPlain)
+        PlayPrompt("beep2.wav");
     const auto sinceStart =
         std::chrono::duration_cast<std::chrono::seconds>(loop_.now() - startedAt_).count();
     trace(" Ready To record in " + std::to_string(sinceStart) + " Seconds");
@@ -269,7 +271,8 @@ void Dictation::CasePlay(const std::string& from) {
     state_.flgPlay = true;
     state_.WhichBut = "Play";
     AdjustNCTTimeDisplay();
-    if (auto playing = AudioEditor1.Play(engine::kPlayToEnd); !playing) trace("Play: " + playing.error());
+    if (auto playing = AudioEditor1.Play(engine::kPlayToEnd); !playing)
+        trace("Play: " + playing.error());
     if (AudioEditor1.State() != static_cast<int>(engine::EditorState::Playing)) {
         // Nothing to play from here (an empty file, the cursor at its end): the
         // screen must not say the file plays.

@@ -1,12 +1,13 @@
 // The dispatcher: what each pedal keyword does on each edge, the busy rule, the
 // end-of-letter button, and the step-back repeat of a held listen pedal.
 
+#include "devices/control_actions.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-#include "devices/control_actions.h"
 #include "dictation/dictation_fixture.h"
 
 namespace ovd::devices {
@@ -15,18 +16,22 @@ namespace {
 using platform::Milliseconds;
 
 class RecordingCommands : public TransportCommands {
-public:
-    void SwitchCommand(const std::string& command) override { calls.push_back("Switch:" + command); }
+  public:
+    void SwitchCommand(const std::string& command) override {
+        calls.push_back("Switch:" + command);
+    }
     void StopClick() override { calls.push_back("StopClick"); }
     void CaseStop() override { calls.push_back("CaseStop"); }
     void CaseEnd() override { calls.push_back("CaseEnd"); }
-    void pushSwitchPosition(const std::string& status) override { calls.push_back("Position:" + status); }
+    void pushSwitchPosition(const std::string& status) override {
+        calls.push_back("Position:" + status);
+    }
     void SwitchAction(const std::string& action) override { calls.push_back("Action:" + action); }
     std::vector<std::string> calls;
 };
 
 class PedalDispatcherTest : public dictation::testing::DictationTest {
-protected:
+  protected:
     PedalDispatcherTest() {
         settings.LEFTSERPEDAL = "STEPLIST";
         settings.MIDSERPEDAL = "RECSTOP";
@@ -35,7 +40,8 @@ protected:
         settings.MIDUSBPEDAL = "OVRAUDIO";
         settings.RIGHTUSBPEDAL = "";
     }
-    std::vector<std::string> edge(const std::string& pedal, const std::string& direction, bool fromUsb = false) {
+    std::vector<std::string> edge(const std::string& pedal, const std::string& direction,
+                                  bool fromUsb = false) {
         commands.calls.clear();
         if (fromUsb) {
             dispatcher.PedalEventUSB(pedal, direction);
@@ -51,7 +57,8 @@ protected:
     dictation::MainView& view = arrangeView();
     PedalHits& hits = d().pedalPresses();
     RecordingCommands commands;
-    platform::Timer ser{loop, "timSERStepBACK"}, usb{loop, "timUSBStepBACK"}, game{loop, "timGAMEStepBACK"};
+    platform::Timer ser{loop, "timSERStepBACK"}, usb{loop, "timUSBStepBACK"},
+        game{loop, "timGAMEStepBACK"};
     PedalDispatcher dispatcher{settings, d(), commands, {ser, usb, game}};
 };
 
@@ -124,7 +131,7 @@ TEST_F(PedalDispatcherTest, TheEndOfLetterButtonFollowsRecordAndStop) {
         bool record, stop, recordedOnce, before, after;
     };
     const std::vector<Case> cases = {
-        {false, true, true, true, false},  {true, false, true, false, true},
+        {false, true, true, true, false},   {true, false, true, false, true},
         {true, false, false, false, false}, {false, false, true, true, false},
         {true, true, true, true, true},
     };
@@ -134,7 +141,8 @@ TEST_F(PedalDispatcherTest, TheEndOfLetterButtonFollowsRecordAndStop) {
         state.RecordedOnce = c.recordedOnce;
         view.endOfLetterEnabled = c.before;
         dispatcher.UpdateEOLButton();
-        EXPECT_EQ(view.endOfLetterEnabled, c.after) << c.record << c.stop << c.recordedOnce << c.before;
+        EXPECT_EQ(view.endOfLetterEnabled, c.after)
+            << c.record << c.stop << c.recordedOnce << c.before;
     }
     EXPECT_EQ(buttonDisplayName("FastForward"), "F-FWD");
     EXPECT_EQ(buttonDisplayName("AudioSRC"), "Audio Src");

@@ -5,11 +5,11 @@
 
 #include <optional>
 
+#include "delivery_log.h"
 #include "devices/control_actions.h"
 #include "devices/end_of_letter.h"
 #include "devices/pedal_events.h"
 #include "devices/switch_model.h"
-#include "delivery_log.h"
 #include "dictation/dictation_fixture.h"
 
 namespace ovd::devices {
@@ -19,7 +19,6 @@ using dictation::testing::kRate;
 using platform::Milliseconds;
 
 constexpr int kRecording = static_cast<int>(engine::EditorState::Recording);
-
 
 struct Timing {
     int tcpDelaySeconds;

@@ -197,7 +197,7 @@ TEST_F(SwitchModelTest, ButtonsWithNothingToDoChangeOnlyTheLastButtonLine) {
         const History historyBefore = history();
         press(c.action, c.button);
         EXPECT_EQ(view().statusLine, "Last Button Pressed on QDU Unit was " +
-                                      std::to_string(c.button) + " : " + c.shown);
+                                         std::to_string(c.button) + " : " + c.shown);
         EXPECT_EQ(view().switchPosition, viewBefore.switchPosition);
         EXPECT_EQ(view().transportBar, viewBefore.transportBar);
         EXPECT_EQ(history(), historyBefore);

@@ -17,7 +17,7 @@ namespace {
 using dictation::MainView;
 
 class NoLetters : public LetterActions {
-public:
+  public:
     void beep() override {}
     void startEndOfLetter() override {}
     void endOfLetter() override {}
@@ -30,7 +30,7 @@ public:
 };
 
 class ViewAnnouncementTest : public dictation::testing::DictationTest {
-protected:
+  protected:
     ViewAnnouncementTest() {
         config.record.LEFTSERPEDAL = "STEPLIST";
         config.record.MIDSERPEDAL = "RECSTOP";
@@ -64,7 +64,8 @@ protected:
     NoLetters letters;
     std::unique_ptr<SwitchModel> model = std::make_unique<SwitchModel>(
         SwitchModelParts{d(), editor1, config, log, prompts, peer, messages, letters});
-    platform::Timer ser{loop, "timSERStepBACK"}, usb{loop, "timUSBStepBACK"}, game{loop, "timGAMEStepBACK"};
+    platform::Timer ser{loop, "timSERStepBACK"}, usb{loop, "timUSBStepBACK"},
+        game{loop, "timGAMEStepBACK"};
     PedalDispatcher dispatcher{config.record, d(), *model, {ser, usb, game}};
 };
 

@@ -4,7 +4,6 @@
 #include "dictation/file_naming.h"
 
 #include <gtest/gtest.h>
-
 #include <sys/mount.h>
 
 #include <cerrno>

@@ -7,7 +7,7 @@ namespace ovd::dictation::testing {
 namespace {
 
 class InsertOverwriteTest : public DictationTest {
-protected:
+  protected:
     // A four-second take, the cursor put back to second one.
     void takeAndStandAtSecondOne() {
         dictate(4000);
@@ -18,7 +18,8 @@ protected:
     }
     // The first value of each stretch tells which take it came from: the ramp
     // starts again at every take.
-    void expectStretch(engine::SampleCount at, engine::SampleCount count, engine::SampleCount rampFrom) {
+    void expectStretch(engine::SampleCount at, engine::SampleCount count,
+                       engine::SampleCount rampFrom) {
         const auto got = frames(at, count);
         ASSERT_EQ(got.size(), static_cast<std::size_t>(count));
         EXPECT_EQ(got.front(), rampAt(rampFrom)) << "at " << at;

@@ -135,7 +135,8 @@ TEST_F(ScreenAfterActionsTest, WithNoFileEveryTransportButtonIsGreyed) {
         run(100);
         ASSERT_FALSE(state().flgfileOpen1);
         EXPECT_EQ(view().transportBar, none);
-        EXPECT_FALSE(view().addToBeginningEnabled || view().insertEnabled || view().overwriteEnabled);
+        EXPECT_FALSE(view().addToBeginningEnabled || view().insertEnabled ||
+                     view().overwriteEnabled);
         EXPECT_FALSE(view().positionSliderEnabled);
     }
 }

@@ -10,14 +10,16 @@ constexpr const char* kTitle = "Orvane Voice Desk - ";
 
 TEST_F(DictationTest, NewRecordStopPlayPauseContinueToTheEnd) {
     d().newLetter();
-    EXPECT_EQ(view().caption, std::string(kTitle) + "File Is Ready to be Recorded-Please hit the Record Icon");
+    EXPECT_EQ(view().caption,
+              std::string(kTitle) + "File Is Ready to be Recorded-Please hit the Record Icon");
     EXPECT_EQ(view().transportBar, transportBarAfter(BarAfter::CaseNew));
     EXPECT_TRUE(state().flgfileOpen1);
     EXPECT_TRUE(state().RecordingstatusPaused);
     EXPECT_EQ(view().lblReady, "AB0002.WAV");
     EXPECT_FALSE(view().endOfLetterEnabled);
     EXPECT_EQ(backend.promptsPlayed().back().substr(backend.promptsPlayed().back().rfind('/') + 1),
-              "TwoBeeps.wav") << "the new file is announced even with prompts off";
+              "TwoBeeps.wav")
+        << "the new file is announced even with prompts off";
 
     d().recordTake();
     EXPECT_EQ(view().caption, std::string(kTitle) + "File is being Recorded");
@@ -134,16 +136,28 @@ TEST_F(DictationTest, EveryRefusalCarriesItsTag) {
         {"CaseStepForward", {}, [&] { d().CaseStepForward(); }},
         {"CaseUndo", {}, [&] { d().CaseUndo(); }},
         {"Command1", atTheMiddle, [&] { d().addToBeginning(); }},
-        {"Command1-2", [&] { atTheMiddle(); arrangeView().positionPercent = 0; }, [&] { d().addToBeginning(); }},
+        {"Command1-2",
+         [&] {
+             atTheMiddle();
+             arrangeView().positionPercent = 0;
+         },
+         [&] { d().addToBeginning(); }},
         {"Command1-3",
-         [&] { atTheMiddle(); arrangeView().positionPercent = 0; arrangeState().flgfileOpen1 = false; },
+         [&] {
+             atTheMiddle();
+             arrangeView().positionPercent = 0;
+             arrangeState().flgfileOpen1 = false;
+         },
          [&] { d().addToBeginning(); }},
         {"Command2", atTheMiddle, [&] { d().insertAtCursor(); }},
         {"Command3", {}, [&] { d().replayLastThreeSeconds(); }},
         {"cmdOVR", atTheMiddle, [&] { d().overwriteAtCursor(); }},
         {"TurnOffTimers", {}, [&] { d().TurnOffTimers(); }},
         {"timLastThreeSecondsCon",
-         [&] { editor1.setCursorPosition(editor1.Length() - kRate); arrangeState().iTotalSecFile = 3; },
+         [&] {
+             editor1.setCursorPosition(editor1.Length() - kRate);
+             arrangeState().iTotalSecFile = 3;
+         },
          [&] { d().timLastThreeSeconds_Timer(); }},
     };
     for (const Case& c : cases) {
@@ -189,7 +203,8 @@ TEST_F(DictationTest, AfterTheFirstStopThePeriodicSaveKeepsTheFileOneIntervalBeh
     EXPECT_EQ(timer("timSave").Interval(), 16192);
     dictate(2000);
     const std::string file = state().Filename;
-    EXPECT_FALSE(platform::fileExists(file)) << "before the save timer, only the work file holds it";
+    EXPECT_FALSE(platform::fileExists(file))
+        << "before the save timer, only the work file holds it";
     d().recordTake();
     run(16192);
     editor1.finishSaving();  // the file takes its name once the save is complete
