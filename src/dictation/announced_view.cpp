@@ -2,17 +2,6 @@
 
 namespace ovd::dictation {
 
-namespace {
-
-// The revision is the announcement's own count, not a part of what is shown.
-bool sameScreen(const MainView& a, const MainView& b) {
-    MainView aligned = b;
-    aligned.revision = a.revision;
-    return a == aligned;
-}
-
-}  // namespace
-
 AnnouncedView::AnnouncedView(platform::EventLoop& loop)
     : loop_(loop), self_(std::make_shared<AnnouncedView*>(this)) {}
 

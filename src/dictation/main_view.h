@@ -62,4 +62,11 @@ struct MainView {
     bool operator==(const MainView&) const = default;
 };
 
+// The two views show the same on the screen, whatever their revisions.
+inline bool sameScreen(const MainView& a, const MainView& b) {
+    MainView aligned = b;
+    aligned.revision = a.revision;
+    return a == aligned;
+}
+
 }  // namespace ovd::dictation

@@ -174,7 +174,7 @@ std::optional<Violation> WalkChecks::everyChangeAnnounced(WalkStation& station) 
     if (station.d().viewAnnouncementDue()) {
         return Violation{"announced", "a change of the view still waits for its announcement"};
     }
-    if (drawn_ == v) return std::nullopt;
+    if (dictation::sameScreen(drawn_, v)) return std::nullopt;
     std::string stale;
     if (drawn_.caption != v.caption)
         stale += " caption '" + drawn_.caption + "' for '" + v.caption + "'";
