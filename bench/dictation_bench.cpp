@@ -77,16 +77,16 @@ int main() {
     d.start();
 
     // A minute's take, then the file stands open at its end.
-    d.Image2_Click();
-    d.MMControl1_RecordClick();
+    d.newLetter();
+    d.recordTake();
     loop.advance(std::chrono::seconds(60));
     const double recordTick = microsecondsPerTick(2000, [&] { d.timRecord_Timer(); });
-    d.MMControl1_StopClick();
+    d.stop();
     const double curPosTick = microsecondsPerTick(20000, [&] { d.timCurPos_Timer(); });
 
-    std::printf("file open: %s, %s shown as %s, position %s of %d s\n", d.state.flgfileOpen1 ? "yes" : "no",
-                d.state.Filename.c_str(), d.view.statusPanel2.c_str(), d.view.timeElapsed.c_str(),
-                d.state.iTotalSecFile);
+    std::printf("file open: %s, %s shown as %s, position %s of %d s\n", d.state().flgfileOpen1 ? "yes" : "no",
+                d.state().Filename.c_str(), d.view().statusPanel2.c_str(), d.view().timeElapsed.c_str(),
+                d.state().iTotalSecFile);
     std::printf("timCurPos tick, a minute's file open:               %8.2f us (target < 100 us)\n",
                 curPosTick);
     std::printf("timRecord tick with the Temp folder of 1,000 files: %8.2f us (4 a second)\n",

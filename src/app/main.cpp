@@ -232,7 +232,7 @@ int main(int argc, char** argv) {
                          terminationRequested = true;
                          // A routine waiting on an answer or on the disk sees the end coming and
                          // lets go.
-                         station.dictation().state.Imclosing = true;
+                         station.dictation().beginShutdown();
                          QCoreApplication::quit();
                          if (!options.headless) {
                              if (QWidget* box = QApplication::activeModalWidget()) box->close();
@@ -244,7 +244,7 @@ int main(int argc, char** argv) {
     station.onLoadDone = [&window, &station, &config] {
         if (!window) return;
         window->addDeskUnit(new ovd::ui::DeskUnitPanel(station.handsFree().switchModel,
-                                                       station.dictation().view, config.record));
+                                                       station.dictation().view(), config.record));
         window->Form_Load();
     };
     if (station.Form_Load() == ovd::station::LoadResult::EndProgram) {

@@ -10,8 +10,7 @@
 #include <string_view>
 
 #include "devices/pedal_events.h"
-#include "dictation/dictation_state.h"
-#include "dictation/main_view.h"
+#include "dictation/dictation.h"
 #include "platform/timer.h"
 #include "settings/settings_record.h"
 
@@ -35,8 +34,8 @@ inline constexpr std::array<PedalKeyword, 6> kPedalKeywords = {{
 // The desk unit's button sets.
 inline constexpr std::array<std::string_view, 8> kStandardButtons = {
     "New", "RenameFile", "Previous", "Next", "AudioSRC", "SendToOne", "SendToTwo", "EraseFile"};
-inline constexpr std::array<std::string_view, 8> kMessageButtons = {
-    "MSG1", "MSG2", "MSG3", "MSG4", "MSG5", "MSG6", "MSG7", "MSG8"};
+inline constexpr std::array<std::string_view, 8> kMessageButtons = {"MSG1", "MSG2", "MSG3", "MSG4",
+                                                                    "MSG5", "MSG6", "MSG7", "MSG8"};
 
 // The name a button action shows on the printed template and in the status line;
 // an action not in the table shows as itself.
@@ -44,7 +43,7 @@ std::string buttonDisplayName(std::string_view action);
 
 // What the dispatcher calls in the transport and the switch model.
 class TransportCommands {
-public:
+  public:
     virtual ~TransportCommands() = default;
     virtual void SwitchCommand(const std::string& command) = 0;
     virtual void StopClick() = 0;  // the bar's Stop, as if clicked
@@ -62,16 +61,15 @@ public:
 enum class PedalDevice { Serial, Usb, Game, DeskUnit };
 
 class PedalDispatcher : public PedalEventSink {
-public:
+  public:
     struct StepBackTimers {
         platform::Timer& timSERStepBACK;
         platform::Timer& timUSBStepBACK;
         platform::Timer& timGAMEStepBACK;
     };
 
-    PedalDispatcher(const settings::SettingsRecord& settings, dictation::DictationState& state,
-                    dictation::MainView& view, PedalHits& hits, TransportCommands& commands,
-                    StepBackTimers timers);
+    PedalDispatcher(const settings::SettingsRecord& settings, dictation::Dictation& dictation,
+                    TransportCommands& commands, StepBackTimers timers);
 
     // The game port runs on the serial assignments and the serial step-back timer.
     void PedalEventSER(const std::string& pedal, const std::string& direction) override;
@@ -92,14 +90,15 @@ public:
     // The USB reader tells whether one of its pedals is down.
     std::function<bool()> usbPedalHeld;
 
-private:
+  private:
     void dispatch(PedalDevice device, const std::string& pedal, const std::string& direction);
     [[nodiscard]] const std::string* assignment(PedalDevice device, const std::string& pedal) const;
     void startStepBack(PedalDevice device);
 
     const settings::SettingsRecord& settings_;
-    dictation::DictationState& state_;
-    dictation::MainView& view_;
+    dictation::Dictation& d_;
+    const dictation::DictationState& state_;
+    const dictation::MainView& view_;
     PedalHits& hits_;
     TransportCommands& commands_;
     StepBackTimers timers_;

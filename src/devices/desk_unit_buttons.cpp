@@ -50,7 +50,6 @@ std::optional<std::size_t> messageNumber(std::string_view action) {
     return n;
 }
 
-
 }  // namespace
 
 SendWording sendActionWording(int destination, const std::string& folder,
@@ -65,16 +64,13 @@ SendWording sendActionWording(int destination, const std::string& folder,
             "Destination " + folder + ": File not in deestination"};
 }
 
-
-
 void SwitchModel::Switch1TO8ON(const std::string& action, int buttonNumber) {
     if (buttonNumber >= 1 && buttonNumber <= kButtons) {
         BUTHit_[static_cast<std::size_t>(buttonNumber - 1)] = true;
     }
     if (!settings().QDUDisconnected) {
-        view_.Label40 = "Last Button Pressed on QDU Unit was " + std::to_string(buttonNumber) +
-                        " : " + buttonDisplayName(action);
-        shown();
+        d_.showStatus("Last Button Pressed on QDU Unit was " + std::to_string(buttonNumber) +
+                      " : " + buttonDisplayName(action));
     }
     if (state_.CheckingKey && action != "ToggleEXTINTMic" && action != "Stop") return;
     if (settings().TCPButtonScreen) {
@@ -105,32 +101,31 @@ void SwitchModel::runButtonAction(const std::string& action, int buttonNumber) {
         if (name == "StepBack") buttonReleased(buttonNumber);
         return;
     }
-    const dictation::TransportBar& bar = view_.MMControl1;
+    const dictation::TransportBar& bar = view_.transportBar;
     if (action == "Rewind") {
         if (!bar.Prev) return;
         hits_.HandSetHitNotHit = true;
-        d_.MMControl1_PrevClick();
+        d_.goToBeginning();
     } else if (action == "FastForward") {
         if (!bar.Next) return;
         hits_.HandSetHitNotHit = true;
-        d_.MMControl1_NextClick();
+        d_.goToEnd();
     } else if (action == "EOL") {
         // The end of an insert is its own Stop; a letter never ends in the middle of one.
         if (state_.DoingInsertUpdate) return;
         hits_.HandSetHitNotHit = true;
         SwitchCommand("EOL");
     } else if (action == "New") {
-        d_.Image2_Click();
+        d_.newLetter();
     } else if (action == "Open") {
-        d_.Image3_Click();
+        d_.openLetter();
     } else if (action == "Close") {
-        d_.Image10_Click();
+        d_.closeFile();
     } else if (action == "Exit") {
         letters_.exitProgram();
     } else if (action == "AddBeg") {
-        view_.Lbl4Pos = dictation::kSwitchDictate;
-        shown();
-        d_.Command1_Click();
+        d_.showSwitchPosition(dictation::kSwitchDictate);
+        d_.addToBeginning();
     } else if (action == "RenameFile") {
         renameFile();
     } else if (action == "Previous") {
@@ -156,7 +151,7 @@ void SwitchModel::runButtonAction(const std::string& action, int buttonNumber) {
 
 void SwitchModel::stopAndClose() {
     StopClick();
-    d_.Image10_Click();
+    d_.closeFile();
 }
 
 void SwitchModel::renameFile() {
@@ -188,11 +183,11 @@ void SwitchModel::stepThroughRecentFiles(int step) {
     const int wanted = std::max(before + step, 0);
     const std::vector<std::string> entries = d_.recent.DisplayMRU();
     if (wanted >= static_cast<int>(entries.size())) {
-        state_.PreviousNextFile = before;
+        d_.rememberRecentStep(before);
         return;
     }
-    state_.PreviousNextFile = wanted;
-    d_.OpenMyList(entries[static_cast<std::size_t>(wanted)]);
+    d_.rememberRecentStep(wanted);
+    d_.openRecentFile(entries[static_cast<std::size_t>(wanted)]);
 }
 
 void SwitchModel::eraseFile() {
@@ -244,8 +239,7 @@ void SwitchModel::sendToDestination(int destination) {
     const std::string notTried = "Destination " + folder + " Error: Not Sent";
 
     if (!active.at(index)) {
-        view_.Label40 = "Auto Send Destination " + word + " has not been activated";
-        shown();
+        d_.showStatus("Auto Send Destination " + word + " has not been activated");
         // Destination one is named by its number, the others by their folder.
         trace((destination == 1 ? std::string("Auto Send One") : "Auto Send " + folder) +
               " has not been activated. -Bypassing step: " + target);
@@ -273,19 +267,18 @@ void SwitchModel::stageForSending(Staging staging) {
     const bool email = staging == Staging::Email;
     const std::string kind = email ? "Email" : "FTP";
     if (!(email ? s.AutoEmail : s.AutoFTP)) {
-        view_.Label40 = "Auto Send " + kind + " has not been activated";
+        d_.showStatus("Auto Send " + kind + " has not been activated");
     } else if ((email ? s.AutoEmailName : s.AutoFTPName).empty()) {
-        view_.Label40 = "Auto Send " + kind + " Address is blank";
+        d_.showStatus("Auto Send " + kind + " Address is blank");
     } else if (state_.Filename.empty()) {
-        view_.Label40 = "There is not a file to Auto Send.";
+        d_.showStatus("There is not a file to Auto Send.");
     } else {
         const std::string path = state_.Filename;
         stopAndClose();
         letters_.stageForSending(staging, path);
-        d_.Image2_Click();
+        d_.newLetter();
         return;
     }
-    shown();
 }
 
 void SwitchModel::sendButtonMessage(const std::string& action, int buttonNumber) {
@@ -302,8 +295,7 @@ void SwitchModel::sendButtonMessage(const std::string& action, int buttonNumber)
         trace(" * TCP MSG SuccessfulLY SENT* ");
         return;
     }
-    view_.Label40 = kPeerConnectionError;
-    shown();
+    d_.showStatus(kPeerConnectionError);
     trace("  MSG NOT SENT  ");
     trace(" * TCP CONNECTION ERROR* ");
 }

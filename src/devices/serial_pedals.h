@@ -45,7 +45,7 @@ class SerialPedalsHost {
     virtual void uncheckOtherFootPedalMenus() = 0;
     // frmConfigSERFootPedals, modally.
     virtual void showConfigSERFootPedals() = 0;
-    virtual void clearLabel17() = 0;
+    virtual void clearDeskUnitNotice() = 0;
     // A port change takes effect at the next start: the program ends here.
     virtual void endProgram() = 0;
     // The pedal's port could not be opened (or went away), with the reason; told
@@ -66,22 +66,22 @@ class SerialPedals {
 
     SerialPedals(settings::ConfigFile& config, platform::Prompts& prompts,
                  platform::EventLoop& loop, PedalEventSink& sink, PedalHits& hits,
-                 dictation::DictationState& dictation, platform::Timer& timSERStepBACK,
+                 const dictation::DictationState& dictation, platform::Timer& timSERStepBACK,
                  SerialPedalsHost& host);
 
     void OpenSerialPedals();
     void CloseSerialPedals();
     void ReopenSerialPort(int oldPort);
-    void mnuComPortItem(int index);
-    void mnuSERFootPedals();
+    void chooseComPort(int index);  // mnuComPortItem
+    void toggleSerialPedals();      // mnuSERFootPedals
     // The port's receive event; also run once by hand when the port opens.
     void OnComm();
 
     // The check marks the window renders.
-    [[nodiscard]] bool mnuSERFootPedalsChecked() const { return serMenuChecked_; }
+    [[nodiscard]] bool serialPedalsChecked() const { return serMenuChecked_; }
     // At load from UserSelectSerial, and when another pedal kind is switched on.
-    void setMnuSERFootPedalsChecked(bool checked) { serMenuChecked_ = checked; }
-    [[nodiscard]] bool mnuComPortItemChecked(int index) const;
+    void setSerialPedalsChecked(bool checked) { serMenuChecked_ = checked; }
+    [[nodiscard]] bool comPortChecked(int index) const;
 
     [[nodiscard]] bool PortINUse() const { return PortINUse_; }
     [[nodiscard]] bool PortOpen() const { return port_.isOpen(); }

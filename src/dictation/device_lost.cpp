@@ -24,7 +24,7 @@ void Dictation::recordingDeviceLost(const std::string& device) {
     if (!taking) return;
     // The same way out as the Stop button: an insert or overwrite is put in place,
     // an ordinary take ends at the end of the file.
-    MMControl1_StopClick();
+    stop();
     changed();
     prompts_.showMessage(deviceLostText(device), settings::kProductTitle,
                          platform::Severity::Warning);

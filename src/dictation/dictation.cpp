@@ -13,17 +13,25 @@ std::optional<int> saveIntervalFor(std::int16_t SAVEEVERY) {
     // station's timers ever had, and it stays that way.
     constexpr double kLongest = 64767.0;
     switch (SAVEEVERY) {
-        case 0: return 0;
-        case 15: return static_cast<int>(std::lround(kLongest / 4));
-        case 30: return static_cast<int>(std::lround(kLongest / 2));
-        case 45: return static_cast<int>(std::lround(kLongest * 3 / 4));
-        case 60: return static_cast<int>(kLongest);
-        default: return std::nullopt;
+        case 0:
+            return 0;
+        case 15:
+            return static_cast<int>(std::lround(kLongest / 4));
+        case 30:
+            return static_cast<int>(std::lround(kLongest / 2));
+        case 45:
+            return static_cast<int>(std::lround(kLongest * 3 / 4));
+        case 60:
+            return static_cast<int>(kLongest);
+        default:
+            return std::nullopt;
     }
 }
 
 Dictation::Dictation(DictationParts parts)
-    : naming(state, view, parts.config, parts.log, parts.prompts, parts.loop, parts.speakers, *this),
+    : view_(parts.loop),
+      naming(state_, view_, parts.config, parts.log, parts.prompts, parts.loop, parts.speakers,
+             *this),
       recent(parts.dataFolder),
       timCurPos(parts.loop, "timCurPos", 25),
       timRecord(parts.loop, "timRecord", 25),
@@ -33,8 +41,8 @@ Dictation::Dictation(DictationParts parts)
       timsync(parts.loop, "timsync", 250),
       Reader(parts.loop, "Reader", 50),
       tmCommand(parts.loop, "tmCommand", 10),
-      Timer28(parts.loop, "Timer28", 50),
-      Timer34(parts.loop, "Timer34", 50),
+      handOffLookTimer(parts.loop, "Timer28", 50),
+      handOffWaitTimer(parts.loop, "Timer34", 50),
       playbackWatch(parts.loop, "playbackWatch", 25),
       loop_(parts.loop),
       config_(parts.config),
@@ -53,13 +61,16 @@ Dictation::Dictation(DictationParts parts)
     timLastThreeSecondsCon.setOnTick([this] { timLastThreeSeconds_Timer(); });
     timsync.setOnTick([this] { timsync_Timer(); });
     tmCommand.setOnTick([this] { tmCommand_Timer(); });
-    Timer28.setOnTick([this] { Timer28_Timer(); });
-    Timer34.setOnTick([this] { Timer34_Timer(); });
+    handOffLookTimer.setOnTick([this] { handOffLook_Timer(); });
+    handOffWaitTimer.setOnTick([this] { handOffWait_Timer(); });
     playbackWatch.setOnTick([this] { playbackWatch_Timer(); });
     // A take the disk stopped taking is told in the event log.
     AudioEditor1.onTrouble = [this](const std::string& text) { trace(text); };
     AudioEditor21.onTrouble = [this](const std::string& text) { trace(text); };
-    view.Lbl4Pos = kSwitchPlain;
+    view_.onChanged = [this] {
+        if (onViewChanged) onViewChanged();
+    };
+    screen().switchPosition = kSwitchPlain;
 }
 
 Dictation::~Dictation() {
@@ -71,19 +82,19 @@ void Dictation::start() {
     loadScreen();
     takeSettings();
     SetParam("load");
-    naming.ComnboFill();
+    naming.ComboFill();
 }
 
 void Dictation::loadScreen() {
-    view.Reopen = recent.DisplayMRU();
+    screen().Reopen = recent.DisplayMRU();
     timCurPos.setInterval(25);
     setLamps(false);
-    view.lblOnAir = "STAND BY";
-    view.lblOnAirVisible = false;
+    screen().lblOnAir = "STAND BY";
+    screen().lblOnAirVisible = false;
     setBar(BarAfter::ProgramStart);
     setRecordButtons(false);
-    view.cmdEOL = false;
-    view.ctSlide1Enabled = false;
+    screen().endOfLetterEnabled = false;
+    screen().positionSliderEnabled = false;
     changed();
 }
 
@@ -91,23 +102,25 @@ void Dictation::takeSettings() {
     if (const auto interval = saveIntervalFor(config_.record.SAVEEVERY)) {
         timSave.setInterval(*interval);
     }
-    state.FileSaveAtStop = config_.record.FileSaveAtStop;
+    state_.FileSaveAtStop = config_.record.FileSaveAtStop;
     platform::createFolder(temporaryFolder());
     AudioEditor1.setTempFileName(temporaryFolder());
     AudioEditor21.setTempFileName(temporaryFolder());
-    view.txtStepAmt = std::to_string(config_.record.StepAmt);
+    screen().txtStepAmt = std::to_string(config_.record.StepAmt);
     changed();
 }
 
 void Dictation::trace(const std::string& line) { log_.trace(line); }
 
 void Dictation::waitTraced(double seconds, const std::string& tag) {
-    platform::pauseWithTrace(loop_, [this](const std::string& line) { trace(line); }, seconds, tag);
+    platform::pauseWithTrace(
+        loop_, [this](const std::string& line) { trace(line); }, seconds, tag);
 }
 
 bool Dictation::refusedWhileRecording(const std::string& tag) {
-    if (!state.Recordingstatus) return false;
-    prompts_.showMessage(refusalText(tag), settings::kProductTitle, platform::Severity::Information);
+    if (!state_.Recordingstatus) return false;
+    prompts_.showMessage(refusalText(tag), settings::kProductTitle,
+                         platform::Severity::Information);
     return true;
 }
 
@@ -131,30 +144,31 @@ void Dictation::ResetRecorderState() {
         // as it stands, the speaker's counter, the engine's old work files that the
         // close still has to delete) stays.
         DictationState fresh;
-        fresh.FileSaveAtStop = state.FileSaveAtStop;
-        fresh.DictatorSeqNo = state.DictatorSeqNo;
-        fresh.LastThreeNCTTmps = state.LastThreeNCTTmps;
-        fresh.PriorityOn = state.PriorityOn;
-        fresh.PreviousNextFile = state.PreviousNextFile;
-        fresh.CommandFileName = state.CommandFileName;
-        fresh.NextString = state.NextString;
-        fresh.commandLine = state.commandLine;
-        fresh.OnLoad = state.OnLoad;
-        fresh.Imclosing = state.Imclosing;
-        state = std::move(fresh);
-        view.lblReady.clear();
-        view.statusPanel1.clear();
-        view.statusPanel2.clear();
+        fresh.FileSaveAtStop = state_.FileSaveAtStop;
+        fresh.DictatorSeqNo = state_.DictatorSeqNo;
+        fresh.LastThreeNCTTmps = state_.LastThreeNCTTmps;
+        fresh.PriorityOn = state_.PriorityOn;
+        fresh.PreviousNextFile = state_.PreviousNextFile;
+        fresh.CommandFileName = state_.CommandFileName;
+        fresh.NextString = state_.NextString;
+        fresh.commandLine = state_.commandLine;
+        fresh.OnLoad = state_.OnLoad;
+        fresh.Imclosing = state_.Imclosing;
+        state_ = std::move(fresh);
+        screen().lblReady.clear();
+        screen().statusPanel1.clear();
+        screen().statusPanel2.clear();
     });
     changed();
 }
 
 void Dictation::prepareFormat(const engine::FormatGroup& group) {
     const engine::FormatChoice choice = engine::FigureOutFileFormats(group);
-    state.CurrentFormatType = choice.CurrentFormatType;
-    state.TrueSpeech = choice.TrueSpeech;
+    state_.CurrentFormatType = choice.CurrentFormatType;
+    state_.TrueSpeech = choice.TrueSpeech;
     AudioEditor1.setTempFileName(temporaryFolder());
-    if (auto made = AudioEditor1.New(choice.recording.sampleRate, choice.recording.channels); !made) {
+    if (auto made = AudioEditor1.New(choice.recording.sampleRate, choice.recording.channels);
+        !made) {
         trace("New file could not be prepared: " + made.error());
     }
     AudioEditor1.chooseFormat(choice.target);
@@ -165,18 +179,19 @@ void Dictation::startSaveTimer() { timSave.setEnabled(true); }
 
 std::optional<std::string> Dictation::ChooseFileName(int mode) {
     platform::FileRequest request;
-    request.mode = mode == 1 ? platform::FileRequest::Mode::Open : platform::FileRequest::Mode::Save;
+    request.mode =
+        mode == 1 ? platform::FileRequest::Mode::Open : platform::FileRequest::Mode::Save;
     request.title = mode == 2 ? "Save as ..." : "New ... ";
     request.initialFolder = config_.record.CaptureFilePath.toText();
     // "Wav Files (*.wav)|*.wav": the description, then the pattern.
-    const std::string filter = engine::fileFilterFor(state.CurrentFormatType);
+    const std::string filter = engine::fileFilterFor(state_.CurrentFormatType);
     if (const auto bar = filter.find('|'); bar != std::string::npos) {
         request.filters.push_back({filter.substr(0, bar), {filter.substr(bar + 1)}});
     }
     auto chosen = prompts_.chooseFile(request);
     if (!chosen || chosen->empty()) {
         trace("User Did not select file");
-        state.UserSelectedNo = true;
+        state_.UserSelectedNo = true;
         return std::nullopt;
     }
     return chosen;
@@ -187,8 +202,6 @@ std::string Dictation::sendLoaded(const std::string& baseName) {
     return "TCP CONNECTION ERROR";
 }
 
-void Dictation::tellPeerNewFileRefused() {
-    notifyPeer("UserClose_", " -74");
-}
+void Dictation::tellPeerNewFileRefused() { notifyPeer("UserClose_", " -74"); }
 
 }  // namespace ovd::dictation

@@ -5,11 +5,14 @@
 // reaches a file on disk. Everything runs on the loop's thread; the screen is
 // written into MainView and never touched directly.
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "dictation/announced_view.h"
 #include "dictation/dictation_state.h"
 #include "dictation/file_naming.h"
 #include "dictation/main_view.h"
@@ -78,7 +81,12 @@ struct DictationParts {
 };
 
 class Dictation : private NamingHooks {
-public:
+    // First of all: naming and the timers are built on them.
+    DictationState state_;
+    AnnouncedView view_;
+    PedalHits hits_;
+
+  public:
     explicit Dictation(DictationParts parts);
     ~Dictation() override;
     Dictation(const Dictation&) = delete;
@@ -93,16 +101,31 @@ public:
     // interval, crash protection, the work files' folder, the step.
     void takeSettings();
 
-    DictationState state;
-    MainView view;
-    PedalHits hits;
+    // ---- What the window, the support dump and the devices read ----
+    [[nodiscard]] const DictationState& state() const { return state_; }
+    // The screen as data; every change of it is announced through onViewChanged.
+    [[nodiscard]] const MainView& view() const { return view_.read(); }
+    [[nodiscard]] const PedalHits& hits() const { return hits_; }
+    // The press state the pedal readers keep up to date. It is shown in the
+    // support dump only, never on the screen, so writing it announces nothing.
+    PedalHits& pedalPresses() { return hits_; }
+    // Every timer of the dictation in the order the support dump lists them.
+    [[nodiscard]] std::vector<const platform::Timer*> timers() const;
+    // The timSave interval in milliseconds; 0 when saving on a timer is off.
+    [[nodiscard]] int saveInterval() const { return timSave.Interval(); }
+    // How many view changes have been announced, and whether one waits for the
+    // loop to turn.
+    [[nodiscard]] unsigned long viewAnnouncements() const { return view_.announcements(); }
+    [[nodiscard]] bool viewAnnouncementDue() const { return view_.announcementDue(); }
+
     FileNaming naming;
     RecentFiles recent;
 
     // Calls the dictation makes upward, into the switch model and the end of
     // letter, which live above it. Unset: nothing happens.
     std::function<void(const std::string&)> switchCommand;
-    // The view model changed; the window redraws.
+    // The view differs from the one last announced: at most once a loop turn,
+    // after the routine that changed it, whoever that was. The window redraws on it.
     std::function<void()> onViewChanged;
     // A new file has been made (or given up) and nothing else is under way:
     // a record press that waited for it may go ahead.
@@ -144,50 +167,114 @@ public:
     void CaseDefault();
     void TurnOffTimers();
 
+    // ---- The station's load and end ----
+    // The load begins: the hand-off timers as a fresh start has them, the file
+    // named on the command line taken, and the pedals not listened to yet.
+    void beginLoad(const std::string& commandFileName);
+    // The load stopped before the pedals: they may be listened to again.
+    void loadAbandoned();
+    // The recovery is over: Scan/Convert can be opened again, and the pedals
+    // starting now are not listened to until the load is done.
+    void beforePedalsStart();
+    // No desk unit answered: the status line says so and the first file of
+    // the run is looked for at once.
+    void showDeskUnitMissing();
+    // The load is done: the caption shows the edition and the pedals count.
+    void finishLoad(bool handsFreeEdition);
+    // The station is ending: routines waiting further down the stack let go.
+    void beginShutdown();
+    // The end of the run: nothing named from outside is taken any more.
+    void stopForExit();
+    // The peer closed the file; then the station looks for the next hand-off.
+    void closeForPeer();
+    // A file named from outside may have been handed over: look for it.
+    void lookForHandOff();
+    // Delivery holds the screen's timers while it works, and lets them go as
+    // they were.
+    void holdTimers();
+    void releaseTimers();
+
+    // ---- The desk unit's switch and the pedals, as the switch model moves them ----
+    // The newest switch position goes to the front of the last four, unless it
+    // is already there.
+    void pushSwitchPosition(const std::string& status);
+    void replaceNewestSwitchPosition(const std::string& status);
+    void showSwitchPosition(const std::string& label);
+    void rememberSwitchLabel();
+    void showMode(const std::string& text);
+    // The next record press inserts (HitOnce) or overwrites (HitTwice).
+    void armInsert();
+    void armOverwrite();
+    void disarmInsertOverwrite();
+    void setPausedRecording(bool paused);
+    void setJustOpened(bool justOpened);
+    void setStepBackUnderWay(bool underWay);
+    void forgetFirstBackClick();
+    void noteSwitchWord(const std::string& word);
+    // The unit's display shows the request while the status message is set.
+    void askToMoveSwitch(const std::string& message, const std::string& waitingFor);
+    void withdrawSwitchRequest();
+    void forgetDiscardedFile();
+    void rereadCursorSecond();
+    // The end of letter button as the bar now stands.
+    void refreshEndOfLetterButton();
+    void rememberRecentStep(int step);
+
+    // ---- What the end of letter and the devices show and ask ----
+    void showStatus(const std::string& text);        // the status line
+    void showFileLabel(const std::string& text);     // the file label
+    void showTitlePicture(const std::string& path);  // the title's icon
+    // A save asked for rather than one the timer or a Stop makes.
+    void saveOnRequest();
+    void clearSaveError();
+    void forgetCommandFileName();
+    // The letter went out: the next command only stops the transport.
+    void markLetterFinished();
+
     // ---- Routes: what the window's controls and the devices call ----
-    void MMControl1_PlayClick();
-    void MMControl1_RecordClick();
-    void MMControl1_StopClick();
-    void MMControl1_PauseClick();
-    void MMControl1_PrevClick();
-    void MMControl1_NextClick();
-    void MMControl1_BackClick();
-    void MMControl1_StepClick();
-    void Image2_Click();   // new
-    void Image3_Click();   // open
-    void Image4_Click();   // save
-    void Image7_Click();   // factory formats
-    void Image10_Click();  // close
+    void play();                   // MMControl1_PlayClick
+    void recordTake();             // MMControl1_RecordClick
+    void stop();                   // MMControl1_StopClick
+    void pause();                  // MMControl1_PauseClick
+    void goToBeginning();          // MMControl1_PrevClick
+    void goToEnd();                // MMControl1_NextClick
+    void stepBack();               // MMControl1_BackClick
+    void stepForward();            // MMControl1_StepClick
+    void newLetter();              // Image2_Click
+    void openLetter();             // Image3_Click
+    void saveNow();                // Image4_Click
+    void restoreFactoryFormats();  // Image7_Click
+    void closeFile();              // Image10_Click
     // The last save found no room, and the take waits in its work file.
     [[nodiscard]] bool takeWaitsInTemp() const { return takeWaitsInTemp_; }
     void CLOSEME();
-    void mnclose_Click();
-    void mnuSaveAs_Click();
-    void Command1_Click();  // add comments to the beginning
-    void Command2_Click();  // insert at the current position
-    void cmdOVR_Click();    // overwrite at the current position
-    void Command3_Click();  // the last three seconds
-    void ButtonEx1_Click(); // end of an insert
-    void ButtonEx2_Click(); // end of an append
-    void cmdEOL_Click();
-    void Toolbar1_ButtonClick(const std::string& key);
+    void closeFromMenu();                        // mnclose_Click
+    void saveAs();                               // mnuSaveAs_Click
+    void addToBeginning();                       // Command1_Click: add comments to the beginning
+    void insertAtCursor();                       // Command2_Click
+    void overwriteAtCursor();                    // cmdOVR_Click
+    void replayLastThreeSeconds();               // Command3_Click
+    void endInsert();                            // ButtonEx1_Click
+    void endAppend();                            // ButtonEx2_Click
+    void finishLetter();                         // cmdEOL_Click: the end of letter button
+    void toolbarButton(const std::string& key);  // Toolbar1_ButtonClick
     // The form's right-click menu.
-    void mnuInsertBeginning_Click();
-    void mnuAppendEnd_Click();
-    void mnuLastThreeContinue_Click();
-    void OpenMyList(const std::string& path);
-    void Clear_Click();  // File > Reopen > Clear
-    void txtStepAmt_Change(const std::string& text);
+    void insertAtBeginningFromMenu();                 // mnuInsertBeginning_Click
+    void appendAtEnd();                               // mnuAppendEnd_Click
+    void lastThreeSecondsContinueFromMenu();          // mnuLastThreeContinue_Click
+    void openRecentFile(const std::string& path);     // OpenMyList
+    void clearRecentFiles();                          // Clear_Click: File > Reopen > Clear
+    void stepAmountChanged(const std::string& text);  // txtStepAmt_Change
 
     // ---- Position and recording ----
     void StepForward();
     void StepBackward();
     void LastThreeSecondsContinue();
     void OverWriteFileOK(const std::string& from);
-    void AcutallyInsert();
-    void ctSlide1_MouseDown();
-    void ctSlide1_Change(int value);
-    void ctSlide1_MouseUp(int value);
+    void ActuallyInsert();
+    void positionSliderPressed();            // ctSlide1_MouseDown
+    void positionSliderMoved(int value);     // ctSlide1_Change
+    void positionSliderReleased(int value);  // ctSlide1_MouseUp
     // Rescales the times to the engine's figures when nothing else moves them.
     void AdjustNCTTimeDisplay();
     // The microphone of a take has gone: the take ends as a Stop would end it,
@@ -202,15 +289,7 @@ public:
     void OpenFile();
     void PlayPrompt(const std::string& name);
 
-    // ---- Timers, under their names ----
-    platform::Timer timCurPos;
-    platform::Timer timRecord;
-    platform::Timer timLight;
-    platform::Timer timSave;
-    platform::Timer timLastThreeSecondsCon;
-    platform::Timer timsync;
-    platform::Timer Reader;  // where a desk unit link polls; no tick of its own
-
+    // ---- Timer ticks ----
     void timCurPos_Timer();
     void timRecord_Timer();
     void timLight_Timer();
@@ -220,14 +299,9 @@ public:
     void timsync_Timer();
 
     // ---- A file named from outside (command line, a second instance) ----
-    platform::Timer tmCommand;  // one shot: the first file of the run
-    platform::Timer Timer28;    // one shot: looks for a hand-off after a named letter
-    platform::Timer Timer34;    // waits until no file is open, then takes the hand-off
-    // The screen follows a playback that ends by itself while the position timer rests.
-    platform::Timer playbackWatch;
     void tmCommand_Timer();
-    void Timer28_Timer();
-    void Timer34_Timer();
+    void handOffLook_Timer();  // Timer28_Timer
+    void handOffWait_Timer();  // Timer34_Timer
     // A file begun under the temporary name takes the handed-over name when one
     // waits; moment is "recording" or "EOL" for the log. True when it was renamed.
     bool renameToHandedOffName(const std::string& moment);
@@ -237,7 +311,31 @@ public:
     // The samples of one second of the document (its length over its seconds).
     [[nodiscard]] double samplesPerSecond() const;
 
-private:
+  private:
+    friend class DictationProbe;  // tests arrange states no command reaches
+
+    // The one door through which the dictation writes its screen.
+    MainView& screen() { return view_.edit(); }
+
+    // ---- Timers, under their names ----
+    platform::Timer timCurPos;
+    platform::Timer timRecord;
+    platform::Timer timLight;
+    platform::Timer timSave;
+    platform::Timer timLastThreeSecondsCon;
+    platform::Timer timsync;
+    platform::Timer Reader;     // where a desk unit link polls; no tick of its own
+    platform::Timer tmCommand;  // one shot: the first file of the run
+    platform::Timer
+        handOffLookTimer;  // Timer28: one shot: looks for a hand-off after a named letter
+    platform::Timer
+        handOffWaitTimer;  // Timer34: waits until no file is open, then takes the hand-off
+    // The screen follows a playback that ends by itself while the position timer rests.
+    platform::Timer playbackWatch;
+    // What holdTimers found running.
+    std::array<bool, 5> heldTimersWere_{};
+    bool timersHeld_ = false;
+
     // NamingHooks
     void prepareFormat(const engine::FormatGroup& group) override;
     void startSaveTimer() override;
@@ -287,8 +385,8 @@ private:
     // written because nobody made room.
     bool makeRoomToSave();
     bool giveUpSaveForRoom();
-    // Before the editor closes: a take whose save found no room keeps its work
-    // file in Temp under the letter's name.
+    // The screen rule that holds after every action: with no file no transport
+    // button looks as if it could act.
     void changed();
 
     platform::EventLoop& loop_;

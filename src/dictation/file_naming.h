@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "conversion/format_in_force.h"
+#include "dictation/announced_view.h"
 #include "dictation/dictation_state.h"
 #include "dictation/main_view.h"
 #include "engine/format_selection.h"
@@ -75,7 +76,7 @@ void addPriorityMarker(DictationState& state);
 
 class FileNaming {
   public:
-    FileNaming(DictationState& state, MainView& view, settings::ConfigFile& config,
+    FileNaming(DictationState& state, AnnouncedView& view, settings::ConfigFile& config,
                settings::EventLog& log, platform::Prompts& prompts,
                const platform::EventLoop& clock, settings::SpeakersTable& speakers,
                NamingHooks& hooks);
@@ -89,7 +90,7 @@ class FileNaming {
 
     // Fills the speaker box from the active speakers, and puts the current
     // speaker's number in DictatorSeqNo. A speaker no longer listed is cleared.
-    void ComnboFill();
+    void ComboFill();
     // The user picks a speaker from the box: any spelling of a listed name finds
     // it. False, and nothing changed, when no listed name matches.
     bool pickDictator(const std::string& name);
@@ -108,7 +109,7 @@ class FileNaming {
     std::optional<std::size_t> listIndexOf(const std::string& name) const;
 
     DictationState& state_;
-    MainView& view_;
+    AnnouncedView& view_;
     settings::ConfigFile& config_;
     settings::EventLog& log_;
     platform::Prompts& prompts_;

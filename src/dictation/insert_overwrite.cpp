@@ -16,81 +16,82 @@ enum class ScratchKind { Beginning, Insert, Overwrite };
 }  // namespace
 
 bool Dictation::deskUnitAllowsTake() {
-    if (view.Label40 == kDeskUnitMissing || view.Lbl4Pos == kSwitchDictate) return true;
+    if (view().statusLine == kDeskUnitMissing || view().switchPosition == kSwitchDictate)
+        return true;
     // The author is asked (on the unit's display) to move the switch; the
     // message is cleared as soon as it is set.
-    state.StatusMessage = kMoveSwitchToRecord;
-    state.WAITINGFORButtonSelected = "DICTATE";
-    state.Recordingstatus = false;
-    state.StatusMessage.clear();
+    state_.StatusMessage = kMoveSwitchToRecord;
+    state_.WAITINGFORButtonSelected = "DICTATE";
+    state_.Recordingstatus = false;
+    state_.StatusMessage.clear();
     return false;
 }
 
-void Dictation::Command1_Click() {
-    trace("Add Comments To Beginning: " + state.Filename);
+void Dictation::addToBeginning() {
+    trace("Add Comments To Beginning: " + state_.Filename);
     // A second press while a take runs would leave that take recording unseen.
     if (AudioEditor1.State() == kRecording || scratchTakeRuns()) return;
     if (!deskUnitAllowsTake()) return;
-    if (view.ctSlide1 != 0) {
+    if (view().positionPercent != 0) {
         if (refusedWhileRecording("Command1")) return;
         CaseBeginning();
-    } else if (state.flgfileOpen1) {
+    } else if (state_.flgfileOpen1) {
         if (refusedWhileRecording("Command1-2")) return;
     } else {
         refusedWhileRecording("Command1-3");
         return;
     }
-    if (!state.flgfileOpen1) return;
-    state.SaveCurrentPosition = 0;
-    state.Recordingstatus = true;
-    state.DoingInsertUpdate = true;
+    if (!state_.flgfileOpen1) return;
+    state_.SaveCurrentPosition = 0;
+    state_.Recordingstatus = true;
+    state_.DoingInsertUpdate = true;
     beginScratchTake(0, true);
 }
 
-void Dictation::Command2_Click() {
-    trace("Insert Audio at Current Position: " + state.Filename);
+void Dictation::insertAtCursor() {
+    trace("Insert Audio at Current Position: " + state_.Filename);
     if (scratchTakeRuns()) return;  // the take in progress ends by its own button
     if (AudioEditor1.State() == kRecording) {
-        state.DoingInsertUpdate = false;
+        state_.DoingInsertUpdate = false;
         return;
     }
-    view.Lbl4Pos = kSwitchDictate;
-    hits.HandSetHitNotHit = true;
-    state.HitOnce = true;
-    state.HitTwice = false;
-    view.lblMode = "Insert Mode";
+    screen().switchPosition = kSwitchDictate;
+    hits_.HandSetHitNotHit = true;
+    state_.HitOnce = true;
+    state_.HitTwice = false;
+    screen().lblMode = "Insert Mode";
     PlayPrompt("beep2.wav");
     if (!deskUnitAllowsTake()) return;
     if (!positionAllowsScratchTake()) return;
     if (refusedWhileRecording("Command2")) return;
-    if (!state.flgfileOpen1) return;
-    state.SaveCurrentPosition = AudioEditor1.CursorPosition();
-    state.Recordingstatus = true;
-    state.DoingInsertUpdate = true;
-    beginScratchTake(state.SaveCurrentPosition, true);
-    state.HitOnce = false;
-    state.HitTwice = true;
+    if (!state_.flgfileOpen1) return;
+    state_.SaveCurrentPosition = AudioEditor1.CursorPosition();
+    state_.Recordingstatus = true;
+    state_.DoingInsertUpdate = true;
+    beginScratchTake(state_.SaveCurrentPosition, true);
+    state_.HitOnce = false;
+    state_.HitTwice = true;
     PlayPrompt("beep2.wav");
 }
 
-void Dictation::cmdOVR_Click() {
-    trace("Overwrite Audio at Current Position: " + state.Filename);
+void Dictation::overwriteAtCursor() {
+    trace("Overwrite Audio at Current Position: " + state_.Filename);
     if (AudioEditor1.State() == kRecording || scratchTakeRuns()) return;
-    view.Lbl4Pos = kSwitchDictate;
+    screen().switchPosition = kSwitchDictate;
     if (!deskUnitAllowsTake()) return;
     if (!positionAllowsScratchTake()) {
-        state.OverWriteFile = false;
+        state_.OverWriteFile = false;
         return;
     }
     if (refusedWhileRecording("cmdOVR")) return;
-    if (!state.flgfileOpen1) return;
-    state.SaveCurrentPosition = AudioEditor1.CursorPosition();
-    state.Recordingstatus = true;
-    state.OverWriteFile = true;
-    view.lblMode = "Overwrite Mode";
-    beginScratchTake(state.SaveCurrentPosition, false);
-    state.HitOnce = false;
-    state.HitTwice = true;
+    if (!state_.flgfileOpen1) return;
+    state_.SaveCurrentPosition = AudioEditor1.CursorPosition();
+    state_.Recordingstatus = true;
+    state_.OverWriteFile = true;
+    screen().lblMode = "Overwrite Mode";
+    beginScratchTake(state_.SaveCurrentPosition, false);
+    state_.HitOnce = false;
+    state_.HitTwice = true;
     PlayPrompt("beep2.wav");
     waitTraced(1, " -61");
     PlayPrompt("beep2.wav");
@@ -99,20 +100,20 @@ void Dictation::cmdOVR_Click() {
 bool Dictation::positionAllowsScratchTake() const {
     // Inserting at either end is no insert: the bar's own record does that.
     const auto cursor = AudioEditor1.CursorPosition();
-    return cursor != 0 && cursor != AudioEditor1.Length() && view.ctSlide1 != 100;
+    return cursor != 0 && cursor != AudioEditor1.Length() && view().positionPercent != 100;
 }
 
 bool Dictation::scratchTakeRuns() const { return AudioEditor21.State() == kRecording; }
 
 void Dictation::beginScratchTake(engine::SampleCount at, bool showEndButton) {
     timLight.setEnabled(true);
-    view.ButtonEx1Visible = showEndButton;
-    state.FileChanged = true;
+    screen().endInsertVisible = showEndButton;
+    state_.FileChanged = true;
     AudioEditor1.Stop();
     // A playback in progress ends here: the screen shows the take instead.
-    state.flgPlay = false;
-    state.WhichBut = "Record";
-    SetParam(state.WhichBut);
+    state_.flgPlay = false;
+    state_.WhichBut = "Record";
+    SetParam(state_.WhichBut);
     AudioEditor1.setSelectionActive(false);
     AudioEditor1.setCursorPosition(at);
     AudioEditor1.setSelectionStart(at);
@@ -121,7 +122,8 @@ void Dictation::beginScratchTake(engine::SampleCount at, bool showEndButton) {
     // The scratch take is made exactly like the file: same wave format, same
     // devices, same file format.
     AudioEditor21.Close();
-    if (auto made = AudioEditor21.New(AudioEditor1.SamplesPerSecond(), AudioEditor1.Channels()); !made) {
+    if (auto made = AudioEditor21.New(AudioEditor1.SamplesPerSecond(), AudioEditor1.Channels());
+        !made) {
         trace("Scratch take could not start: " + made.error());
     }
     AudioEditor21.chooseFormat(AudioEditor1.chosenFormat());
@@ -129,12 +131,12 @@ void Dictation::beginScratchTake(engine::SampleCount at, bool showEndButton) {
         trace("Scratch take could not record: " + recording.error());
     }
 
-    view.formatOptionsEnabled = false;
+    screen().formatOptionsEnabled = false;
     timRecord.setEnabled(true);
     timLight.setEnabled(true);
     timCurPos.setEnabled(false);
     applyEOLRule();
-    view.ctSlide1Enabled = false;
+    screen().positionSliderEnabled = false;
     changed();
 }
 
@@ -153,45 +155,45 @@ void Dictation::closeScratchTake(const std::string& waitTag) {
     waitTraced(1, waitTag);
     AudioEditor21.Stop();
     AudioEditor21.Close();
-    view.ButtonEx1Visible = false;
-    view.lblMode.clear();  // the insert or overwrite is over
+    screen().endInsertVisible = false;
+    screen().lblMode.clear();  // the insert or overwrite is over
     applyEOLRule();
-    view.ctSlide1Enabled = true;
+    screen().positionSliderEnabled = true;
     timCurPos.setEnabled(true);
     timSave.setEnabled(true);
     timLight.setEnabled(false);
     setLamps(false);
-    state.Recordingstatus = false;
+    state_.Recordingstatus = false;
     // The times are read from the file once the take is in it: while the take ran
     // they counted the take, and the armed state keeps them from being read again.
     AdjustNCTTimeDisplay();
-    view.lblOnAir = "STAND BY";
+    screen().lblOnAir = "STAND BY";
     // The take is in the file, which stands still until the author moves on.
-    state.WhichBut = "Stop";
-    SetParam(state.WhichBut);
+    state_.WhichBut = "Stop";
+    SetParam(state_.WhichBut);
     changed();
 }
 
-void Dictation::ButtonEx1_Click() {
-    if (!state.DoingInsertUpdate) return;  // nothing in the scratch take to put in
-    trace("End of Insert: " + state.Filename);
+void Dictation::endInsert() {
+    if (!state_.DoingInsertUpdate) return;  // nothing in the scratch take to put in
+    trace("End of Insert: " + state_.Filename);
     selectScratchTake();
     copyScratchTake();
     // No selection in the file: the paste inserts at the cursor.
     AudioEditor1.setSelectionActive(false);
-    AudioEditor1.setCursorPosition(state.SaveCurrentPosition);
+    AudioEditor1.setCursorPosition(state_.SaveCurrentPosition);
     if (auto pasted = AudioEditor1.Paste(); !pasted) trace("Insert paste: " + pasted.error());
     AudioEditor1.setSelectionStart(0);
-    state.DoingInsertUpdate = false;
+    state_.DoingInsertUpdate = false;
     closeScratchTake(" -60");
 }
 
 void Dictation::OverWriteFileOK(const std::string& from) {
-    if (!state.OverWriteFile) return;
-    trace("End of Overwrite: " + state.Filename + " from " + from);
-    state.PedalsBusy = true;
+    if (!state_.OverWriteFile) return;
+    trace("End of Overwrite: " + state_.Filename + " from " + from);
+    state_.PedalsBusy = true;
     selectScratchTake();
-    const engine::SampleCount start = state.SaveCurrentPosition;
+    const engine::SampleCount start = state_.SaveCurrentPosition;
     if (config_.record.OverwriteToEnd) {
         // Everything behind the start of the overwrite goes.
         AudioEditor1.setSelectionActive(true);
@@ -209,37 +211,37 @@ void Dictation::OverWriteFileOK(const std::string& from) {
     AudioEditor1.setSelectionActive(false);
     AudioEditor1.setCursorPosition(start);
     AudioEditor1.setSelectionEnd(start);
-    state.OverWriteFile = false;
+    state_.OverWriteFile = false;
     closeScratchTake(" -59");
     CaseEnd();
-    state.DoingAppending = false;
-    state.PedalsBusy = false;
+    state_.DoingAppending = false;
+    state_.PedalsBusy = false;
 }
 
-void Dictation::ButtonEx2_Click() {
-    trace("End of Append: " + state.Filename);
+void Dictation::endAppend() {
+    trace("End of Append: " + state_.Filename);
     AudioEditor1.setSelectionActive(false);
     AudioEditor1.setSelectionStart(0);
     CaseStop();
-    view.ButtonEx2Visible = false;
-    state.DoingAppending = false;
+    screen().endAppendVisible = false;
+    state_.DoingAppending = false;
     timCurPos.setEnabled(true);
     timSave.setEnabled(true);
     applyEOLRule();
 }
 
-void Dictation::mnuAppendEnd_Click() {
-    if (!state.flgfileOpen1 || refusedWhileRecording("CaseInsertAppend")) return;
+void Dictation::appendAtEnd() {
+    if (!state_.flgfileOpen1 || refusedWhileRecording("CaseInsertAppend")) return;
     // An append is a take at the end, ended by its own button.
-    state.DoingAppending = true;
-    view.ButtonEx2Visible = true;
+    state_.DoingAppending = true;
+    screen().endAppendVisible = true;
     CaseEnd();
     CaseRecord();
 }
 
-void Dictation::AcutallyInsert() {
-    if (auto opened = AudioEditor1.Open(state.SaveFileName); !opened) trace(opened.error());
-    if (auto pasted = AudioEditor1.PasteFile(state.Filename); !pasted) trace(pasted.error());
+void Dictation::ActuallyInsert() {
+    if (auto opened = AudioEditor1.Open(state_.SaveFileName); !opened) trace(opened.error());
+    if (auto pasted = AudioEditor1.PasteFile(state_.Filename); !pasted) trace(pasted.error());
 }
 
 }  // namespace ovd::dictation

@@ -51,6 +51,6 @@ std::vector<std::string> RecentFiles::DisplayMRU() const {
     return shown;
 }
 
-void RecentFiles::Clear_Click() { store({}); }
+void RecentFiles::clearRecentFiles() { store({}); }
 
 }  // namespace ovd::dictation

@@ -14,44 +14,44 @@ constexpr int kRecording = static_cast<int>(engine::EditorState::Recording);
 
 }  // namespace
 
-void Dictation::MMControl1_PlayClick() {
-    if (view.Label40 == kDeskUnitMissing) view.Lbl4Pos = kSwitchListen;
-    if (view.Lbl4Pos != kSwitchListen) {
-        state.RememberLastSwitchLabel = view.Lbl4Pos;
-        hits.HandSetHitNotHit = true;
+void Dictation::play() {
+    if (view().statusLine == kDeskUnitMissing) screen().switchPosition = kSwitchListen;
+    if (view().switchPosition != kSwitchListen) {
+        state_.RememberLastSwitchLabel = view().switchPosition;
+        hits_.HandSetHitNotHit = true;
     }
     CasePlay("MMControl1_PlayClick");
-    if (!state.MYDirty) CaseContinue();
-    state.MYDirty = false;
+    if (!state_.MYDirty) CaseContinue();
+    state_.MYDirty = false;
 }
 
-void Dictation::MMControl1_RecordClick() {
+void Dictation::recordTake() {
     if (AudioEditor1.State() == kRecording) return;
-    hits.HandSetHitNotHit = true;
-    state.RememberLastSwitchLabel = view.Lbl4Pos;
+    hits_.HandSetHitNotHit = true;
+    state_.RememberLastSwitchLabel = view().switchPosition;
     CaseRecord();
     applyEOLRule();
 }
 
-void Dictation::MMControl1_StopClick() {
-    if (state.OverWriteFile) {
+void Dictation::stop() {
+    if (state_.OverWriteFile) {
         OverWriteFileOK("MMControl1_StopClick");
-        state.OverWriteFile = false;
+        state_.OverWriteFile = false;
     }
-    if (state.DoingAppending) {
-        ButtonEx2_Click();
-        state.DoingAppending = false;
+    if (state_.DoingAppending) {
+        endAppend();
+        state_.DoingAppending = false;
     }
-    if (state.DoingInsertUpdate) {
-        ButtonEx1_Click();
-        state.DoingInsertUpdate = false;
+    if (state_.DoingInsertUpdate) {
+        endInsert();
+        state_.DoingInsertUpdate = false;
     }
     PlayPrompt("bloop3.wav");
     const int engineState = AudioEditor1.State();
     if (engineState == kPlaying) {
         // Stop during playback only pauses; the next Stop ends.
-        state.PausedRecording = true;
-        MMControl1_PauseClick();
+        state_.PausedRecording = true;
+        pause();
     } else if (engineState > 0) {
         CaseStop();
         CaseEnd();
@@ -59,7 +59,7 @@ void Dictation::MMControl1_StopClick() {
     }
 }
 
-void Dictation::MMControl1_PauseClick() {
+void Dictation::pause() {
     // Pause while recording ends the take.
     if (AudioEditor1.State() == kRecording) {
         CasePauseStop();
@@ -68,84 +68,86 @@ void Dictation::MMControl1_PauseClick() {
     }
 }
 
-void Dictation::MMControl1_PrevClick() {
+void Dictation::goToBeginning() {
     CasePause("MMControl1_PrevClick");
     CaseBeginning();
 }
 
-void Dictation::MMControl1_NextClick() {
+void Dictation::goToEnd() {
     CaseStop();
     CasePause("MMControl1_NextClick");
     CaseEnd();
 }
 
-void Dictation::MMControl1_BackClick() {
+void Dictation::stepBack() {
     CaseStepBackward();
     barByPosition();
-    if (view.caption.find("File is Playing") != std::string::npos) CasePlay("MMControl1_BackClick");
+    if (view().caption.find("File is Playing") != std::string::npos)
+        CasePlay("MMControl1_BackClick");
 }
 
-void Dictation::MMControl1_StepClick() {
+void Dictation::stepForward() {
     CaseStepForward();
     barByPosition();
-    if (view.caption.find("File is Playing") != std::string::npos) CasePlay("MMControl1_StepClick");
+    if (view().caption.find("File is Playing") != std::string::npos)
+        CasePlay("MMControl1_StepClick");
 }
 
-void Dictation::Image2_Click() {
-    state.HitOnce = false;
-    state.HitTwice = false;
+void Dictation::newLetter() {
+    state_.HitOnce = false;
+    state_.HitTwice = false;
     CaseNew();
 }
 
-void Dictation::Image3_Click() {
+void Dictation::openLetter() {
     CaseStop();
-    Image10_Click();
-    state.FromCurrentList = false;
+    closeFile();
+    state_.FromCurrentList = false;
     CaseOpen();
 }
 
-void Dictation::Image4_Click() {
-    if (state.Recordingstatus || state.Filename.empty()) return;
+void Dictation::saveNow() {
+    if (state_.Recordingstatus || state_.Filename.empty()) return;
     // The save icon saves whatever crash protection says; the check box's own
     // value comes back afterwards.
-    const bool crashProtection = state.FileSaveAtStop;
-    state.FileSaveAtStop = true;
-    state.SaveRequested = true;
+    const bool crashProtection = state_.FileSaveAtStop;
+    state_.FileSaveAtStop = true;
+    state_.SaveRequested = true;
     SaveFile();
-    state.FileSaveAtStop = crashProtection;
-    state.SaveRequested = false;
-    state.FileChanged = false;
-    state.flgPlay = false;
+    state_.FileSaveAtStop = crashProtection;
+    state_.SaveRequested = false;
+    state_.FileChanged = false;
+    state_.flgPlay = false;
 }
 
-void Dictation::Image7_Click() { CaseDefault(); }
+void Dictation::restoreFactoryFormats() { CaseDefault(); }
 
-void Dictation::mnuSaveAs_Click() { CaseSaveAs(); }
+void Dictation::saveAs() { CaseSaveAs(); }
 
-void Dictation::Command3_Click() {
+void Dictation::replayLastThreeSeconds() {
     if (refusedWhileRecording("Command3")) return;
     if (!config_.record.Last3SecsAR) {
         CaseThreeSeconds();
     } else {
         CaseLastThreeSecondsCon();
     }
-    state.SecondSwitchPosition = "Last3Secs";
-    state.ThirdSwitchPosition.clear();
-    state.FourthSwitchPosition.clear();
+    state_.SecondSwitchPosition = "Last3Secs";
+    state_.ThirdSwitchPosition.clear();
+    state_.FourthSwitchPosition.clear();
 }
 
-void Dictation::cmdEOL_Click() {
-    hits.HandSetHitNotHit = true;
+void Dictation::finishLetter() {
+    hits_.HandSetHitNotHit = true;
     if (switchCommand) switchCommand("EOL");
-    view.cmdEOL = false;
+    screen().endOfLetterEnabled = false;
     changed();
 }
 
-void Dictation::mnuInsertBeginning_Click() { Command1_Click(); }
+void Dictation::insertAtBeginningFromMenu() { addToBeginning(); }
 
-void Dictation::mnuLastThreeContinue_Click() { LastThreeSecondsContinue(); }
+void Dictation::lastThreeSecondsContinueFromMenu() { LastThreeSecondsContinue(); }
 
-void Dictation::Toolbar1_ButtonClick(const std::string& key) {
+void Dictation::toolbarButton(const std::string& key) {
     timSave.setEnabled(false);
     const std::pair<const char*, void (Dictation::*)()> routines[] = {
         {"Continue", &Dictation::CaseContinue},
@@ -187,34 +189,34 @@ void Dictation::Toolbar1_ButtonClick(const std::string& key) {
             }
         }
     }
-    normalise(state);
-    SetParam(state.WhichBut);
+    normalise(state_);
+    SetParam(state_.WhichBut);
 }
 
-void Dictation::Clear_Click() {
-    recent.Clear_Click();
-    view.Reopen.clear();
+void Dictation::clearRecentFiles() {
+    recent.clearRecentFiles();
+    screen().Reopen.clear();
     changed();
 }
 
-void Dictation::OpenMyList(const std::string& path) {
+void Dictation::openRecentFile(const std::string& path) {
     // Another file while a take runs would leave that take recording unseen.
     if (refusedWhileRecording("OpenMyList")) return;
     if (platform::fileExists(path)) {
-        state.FromCurrentList = true;
-        state.Filename = path;
+        state_.FromCurrentList = true;
+        state_.Filename = path;
         CaseOpen();
         return;
     }
-    state.flgfileOpen1 = false;
+    state_.flgfileOpen1 = false;
     setFileLabels("");
-    state.iTotalSecFile = 0;
-    state.iCurSecond = 0;
-    state.flgPlay = false;
-    state.Recordingstatus = false;
+    state_.iTotalSecFile = 0;
+    state_.iCurSecond = 0;
+    state_.flgPlay = false;
+    state_.Recordingstatus = false;
     changed();
     prompts_.showMessage("That file does not exist!", "File Not Found! ");
-    if (state.PreviousNextFile > 0) --state.PreviousNextFile;
+    if (state_.PreviousNextFile > 0) --state_.PreviousNextFile;
 }
 
 }  // namespace ovd::dictation

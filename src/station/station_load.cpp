@@ -62,18 +62,10 @@ LoadResult Station::Form_Load() {
     settings::SettingsRecord& record = parts_.config.record;
     settings::EventLog& log = parts_.log;
 
-    log.trace("Loading: program folder " + parts_.programFolder + ", data folder " +
-              parts_.dataFolder);
-    d.Timer28.setInterval(50);
-    d.Timer34.setEnabled(false);
-    d.state.CommandFileName = parts_.commandFileName;
-    if (!d.state.CommandFileName.empty()) {
-        log.trace("Received Command line File Name = " + d.state.CommandFileName);
-        d.state.commandLine.CommandLineLaunched = true;
-    }
-    d.state.OnLoad = true;
+    log.trace("Loading: program folder " + parts_.programFolder + ", data folder " + parts_.dataFolder);
+    d.beginLoad(parts_.commandFileName);
     d.loadScreen();
-    log.trace("Loading: " + std::to_string(d.view.Reopen.size()) + " recent files");
+    log.trace("Loading: " + std::to_string(d.view().Reopen.size()) + " recent files");
 
     tellWhenSettingsCantBeWritten();
     if (!parts_.config.startUp(parts_.prompts)) return LoadResult::EndProgram;
@@ -90,14 +82,14 @@ LoadResult Station::Form_Load() {
     }
 
     if (!loadRecordingDevice()) {
-        d.state.OnLoad = false;
+        d.loadAbandoned();
         if (onLoadDone) onLoadDone();
         return LoadResult::NothingReady;
     }
     d.SetParam("load");
     d.takeSettings();
-    log.trace("Loading: work files in " + platform::joinPath(recordings, "Temp") +
-              ", saving every " + std::to_string(d.timSave.Interval()) + " ms, crash protection " +
+    log.trace("Loading: work files in " + platform::joinPath(recordings, "Temp") + ", saving every " +
+              std::to_string(d.saveInterval()) + " ms, crash protection " +
               platform::boolText(record.FileSaveAtStop));
 
     if (parts_.sound.playbackDevices().Count() == 0) {
@@ -132,8 +124,7 @@ void Station::loadPedalsAndDelivery() {
     settings::SettingsRecord& record = parts_.config.record;
     settings::EventLog& log = parts_.log;
 
-    d.view.mnuScanConvertEnabled = true;
-    d.state.OnLoad = true;
+    d.beforePedalsStart();
     handsFree_->start();
     log.trace("Loading: pedals USB " + platform::boolText(record.UserSelectUSB) + ", game port " +
               platform::boolText(record.UserSelectGame) + ", serial " +
@@ -143,14 +134,9 @@ void Station::loadPedalsAndDelivery() {
                                    parts_.prompts, setupWindows);
     loadAutoSend();
 
-    if (record.QDUDisconnected) {
-        d.view.Label40 = dictation::kDeskUnitMissing;
-        d.tmCommand.setEnabled(true);
-    }
-    d.view.cmdEOL = false;
-    d.view.caption = dictation::applicationTitle(record.HandsFreeEdition);
-    d.state.OnLoad = false;
-    d.naming.ComnboFill();
+    if (record.QDUDisconnected) d.showDeskUnitMissing();
+    d.finishLoad(record.HandsFreeEdition);
+    d.naming.ComboFill();
     log.trace("Loading: done, view " + record.ScreenSize);
     if (onLoadDone) onLoadDone();
 }

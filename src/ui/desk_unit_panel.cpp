@@ -72,10 +72,10 @@ DeskUnitPanel::DeskUnitPanel(devices::SwitchModel& switchModel, const dictation:
 void DeskUnitPanel::refresh() {
     if (view_.revision == shownRevision_) return;
     shownRevision_ = view_.revision;
-    status_->setText(QString::fromStdString(view_.Lbl4Pos));
+    status_->setText(QString::fromStdString(view_.switchPosition));
     for (std::size_t i = 0; i < positions_.size(); ++i) {
         const QSignalBlocker quiet(positions_[i]);
-        positions_[i]->setChecked(view_.Lbl4Pos == kPositionTexts[i]);
+        positions_[i]->setChecked(view_.switchPosition == kPositionTexts[i]);
     }
 }
 

@@ -56,12 +56,12 @@ void StationMenus::buildFile() {
     dictation::Dictation& d = parts_.dictation;
     QMenu* file = window_.menuBar()->addMenu(QObject::tr("&File"));
     file->setObjectName("mnuFile");
-    add(file, "mnuNew", QObject::tr("&New"), [&d] { d.Image2_Click(); })->setShortcut(QKeySequence::New);
-    add(file, "mnuOpen", QObject::tr("&Open..."), [&d] { d.Image3_Click(); })
+    add(file, "mnuNew", QObject::tr("&New"), [&d] { d.newLetter(); })->setShortcut(QKeySequence::New);
+    add(file, "mnuOpen", QObject::tr("&Open..."), [&d] { d.openLetter(); })
         ->setShortcut(QKeySequence::Open);
-    add(file, "mnuSave", QObject::tr("&Save"), [&d] { d.Image4_Click(); })->setShortcut(QKeySequence::Save);
-    add(file, "mnuSaveAs", QObject::tr("Save &As..."), [&d] { d.mnuSaveAs_Click(); });
-    add(file, "mnclose", QObject::tr("&Close"), [&d] { d.mnclose_Click(); });
+    add(file, "mnuSave", QObject::tr("&Save"), [&d] { d.saveNow(); })->setShortcut(QKeySequence::Save);
+    add(file, "mnuSaveAs", QObject::tr("Save &As..."), [&d] { d.saveAs(); });
+    add(file, "mnclose", QObject::tr("&Close"), [&d] { d.closeFromMenu(); });
     file->addSeparator();
     reopen_ = file->addMenu(QObject::tr("&Reopen"));
     reopen_->setObjectName("mnuReopen");
@@ -70,7 +70,7 @@ void StationMenus::buildFile() {
         if (window_.onExit) window_.onExit();
     })->setShortcut(QKeySequence::Quit);
     QObject::connect(file, &QMenu::aboutToShow, &window_,
-                     [this] { refresh(parts_.dictation.view); });
+                     [this] { refresh(parts_.dictation.view()); });
 }
 
 void StationMenus::buildEdit() {
@@ -78,7 +78,7 @@ void StationMenus::buildEdit() {
     QMenu* edit = window_.menuBar()->addMenu(QObject::tr("&Edit"));
     edit->setObjectName("mnuEdit");
     // The editing keys run their routine and then refresh the screen as a toolbar would.
-    const auto key = [&d](const char* name) { return [&d, name] { d.Toolbar1_ButtonClick(name); }; };
+    const auto key = [&d](const char* name) { return [&d, name] { d.toolbarButton(name); }; };
     add(edit, "mnuUndo", QObject::tr("&Undo"), key("Undo"))->setShortcut(QKeySequence::Undo);
     add(edit, "mnuRedo", QObject::tr("&Redo"), key("Redo"))->setShortcut(QKeySequence::Redo);
     edit->addSeparator();
@@ -106,7 +106,7 @@ void StationMenus::buildView() {
     QAction* log = add(view, "mnuViewLog", QObject::tr("&Event Log"), [] {});
     log->setCheckable(true);
     QObject::connect(log, &QAction::toggled, &window_, [this](bool on) { window_.chkViewlOG_Click(on); });
-    QObject::connect(view, &QMenu::aboutToShow, &window_, [this] { refresh(parts_.dictation.view); });
+    QObject::connect(view, &QMenu::aboutToShow, &window_, [this] { refresh(parts_.dictation.view()); });
 }
 
 void StationMenus::buildConfiguration() {
@@ -115,7 +115,7 @@ void StationMenus::buildConfiguration() {
     configuration->setObjectName("mnuConfiguration");
     addGreyed(configuration, "mnuFileSaves", QObject::tr("File Names, Folders and Delivery..."));
     addGreyed(configuration, "mnuRecordingFormats", QObject::tr("Recording Formats..."));
-    add(configuration, "CaseDefaults", QObject::tr("Factory Recording Formats"), [&d] { d.Image7_Click(); });
+    add(configuration, "CaseDefaults", QObject::tr("Factory Recording Formats"), [&d] { d.restoreFactoryFormats(); });
     configuration->addSeparator();
     addGreyed(configuration, "mnuQDUCon", QObject::tr("Quadrant Desk Unit Connected"))->setCheckable(true);
     addGreyed(configuration, "mnuButtons", QObject::tr("Desk Unit Buttons..."));
@@ -149,20 +149,20 @@ void StationMenus::buildPedals() {
         entry->setCheckable(true);
     };
     pedalEntry("mnuUSBFootPedals", QObject::tr("USB Foot Pedals"),
-               [](devices::HandsFree& h) { h.usb.mnuUSBFootPedals_Click(); });
+               [](devices::HandsFree& h) { h.usb.toggleUsbPedals(); });
     pedalEntry("mnuSERFootPedals", QObject::tr("Serial Foot Pedals"),
-               [](devices::HandsFree& h) { h.serial.mnuSERFootPedals(); });
+               [](devices::HandsFree& h) { h.serial.toggleSerialPedals(); });
     addGreyed(pedals, "mnuGAMEFootPedals", QObject::tr("Game Port Foot Pedals"))->setCheckable(true);
     pedals->addSeparator();
     pedalEntry("mn30VEC", QObject::tr("Use 3.0 Infinity Foot Pedal Controller"),
-               [](devices::HandsFree& h) { h.usb.mn30VEC_Click(); });
+               [](devices::HandsFree& h) { h.usb.toggleVec30Pedal(); });
     QMenu* ports = pedals->addMenu(QObject::tr("COM &Port"));
     ports->setObjectName("mnuComPort");
     for (int index = 0; index < devices::SerialPedals::kPortCount; ++index) {
         const std::string name = "mnuComPortItem" + std::to_string(index);
         const QString text = QStringLiteral("COM%1").arg(index + 1);
         QAction* entry = handsFree != nullptr
-                             ? add(ports, name, text, [handsFree, index] { handsFree->serial.mnuComPortItem(index); })
+                             ? add(ports, name, text, [handsFree, index] { handsFree->serial.chooseComPort(index); })
                              : addGreyed(ports, name, text);
         entry->setCheckable(true);
     }
@@ -187,7 +187,7 @@ void StationMenus::buildTools() {
         parts_.debugTrace.DebugOn = true;
         if (parts_.debugTrace.onShow) parts_.debugTrace.onShow();
     });
-    QObject::connect(tools, &QMenu::aboutToShow, &window_, [this] { refresh(parts_.dictation.view); });
+    QObject::connect(tools, &QMenu::aboutToShow, &window_, [this] { refresh(parts_.dictation.view()); });
 }
 
 void StationMenus::buildHelp() {
@@ -203,10 +203,10 @@ void StationMenus::buildContextMenu() {
     contextMenu_ = new QMenu(&window_);
     contextMenu_->setObjectName("mnuPopUp");
     add(contextMenu_, "mnuInsertBeginning", QStringLiteral("Insert Beginning of File"),
-        [&d] { d.mnuInsertBeginning_Click(); });
-    add(contextMenu_, "mnuAppendEnd", QStringLiteral("Append End of File"), [&d] { d.mnuAppendEnd_Click(); });
+        [&d] { d.insertAtBeginningFromMenu(); });
+    add(contextMenu_, "mnuAppendEnd", QStringLiteral("Append End of File"), [&d] { d.appendAtEnd(); });
     add(contextMenu_, "mnuLastThreeContinue", QStringLiteral("Play Last Three Seconds Continue Recording"),
-        [&d] { d.mnuLastThreeContinue_Click(); });
+        [&d] { d.lastThreeSecondsContinueFromMenu(); });
 }
 
 void StationMenus::refresh(const dictation::MainView& view) {
@@ -232,12 +232,12 @@ void StationMenus::refreshPedals() {
         return;
     }
     const devices::HandsFree& h = *parts_.handsFree;
-    action("mnuUSBFootPedals")->setChecked(h.usb.menu.mnuUSBFootPedals);
-    action("mnuSERFootPedals")->setChecked(h.serial.mnuSERFootPedalsChecked());
-    action("mnuGAMEFootPedals")->setChecked(h.usb.menu.mnuGAMEFootPedals);
+    action("mnuUSBFootPedals")->setChecked(h.usb.menu.usbChecked);
+    action("mnuSERFootPedals")->setChecked(h.serial.serialPedalsChecked());
+    action("mnuGAMEFootPedals")->setChecked(h.usb.menu.gameChecked);
     action("mn30VEC")->setChecked(record.Use30VEC);
     for (int index = 0; index < devices::SerialPedals::kPortCount; ++index) {
-        action("mnuComPortItem" + std::to_string(index))->setChecked(h.serial.mnuComPortItemChecked(index));
+        action("mnuComPortItem" + std::to_string(index))->setChecked(h.serial.comPortChecked(index));
     }
 }
 
@@ -254,13 +254,13 @@ void StationMenus::refreshReopen(const dictation::MainView& view) {
     for (const std::string& path : view.Reopen) {
         const QString text = QStringLiteral("&%1 %2").arg(number++).arg(QString::fromStdString(path));
         QObject::connect(reopen_->addAction(text), &QAction::triggered, &window_,
-                         [&d, path] { d.OpenMyList(path); });
+                         [&d, path] { d.openRecentFile(path); });
     }
     reopen_->addSeparator();
     QAction* clear = reopen_->addAction(QObject::tr("Clear"));
     clear->setObjectName("mnuClear");
     clear->setEnabled(!view.Reopen.empty());
-    QObject::connect(clear, &QAction::triggered, &window_, [&d] { d.Clear_Click(); });
+    QObject::connect(clear, &QAction::triggered, &window_, [&d] { d.clearRecentFiles(); });
 }
 
 }  // namespace ovd::ui

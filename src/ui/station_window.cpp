@@ -155,11 +155,11 @@ void StationWindow::buildToolIcons() {
         std::function<void()> routine;
     };
     const Icon icons[] = {
-        {"Image2", "New", QStyle::SP_FileIcon, [&d] { d.Image2_Click(); }},
-        {"Image3", "Open", QStyle::SP_DialogOpenButton, [&d] { d.Image3_Click(); }},
-        {"Image4", "Save", QStyle::SP_DialogSaveButton, [&d] { d.Image4_Click(); }},
-        {"Image10", "Close", QStyle::SP_DialogCloseButton, [&d] { d.Image10_Click(); }},
-        {"Image7", "Defaults", QStyle::SP_BrowserReload, [&d] { d.Image7_Click(); }},
+        {"Image2", "New", QStyle::SP_FileIcon, [&d] { d.newLetter(); }},
+        {"Image3", "Open", QStyle::SP_DialogOpenButton, [&d] { d.openLetter(); }},
+        {"Image4", "Save", QStyle::SP_DialogSaveButton, [&d] { d.saveNow(); }},
+        {"Image10", "Close", QStyle::SP_DialogCloseButton, [&d] { d.closeFile(); }},
+        {"Image7", "Defaults", QStyle::SP_BrowserReload, [&d] { d.restoreFactoryFormats(); }},
     };
     for (const Icon& icon : icons) {
         QAction* action = toolIcons_->addAction(style()->standardIcon(icon.pixmap), tr(icon.text));
@@ -210,21 +210,21 @@ QWidget* StationWindow::buildAudioFrame() {
     ctSlide1_->setRange(0, 100);
     ctSlide1_->setEnabled(false);
     ctSlide1_->setToolTip(tr("Position in the file"));
-    connect(ctSlide1_, &QSlider::sliderPressed, this, [this, &d] { routed([&d] { d.ctSlide1_MouseDown(); }); });
+    connect(ctSlide1_, &QSlider::sliderPressed, this, [this, &d] { routed([&d] { d.positionSliderPressed(); }); });
     connect(ctSlide1_, &QSlider::valueChanged, this, [this, &d](int value) {
         // Only the hand moves the position; the dictation's own moves are rendered.
-        if (ctSlide1_->isSliderDown()) d.ctSlide1_Change(value);
+        if (ctSlide1_->isSliderDown()) d.positionSliderMoved(value);
     });
     connect(ctSlide1_, &QSlider::sliderReleased, this,
-            [this, &d] { routed([this, &d] { d.ctSlide1_MouseUp(ctSlide1_->value()); }); });
+            [this, &d] { routed([this, &d] { d.positionSliderReleased(ctSlide1_->value()); }); });
     // A click beside the handle or a key moves it with no press or release.
     connect(ctSlide1_, &QSlider::actionTriggered, this, [this, &d](int action) {
         if (action == QAbstractSlider::SliderMove || ctSlide1_->isSliderDown()) return;
         QTimer::singleShot(0, this, [this, &d] {
             routed([this, &d] {
-                d.ctSlide1_MouseDown();
-                d.ctSlide1_Change(ctSlide1_->value());
-                d.ctSlide1_MouseUp(ctSlide1_->value());
+                d.positionSliderPressed();
+                d.positionSliderMoved(ctSlide1_->value());
+                d.positionSliderReleased(ctSlide1_->value());
             });
         });
     });
@@ -265,14 +265,14 @@ QWidget* StationWindow::buildTransportRow() {
     row->setContentsMargins(0, 0, 0, 0);
     MMControl1_ = new TransportBar(rowWidget);
     MMControl1_->onClick = {
-        [this, &d] { routed([&d] { d.MMControl1_PrevClick(); }); },
-        [this, &d] { routed([&d] { d.MMControl1_NextClick(); }); },
-        [this, &d] { routed([&d] { d.MMControl1_PlayClick(); }); },
-        [this, &d] { routed([&d] { d.MMControl1_PauseClick(); }); },
-        [this, &d] { routed([&d] { d.MMControl1_BackClick(); }); },
-        [this, &d] { routed([&d] { d.MMControl1_StepClick(); }); },
-        [this, &d] { routed([&d] { d.MMControl1_StopClick(); }); },
-        [this, &d] { routed([&d] { d.MMControl1_RecordClick(); }); },
+        [this, &d] { routed([&d] { d.goToBeginning(); }); },
+        [this, &d] { routed([&d] { d.goToEnd(); }); },
+        [this, &d] { routed([&d] { d.play(); }); },
+        [this, &d] { routed([&d] { d.pause(); }); },
+        [this, &d] { routed([&d] { d.stepBack(); }); },
+        [this, &d] { routed([&d] { d.stepForward(); }); },
+        [this, &d] { routed([&d] { d.stop(); }); },
+        [this, &d] { routed([&d] { d.recordTake(); }); },
     };
     row->addWidget(MMControl1_);
     row->addStretch();
@@ -281,9 +281,9 @@ QWidget* StationWindow::buildTransportRow() {
     cmdEOL_ = namedButton(rowWidget, "cmdEOL", tr("End of Letter"));
     cmdEOL_->setMinimumHeight(40);
     cmdEOL_->setToolTip(tr("Close and save the file, and begin the next"));
-    connect(ButtonEx1_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.ButtonEx1_Click(); }); });
-    connect(ButtonEx2_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.ButtonEx2_Click(); }); });
-    connect(cmdEOL_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.cmdEOL_Click(); }); });
+    connect(ButtonEx1_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.endInsert(); }); });
+    connect(ButtonEx2_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.endAppend(); }); });
+    connect(cmdEOL_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.finishLetter(); }); });
     row->addWidget(ButtonEx1_);
     row->addWidget(ButtonEx2_);
     row->addWidget(cmdEOL_);
@@ -303,18 +303,18 @@ QWidget* StationWindow::buildEditRow() {
     auto* lastThree = new QPushButton(tr("Play Last 3 secs"), rowWidget);
     lastThree->setObjectName("lblPlayLast3");
     lastThree->setFlat(true);
-    connect(Command1_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.Command1_Click(); }); });
-    connect(Command2_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.Command2_Click(); }); });
-    connect(cmdOVR_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.cmdOVR_Click(); }); });
-    connect(Command3_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.Command3_Click(); }); });
-    connect(lastThree, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.Command3_Click(); }); });
+    connect(Command1_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.addToBeginning(); }); });
+    connect(Command2_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.insertAtCursor(); }); });
+    connect(cmdOVR_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.overwriteAtCursor(); }); });
+    connect(Command3_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.replayLastThreeSeconds(); }); });
+    connect(lastThree, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.replayLastThreeSeconds(); }); });
     txtStepAmt_ = new QLineEdit(rowWidget);
     txtStepAmt_->setObjectName("txtStepAmt");
     txtStepAmt_->setValidator(new QIntValidator(0, 3600, txtStepAmt_));
     txtStepAmt_->setMaximumWidth(50);
     txtStepAmt_->setToolTip(tr("Seconds of one step back or forward"));
     connect(txtStepAmt_, &QLineEdit::textEdited, this, [this, &d](const QString& text) {
-        routed([&d, text] { d.txtStepAmt_Change(text.toStdString()); });
+        routed([&d, text] { d.stepAmountChanged(text.toStdString()); });
     });
     row->addWidget(Command1_);
     row->addWidget(Command2_);

@@ -50,7 +50,7 @@ int faceWidth(Face face) {
 }  // namespace
 
 void StationWindow::render() {
-    const dictation::MainView& v = parts_.dictation.view;
+    const dictation::MainView& v = parts_.dictation.view();
     waveform_->refresh();
     deviceBox_->follow();
     if (v.revision == shownRevision_) return;
@@ -58,39 +58,39 @@ void StationWindow::render() {
     const settings::SettingsRecord& record = parts_.config.record;
 
     setWindowTitle(v.caption.empty() ? titleFor(record.HandsFreeEdition) : text(v.caption));
-    Label40_->setText(text(v.Label40));
-    Label40_->setStyleSheet(v.Label40Warning ? QStringLiteral("color: #ff0000;") : QString());
+    Label40_->setText(text(v.statusLine));
+    Label40_->setStyleSheet(v.statusLineWarning ? QStringLiteral("color: #ff0000;") : QString());
     lblReady_->setText(text(v.lblReady));
     lblMode_->setText(text(v.lblMode));
-    Label37_->setText(text(v.Label37));
+    Label37_->setText(text(v.operationName));
     lblBusy_->setVisible(v.lblBusyVisible);
-    lamps_->show(v.Image5, v.Image6, text(v.lblOnAir), v.lblOnAirVisible);
+    lamps_->show(v.onAirLamp1, v.onAirLamp2, text(v.lblOnAir), v.lblOnAirVisible);
 
     // Before the first position is known the displays show nothing measured yet.
     const auto orBlank = [](const std::string& value, const char* blank) {
         return value.empty() ? QString::fromLatin1(blank) : text(value);
     };
     timeElapsed_->setText(orBlank(v.timeElapsed, "00:00:00"));
-    Label24_->setText(orBlank(v.Label24, "00:00:00"));
-    Label43_->setText(orBlank(v.Label43, "-"));
+    Label24_->setText(orBlank(v.timeRemaining, "00:00:00"));
+    Label43_->setText(orBlank(v.fileSizeText, "-"));
     statusPanel1_->setText(text(v.statusPanel1));
     statusPanel2_->setText(text(v.statusPanel2));
 
-    MMControl1_->render(v.MMControl1, v.transportLabelsVisible);
-    MMControl1_->showNoFile(!parts_.dictation.state.flgfileOpen1);
-    cmdEOL_->setEnabled(v.cmdEOL);
-    Command1_->setEnabled(v.Command1);
-    Command2_->setEnabled(v.Command2);
-    cmdOVR_->setEnabled(v.cmdOVR);
-    Command3_->setEnabled(v.Command3);
-    ButtonEx1_->setVisible(v.ButtonEx1Visible);
-    ButtonEx2_->setVisible(v.ButtonEx2Visible);
+    MMControl1_->render(v.transportBar, v.transportLabelsVisible);
+    MMControl1_->showNoFile(!parts_.dictation.state().flgfileOpen1);
+    cmdEOL_->setEnabled(v.endOfLetterEnabled);
+    Command1_->setEnabled(v.addToBeginningEnabled);
+    Command2_->setEnabled(v.insertEnabled);
+    cmdOVR_->setEnabled(v.overwriteEnabled);
+    Command3_->setEnabled(v.lastThreeSecondsEnabled);
+    ButtonEx1_->setVisible(v.endInsertVisible);
+    ButtonEx2_->setVisible(v.endAppendVisible);
 
     if (!ctSlide1_->isSliderDown()) {
         const QSignalBlocker quiet(ctSlide1_);
-        ctSlide1_->setValue(v.ctSlide1);
+        ctSlide1_->setValue(v.positionPercent);
     }
-    ctSlide1_->setEnabled(v.ctSlide1Enabled);
+    ctSlide1_->setEnabled(v.positionSliderEnabled);
     // While a file loads the frame stays in place, greyed, rather than leaving a
     // hole the window would close up around.
     audioFrame_->setEnabled(v.audioFrameEnabled && v.audioFrameVisible);
@@ -259,7 +259,7 @@ void StationWindow::Option_Click(bool otherConditions) {
     settings::SettingsRecord& record = parts_.config.record;
     const std::string chosen = otherConditions ? "OPT3" : "OPT2";
     // During a take the options do nothing; the render puts the mark back.
-    if (d.state.Recordingstatus || record.RecordingFormats == chosen) {
+    if (d.state().Recordingstatus || record.RecordingFormats == chosen) {
         shownRevision_ = ~0UL;
         render();
         return;
@@ -267,15 +267,15 @@ void StationWindow::Option_Click(bool otherConditions) {
     // The next file is made in the format now chosen; the one in hand keeps its own.
     record.RecordingFormats = chosen;
     parts_.config.WriteConfig();
-    if (d.state.flgfileOpen1) {
+    if (d.state().flgfileOpen1) {
         const std::string reason =
             std::string(" Calling Image2_Click from ") + (otherConditions ? "Option3_Click" : "Option2_Click");
-        if (!d.state.RecordedOnce) {
+        if (!d.state().RecordedOnce) {
             d.CaseStop();
-            d.Image10_Click();
+            d.closeFile();
             parts_.eventLog.trace(reason);
         } else {
-            const bool armed = d.state.RecordingstatusPaused;
+            const bool armed = d.state().RecordingstatusPaused;
             if (armed) {
                 parts_.prompts.showMessage(
                     "Your current recording in progress will be saved now, using your previous settings "
@@ -283,10 +283,10 @@ void StationWindow::Option_Click(bool otherConditions) {
                     settings::kProductTitle);
             }
             d.CaseStop();
-            d.Image10_Click();
+            d.closeFile();
             parts_.eventLog.trace(reason + (armed ? "-2" : "-1"));
         }
-        d.Image2_Click();
+        d.newLetter();
     }
     shownRevision_ = ~0UL;
     render();

@@ -53,10 +53,10 @@ class SwitchModelTest : public dictation::testing::DictationTest {
     // A four-second letter opened from disk, the cursor at second one: the
     // insert and overwrite buttons are on.
     void openLetterAtSecondOne() {
-        d().OpenMyList(dictation::testing::writeRampWave(recordings + "/letter.wav", 4));
+        d().openRecentFile(dictation::testing::writeRampWave(recordings + "/letter.wav", 4));
         editor1.setCursorPosition(kRate);
         d().timCurPos_Timer();
-        ASSERT_TRUE(view().Command2 && view().cmdOVR);
+        ASSERT_TRUE(view().insertEnabled && view().overwriteEnabled);
     }
 
     ButtonMessages messages;
@@ -66,7 +66,7 @@ class SwitchModelTest : public dictation::testing::DictationTest {
 };
 
 TEST_F(SwitchModelTest, FromDictateThroughStopListenReplaysTheLastThreeSecondsOnce) {
-    d().Image2_Click();
+    d().newLetter();
     say("Record");
     EXPECT_EQ(editor1.State(), 2);
     run(5000);
@@ -97,7 +97,7 @@ TEST_F(SwitchModelTest, RecordWithAutoOverwriteOverwritesInsteadOfAppending) {
 }
 
 TEST_F(SwitchModelTest, RecordDuringATakeChangesNothingAndLeavesTheExitForLater) {
-    d().Image2_Click();
+    d().newLetter();
     say("Record");
     run(1000);
     letters.exit = true;
@@ -113,14 +113,14 @@ TEST_F(SwitchModelTest, RecordDuringATakeChangesNothingAndLeavesTheExitForLater)
 
 TEST_F(SwitchModelTest, InsertArmsOnlyWithBothRecordButtonsOn) {
     openLetterAtSecondOne();
-    view().cmdOVR = false;
-    d().hits.HandSetHitNotHit = true;
+    arrangeView().overwriteEnabled = false;
+    d().pedalPresses().HandSetHitNotHit = true;
     say("Ins");
     EXPECT_FALSE(state().HitOnce);
     EXPECT_FALSE(state().DoingInsertUpdate);
-    EXPECT_FALSE(d().hits.HandSetHitNotHit);
+    EXPECT_FALSE(d().hits().HandSetHitNotHit);
 
-    view().cmdOVR = true;
+    arrangeView().overwriteEnabled = true;
     say("Ins");
     EXPECT_TRUE(state().DoingInsertUpdate);
     EXPECT_EQ(view().lblMode, "Insert Mode");
@@ -150,15 +150,15 @@ TEST_F(SwitchModelTest, HistoryTakesOnlyAPositionThatDiffersFromTheFirst) {
          {kSwitchStop, kSwitchStepBack, kSwitchListen, kSwitchStop}},
     };
     for (const auto& c : cases) {
-        state().clearSwitchPositions();
-        state().FirstSwitchPosition = "FirstTime";
+        arrangeState().clearSwitchPositions();
+        arrangeState().FirstSwitchPosition = "FirstTime";
         for (const char* position : c.pushes) model->pushSwitchPosition(position);
         EXPECT_EQ(history(), c.expected) << c.pushes.size() << " pushes";
     }
 
-    state().clearSwitchPositions();
+    arrangeState().clearSwitchPositions();
     say("STOP");
-    state().HitOnce = true;
+    arrangeState().HitOnce = true;
     say("STOP");
     EXPECT_EQ(history(), (History{kSwitchStop, "", "", ""})) << "the second stop pushed nothing";
     EXPECT_TRUE(state().HitOnce) << "nor did it drop the armed mode";
@@ -168,13 +168,13 @@ TEST_F(SwitchModelTest, AStopAfterAPedalStepBackStopsAtOnce) {
     config.record.LEFTSERPEDAL = "STEPLIST";
     platform::Timer ser{loop, "timSERStepBACK"}, usb{loop, "timUSBStepBACK"},
         game{loop, "timGAMEStepBACK"};
-    PedalDispatcher dispatcher{config.record, state(), view(), d().hits, *model, {ser, usb, game}};
+    PedalDispatcher dispatcher{config.record, d(), *model, {ser, usb, game}};
     dictate(4000);
 
-    d().hits.LEFTSERPEDALHit = true;
+    d().pedalPresses().LEFTSERPEDALHit = true;
     dispatcher.PedalEventSER(kLeft, kDown);
     run(100);
-    d().hits.LEFTSERPEDALHit = false;
+    d().pedalPresses().LEFTSERPEDALHit = false;
     EXPECT_EQ(editor1.State(), 1) << "stepped back and playing";
     run(500);
     dispatcher.PedalEventSER(kLeft, kDown);
@@ -196,10 +196,10 @@ TEST_F(SwitchModelTest, ButtonsWithNothingToDoChangeOnlyTheLastButtonLine) {
         const dictation::MainView viewBefore = view();
         const History historyBefore = history();
         press(c.action, c.button);
-        EXPECT_EQ(view().Label40, "Last Button Pressed on QDU Unit was " +
-                                      std::to_string(c.button) + " : " + c.shown);
-        EXPECT_EQ(view().Lbl4Pos, viewBefore.Lbl4Pos);
-        EXPECT_EQ(view().MMControl1, viewBefore.MMControl1);
+        EXPECT_EQ(view().statusLine, "Last Button Pressed on QDU Unit was " +
+                                         std::to_string(c.button) + " : " + c.shown);
+        EXPECT_EQ(view().switchPosition, viewBefore.switchPosition);
+        EXPECT_EQ(view().transportBar, viewBefore.transportBar);
         EXPECT_EQ(history(), historyBefore);
         EXPECT_EQ(editor1.State(), 0);
         EXPECT_TRUE(model->BUTHit(c.button));
@@ -210,9 +210,9 @@ TEST_F(SwitchModelTest, ButtonsWithNothingToDoChangeOnlyTheLastButtonLine) {
     EXPECT_TRUE(prompts.transcript().empty());
 
     config.record.QDUDisconnected = true;
-    view().Label40 = dictation::kDeskUnitMissing;
+    arrangeView().statusLine = dictation::kDeskUnitMissing;
     press("AudioSRC", 5);
-    EXPECT_EQ(view().Label40, dictation::kDeskUnitMissing);
+    EXPECT_EQ(view().statusLine, dictation::kDeskUnitMissing);
 }
 
 TEST_F(SwitchModelTest, SendButtonsRefuseWithTheirOwnWordsAndKeepTheFileOpen) {
@@ -245,16 +245,16 @@ TEST_F(SwitchModelTest, SendButtonsRefuseWithTheirOwnWordsAndKeepTheFileOpen) {
         press(c.action, 6);
         EXPECT_EQ(letters.calls, c.calls);
         if (!c.label40.empty()) {
-            EXPECT_EQ(view().Label40, c.label40);
+            EXPECT_EQ(view().statusLine, c.label40);
         }
         EXPECT_EQ(state().Filename, file);
     }
     EXPECT_TRUE(logged("Destination " + missing + " Does NOT Exist or NOT Available"));
 
     r.AutoEmailName = "typist@example.org";
-    d().Image10_Click();
+    d().closeFile();
     press("SENDEMAIL", 6);
-    EXPECT_EQ(view().Label40, "There is not a file to Auto Send.");
+    EXPECT_EQ(view().statusLine, "There is not a file to Auto Send.");
 }
 
 TEST_F(SwitchModelTest, SendToOneClosesTheLetterAndHandsItToDelivery) {
@@ -281,11 +281,11 @@ TEST_F(SwitchModelTest, MessageButtonsSendToThePeerAndShowAFailure) {
     press("MSG3", 4);
     ASSERT_FALSE(peer.messages.empty());
     EXPECT_EQ(peer.messages.back(), "BTN4_AB0002 Ready for typing");
-    EXPECT_EQ(view().Label40, "Last Button Pressed on QDU Unit was 4 : MSG3");
+    EXPECT_EQ(view().statusLine, "Last Button Pressed on QDU Unit was 4 : MSG3");
 
     peer.reachable = false;
     press("MSG3", 4);
-    EXPECT_EQ(view().Label40, kPeerConnectionError);
+    EXPECT_EQ(view().statusLine, kPeerConnectionError);
     EXPECT_TRUE(logged("  MSG NOT SENT  "));
 
     press("New", 1);
@@ -297,7 +297,7 @@ TEST_F(SwitchModelTest, PreviousAndNextStepThroughTheRecentFiles) {
     const std::string newer = dictation::testing::writeRampWave(recordings + "/newer.wav", 2);
     d().recent.AddToMRUX(older);
     d().recent.AddToMRUX(newer);
-    d().OpenMyList(newer);
+    d().openRecentFile(newer);
     const struct {
         const char* action;
         std::string opened;
@@ -312,7 +312,7 @@ TEST_F(SwitchModelTest, PreviousAndNextStepThroughTheRecentFiles) {
 }
 
 TEST_F(SwitchModelTest, DeleteButtonMovesTheLetterToBackWithoutOverwritingAnOlderOne) {
-    d().Image2_Click();
+    d().newLetter();
     const std::string letter = state().Filename;
     const std::string name = platform::withoutFolder(letter);
     // A letter of the same name deleted earlier is already in BACK.
@@ -323,7 +323,7 @@ TEST_F(SwitchModelTest, DeleteButtonMovesTheLetterToBackWithoutOverwritingAnOlde
     say("STOP");
 
     press("EraseFile", 8);
-    EXPECT_EQ(view().Label40, "Last Button Pressed on QDU Unit was 8 : Delete");
+    EXPECT_EQ(view().statusLine, "Last Button Pressed on QDU Unit was 8 : Delete");
     EXPECT_TRUE(state().Filename.empty()) << "the letter is closed";
     EXPECT_FALSE(platform::fileExists(letter)) << "gone from the recordings";
     EXPECT_EQ(platform::readWholeFile(recordings + "/BACK/" + name).value_or(""),

@@ -17,7 +17,7 @@ TEST(CommandLineNameTest, AQuotedNameLosesBothQuotesAndAnUnquotedOneIsTakenWhole
 TEST_F(DictationTest, ANamedFileThatExistsIsOpenedToListenAndNoNewFileIsMade) {
     const std::string letter = writeRampWave(folder.file("Smith.wav"), 3);
     const double number = config.record.FileNameIncrementStartingNum.toNumber().value_or(-1);
-    state().CommandFileName = letter;
+    arrangeState().CommandFileName = letter;
 
     d().tmCommand_Timer();
 
@@ -25,13 +25,14 @@ TEST_F(DictationTest, ANamedFileThatExistsIsOpenedToListenAndNoNewFileIsMade) {
     EXPECT_TRUE(state().flgfileOpen1);
     EXPECT_TRUE(state().PRERECORDED);
     EXPECT_TRUE(state().commandLine.DIDDOCOMMANDLINE);
-    EXPECT_EQ(config.record.FileNameIncrementStartingNum.toNumber(), number) << "no number was used";
+    EXPECT_EQ(config.record.FileNameIncrementStartingNum.toNumber(), number)
+        << "no number was used";
     EXPECT_NEAR(static_cast<double>(editor1.Length()), 3.0 * kRate, kRate * 0.01);
 }
 
 TEST_F(DictationTest, ANamedFileInANewFolderIsDictatedThereAndTheFolderIsKept) {
     const std::string letters = folder.file("Clients/Jones");
-    state().CommandFileName = letters + "/Report";
+    arrangeState().CommandFileName = letters + "/Report";
 
     d().tmCommand_Timer();
 

@@ -3,9 +3,9 @@
 
 #include <sys/mount.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <algorithm>
 #include <filesystem>
 
 #include "dictation_fixture.h"
@@ -14,7 +14,7 @@ namespace ovd::dictation::testing {
 namespace {
 
 class DiskFullTest : public DictationTest {
-protected:
+  protected:
     void SetUp() override {
         platform::createFolder(smallDisk);
         if (::mount("tmpfs", smallDisk.c_str(), "tmpfs", 0, "size=1m") != 0) {
@@ -38,17 +38,18 @@ protected:
 };
 
 TEST_F(DiskFullTest, TheWarningComesWhileRecordingAndTheTakeGoesOn) {
-    d().Image2_Click();
-    d().MMControl1_RecordClick();
+    d().newLetter();
+    d().recordTake();
     run(2000);
-    EXPECT_EQ(view().Label40, "Recording");
-    EXPECT_FALSE(view().Label40Warning);
+    EXPECT_EQ(view().statusLine, "Recording");
+    EXPECT_FALSE(view().statusLineWarning);
 
     // A megabyte holds about thirty seconds; the warning keeps room for three
     // times what the work file holds.
     run(9000);
-    EXPECT_EQ(view().Label40.rfind("Warning -- Number of Free Bytes : ", 0), 0u) << view().Label40;
-    EXPECT_TRUE(view().Label40Warning);
+    EXPECT_EQ(view().statusLine.rfind("Warning -- Number of Free Bytes : ", 0), 0u)
+        << view().statusLine;
+    EXPECT_TRUE(view().statusLineWarning);
     EXPECT_TRUE(logged(state().Filename + " Disk Full Warning during Recording"));
     EXPECT_TRUE(state().Recordingstatus) << "without the stop setting the take goes on";
     EXPECT_EQ(editor1.State(), 2);
@@ -58,11 +59,11 @@ TEST_F(DiskFullTest, AWorkFileTheDiskRefusesIsLoggedOnceAndTheTakeKeepsEverythin
     config.record.FileSaveAtStop = false;  // the Stop does not try to save on the full disk
     config.WriteConfig();
     rebuild();
-    d().Image2_Click();
-    d().MMControl1_RecordClick();
+    d().newLetter();
+    d().recordTake();
     run(45000);  // a megabyte holds about thirty seconds
     EXPECT_EQ(editor1.State(), 2) << "the take goes on";
-    d().MMControl1_StopClick();
+    d().stop();
     EXPECT_EQ(editor1.Length(), 45 * kRate);
     const std::string refused = "can't write the work file ";
     const std::string text = log.text();
@@ -82,31 +83,34 @@ TEST_F(DiskFullTest, ASaveWithoutRoomAsksUntilTheAuthorMovesTheFile) {
     prompts.answerNext(platform::Answer::Yes);  // move
     prompts.answerNextText(roomy);
 
-    d().Image2_Click();
+    d().newLetter();
     const std::string name = platform::withoutFolder(state().Filename);
-    d().MMControl1_RecordClick();
+    d().recordTake();
     run(12000);
-    d().MMControl1_StopClick();
+    d().stop();
 
     const std::vector<std::string> texts = prompts.texts();
-    EXPECT_EQ(std::count(texts.begin(), texts.end(), std::string(kDiskSpaceQuestion)), 2) << texts.size();
-    EXPECT_TRUE(logged("Disk Full Warning --- User Selected to save file in the default location .. "
-                       "User Response: 7"));
+    EXPECT_EQ(std::count(texts.begin(), texts.end(), std::string(kDiskSpaceQuestion)), 2)
+        << texts.size();
+    EXPECT_TRUE(
+        logged("Disk Full Warning --- User Selected to save file in the default location .. "
+               "User Response: 7"));
     EXPECT_TRUE(logged("enough disk space to continue working.. User Resonse: 6"));
     EXPECT_EQ(state().Filename, roomy + "/" + name);
     EXPECT_GT(platform::fileSize(roomy + "/" + name).value_or(0), 300000u);
     EXPECT_FALSE(platform::fileExists(smallDisk + "/" + name));
     settings::ConfigFile stored(folder.path());
     stored.ReadConfig();
-    EXPECT_EQ(stored.record.CaptureFilePath.toText(), roomy) << "the next files go where there is room";
+    EXPECT_EQ(stored.record.CaptureFilePath.toText(), roomy)
+        << "the next files go where there is room";
 }
 
 TEST_F(DiskFullTest, AWarningThatStaysTrueIsLoggedAndSentEveryTwoSecondsNotEveryTick) {
     peer.on = true;  // a link that waits for nothing
-    d().Image2_Click();
-    d().MMControl1_RecordClick();
+    d().newLetter();
+    d().recordTake();
     run(20000);
-    ASSERT_TRUE(view().Label40Warning)
+    ASSERT_TRUE(view().statusLineWarning)
         << "the disk is short of room for the last ten seconds or so";
 
     std::size_t warnings = 0;
@@ -124,13 +128,13 @@ TEST_F(DiskFullTest, AWarningThatStaysTrueIsLoggedAndSentEveryTwoSecondsNotEvery
 
 TEST_F(DiskFullTest, WhenNobodyMakesRoomTheSaveStopsAskingAndTheTakeStaysInTemp) {
     // No answers scripted: the question takes its default, No, and would get it for ever.
-    d().Image2_Click();
+    d().newLetter();
     const std::string letter = state().Filename;
-    d().MMControl1_RecordClick();
+    d().recordTake();
     run(14000);
-    d().MMControl1_StopClick();
+    d().stop();
     const engine::SampleCount spoken = editor1.Length();
-    d().Image10_Click();
+    d().closeFile();
 
     const std::vector<std::string> texts = prompts.texts();
     EXPECT_EQ(std::count(texts.begin(), texts.end(), std::string(kDiskSpaceQuestion)), 1);
@@ -147,12 +151,12 @@ TEST_F(DiskFullTest, WhenNobodyMakesRoomTheSaveStopsAskingAndTheTakeStaysInTemp)
 TEST_F(DiskFullTest, AStationEndingStopsTheQuestionAtOnce) {
     prompts.answerNext(platform::Answer::No);
     prompts.answerNext(platform::Answer::No);
-    d().Image2_Click();
-    d().MMControl1_RecordClick();
+    d().newLetter();
+    d().recordTake();
     run(14000);
-    d().MMControl1_StopClick();
-    state().Imclosing = true;  // SIGTERM or the peer's EXIT came in
-    d().Image10_Click();
+    d().stop();
+    arrangeState().Imclosing = true;  // SIGTERM or the peer's EXIT came in
+    d().closeFile();
     EXPECT_TRUE(prompts.texts().empty()) << "nobody is asked while the station ends";
     EXPECT_TRUE(logged(kTakeKeptInTemp));
 }

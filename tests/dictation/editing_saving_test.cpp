@@ -34,7 +34,7 @@ TEST_F(EditingSavingTest, CutOrCopyWithNothingSelectedLeavesTheLetterAsItIs) {
     dictate(4000);
     select(0, editor1.Length());
     d().CaseCopy();
-    d().Image10_Click();
+    d().closeFile();
 
     dictate(6000);
     const std::vector<std::int16_t> spoken = letter();
@@ -56,7 +56,7 @@ TEST_F(EditingSavingTest, CutTakesTheSelectionAndTheCloseSavesIt) {
     dictate(6000);
     const std::string name = state().Filename;
     const std::vector<std::int16_t> spoken = letter();
-    state().SaveRequested = true;
+    arrangeState().SaveRequested = true;
     d().SaveFile();
 
     select(kRate, 3 * kRate);
@@ -66,7 +66,7 @@ TEST_F(EditingSavingTest, CutTakesTheSelectionAndTheCloseSavesIt) {
     EXPECT_EQ(letter(), expected);
     EXPECT_TRUE(state().FileChanged) << "the close saves the cut";
 
-    d().Image10_Click();
+    d().closeFile();
     std::string error;
     auto reader = engine::AudioFileReader::open(name, error);
     ASSERT_TRUE(reader) << error;
@@ -88,16 +88,16 @@ TEST_F(EditingSavingTest, AFileOpenedToListenIsTheSameFileAfterItsClose) {
         ASSERT_TRUE(engine::encodeFile(*spoken, path, mp3, "OVDESK").ok());
         const auto bytes = platform::readWholeFile(path);
 
-        d().OpenMyList(path);
+        d().openRecentFile(path);
         ASSERT_TRUE(state().flgfileOpen1);
-        d().MMControl1_PlayClick();
+        d().play();
         run(2000);
-        d().MMControl1_StopClick();
+        d().stop();
         run(70000);  // the periodic saves come and go
-        d().MMControl1_PlayClick();
+        d().play();
         run(500);
-        d().MMControl1_StopClick();
-        d().Image10_Click();
+        d().stop();
+        d().closeFile();
         EXPECT_EQ(platform::readWholeFile(path), bytes);
     }
 }

@@ -4,7 +4,6 @@
 #include "dictation/file_naming.h"
 
 #include <gtest/gtest.h>
-
 #include <sys/mount.h>
 
 #include <cerrno>
@@ -78,9 +77,10 @@ class FileNamingTest : public ::testing::Test {
     testing::ScriptedPrompts prompts;
     settings::SpeakersTable speakers{folder.path()};
     DictationState state;
-    MainView view;
+    AnnouncedView screen{loop};
+    const MainView& view = screen.read();
     RecordingHooks hooks;
-    FileNaming naming{state, view, config, log, prompts, loop, speakers, hooks};
+    FileNaming naming{state, screen, config, log, prompts, loop, speakers, hooks};
 };
 
 TEST_F(FileNamingTest, EachSchemePutsItsPiecesInItsOwnOrder) {
@@ -169,7 +169,7 @@ TEST_F(FileNamingTest, SpeakersAreFoundInAnySpellingAndTheirNumberIsStoredAtOnce
     ASSERT_TRUE(speakers.addSpeaker("Bob", false));
     ASSERT_TRUE(speakers.saveSpeakerNumber("Jones", 11));
     config.record.CurrentSpeaker = "Bob";
-    naming.ComnboFill();
+    naming.ComboFill();
     EXPECT_EQ(naming.dictatorNames(), (Calls{"anne", "Jones"}));
     EXPECT_EQ(config.record.CurrentSpeaker, "") << "an inactive speaker names no files";
     EXPECT_FALSE(naming.pickDictator("bob"));
@@ -233,7 +233,7 @@ TEST_F(FileNamingTest, TheNameIsAnnouncedUnlessTakenUpAndAHandedOverNameReplaces
     EXPECT_TRUE(prompts.transcript().empty());
     // The peer is told the file's name with its extension.
     EXPECT_EQ(hooks.calls, Calls{"LOADED_Handed.MP3"});
-    EXPECT_EQ(view.Label40, "Connection refused");
+    EXPECT_EQ(view.statusLine, "Connection refused");
     for (const char* line :
          {" Procedure - CREATEFILENAME", " -58 Sending Message in CreateFileName",
           "CaseNew-FileSaveError =: False", " Procedure - CreateFileName"}) {
@@ -299,9 +299,9 @@ TEST(FileNamingOnUnwritableSettingsTest, TheNumberMovesOnInMemorySoNoLetterIsNam
     testing::ScriptedPrompts prompts;
     settings::SpeakersTable speakers{folder.path()};
     DictationState state;
-    MainView view;
+    AnnouncedView screen{loop};
     RecordingHooks hooks;
-    FileNaming naming{state, view, config, log, prompts, loop, speakers, hooks};
+    FileNaming naming{state, screen, config, log, prompts, loop, speakers, hooks};
 
     std::vector<std::string> names;
     for (int letter = 0; letter < 3; ++letter) {

@@ -25,18 +25,18 @@ class LastThreeSecondsTest : public DictationTest {
         ++ticks;
         const bool engineRecords = editor1.State() == kRecording;
         const bool onAir = view().lblOnAirVisible && view().lblOnAir == "ON AIR";
-        const bool lampsLit = view().Image5 || view().Image6;
+        const bool lampsLit = view().onAirLamp1 || view().onAirLamp2;
         if (engineRecords && !resumedAt) resumedAt = loop.now();
         if (!engineRecords && resumedAt && !stoppedAt) stoppedAt = loop.now();
         if (state().Recordingstatus != engineRecords || (onAir && !engineRecords) ||
-            (lampsLit && !engineRecords) || (engineRecords && !view().MMControl1.Stop)) {
+            (lampsLit && !engineRecords) || (engineRecords && !view().transportBar.Stop)) {
             ++disagreements;
             if (firstDisagreement.empty()) {
                 firstDisagreement =
                     "engine " + std::to_string(editor1.State()) + ", Recordingstatus " +
                     std::to_string(state().Recordingstatus) + ", ON AIR " + std::to_string(onAir) +
                     ", lamps " + std::to_string(lampsLit) + ", Stop " +
-                    std::to_string(view().MMControl1.Stop) + ", caption " + view().caption;
+                    std::to_string(view().transportBar.Stop) + ", caption " + view().caption;
             }
         }
     }
@@ -51,23 +51,23 @@ class LastThreeSecondsTest : public DictationTest {
 
 TEST_F(LastThreeSecondsTest, TheTakeEndsThePlaybackShowsAndTheTakeGoesOnWithNothingLost) {
     config.record.Last3SecsAR = true;
-    d().Image2_Click();
+    d().newLetter();
     const std::string letter = state().Filename;
-    d().MMControl1_RecordClick();
+    d().recordTake();
     run(5000);
     const engine::SampleCount firstTake = editor1.Length();
 
     watchEveryTick();
-    d().mnuLastThreeContinue_Click();
+    d().lastThreeSecondsContinueFromMenu();
     EXPECT_EQ(editor1.State(), static_cast<int>(engine::EditorState::Playing));
-    EXPECT_TRUE(view().MMControl1.Stop) << "the playback can be stopped";
+    EXPECT_TRUE(view().transportBar.Stop) << "the playback can be stopped";
     // The last words play, then the take goes on by itself.
     run(6000);
     ASSERT_TRUE(resumedAt.has_value()) << "recording continues after the last three seconds";
     EXPECT_TRUE(state().Recordingstatus);
     run(3000);
 
-    d().MMControl1_StopClick();
+    d().stop();
     EXPECT_EQ(editor1.State(), static_cast<int>(engine::EditorState::Stopped)) << "Stop works";
     EXPECT_FALSE(state().Recordingstatus);
     run(500);
@@ -80,27 +80,27 @@ TEST_F(LastThreeSecondsTest, TheTakeEndsThePlaybackShowsAndTheTakeGoesOnWithNoth
         std::chrono::duration_cast<std::chrono::milliseconds>(*stoppedAt - *resumedAt).count();
     const engine::SampleCount expected = firstTake + resumedMs * kRate / 1000;
     EXPECT_NEAR(static_cast<double>(editor1.Length()), static_cast<double>(expected), kRate / 10.0);
-    d().Image10_Click();
+    d().closeFile();
     const auto bytes = platform::fileSize(letter).value_or(0);
     EXPECT_NEAR(static_cast<double>(bytes - 44) / 2, static_cast<double>(expected), kRate / 10.0);
 }
 
 TEST_F(LastThreeSecondsTest, StopDuringThePlaybackEndsItAndNoTakeStartsBehindTheAuthorsBack) {
     config.record.Last3SecsAR = true;
-    d().Image2_Click();
-    d().MMControl1_RecordClick();
+    d().newLetter();
+    d().recordTake();
     run(5000);
 
     watchEveryTick();
-    d().mnuLastThreeContinue_Click();
+    d().lastThreeSecondsContinueFromMenu();
     run(500);
-    d().MMControl1_StopClick();  // during playback: pauses
+    d().stop();  // during playback: pauses
     EXPECT_NE(view().caption.find("File is Paused"), std::string::npos) << view().caption;
-    d().MMControl1_StopClick();  // paused: stops
+    d().stop();  // paused: stops
     run(8000);
     EXPECT_FALSE(resumedAt.has_value()) << "the author stopped: nothing records";
     EXPECT_EQ(editor1.State(), static_cast<int>(engine::EditorState::Stopped));
-    EXPECT_FALSE(d().timLastThreeSecondsCon.Enabled());
+    EXPECT_FALSE(timer("timLastThreeSecondsCon").Enabled());
     EXPECT_EQ(disagreements, 0) << firstDisagreement;
 }
 

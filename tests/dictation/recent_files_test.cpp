@@ -41,7 +41,7 @@ TEST_F(RecentFilesTest, NewestFirstAndAListedFileDoesNotMoveUp) {
     EXPECT_EQ(platform::readWholeFile(recent.filePath()),
               path(3) + "\r\n" + path(2) + "\r\n" + path(1) + "\r\n");
 
-    recent.Clear_Click();
+    recent.clearRecentFiles();
     EXPECT_EQ(platform::readWholeFile(recent.filePath()), "");
     EXPECT_EQ(recent.DisplayMRU(), List{});
 }

@@ -9,7 +9,7 @@ namespace ovd::dictation::testing {
 namespace {
 
 class SavingTest : public DictationTest {
-protected:
+  protected:
     SavingTest() {
         // Saves only when asked, so each test says when.
         config.record.FileSaveAtStop = false;
@@ -24,7 +24,7 @@ protected:
         std::filesystem::resize_file(editor1.TempFileName(), bytes);
     }
     void save() {
-        state().SaveRequested = true;
+        arrangeState().SaveRequested = true;
         d().SaveFile();
     }
 };
@@ -66,26 +66,28 @@ TEST_F(SavingTest, ASaveThatCanNotReadTheTakeIsReportedAndTheStationGoesOn) {
 }
 
 TEST_F(SavingTest, ClosingAnUnrecordedFileDeletesItAndGivesItsNumberBack) {
-    d().Image2_Click();
+    d().newLetter();
     const std::string name = state().Filename;
-    const double numberAfterNew = config.record.FileNameIncrementStartingNum.toNumber().value_or(-1);
+    const double numberAfterNew =
+        config.record.FileNameIncrementStartingNum.toNumber().value_or(-1);
 
-    d().Image10_Click();
+    d().closeFile();
     EXPECT_EQ(config.record.FileNameIncrementStartingNum.toNumber(), numberAfterNew - 1);
     EXPECT_TRUE(state().FileKilled);
     EXPECT_FALSE(platform::fileExists(name));
     EXPECT_TRUE(state().Filename.empty());
 
     // The next new file takes the same name.
-    d().Image2_Click();
+    d().newLetter();
     EXPECT_EQ(state().Filename, name);
 }
 
 TEST_F(SavingTest, ClosingAShortTakeKeepsItsNumber) {
     dictate(400);  // RecordedOnce, but far below the length worth saving
-    const double numberAfterNew = config.record.FileNameIncrementStartingNum.toNumber().value_or(-1);
+    const double numberAfterNew =
+        config.record.FileNameIncrementStartingNum.toNumber().value_or(-1);
 
-    d().Image10_Click();
+    d().closeFile();
     EXPECT_EQ(config.record.FileNameIncrementStartingNum.toNumber(), numberAfterNew);
     EXPECT_FALSE(state().FileKilled);
     EXPECT_FALSE(logged("File Length to be killed is"));
@@ -98,22 +100,22 @@ TEST_F(SavingTest, RecentFilesFollowTheSavesNewestFirst) {
         dictate(1500);
         save();
         saved.push_back(state().Filename);
-        d().Image10_Click();
+        d().closeFile();
     }
     // Opened again, the oldest stays where it is.
-    d().OpenMyList(saved[0]);
+    d().openRecentFile(saved[0]);
     EXPECT_EQ(state().Filename, saved[0]);
     const std::vector<std::string> newestFirst{saved[2], saved[1], saved[0]};
     EXPECT_EQ(view().Reopen, newestFirst);
     EXPECT_EQ(platform::readWholeFile(folder.file("MRU.dat")).value_or(""),
               saved[2] + "\r\n" + saved[1] + "\r\n" + saved[0] + "\r\n");
 
-    d().Image10_Click();
+    d().closeFile();
     std::filesystem::remove(saved[1]);
-    d().OpenMyList(saved[1]);
+    d().openRecentFile(saved[1]);
     ASSERT_FALSE(prompts.transcript().empty());
     EXPECT_EQ(prompts.transcript().back().text, "That file does not exist!");
-    d().Clear_Click();
+    d().clearRecentFiles();
     EXPECT_TRUE(view().Reopen.empty());
 }
 

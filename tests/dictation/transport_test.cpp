@@ -9,45 +9,47 @@ namespace {
 constexpr const char* kTitle = "Orvane Voice Desk - ";
 
 TEST_F(DictationTest, NewRecordStopPlayPauseContinueToTheEnd) {
-    d().Image2_Click();
-    EXPECT_EQ(view().caption, std::string(kTitle) + "File Is Ready to be Recorded-Please hit the Record Icon");
-    EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CaseNew));
+    d().newLetter();
+    EXPECT_EQ(view().caption,
+              std::string(kTitle) + "File Is Ready to be Recorded-Please hit the Record Icon");
+    EXPECT_EQ(view().transportBar, transportBarAfter(BarAfter::CaseNew));
     EXPECT_TRUE(state().flgfileOpen1);
     EXPECT_TRUE(state().RecordingstatusPaused);
     EXPECT_EQ(view().lblReady, "AB0002.WAV");
-    EXPECT_FALSE(view().cmdEOL);
+    EXPECT_FALSE(view().endOfLetterEnabled);
     EXPECT_EQ(backend.promptsPlayed().back().substr(backend.promptsPlayed().back().rfind('/') + 1),
-              "TwoBeeps.wav") << "the new file is announced even with prompts off";
+              "TwoBeeps.wav")
+        << "the new file is announced even with prompts off";
 
-    d().MMControl1_RecordClick();
+    d().recordTake();
     EXPECT_EQ(view().caption, std::string(kTitle) + "File is being Recorded");
-    EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CaseRecord));
+    EXPECT_EQ(view().transportBar, transportBarAfter(BarAfter::CaseRecord));
     EXPECT_FALSE(view().formatOptionsEnabled);
     run(3000);
     EXPECT_EQ(view().timeElapsed, "00:00:03");
-    EXPECT_EQ(view().Label40, "Recording");
+    EXPECT_EQ(view().statusLine, "Recording");
     EXPECT_EQ(view().lblOnAir, "ON AIR");
-    EXPECT_NE(view().Image5, view().Image6) << "the lamps take turns";
+    EXPECT_NE(view().onAirLamp1, view().onAirLamp2) << "the lamps take turns";
 
-    d().MMControl1_StopClick();
+    d().stop();
     EXPECT_EQ(editor1.Length(), 3 * kRate);
     EXPECT_EQ(view().caption, std::string(kTitle) + "File is in Recording Mode but is Stopped");
-    EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CaseEnd));
-    EXPECT_TRUE(view().cmdEOL) << "a recorded file waits at its end";
+    EXPECT_EQ(view().transportBar, transportBarAfter(BarAfter::CaseEnd));
+    EXPECT_TRUE(view().endOfLetterEnabled) << "a recorded file waits at its end";
     EXPECT_FALSE(state().Recordingstatus);
     EXPECT_TRUE(state().FileChanged) << "without crash protection a Stop saves nothing";
     EXPECT_FALSE(platform::fileExists(state().Filename));
 
-    d().MMControl1_PrevClick();
-    EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CaseBeginning));
+    d().goToBeginning();
+    EXPECT_EQ(view().transportBar, transportBarAfter(BarAfter::CaseBeginning));
     EXPECT_EQ(editor1.CursorPosition(), 0);
-    d().MMControl1_PlayClick();
+    d().play();
     EXPECT_EQ(view().caption, std::string(kTitle) + "File is Playing");
-    EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CasePlayOrOpen));
+    EXPECT_EQ(view().transportBar, transportBarAfter(BarAfter::CasePlayOrOpen));
     run(1000);
     EXPECT_EQ(view().timeElapsed, "00:00:01");
 
-    d().MMControl1_PauseClick();
+    d().pause();
     EXPECT_EQ(editor1.State(), 5);
     EXPECT_EQ(view().caption, std::string(kTitle) + "File is Paused");
     const auto pausedAt = editor1.CursorPosition();
@@ -58,33 +60,33 @@ TEST_F(DictationTest, NewRecordStopPlayPauseContinueToTheEnd) {
     run(2500);
     EXPECT_FALSE(state().flgPlay) << "playback ended at the end of the file";
     EXPECT_EQ(editor1.CursorPosition(), editor1.Length());
-    EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CaseEnd));
+    EXPECT_EQ(view().transportBar, transportBarAfter(BarAfter::CaseEnd));
     EXPECT_EQ(backend.playedSamples().size(), static_cast<std::size_t>(3 * kRate));
     EXPECT_EQ(prompts.transcript().size(), 0u);
 }
 
 TEST_F(DictationTest, StopDuringPlaybackPausesAndASecondStopEnds) {
     dictate(2000);
-    d().MMControl1_PrevClick();
-    d().MMControl1_PlayClick();
+    d().goToBeginning();
+    d().play();
     run(500);
-    d().MMControl1_StopClick();
+    d().stop();
     EXPECT_EQ(editor1.State(), 5);
     EXPECT_TRUE(state().PausedRecording);
     EXPECT_EQ(editor1.CursorPosition(), kRate / 2) << "the position is kept";
 
-    d().MMControl1_StopClick();
+    d().stop();
     EXPECT_EQ(editor1.State(), 0);
     EXPECT_EQ(editor1.CursorPosition(), editor1.Length());
-    EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CaseEnd));
+    EXPECT_EQ(view().transportBar, transportBarAfter(BarAfter::CaseEnd));
 }
 
 TEST_F(DictationTest, RoutinesThatFindNothingToDoChangeNothing) {
-    view().lblMode = "Insert Mode";
-    const auto before = view().MMControl1;
+    arrangeView().lblMode = "Insert Mode";
+    const auto before = view().transportBar;
     d().CaseStop();
     EXPECT_EQ(view().lblMode, "");
-    EXPECT_EQ(view().MMControl1, before);
+    EXPECT_EQ(view().transportBar, before);
     EXPECT_EQ(state().WhichBut, "");
 
     dictate(2000);
@@ -92,8 +94,8 @@ TEST_F(DictationTest, RoutinesThatFindNothingToDoChangeNothing) {
     EXPECT_EQ(state().WhichBut, "Stop");
     EXPECT_EQ(editor1.State(), 0);
 
-    d().MMControl1_PrevClick();
-    d().MMControl1_PlayClick();
+    d().goToBeginning();
+    d().play();
     const auto length = editor1.Length();
     d().CaseRecord();  // while playing: nothing, and nothing shown
     EXPECT_EQ(editor1.State(), 1);
@@ -108,8 +110,8 @@ TEST_F(DictationTest, EveryRefusalCarriesItsTag) {
     const auto middle = editor1.Length() / 2;
     const auto atTheMiddle = [&] {
         editor1.setCursorPosition(middle);
-        view().ctSlide1 = 50;
-        view().Label40 = kDeskUnitMissing;
+        arrangeView().positionPercent = 50;
+        arrangeView().statusLine = kDeskUnitMissing;
     };
     struct Case {
         const char* tag;
@@ -122,7 +124,7 @@ TEST_F(DictationTest, EveryRefusalCarriesItsTag) {
         {"CaseCut", {}, [&] { d().CaseCut(); }},
         {"CaseInsertAppend", {}, [&] { d().CaseInsertAppend(); }},
         {"CaseInsSilence", {}, [&] { d().CaseInsSilence(); }},
-        {"CaseNew", [&] { state().FileChanged = false; }, [&] { d().CaseNew(); }},
+        {"CaseNew", [&] { arrangeState().FileChanged = false; }, [&] { d().CaseNew(); }},
         {"CaseOpen", {}, [&] { d().CaseOpen(); }},
         {"CasePaste", {}, [&] { d().CasePaste(); }},
         {"CasePlay", {}, [&] { d().CasePlay("test"); }},
@@ -133,25 +135,37 @@ TEST_F(DictationTest, EveryRefusalCarriesItsTag) {
         {"CaseStepBackward", {}, [&] { d().CaseStepBackward(); }},
         {"CaseStepForward", {}, [&] { d().CaseStepForward(); }},
         {"CaseUndo", {}, [&] { d().CaseUndo(); }},
-        {"Command1", atTheMiddle, [&] { d().Command1_Click(); }},
-        {"Command1-2", [&] { atTheMiddle(); view().ctSlide1 = 0; }, [&] { d().Command1_Click(); }},
+        {"Command1", atTheMiddle, [&] { d().addToBeginning(); }},
+        {"Command1-2",
+         [&] {
+             atTheMiddle();
+             arrangeView().positionPercent = 0;
+         },
+         [&] { d().addToBeginning(); }},
         {"Command1-3",
-         [&] { atTheMiddle(); view().ctSlide1 = 0; state().flgfileOpen1 = false; },
-         [&] { d().Command1_Click(); }},
-        {"Command2", atTheMiddle, [&] { d().Command2_Click(); }},
-        {"Command3", {}, [&] { d().Command3_Click(); }},
-        {"cmdOVR", atTheMiddle, [&] { d().cmdOVR_Click(); }},
+         [&] {
+             atTheMiddle();
+             arrangeView().positionPercent = 0;
+             arrangeState().flgfileOpen1 = false;
+         },
+         [&] { d().addToBeginning(); }},
+        {"Command2", atTheMiddle, [&] { d().insertAtCursor(); }},
+        {"Command3", {}, [&] { d().replayLastThreeSeconds(); }},
+        {"cmdOVR", atTheMiddle, [&] { d().overwriteAtCursor(); }},
         {"TurnOffTimers", {}, [&] { d().TurnOffTimers(); }},
         {"timLastThreeSecondsCon",
-         [&] { editor1.setCursorPosition(editor1.Length() - kRate); state().iTotalSecFile = 3; },
+         [&] {
+             editor1.setCursorPosition(editor1.Length() - kRate);
+             arrangeState().iTotalSecFile = 3;
+         },
          [&] { d().timLastThreeSeconds_Timer(); }},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.tag);
-        state().flgfileOpen1 = true;
+        arrangeState().flgfileOpen1 = true;
         if (c.arrange) c.arrange();
         // A take is running, as when a pedal came in during a routine's wait.
-        state().Recordingstatus = true;
+        arrangeState().Recordingstatus = true;
         const auto length = editor1.Length();
         prompts.clear();
         c.act();
@@ -166,8 +180,8 @@ TEST_F(DictationTest, EveryRefusalCarriesItsTag) {
 TEST_F(DictationTest, APedalDuringTheNewFilesAnnouncementIsRefusedOnTheSecondPath) {
     config.record.TCP = true;
     peer.on = true;
-    peer.duringWait = [&] { state().Recordingstatus = true; };
-    d().Image2_Click();
+    peer.duringWait = [&] { arrangeState().Recordingstatus = true; };
+    d().newLetter();
     ASSERT_FALSE(prompts.texts().empty());
     EXPECT_EQ(prompts.texts()[0], refusalText("CaseNew-2"));
     ASSERT_FALSE(peer.messages.empty());
@@ -181,20 +195,21 @@ TEST_F(DictationTest, CrashProtectionSavesAtEveryStopAndTheSaveTimerRunsOn) {
     ASSERT_TRUE(platform::fileExists(state().Filename));
     EXPECT_GT(*platform::fileSize(state().Filename), 90000u);
     EXPECT_FALSE(state().FileChanged);
-    EXPECT_TRUE(d().timSave.Enabled());
+    EXPECT_TRUE(timer("timSave").Enabled());
     EXPECT_TRUE(logged(state().Filename + " File Save Successfull"));
 }
 
 TEST_F(DictationTest, AfterTheFirstStopThePeriodicSaveKeepsTheFileOneIntervalBehind) {
-    EXPECT_EQ(d().timSave.Interval(), 16192);
+    EXPECT_EQ(timer("timSave").Interval(), 16192);
     dictate(2000);
     const std::string file = state().Filename;
-    EXPECT_FALSE(platform::fileExists(file)) << "before the save timer, only the work file holds it";
-    d().MMControl1_RecordClick();
+    EXPECT_FALSE(platform::fileExists(file))
+        << "before the save timer, only the work file holds it";
+    d().recordTake();
     run(16192);
     editor1.finishSaving();  // the file takes its name once the save is complete
     ASSERT_TRUE(platform::fileExists(file));
-    d().MMControl1_StopClick();
+    d().stop();
 }
 
 TEST(SaveIntervalTest, SharesOfTheLongestIntervalAndNothingElse) {

@@ -31,16 +31,16 @@ TEST_F(UnsavedTakeTest, TheAuthorIsToldOnceAndTheTakeStaysInTempAfterTheClose) {
     ASSERT_FALSE(letter.empty());
     ASSERT_TRUE(state().FileSaveError) << log.text();
     // Further words, a further failed save: still one box.
-    d().MMControl1_RecordClick();
+    d().recordTake();
     run(2000);
-    d().MMControl1_StopClick();
+    d().stop();
 
     ASSERT_EQ(prompts.texts().size(), 1u) << log.text();
     EXPECT_NE(prompts.texts()[0].find("could not be saved"), std::string::npos)
         << prompts.texts()[0];
     EXPECT_NE(prompts.texts()[0].find("recovered at the next start"), std::string::npos);
 
-    d().Image10_Click();
+    d().closeFile();
 
     const std::vector<std::string> kept = workFiles();
     ASSERT_EQ(kept.size(), 1u) << log.text();

@@ -69,7 +69,7 @@ TEST_F(LetterDeliveryTest, TheLetterReachesBothFoldersAndTheStagingAndTheNextFil
     EXPECT_EQ(platform::fileSize(recordings + "/EmailTemp/" + name), size);
     EXPECT_EQ(companion.starts, 1);
     EXPECT_NE(state().Filename, letter) << "the next letter is open";
-    EXPECT_EQ(view().MyPicture, "Match.ico");
+    EXPECT_EQ(view().titlePicture, "Match.ico");
     EXPECT_TRUE(boxes.transcript().empty()) << "a clean delivery shows nothing";
 }
 
@@ -100,7 +100,7 @@ TEST_F(LetterDeliveryTest, ASecondTriggerDuringTheTenSecondWaitDoesNotRestartThe
 }
 
 TEST_F(LetterDeliveryTest, AnEmptyLetterIsNeitherSentNorStaged) {
-    d().Image2_Click();
+    d().newLetter();
     const std::string name = fs::path(state().Filename).filename();
     eol.startEndOfLetter();
     EXPECT_FALSE(platform::fileExists(config.record.SendToOne + "/" + name));

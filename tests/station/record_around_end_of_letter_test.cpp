@@ -85,9 +85,9 @@ class RecordAroundEndOfLetterTest : public dictation::testing::DictationTest,
                 stopRecording(2000);
             }
             if (!records && takeStarted && !takeEnded) takeEnded = loop.now();
-            const bool lit = view().Image5 || view().Image6 ||
+            const bool lit = view().onAirLamp1 || view().onAirLamp2 ||
                              (view().lblOnAirVisible && view().lblOnAir == "ON AIR");
-            if ((records && (!state().Recordingstatus || !view().MMControl1.Stop)) ||
+            if ((records && (!state().Recordingstatus || !view().transportBar.Stop)) ||
                 (lit && !records)) {
                 ++disagreements;
             }
@@ -101,8 +101,7 @@ class RecordAroundEndOfLetterTest : public dictation::testing::DictationTest,
     platform::Timer timSER{loop, "timSERStepBACK"};
     platform::Timer timUSB{loop, "timUSBStepBACK"};
     platform::Timer timGAME{loop, "timGAMEStepBACK"};
-    PedalDispatcher dispatcher{config.record, state(), view(),
-                               d().hits,      model,   {timSER, timUSB, timGAME}};
+    PedalDispatcher dispatcher{config.record, d(), model, {timSER, timUSB, timGAME}};
     std::vector<platform::EventLoop::Handle> pending;
     std::optional<platform::WallClock::time_point> takeStarted;
     std::optional<platform::WallClock::time_point> takeEnded;
@@ -136,11 +135,11 @@ TEST_P(RecordAroundEndOfLetterTest,
             disagreements = 0;
             letters.delivered.clear();
 
-            d().Image2_Click();
+            d().newLetter();
             recordBetween(10, 2010);
             run(2500);
             ASSERT_FALSE(state().Recordingstatus);
-            ASSERT_TRUE(view().cmdEOL);
+            ASSERT_TRUE(view().endOfLetterEnabled);
             const std::string first = state().Filename;
 
             watch();
@@ -179,7 +178,7 @@ TEST_P(RecordAroundEndOfLetterTest,
                 seconds, 0.1);
             for (auto handle : pending) loop.stopRepeating(handle);
             pending.clear();
-            d().Image10_Click();
+            d().closeFile();
         }
     }
 }

@@ -75,7 +75,7 @@ TEST_F(StationWindowTest, AlwaysOnTopFollowsOntopcheckAndIsStoredFromTheMenu) {
     auto* onTop = window().findChild<QAction*>("mnuOnTop");
     ASSERT_NE(onTop, nullptr);
     window().render();
-    ++view().revision;
+    ++arrangeView().revision;
     window().render();
     EXPECT_TRUE(onTop->isChecked());
     onTop->trigger();
@@ -89,15 +89,15 @@ TEST_F(StationWindowTest, TheTitleFollowsTheEdition) {
     window().Form_Load();
     EXPECT_TRUE(window().windowTitle().startsWith("Orvane Station Recorder Desk"));
     config.record.HandsFreeEdition = true;
-    d().Image2_Click();
+    d().newLetter();
     window().render();
     EXPECT_TRUE(window().windowTitle().startsWith("Orvane Voice Desk - "));
 }
 
 TEST_F(StationWindowTest, TheFormatOptionsDoNothingDuringATake) {
     window().Form_Load();
-    d().Image2_Click();
-    d().MMControl1_RecordClick();
+    d().newLetter();
+    d().recordTake();
     window().render();
     auto* other = child<QRadioButton>("Option3");
     EXPECT_FALSE(other->isEnabled());
@@ -111,7 +111,7 @@ TEST_F(StationWindowTest, ChangingTheFormatOnAnUnrecordedFileStartsAFreshOne) {
     config.record.Channel2 = "MONO";
     config.record.FileBit2 = "16";
     window().Form_Load();
-    d().Image2_Click();
+    d().newLetter();
     const std::string first = state().Filename;
     child<QRadioButton>("Option3")->click();
     EXPECT_EQ(config.record.RecordingFormats, "OPT3");
@@ -146,7 +146,7 @@ TEST_F(StationWindowTest, WithLoggingOffTheLogBoxIsGreyed) {
 
 TEST_F(StationWindowTest, ADoubleClickOnTheSupportMarkDumpsTheGlobals) {
     window().Form_Load();
-    d().Image2_Click();
+    d().newLetter();
     QWidget* mark = child("lblDebugPrint");
     QMouseEvent doubleClick(QEvent::MouseButtonDblClick, QPointF(2, 2), mark->mapToGlobal(QPointF(2, 2)),
                             Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);

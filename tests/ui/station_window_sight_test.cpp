@@ -127,9 +127,9 @@ TEST_F(StationWindowTest, DraggingThePositionSliderMovesTheSliderAndTheTimes) {
     run(60000);
     editor1.setCursorPosition(dictation::testing::kRate);
     d().timCurPos_Timer();
-    d().cmdOVR_Click();
+    d().overwriteAtCursor();
     run(1000);
-    d().MMControl1_StopClick();
+    d().stop();
     runAndRender(100);
     ASSERT_EQ(editor1.Length(), 4 * dictation::testing::kRate);
     auto* slider = child<QSlider>("ctSlide1");
@@ -145,7 +145,7 @@ TEST_F(StationWindowTest, DraggingThePositionSliderMovesTheSliderAndTheTimes) {
 
     EXPECT_EQ(editor1.CursorPosition(), 2 * dictation::testing::kRate);
     EXPECT_EQ(slider->value(), 50);
-    EXPECT_EQ(view().ctSlide1, 50);
+    EXPECT_EQ(view().positionPercent, 50);
     EXPECT_EQ(textOf("NCTTimeDisplay21"), "00:00:02");
     EXPECT_EQ(textOf("Label24"), "00:00:02");
 }

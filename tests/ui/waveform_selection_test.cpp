@@ -62,11 +62,11 @@ TEST_F(WaveformSelectionTest, ADragSelectsAStretchThatCutTakesOut) {
 TEST_F(WaveformSelectionTest, NothingIsSelectedWhileATakeRuns) {
     window().Form_Load();
     dictate(4000);
-    d().MMControl1_RecordClick();
+    d().recordTake();
     runAndRender(1000);
     drag(50, 150);
     EXPECT_FALSE(editor1.SelectionActive());
-    d().MMControl1_StopClick();
+    d().stop();
 }
 
 }  // namespace

@@ -32,7 +32,7 @@ std::vector<std::string> lettersOnDisk(WalkStation& s) {
 }
 
 std::string extensionOfFileInHand(WalkStation& s) {
-    const std::string& name = s.d().state.Filename;
+    const std::string& name = s.d().state().Filename;
     const auto dot = name.find_last_of('.');
     if (dot == std::string::npos || name.find('/', dot) != std::string::npos) return ".wav";
     return name.substr(dot);
@@ -42,19 +42,19 @@ void open(WalkStation& s, const Step& step) {
     const auto letters = lettersOnDisk(s);
     if (letters.empty()) return;
     s.prompts.nextFile = letters[static_cast<std::size_t>(step.a) % letters.size()];
-    s.d().Image3_Click();
+    s.d().openLetter();
     s.prompts.nextFile.reset();
 }
 
 void openRecent(WalkStation& s, const Step& step) {
-    const auto recent = s.d().view.Reopen;
+    const auto recent = s.d().view().Reopen;
     if (recent.empty()) return;
-    s.d().OpenMyList(recent[static_cast<std::size_t>(step.a) % recent.size()]);
+    s.d().openRecentFile(recent[static_cast<std::size_t>(step.a) % recent.size()]);
 }
 
 void saveAs(WalkStation& s, const Step& step) {
     s.prompts.nextFile = s.recordings + "/copy" + std::to_string(step.a) + extensionOfFileInHand(s);
-    s.d().mnuSaveAs_Click();
+    s.d().saveAs();
     s.prompts.nextFile.reset();
 }
 
@@ -89,33 +89,33 @@ void tamper(WalkStation& s, const Step&) {
 }
 
 #define ROUTE(call) [](WalkStation& s, const Step&) { s.d().call; }
-#define KEY(name) [](WalkStation& s, const Step&) { s.d().Toolbar1_ButtonClick(name); }
+#define KEY(name) [](WalkStation& s, const Step&) { s.d().toolbarButton(name); }
 
 }  // namespace
 
 const std::vector<WalkCommand>& walkCommands() {
     // name, weight, control, author's edit, needs a selection, opens a file, a range, b range, run
     static const std::vector<WalkCommand> commands = {
-        {"new", 3, Control::None, true, false, false, 0, 0, ROUTE(Image2_Click())},
-        {"record", 10, Control::Record, true, false, false, 0, 0, ROUTE(MMControl1_RecordClick())},
-        {"stop", 10, Control::Stop, false, false, false, 0, 0, ROUTE(MMControl1_StopClick())},
-        {"play", 6, Control::Play, false, false, false, 0, 0, ROUTE(MMControl1_PlayClick())},
-        {"pause", 4, Control::Pause, false, false, false, 0, 0, ROUTE(MMControl1_PauseClick())},
-        {"prev", 2, Control::Prev, false, false, false, 0, 0, ROUTE(MMControl1_PrevClick())},
-        {"next", 2, Control::Next, false, false, false, 0, 0, ROUTE(MMControl1_NextClick())},
-        {"back", 4, Control::Back, false, false, false, 0, 0, ROUTE(MMControl1_BackClick())},
-        {"step", 3, Control::Step, false, false, false, 0, 0, ROUTE(MMControl1_StepClick())},
-        {"insert", 4, Control::Command2, true, false, false, 0, 0, ROUTE(Command2_Click())},
-        {"insertEnd", 3, Control::ButtonEx1, true, false, false, 0, 0, ROUTE(ButtonEx1_Click())},
-        {"overwrite", 4, Control::cmdOVR, true, false, false, 0, 0, ROUTE(cmdOVR_Click())},
-        {"beginning", 2, Control::Command1, true, false, false, 0, 0, ROUTE(Command1_Click())},
-        {"appendEnd", 2, Control::ButtonEx2, true, false, false, 0, 0, ROUTE(ButtonEx2_Click())},
+        {"new", 3, Control::None, true, false, false, 0, 0, ROUTE(newLetter())},
+        {"record", 10, Control::Record, true, false, false, 0, 0, ROUTE(recordTake())},
+        {"stop", 10, Control::Stop, false, false, false, 0, 0, ROUTE(stop())},
+        {"play", 6, Control::Play, false, false, false, 0, 0, ROUTE(play())},
+        {"pause", 4, Control::Pause, false, false, false, 0, 0, ROUTE(pause())},
+        {"prev", 2, Control::Prev, false, false, false, 0, 0, ROUTE(goToBeginning())},
+        {"next", 2, Control::Next, false, false, false, 0, 0, ROUTE(goToEnd())},
+        {"back", 4, Control::Back, false, false, false, 0, 0, ROUTE(stepBack())},
+        {"step", 3, Control::Step, false, false, false, 0, 0, ROUTE(stepForward())},
+        {"insert", 4, Control::Command2, true, false, false, 0, 0, ROUTE(insertAtCursor())},
+        {"insertEnd", 3, Control::ButtonEx1, true, false, false, 0, 0, ROUTE(endInsert())},
+        {"overwrite", 4, Control::cmdOVR, true, false, false, 0, 0, ROUTE(overwriteAtCursor())},
+        {"beginning", 2, Control::Command1, true, false, false, 0, 0, ROUTE(addToBeginning())},
+        {"appendEnd", 2, Control::ButtonEx2, true, false, false, 0, 0, ROUTE(endAppend())},
         {"rcInsertBeginning", 2, Control::None, true, false, false, 0, 0,
-         ROUTE(mnuInsertBeginning_Click())},
-        {"rcAppendEnd", 2, Control::None, true, false, false, 0, 0, ROUTE(mnuAppendEnd_Click())},
+         ROUTE(insertAtBeginningFromMenu())},
+        {"rcAppendEnd", 2, Control::None, true, false, false, 0, 0, ROUTE(appendAtEnd())},
         {"rcLast3Continue", 2, Control::None, false, false, false, 0, 0,
-         ROUTE(mnuLastThreeContinue_Click())},
-        {"last3", 2, Control::None, false, false, false, 0, 0, ROUTE(Command3_Click())},
+         ROUTE(lastThreeSecondsContinueFromMenu())},
+        {"last3", 2, Control::None, false, false, false, 0, 0, ROUTE(replayLastThreeSeconds())},
         {"select", 4, Control::None, false, false, false, 1000, 1000, select},
         {"cursor", 3, Control::None, false, false, false, 1000, 0,
          [](WalkStation& s, const Step& step) {
@@ -126,13 +126,13 @@ const std::vector<WalkCommand>& walkCommands() {
         {"paste", 2, Control::None, true, false, false, 0, 0, KEY("Paste")},
         {"undo", 2, Control::None, true, false, false, 0, 0, KEY("Undo")},
         {"redo", 2, Control::None, true, false, false, 0, 0, KEY("Redo")},
-        {"save", 3, Control::None, false, false, false, 0, 0, ROUTE(Image4_Click())},
+        {"save", 3, Control::None, false, false, false, 0, 0, ROUTE(saveNow())},
         {"saveAs", 1, Control::None, true, false, true, 3, 0, saveAs},
-        {"close", 2, Control::None, true, false, false, 0, 0, ROUTE(Image10_Click())},
-        {"menuClose", 1, Control::None, true, false, false, 0, 0, ROUTE(mnclose_Click())},
+        {"close", 2, Control::None, true, false, false, 0, 0, ROUTE(closeFile())},
+        {"menuClose", 1, Control::None, true, false, false, 0, 0, ROUTE(closeFromMenu())},
         {"open", 2, Control::None, true, false, true, 20, 0, open},
         {"openRecent", 2, Control::None, true, false, true, 20, 0, openRecent},
-        {"eol", 3, Control::cmdEOL, true, false, false, 0, 0, ROUTE(cmdEOL_Click())},
+        {"eol", 3, Control::cmdEOL, true, false, false, 0, 0, ROUTE(finishLetter())},
         {"switch", 8, Control::None, true, false, false, 3, 0,
          [](WalkStation& s, const Step& step) {
              s.station().handsFree().switchModel.SwitchCommand(
@@ -154,38 +154,38 @@ const WalkCommand* findWalkCommand(std::string_view name) {
 }
 
 bool controlEnabled(WalkStation& station, Control control) {
-    const dictation::MainView& v = station.d().view;
+    const dictation::MainView& v = station.d().view();
     switch (control) {
         case Control::None:
             return true;
         case Control::Prev:
-            return v.MMControl1.Prev;
+            return v.transportBar.Prev;
         case Control::Next:
-            return v.MMControl1.Next;
+            return v.transportBar.Next;
         case Control::Play:
-            return v.MMControl1.Play;
+            return v.transportBar.Play;
         case Control::Pause:
-            return v.MMControl1.Pause;
+            return v.transportBar.Pause;
         case Control::Back:
-            return v.MMControl1.Back;
+            return v.transportBar.Back;
         case Control::Step:
-            return v.MMControl1.Step;
+            return v.transportBar.Step;
         case Control::Stop:
-            return v.MMControl1.Stop;
+            return v.transportBar.Stop;
         case Control::Record:
-            return v.MMControl1.Record;
+            return v.transportBar.Record;
         case Control::Command1:
-            return v.Command1;
+            return v.addToBeginningEnabled;
         case Control::Command2:
-            return v.Command2;
+            return v.insertEnabled;
         case Control::cmdOVR:
-            return v.cmdOVR;
+            return v.overwriteEnabled;
         case Control::cmdEOL:
-            return v.cmdEOL;
+            return v.endOfLetterEnabled;
         case Control::ButtonEx1:
-            return v.ButtonEx1Visible;
+            return v.endInsertVisible;
         case Control::ButtonEx2:
-            return v.ButtonEx2Visible;
+            return v.endAppendVisible;
     }
     return true;
 }

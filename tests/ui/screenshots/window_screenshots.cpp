@@ -126,7 +126,7 @@ int main(int argc, char** argv) {
 
     ui::StationWindow window({config, log, dictation, editor1, editor21, trace, prompts, OVD_TEST_ASSETS,
                               backend.name()});
-    window.addDeskUnit(new ui::DeskUnitPanel(switchModel, dictation.view, config.record));
+    window.addDeskUnit(new ui::DeskUnitPanel(switchModel, dictation.view(), config.record));
     window.Form_Load();
     settle(800);
 
@@ -144,18 +144,18 @@ int main(int argc, char** argv) {
         window.render();
         allSaved = shoot(window, stem + "-no-file.png") && allSaved;
 
-        dictation.Image2_Click();
-        dictation.MMControl1_RecordClick();
+        dictation.newLetter();
+        dictation.recordTake();
         run(7200);  // the lamps are lit in the second half of each second
         allSaved = shoot(window, stem + "-recording.png") && allSaved;
 
-        dictation.MMControl1_StopClick();
-        dictation.MMControl1_PrevClick();
+        dictation.stop();
+        dictation.goToBeginning();
         dictation.CaseStepForward();  // a few seconds in, where the author listens back
         dictation.CaseStepForward();
         run(100);
         allSaved = shoot(window, stem + "-stopped.png") && allSaved;
-        dictation.Image10_Click();
+        dictation.closeFile();
         run(100);
     }
     return allSaved ? 0 : 1;
