@@ -33,7 +33,7 @@ struct QuietHost : SerialPedalsHost {
     bool pedalInputSilenced() const override { return false; }
     void uncheckOtherFootPedalMenus() override {}
     void showConfigSERFootPedals() override {}
-    void clearLabel17() override {}
+    void clearDeskUnitNotice() override {}
     void endProgram() override {}
 };
 
