@@ -5,7 +5,6 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSignalBlocker>
-#include <QTimer>
 
 #include "devices/control_actions.h"
 #include "devices/switch_model.h"
@@ -63,16 +62,12 @@ DeskUnitPanel::DeskUnitPanel(devices::SwitchModel& switchModel, const dictation:
     status_ = new QLabel(this);
     status_->setObjectName("Lbl4Pos");
     layout->addWidget(status_, 3, 0, 1, 4);
-    auto* follow = new QTimer(this);
-    connect(follow, &QTimer::timeout, this, [this] { refresh(); });
-    follow->start(100);
     refresh();
 }
 
 void DeskUnitPanel::refresh() {
-    if (view_.revision == shownRevision_) return;
-    shownRevision_ = view_.revision;
-    status_->setText(QString::fromStdString(view_.Lbl4Pos));
+    const QString position = QString::fromStdString(view_.Lbl4Pos);
+    if (status_->text() != position) status_->setText(position);
     for (std::size_t i = 0; i < positions_.size(); ++i) {
         const QSignalBlocker quiet(positions_[i]);
         positions_[i]->setChecked(view_.Lbl4Pos == kPositionTexts[i]);

@@ -28,7 +28,8 @@ public:
     DeskUnitPanel(devices::SwitchModel& switchModel, const dictation::MainView& view,
                   const settings::SettingsRecord& settings, QWidget* parent = nullptr);
 
-    // The switch and the labels follow the dictation (a pedal moves the switch too).
+    // The switch and the labels follow the dictation (a pedal moves the switch
+    // too); the station window calls this whenever the dictation's view changed.
     void refresh();
 
     // The words the positions send, in the order the switch shows them.
@@ -42,7 +43,6 @@ private:
     std::array<QRadioButton*, 4> positions_{};
     std::array<QPushButton*, 8> buttons_{};
     QLabel* status_ = nullptr;
-    unsigned long shownRevision_ = ~0UL;
 };
 
 }  // namespace ovd::ui

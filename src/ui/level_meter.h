@@ -13,7 +13,9 @@ class LevelMeter : public QWidget {
 public:
     explicit LevelMeter(QWidget* parent = nullptr);
 
-    // A peak, in percent of full scale.
+    // A peak, in percent of full scale. The bar shows the loudest heard in each
+    // step of its fall, so it repaints no more often than that however fast the
+    // sound comes in.
     void setLevel(int peakPercent);
     [[nodiscard]] int level() const { return shown_; }
 
@@ -24,9 +26,12 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    // The loudest peak heard since the last step, or the fall.
+    void step();
     void fall();
 
     int shown_ = 0;
+    int heard_ = 0;
     QTimer* fall_ = nullptr;
 };
 

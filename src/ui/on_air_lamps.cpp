@@ -58,10 +58,12 @@ void OnAirLamps::show(bool Image5, bool Image6, const QString& lblOnAir, bool lb
     Image5_->setLit(Image5);
     Image6_->setLit(Image6);
     // Hidden, the caption keeps its room so the window does not jump at each take.
-    lblOnAir_->setText(lblOnAirVisible ? lblOnAir : QString());
+    const QString caption = lblOnAirVisible ? lblOnAir : QString();
+    if (lblOnAir_->text() != caption) lblOnAir_->setText(caption);
     const bool onAir = lblOnAir == QLatin1String("ON AIR");
-    lblOnAir_->setStyleSheet(onAir ? QStringLiteral("color: #d01010;")
-                                   : QStringLiteral("color: #a06000;"));
+    // A style sheet set again, even the same, restyles and repaints the caption.
+    const QString colour = onAir ? QStringLiteral("color: #d01010;") : QStringLiteral("color: #a06000;");
+    if (lblOnAir_->styleSheet() != colour) lblOnAir_->setStyleSheet(colour);
 }
 
 }  // namespace ovd::ui

@@ -29,6 +29,7 @@
 #include "settings/debug_trace.h"
 #include "settings/event_log.h"
 #include "ui/debug_window.h"
+#include "ui/desk_unit_panel.h"
 #include "ui/device_box.h"
 #include "ui/device_choice.h"
 #include "ui/event_log_window.h"
@@ -45,9 +46,9 @@ namespace ovd::ui {
 
 namespace {
 
-// The screen follows the dictation this often; the dictation's own display
-// timers run at 25 to 250 ms, so nothing it shows is missed for long.
-constexpr int kFollowMs = 40;
+// While a take records or a file plays, the times and the size move many times
+// a second; the eye needs them no more often than this.
+constexpr qint64 kMovingRenderMs = 100;
 
 QLabel* named(QLabel* label, const char* name) {
     label->setObjectName(QString::fromLatin1(name));
@@ -121,17 +122,18 @@ StationWindow::StationWindow(StationWindowParts parts) : parts_(std::move(parts)
     debugWindow_ = new DebugWindow(
         parts_.debugTrace, [this] { return snapshotOf(parts_.dictation, parts_.config.record); }, this);
     wireEngineEvents();
-
-    follow_ = new QTimer(this);
-    connect(follow_, &QTimer::timeout, this, [this] { render(); });
-    follow_->start(kFollowMs);
+    parts_.dictation.onViewChanged = [this] { viewAnnounced(); };
+    sinceRender_.start();
     render();
 }
 
 StationWindow::~StationWindow() {
+    parts_.dictation.onViewChanged = nullptr;
     parts_.AudioEditor1.onLevel = nullptr;
     parts_.AudioEditor21.onLevel = nullptr;
     parts_.AudioEditor1.onViewChange = nullptr;
+    parts_.AudioEditor1.RecordingDevices().onChanged = nullptr;
+    parts_.AudioEditor1.PlaybackDevices().onChanged = nullptr;
 }
 
 void StationWindow::wireEngineEvents() {
@@ -140,6 +142,9 @@ void StationWindow::wireEngineEvents() {
     parts_.AudioEditor1.onLevel = [this](int peak) { levelMeter_->setLevel(peak); };
     parts_.AudioEditor21.onLevel = [this](int peak) { levelMeter_->setLevel(peak); };
     parts_.AudioEditor1.onViewChange = [this] { waveform_->markChanged(); };
+    // A device plugged in or taken away shows in the boxes.
+    parts_.AudioEditor1.RecordingDevices().onChanged = [this] { deviceBox_->follow(); };
+    parts_.AudioEditor1.PlaybackDevices().onChanged = [this] { deviceBox_->follow(); };
 }
 
 void StationWindow::buildToolIcons() {
@@ -391,7 +396,7 @@ bool StationWindow::eventFilter(QObject* watched, QEvent* event) {
     return QMainWindow::eventFilter(watched, event);
 }
 
-void StationWindow::addDeskUnit(QWidget* panel) {
+void StationWindow::addDeskUnit(DeskUnitPanel* panel) {
     panel->setParent(centralWidget());
     deskUnit_ = panel;
     column_->addWidget(panel);
@@ -405,6 +410,29 @@ void StationWindow::contextMenuEvent(QContextMenuEvent* event) {
 void StationWindow::routed(const std::function<void()>& entry) {
     entry();
     render();
+}
+
+bool StationWindow::somethingMoves() const {
+    const auto moving = [](const engine::AudioEditor& editor) {
+        const int state = editor.State();
+        return state == static_cast<int>(engine::EditorState::Playing) ||
+               state == static_cast<int>(engine::EditorState::Recording);
+    };
+    return moving(parts_.AudioEditor1) || moving(parts_.AudioEditor21);
+}
+
+void StationWindow::viewAnnounced() {
+    if (renderQueued_) return;
+    renderQueued_ = true;
+    const auto renderIfStillDue = [this] {
+        if (renderQueued_) render();
+    };
+    const qint64 wait = somethingMoves() ? kMovingRenderMs - sinceRender_.elapsed() : 0;
+    if (wait <= 0) {
+        QMetaObject::invokeMethod(this, renderIfStillDue, Qt::QueuedConnection);
+    } else {
+        QTimer::singleShot(static_cast<int>(wait), this, renderIfStillDue);
+    }
 }
 
 }  // namespace ovd::ui

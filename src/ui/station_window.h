@@ -9,6 +9,7 @@
 // The widgets carry the names of the controls they stand for (objectName), so a
 // test or a support session can find "Command2" or "MMControl1Record".
 
+#include <QElapsedTimer>
 #include <QMainWindow>
 
 #include <functional>
@@ -33,7 +34,8 @@ class HandsFree;
 }
 namespace ovd::dictation {
 class Dictation;
-}
+struct MainView;
+}  // namespace ovd::dictation
 namespace ovd::engine {
 class AudioEditor;
 class WaveEditor;
@@ -50,6 +52,7 @@ class EventLog;
 namespace ovd::ui {
 
 class DebugWindow;
+class DeskUnitPanel;
 class DeviceBox;
 class DeviceChoice;
 class EventLogWindow;
@@ -83,13 +86,15 @@ public:
     static QString titleFor(bool handsFreeEdition);
 
     // The desk unit on screen goes below the controls; the window owns it from then on.
-    void addDeskUnit(QWidget* panel);
+    void addDeskUnit(DeskUnitPanel* panel);
 
     // Once the station has read its settings: the devices and volumes, the event log
     // box, the face, the window's place, always-on-top; then the window shows.
     void Form_Load();
 
-    // Brings every control in line with MainView when it changed since the last look.
+    // Brings every control in line with MainView. The window renders by itself
+    // whenever the dictation says its view changed; a control is touched only
+    // when what it shows is different, so nothing repaints that did not change.
     void render();
     // Switches the face and stores it.
     void setFace(Face face);
@@ -136,14 +141,24 @@ private:
     void wireEngineEvents();
     void placeWindow();
     void applyFace();
-    // After a click: the screen follows at once rather than at the next tick.
+    // After a click: the screen follows at once rather than when the loop is free.
     void routed(const std::function<void()>& entry);
+    // The dictation's view changed: one render as soon as the loop is free, or,
+    // while a take records or a file plays, no sooner than kMovingRenderMs after
+    // the last.
+    void viewAnnounced();
+    [[nodiscard]] bool somethingMoves() const;
+    void renderStatus(const dictation::MainView& v);
+    void renderTimes(const dictation::MainView& v);
+    void renderButtons(const dictation::MainView& v);
+    void renderOptions(const dictation::MainView& v);
     void Option_Click(bool otherConditions);
 
     StationWindowParts parts_;
     Face face_ = Face::Regular;
     bool placed_ = false;
-    unsigned long shownRevision_ = ~0UL;
+    bool renderQueued_ = false;
+    QElapsedTimer sinceRender_;
 
     QWidget* statusRows_ = nullptr;
     QWidget* audioFrame_ = nullptr;
@@ -151,7 +166,7 @@ private:
     QWidget* formatBox_ = nullptr;
     QWidget* speakerBox_ = nullptr;
     QWidget* optionsRow_ = nullptr;
-    QWidget* deskUnit_ = nullptr;
+    DeskUnitPanel* deskUnit_ = nullptr;
     QToolBar* toolIcons_ = nullptr;
     QVBoxLayout* column_ = nullptr;
 
@@ -183,7 +198,7 @@ private:
     QComboBox* cboName_ = nullptr;
     QCheckBox* chkViewlOG_ = nullptr;
     DeviceBox* deviceBox_ = nullptr;
-    QTimer* follow_ = nullptr;
+    bool busyPointerShown_ = false;
 
     std::unique_ptr<DeviceChoice> deviceChoice_;
     std::unique_ptr<StationMenus> menus_;

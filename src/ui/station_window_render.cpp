@@ -21,6 +21,7 @@
 #include "settings/config_file.h"
 #include "ui/about_box.h"
 #include "ui/device_box.h"
+#include "ui/desk_unit_panel.h"
 #include "ui/device_choice.h"
 #include "ui/event_log_window.h"
 #include "ui/help_window.h"
@@ -37,6 +38,17 @@ namespace {
 
 QString text(const std::string& value) { return QString::fromStdString(value); }
 
+// Some widgets repaint on every setText or style sheet, even the same one: they
+// are told only what changed.
+template <typename Widget>
+void showText(Widget* widget, const QString& value) {
+    if (widget->text() != value) widget->setText(value);
+}
+
+void showStyle(QWidget* widget, const QString& styleSheet) {
+    if (widget->styleSheet() != styleSheet) widget->setStyleSheet(styleSheet);
+}
+
 // The width each face opens at; the height is whatever its controls need.
 int faceWidth(Face face) {
     switch (face) {
@@ -50,32 +62,56 @@ int faceWidth(Face face) {
 }  // namespace
 
 void StationWindow::render() {
+    renderQueued_ = false;
+    sinceRender_.restart();
     const dictation::MainView& v = parts_.dictation.view;
     waveform_->refresh();
     deviceBox_->follow();
-    if (v.revision == shownRevision_) return;
-    shownRevision_ = v.revision;
-    const settings::SettingsRecord& record = parts_.config.record;
+    setWindowTitle(v.caption.empty() ? titleFor(parts_.config.record.HandsFreeEdition) : text(v.caption));
+    renderStatus(v);
+    renderTimes(v);
+    renderButtons(v);
+    renderOptions(v);
+    if (v.busyPointer != busyPointerShown_) {
+        busyPointerShown_ = v.busyPointer;
+        if (v.busyPointer) {
+            setCursor(Qt::WaitCursor);
+        } else {
+            unsetCursor();
+        }
+    }
+    if (deskUnit_ != nullptr) deskUnit_->refresh();
+    menus_->refresh(v);
+}
 
-    setWindowTitle(v.caption.empty() ? titleFor(record.HandsFreeEdition) : text(v.caption));
-    Label40_->setText(text(v.Label40));
-    Label40_->setStyleSheet(v.Label40Warning ? QStringLiteral("color: #ff0000;") : QString());
-    lblReady_->setText(text(v.lblReady));
-    lblMode_->setText(text(v.lblMode));
-    Label37_->setText(text(v.Label37));
+void StationWindow::renderStatus(const dictation::MainView& v) {
+    showText(Label40_, text(v.Label40));
+    showStyle(Label40_, v.Label40Warning ? QStringLiteral("color: #ff0000;") : QString());
+    showText(lblReady_, text(v.lblReady));
+    showText(lblMode_, text(v.lblMode));
+    showText(Label37_, text(v.Label37));
     lblBusy_->setVisible(v.lblBusyVisible);
-    lamps_->show(v.Image5, v.Image6, text(v.lblOnAir), v.lblOnAirVisible);
+    showText(statusPanel1_, text(v.statusPanel1));
+    showText(statusPanel2_, text(v.statusPanel2));
+}
 
+void StationWindow::renderTimes(const dictation::MainView& v) {
+    lamps_->show(v.Image5, v.Image6, text(v.lblOnAir), v.lblOnAirVisible);
     // Before the first position is known the displays show nothing measured yet.
     const auto orBlank = [](const std::string& value, const char* blank) {
         return value.empty() ? QString::fromLatin1(blank) : text(value);
     };
-    timeElapsed_->setText(orBlank(v.timeElapsed, "00:00:00"));
-    Label24_->setText(orBlank(v.Label24, "00:00:00"));
-    Label43_->setText(orBlank(v.Label43, "-"));
-    statusPanel1_->setText(text(v.statusPanel1));
-    statusPanel2_->setText(text(v.statusPanel2));
+    showText(timeElapsed_, orBlank(v.timeElapsed, "00:00:00"));
+    showText(Label24_, orBlank(v.Label24, "00:00:00"));
+    showText(Label43_, orBlank(v.Label43, "-"));
+    if (!ctSlide1_->isSliderDown()) {
+        const QSignalBlocker quiet(ctSlide1_);
+        ctSlide1_->setValue(v.ctSlide1);
+    }
+    ctSlide1_->setEnabled(v.ctSlide1Enabled);
+}
 
+void StationWindow::renderButtons(const dictation::MainView& v) {
     MMControl1_->render(v.MMControl1, v.transportLabelsVisible);
     MMControl1_->showNoFile(!parts_.dictation.state.flgfileOpen1);
     cmdEOL_->setEnabled(v.cmdEOL);
@@ -85,22 +121,18 @@ void StationWindow::render() {
     Command3_->setEnabled(v.Command3);
     ButtonEx1_->setVisible(v.ButtonEx1Visible);
     ButtonEx2_->setVisible(v.ButtonEx2Visible);
-
-    if (!ctSlide1_->isSliderDown()) {
-        const QSignalBlocker quiet(ctSlide1_);
-        ctSlide1_->setValue(v.ctSlide1);
-    }
-    ctSlide1_->setEnabled(v.ctSlide1Enabled);
     // While a file loads the frame stays in place, greyed, rather than leaving a
     // hole the window would close up around.
     audioFrame_->setEnabled(v.audioFrameEnabled && v.audioFrameVisible);
-    if (!txtStepAmt_->hasFocus()) txtStepAmt_->setText(text(v.txtStepAmt));
+    if (!txtStepAmt_->hasFocus()) showText(txtStepAmt_, text(v.txtStepAmt));
+}
 
+void StationWindow::renderOptions(const dictation::MainView& v) {
     formatBox_->setEnabled(v.formatOptionsEnabled);
     {
         const QSignalBlocker quiet2(Option2_);
         const QSignalBlocker quiet3(Option3_);
-        const bool other = record.RecordingFormats == "OPT3";
+        const bool other = parts_.config.record.RecordingFormats == "OPT3";
         Option2_->setChecked(!other);
         Option3_->setChecked(other);
     }
@@ -112,17 +144,11 @@ void StationWindow::render() {
         cboName_->clear();
         for (const std::string& name : names) cboName_->addItem(text(name));
     }
-    {
+    const int speaker = cboName_->findText(text(v.cboName));
+    if (cboName_->currentIndex() != speaker) {
         const QSignalBlocker quiet(cboName_);
-        cboName_->setCurrentIndex(cboName_->findText(text(v.cboName)));
+        cboName_->setCurrentIndex(speaker);
     }
-
-    if (v.busyPointer) {
-        setCursor(Qt::WaitCursor);
-    } else {
-        unsetCursor();
-    }
-    menus_->refresh(v);
 }
 
 void StationWindow::Form_Load() {
@@ -136,7 +162,6 @@ void StationWindow::Form_Load() {
     face_ = faceFromSetting(record.ScreenSize);
     applyFace();
     setOnTop(record.Ontopcheck.toNumber().value_or(0) == 1);
-    shownRevision_ = ~0UL;
     render();
     placeWindow();
     show();
@@ -260,7 +285,6 @@ void StationWindow::Option_Click(bool otherConditions) {
     const std::string chosen = otherConditions ? "OPT3" : "OPT2";
     // During a take the options do nothing; the render puts the mark back.
     if (d.state.Recordingstatus || record.RecordingFormats == chosen) {
-        shownRevision_ = ~0UL;
         render();
         return;
     }
@@ -288,7 +312,6 @@ void StationWindow::Option_Click(bool otherConditions) {
         }
         d.newLetter();
     }
-    shownRevision_ = ~0UL;
     render();
 }
 
