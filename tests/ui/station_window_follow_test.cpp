@@ -54,13 +54,14 @@ TEST_F(StationWindowFollowTest, WhatTheDictationAnnouncesIsOnTheScreenOnceTheLoo
 
     // Commands that come from no control of the window: a pedal, a peer, the desk unit.
     d().newLetter();
-    QApplication::processEvents();
+    // Only what was posted: no timer ticks here.
+    QApplication::sendPostedEvents();
     EXPECT_EQ(textOf("lblReady").toStdString(), view().lblReady);
     EXPECT_EQ(textOf("Label40").toStdString(), view().Label40);
     EXPECT_TRUE(bar(Button::Record)->isEnabled()) << "the new file can be recorded into";
 
     d().closeFile();
-    QApplication::processEvents();
+    QApplication::sendPostedEvents();
     EXPECT_FALSE(bar(Button::Record)->isEnabled()) << "no file: nothing to record into";
     EXPECT_EQ(textOf("Label40").toStdString(), view().Label40);
 
@@ -88,7 +89,9 @@ TEST_F(StationWindowFollowTest, AStationAtRestPaintsNothing) {
         QApplication::processEvents();
     }
     settle(500);
-    // Announcements that change nothing shown: a stop with nothing running, a render.
+    // Announcements that change nothing shown: the step box emptied and put back
+    // as it was, a stop with nothing running.
+    d().stepAmountChanged("");
     d().stop();
     window().render();
     settle(200);
