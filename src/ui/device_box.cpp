@@ -53,11 +53,11 @@ DeviceBox::DeviceBox(DeviceChoice& choice, QWidget* parent)
     lblRecLev_->setObjectName("lblRecLev");
     Label6_ = new QLabel(this);
     Label6_->setObjectName("Label6");
-    auto* cmdAdvancedInput = new QPushButton(tr("Advanced..."), this);
-    cmdAdvancedInput->setObjectName("cmdAdvancedInput");
-    auto* cmdAdvancedOutput = new QPushButton(tr("Advanced..."), this);
-    cmdAdvancedOutput->setObjectName("cmdAdvancedOutput");
-    for (QPushButton* advanced : {cmdAdvancedInput, cmdAdvancedOutput}) {
+    auto* advancedInput = new QPushButton(tr("Advanced..."), this);
+    advancedInput->setObjectName("cmdAdvancedInput");
+    auto* advancedOutput = new QPushButton(tr("Advanced..."), this);
+    advancedOutput->setObjectName("cmdAdvancedOutput");
+    for (QPushButton* advanced : {advancedInput, advancedOutput}) {
         advanced->setEnabled(false);
         advanced->setToolTip(tr("The advanced sound settings are not available yet"));
     }
@@ -65,13 +65,13 @@ DeviceBox::DeviceBox(DeviceChoice& choice, QWidget* parent)
     grid->addWidget(new QLabel(tr("Record from"), this), 0, 0);
     grid->addWidget(cmbDevInput_, 0, 1);
     grid->addWidget(cmbSrcInput_, 0, 2);
-    grid->addWidget(cmdAdvancedInput, 0, 3);
+    grid->addWidget(advancedInput, 0, 3);
     grid->addWidget(lblRecLev_, 1, 0);
     grid->addWidget(sldrVolumeInp_, 1, 1, 1, 3);
     grid->addWidget(new QLabel(tr("Play to"), this), 2, 0);
     grid->addWidget(cmbDevOutput_, 2, 1);
     grid->addWidget(cmbSrcOutput_, 2, 2);
-    grid->addWidget(cmdAdvancedOutput, 2, 3);
+    grid->addWidget(advancedOutput, 2, 3);
     grid->addWidget(Label6_, 3, 0);
     grid->addWidget(sldrVolumeOut_, 3, 1, 1, 3);
 

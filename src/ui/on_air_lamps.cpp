@@ -54,13 +54,13 @@ OnAirLamps::OnAirLamps(QWidget* parent) : QWidget(parent) {
     row->addWidget(Image6_);
 }
 
-void OnAirLamps::show(bool Image5, bool Image6, const QString& lblOnAir, bool lblOnAirVisible) {
-    Image5_->setLit(Image5);
-    Image6_->setLit(Image6);
+void OnAirLamps::show(bool leftLit, bool rightLit, const QString& caption, bool captionVisible) {
+    Image5_->setLit(leftLit);
+    Image6_->setLit(rightLit);
     // Hidden, the caption keeps its room so the window does not jump at each take.
-    const QString caption = lblOnAirVisible ? lblOnAir : QString();
-    if (lblOnAir_->text() != caption) lblOnAir_->setText(caption);
-    const bool onAir = lblOnAir == QLatin1String("ON AIR");
+    const QString shown = captionVisible ? caption : QString();
+    if (lblOnAir_->text() != shown) lblOnAir_->setText(shown);
+    const bool onAir = caption == QLatin1String("ON AIR");
     // A style sheet set again, even the same, restyles and repaints the caption.
     const QString colour = onAir ? QStringLiteral("color: #d01010;") : QStringLiteral("color: #a06000;");
     if (lblOnAir_->styleSheet() != colour) lblOnAir_->setStyleSheet(colour);

@@ -26,8 +26,8 @@ private:
 class OnAirLamps : public QWidget {
 public:
     explicit OnAirLamps(QWidget* parent = nullptr);
-    // Image5, Image6 and lblOnAir as the dictation leaves them.
-    void show(bool Image5, bool Image6, const QString& lblOnAir, bool lblOnAirVisible);
+    // The lamps (Image5, Image6) and the caption (lblOnAir) as the dictation leaves them.
+    void show(bool leftLit, bool rightLit, const QString& caption, bool captionVisible);
 
     [[nodiscard]] QLabel* caption() const { return lblOnAir_; }
 

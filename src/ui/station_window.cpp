@@ -89,8 +89,8 @@ StationWindow::StationWindow(StationWindowParts parts) : parts_(std::move(parts)
     setWindowTitle(titleFor(parts_.config.record.HandsFreeEdition));
     setWindowIcon(QIcon::fromTheme(QStringLiteral("orvane-voice-desk")));
 
-    deviceChoice_ = std::make_unique<DeviceChoice>(parts_.AudioEditor1.RecordingDevices(),
-                                                   parts_.AudioEditor1.PlaybackDevices(),
+    deviceChoice_ = std::make_unique<DeviceChoice>(parts_.recordingEditor.RecordingDevices(),
+                                                   parts_.recordingEditor.PlaybackDevices(),
                                                    parts_.config, parts_.prompts);
     deviceChoice_->onRestartNeeded = [this] {
         if (onRestartNeeded) onRestartNeeded();
@@ -129,22 +129,22 @@ StationWindow::StationWindow(StationWindowParts parts) : parts_(std::move(parts)
 
 StationWindow::~StationWindow() {
     parts_.dictation.onViewChanged = nullptr;
-    parts_.AudioEditor1.onLevel = nullptr;
-    parts_.AudioEditor21.onLevel = nullptr;
-    parts_.AudioEditor1.onViewChange = nullptr;
-    parts_.AudioEditor1.RecordingDevices().onChanged = nullptr;
-    parts_.AudioEditor1.PlaybackDevices().onChanged = nullptr;
+    parts_.recordingEditor.onLevel = nullptr;
+    parts_.scratchEditor.onLevel = nullptr;
+    parts_.recordingEditor.onViewChange = nullptr;
+    parts_.recordingEditor.RecordingDevices().onChanged = nullptr;
+    parts_.recordingEditor.PlaybackDevices().onChanged = nullptr;
 }
 
 void StationWindow::wireEngineEvents() {
     // The meter shows whichever editor is taking: the file, or the scratch take of
     // an insert or overwrite.
-    parts_.AudioEditor1.onLevel = [this](int peak) { levelMeter_->setLevel(peak); };
-    parts_.AudioEditor21.onLevel = [this](int peak) { levelMeter_->setLevel(peak); };
-    parts_.AudioEditor1.onViewChange = [this] { waveform_->markChanged(); };
+    parts_.recordingEditor.onLevel = [this](int peak) { levelMeter_->setLevel(peak); };
+    parts_.scratchEditor.onLevel = [this](int peak) { levelMeter_->setLevel(peak); };
+    parts_.recordingEditor.onViewChange = [this] { waveform_->markChanged(); };
     // A device plugged in or taken away shows in the boxes.
-    parts_.AudioEditor1.RecordingDevices().onChanged = [this] { deviceBox_->follow(); };
-    parts_.AudioEditor1.PlaybackDevices().onChanged = [this] { deviceBox_->follow(); };
+    parts_.recordingEditor.RecordingDevices().onChanged = [this] { deviceBox_->follow(); };
+    parts_.recordingEditor.PlaybackDevices().onChanged = [this] { deviceBox_->follow(); };
 }
 
 void StationWindow::buildToolIcons() {
@@ -207,7 +207,7 @@ QWidget* StationWindow::buildAudioFrame() {
     frame->setObjectName("frameAudio");
     auto* column = new QVBoxLayout(frame);
     column->setContentsMargins(0, 0, 0, 0);
-    waveform_ = new WaveformView(parts_.AudioEditor1, frame);
+    waveform_ = new WaveformView(parts_.recordingEditor, frame);
     column->addWidget(waveform_, 1);
     // The slider stays usable while the frame is greyed during playback.
     ctSlide1_ = new QSlider(Qt::Horizontal, this);
@@ -336,24 +336,24 @@ QWidget* StationWindow::buildOptionsRow() {
     auto* rowWidget = new QWidget(this);
     auto* row = new QHBoxLayout(rowWidget);
     row->setContentsMargins(0, 0, 0, 0);
-    auto* frRec = new QGroupBox(QStringLiteral("Recording Format"), rowWidget);
-    frRec->setObjectName("frRec");
-    auto* formats = new QHBoxLayout(frRec);
-    Option2_ = new QRadioButton(QStringLiteral("Normal Conditions"), frRec);
+    auto* formatBox = new QGroupBox(QStringLiteral("Recording Format"), rowWidget);
+    formatBox->setObjectName("frRec");
+    auto* formats = new QHBoxLayout(formatBox);
+    Option2_ = new QRadioButton(QStringLiteral("Normal Conditions"), formatBox);
     Option2_->setObjectName("Option2");
-    Option3_ = new QRadioButton(QStringLiteral("Other Conditions"), frRec);
+    Option3_ = new QRadioButton(QStringLiteral("Other Conditions"), formatBox);
     Option3_->setObjectName("Option3");
     Option3_->setToolTip(QStringLiteral("IE: Conference, Group, Hard-to-hear Audio, Heavy Accent"));
     formats->addWidget(Option2_);
     formats->addWidget(Option3_);
     connect(Option2_, &QRadioButton::clicked, this, [this] { Option_Click(false); });
     connect(Option3_, &QRadioButton::clicked, this, [this] { Option_Click(true); });
-    formatBox_ = frRec;
+    formatBox_ = formatBox;
 
-    auto* frameSpeaker = new QGroupBox(tr("Speaker"), rowWidget);
-    frameSpeaker->setObjectName("frameSpeaker");
-    auto* speakerRow = new QHBoxLayout(frameSpeaker);
-    cboName_ = new QComboBox(frameSpeaker);
+    auto* speakerBox = new QGroupBox(tr("Speaker"), rowWidget);
+    speakerBox->setObjectName("frameSpeaker");
+    auto* speakerRow = new QHBoxLayout(speakerBox);
+    cboName_ = new QComboBox(speakerBox);
     cboName_->setObjectName("cboName");
     cboName_->setMinimumContentsLength(16);
     speakerRow->addWidget(cboName_);
@@ -361,13 +361,13 @@ QWidget* StationWindow::buildOptionsRow() {
         const std::string name = cboName_->itemText(index).toStdString();
         routed([this, name] { parts_.dictation.naming.pickDictator(name); });
     });
-    speakerBox_ = frameSpeaker;
+    speakerBox_ = speakerBox;
 
     chkViewlOG_ = new QCheckBox(tr("View Event Log"), rowWidget);
     chkViewlOG_->setObjectName("chkViewlOG");
     connect(chkViewlOG_, &QCheckBox::toggled, this, [this](bool on) { chkViewlOG_Click(on); });
-    row->addWidget(frRec);
-    row->addWidget(frameSpeaker);
+    row->addWidget(formatBox);
+    row->addWidget(speakerBox);
     row->addStretch();
     row->addWidget(chkViewlOG_);
     return rowWidget;
@@ -376,13 +376,13 @@ QWidget* StationWindow::buildOptionsRow() {
 void StationWindow::buildStatusBar() {
     statusPanel1_ = named(new QLabel(this), "StatusBar1Panel1");
     statusPanel2_ = named(new QLabel(this), "StatusBar1Panel2");
-    auto* lblDebugPrint = named(new QLabel(QStringLiteral(" "), this), "lblDebugPrint");
-    lblDebugPrint->setMinimumWidth(16);
-    lblDebugPrint->setToolTip(tr("Double click: support trace"));
-    lblDebugPrint->installEventFilter(this);
+    auto* traceCorner = named(new QLabel(QStringLiteral(" "), this), "lblDebugPrint");
+    traceCorner->setMinimumWidth(16);
+    traceCorner->setToolTip(tr("Double click: support trace"));
+    traceCorner->installEventFilter(this);
     statusBar()->addWidget(statusPanel1_, 1);
     statusBar()->addPermanentWidget(statusPanel2_);
-    statusBar()->addPermanentWidget(lblDebugPrint);
+    statusBar()->addPermanentWidget(traceCorner);
 }
 
 bool StationWindow::eventFilter(QObject* watched, QEvent* event) {
@@ -418,7 +418,7 @@ bool StationWindow::somethingMoves() const {
         return state == static_cast<int>(engine::EditorState::Playing) ||
                state == static_cast<int>(engine::EditorState::Recording);
     };
-    return moving(parts_.AudioEditor1) || moving(parts_.AudioEditor21);
+    return moving(parts_.recordingEditor) || moving(parts_.scratchEditor);
 }
 
 void StationWindow::viewAnnounced() {

@@ -66,8 +66,10 @@ struct StationWindowParts {
     settings::ConfigFile& config;
     settings::EventLog& eventLog;
     dictation::Dictation& dictation;
-    engine::WaveEditor& AudioEditor1;    // the waveform, the devices, the level
-    engine::AudioEditor& AudioEditor21;  // the level during an insert or overwrite
+    // AudioEditor1: the file under dictation; the waveform, the devices, the level.
+    engine::WaveEditor& recordingEditor;
+    // AudioEditor21: the scratch take; the level during an insert or overwrite.
+    engine::AudioEditor& scratchEditor;
     settings::DebugTrace& debugTrace;
     platform::Prompts& prompts;
     std::string programFolder;  // the shipped help pages
