@@ -29,14 +29,14 @@ private:
 
     DeviceChoice& choice_;
     unsigned long shownChanges_ = 0;
-    QComboBox* cmbDevInput_ = nullptr;
-    QComboBox* cmbSrcInput_ = nullptr;
-    QComboBox* cmbDevOutput_ = nullptr;
-    QComboBox* cmbSrcOutput_ = nullptr;
-    QSlider* sldrVolumeInp_ = nullptr;
-    QSlider* sldrVolumeOut_ = nullptr;
-    QLabel* lblRecLev_ = nullptr;
-    QLabel* Label6_ = nullptr;
+    QComboBox* inputDeviceBox_ = nullptr;
+    QComboBox* inputLineBox_ = nullptr;
+    QComboBox* outputDeviceBox_ = nullptr;
+    QComboBox* outputLineBox_ = nullptr;
+    QSlider* inputVolumeSlider_ = nullptr;
+    QSlider* outputVolumeSlider_ = nullptr;
+    QLabel* inputVolumeLabel_ = nullptr;
+    QLabel* outputVolumeLabel_ = nullptr;
 };
 
 }  // namespace ovd::ui

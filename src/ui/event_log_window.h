@@ -21,7 +21,7 @@ public:
 
     // Takes up what the log gained since the last look.
     void refresh();
-    [[nodiscard]] QPlainTextEdit* Text1() const { return Text1_; }
+    [[nodiscard]] QPlainTextEdit* logText() const { return logText_; }
 
     // The window was closed from its own menu or frame: chkViewlOG unticks.
     std::function<void()> onClosed;
@@ -35,7 +35,7 @@ private:
     void showNewestLines();
 
     const settings::EventLog& eventLog_;
-    QPlainTextEdit* Text1_ = nullptr;
+    QPlainTextEdit* logText_ = nullptr;
     QTimer* follow_ = nullptr;
     std::size_t shownBytes_ = 0;
 };

@@ -29,12 +29,12 @@ public:
     // The lamps (Image5, Image6) and the caption (lblOnAir) as the dictation leaves them.
     void show(bool leftLit, bool rightLit, const QString& caption, bool captionVisible);
 
-    [[nodiscard]] QLabel* caption() const { return lblOnAir_; }
+    [[nodiscard]] QLabel* caption() const { return onAirCaption_; }
 
 private:
-    Lamp* Image5_ = nullptr;
-    Lamp* Image6_ = nullptr;
-    QLabel* lblOnAir_ = nullptr;
+    Lamp* leftLamp_ = nullptr;
+    Lamp* rightLamp_ = nullptr;
+    QLabel* onAirCaption_ = nullptr;
 };
 
 }  // namespace ovd::ui

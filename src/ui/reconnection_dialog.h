@@ -21,9 +21,9 @@ public:
     // Shows, redraws or hides the dialog as the link's view now says.
     void render();
 
-    QLabel* lblWait() const { return lblWait_; }
-    QPushButton* cmdOK() const { return cmdOK_; }
-    QPushButton* cmdConnect() const { return cmdConnect_; }
+    QLabel* waitText() const { return waitText_; }
+    QPushButton* okButton() const { return okButton_; }
+    QPushButton* connectButton() const { return connectButton_; }
 
 protected:
     // The window's close box is the OK button, and only while the buttons show.
@@ -32,9 +32,9 @@ protected:
 private:
     delivery::PeerLink& link_;
     QPointer<QWidget> mainWindow_;
-    QLabel* lblWait_;
-    QPushButton* cmdOK_;
-    QPushButton* cmdConnect_;
+    QLabel* waitText_;
+    QPushButton* okButton_;
+    QPushButton* connectButton_;
 };
 
 // Without a window nobody can choose: the dialog's default, OK, is taken as soon

@@ -104,7 +104,7 @@ void StationMenus::buildView() {
     QObject::connect(onTop, &QAction::toggled, &window_, [this](bool on) { window_.setOnTop(on); });
     QAction* log = add(view, "mnuViewLog", QObject::tr("&Event Log"), [] {});
     log->setCheckable(true);
-    QObject::connect(log, &QAction::toggled, &window_, [this](bool on) { window_.chkViewlOG_Click(on); });
+    QObject::connect(log, &QAction::toggled, &window_, [this](bool on) { window_.showEventLog(on); });
     QObject::connect(view, &QMenu::aboutToShow, &window_, [this] { refresh(parts_.dictation.view); });
 }
 

@@ -104,7 +104,7 @@ public:
     // Always-on-top, stored in Ontopcheck.
     void setOnTop(bool onTop);
     // chkViewlOG: the event log window shown or hidden.
-    void chkViewlOG_Click(bool checked);
+    void showEventLog(bool checked);
     void showHelp();
     void showAbout();
 
@@ -154,7 +154,7 @@ private:
     void renderTimes(const dictation::MainView& v);
     void renderButtons(const dictation::MainView& v);
     void renderOptions(const dictation::MainView& v);
-    void Option_Click(bool otherConditions);
+    void chooseRecordingFormat(bool otherConditions);
 
     StationWindowParts parts_;
     Face face_ = Face::Regular;
@@ -173,32 +173,32 @@ private:
     QVBoxLayout* column_ = nullptr;
 
     OnAirLamps* lamps_ = nullptr;
-    QLabel* Label40_ = nullptr;
-    QLabel* lblReady_ = nullptr;
-    QLabel* lblMode_ = nullptr;
-    QLabel* lblBusy_ = nullptr;
-    QLabel* Label37_ = nullptr;
+    QLabel* statusLine_ = nullptr;
+    QLabel* fileNameLabel_ = nullptr;
+    QLabel* modeLabel_ = nullptr;
+    QLabel* busyLabel_ = nullptr;
+    QLabel* operationLabel_ = nullptr;
     QLabel* timeElapsed_ = nullptr;
-    QLabel* Label24_ = nullptr;
-    QLabel* Label43_ = nullptr;
-    QLabel* statusPanel1_ = nullptr;
-    QLabel* statusPanel2_ = nullptr;
-    QSlider* ctSlide1_ = nullptr;
+    QLabel* timeRemaining_ = nullptr;
+    QLabel* fileSize_ = nullptr;
+    QLabel* fileNamePanel_ = nullptr;
+    QLabel* fileSizePanel_ = nullptr;
+    QSlider* positionSlider_ = nullptr;
     WaveformView* waveform_ = nullptr;
     LevelMeter* levelMeter_ = nullptr;
-    TransportBar* MMControl1_ = nullptr;
-    QPushButton* cmdEOL_ = nullptr;
-    QPushButton* ButtonEx1_ = nullptr;
-    QPushButton* ButtonEx2_ = nullptr;
-    QPushButton* Command1_ = nullptr;
-    QPushButton* Command2_ = nullptr;
-    QPushButton* cmdOVR_ = nullptr;
-    QPushButton* Command3_ = nullptr;
-    QLineEdit* txtStepAmt_ = nullptr;
-    QRadioButton* Option2_ = nullptr;
-    QRadioButton* Option3_ = nullptr;
-    QComboBox* cboName_ = nullptr;
-    QCheckBox* chkViewlOG_ = nullptr;
+    TransportBar* transportBar_ = nullptr;
+    QPushButton* endOfLetterButton_ = nullptr;
+    QPushButton* endInsertButton_ = nullptr;
+    QPushButton* endAppendButton_ = nullptr;
+    QPushButton* addToBeginningButton_ = nullptr;
+    QPushButton* insertButton_ = nullptr;
+    QPushButton* overwriteButton_ = nullptr;
+    QPushButton* lastThreeSecondsButton_ = nullptr;
+    QLineEdit* stepSecondsBox_ = nullptr;
+    QRadioButton* normalConditionsOption_ = nullptr;
+    QRadioButton* otherConditionsOption_ = nullptr;
+    QComboBox* speakerNames_ = nullptr;
+    QCheckBox* viewLogCheck_ = nullptr;
     DeviceBox* deviceBox_ = nullptr;
     bool busyPointerShown_ = false;
 

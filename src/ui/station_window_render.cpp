@@ -85,14 +85,14 @@ void StationWindow::render() {
 }
 
 void StationWindow::renderStatus(const dictation::MainView& v) {
-    showText(Label40_, text(v.Label40));
-    showStyle(Label40_, v.Label40Warning ? QStringLiteral("color: #ff0000;") : QString());
-    showText(lblReady_, text(v.lblReady));
-    showText(lblMode_, text(v.lblMode));
-    showText(Label37_, text(v.Label37));
-    lblBusy_->setVisible(v.lblBusyVisible);
-    showText(statusPanel1_, text(v.statusPanel1));
-    showText(statusPanel2_, text(v.statusPanel2));
+    showText(statusLine_, text(v.Label40));
+    showStyle(statusLine_, v.Label40Warning ? QStringLiteral("color: #ff0000;") : QString());
+    showText(fileNameLabel_, text(v.lblReady));
+    showText(modeLabel_, text(v.lblMode));
+    showText(operationLabel_, text(v.Label37));
+    busyLabel_->setVisible(v.lblBusyVisible);
+    showText(fileNamePanel_, text(v.statusPanel1));
+    showText(fileSizePanel_, text(v.statusPanel2));
 }
 
 void StationWindow::renderTimes(const dictation::MainView& v) {
@@ -102,52 +102,52 @@ void StationWindow::renderTimes(const dictation::MainView& v) {
         return value.empty() ? QString::fromLatin1(blank) : text(value);
     };
     showText(timeElapsed_, orBlank(v.timeElapsed, "00:00:00"));
-    showText(Label24_, orBlank(v.Label24, "00:00:00"));
-    showText(Label43_, orBlank(v.Label43, "-"));
-    if (!ctSlide1_->isSliderDown()) {
-        const QSignalBlocker quiet(ctSlide1_);
-        ctSlide1_->setValue(v.ctSlide1);
+    showText(timeRemaining_, orBlank(v.Label24, "00:00:00"));
+    showText(fileSize_, orBlank(v.Label43, "-"));
+    if (!positionSlider_->isSliderDown()) {
+        const QSignalBlocker quiet(positionSlider_);
+        positionSlider_->setValue(v.ctSlide1);
     }
-    ctSlide1_->setEnabled(v.ctSlide1Enabled);
+    positionSlider_->setEnabled(v.ctSlide1Enabled);
 }
 
 void StationWindow::renderButtons(const dictation::MainView& v) {
-    MMControl1_->render(v.MMControl1, v.transportLabelsVisible);
-    MMControl1_->showNoFile(!parts_.dictation.state.flgfileOpen1);
-    cmdEOL_->setEnabled(v.cmdEOL);
-    Command1_->setEnabled(v.Command1);
-    Command2_->setEnabled(v.Command2);
-    cmdOVR_->setEnabled(v.cmdOVR);
-    Command3_->setEnabled(v.Command3);
-    ButtonEx1_->setVisible(v.ButtonEx1Visible);
-    ButtonEx2_->setVisible(v.ButtonEx2Visible);
+    transportBar_->render(v.MMControl1, v.transportLabelsVisible);
+    transportBar_->showNoFile(!parts_.dictation.state.flgfileOpen1);
+    endOfLetterButton_->setEnabled(v.cmdEOL);
+    addToBeginningButton_->setEnabled(v.Command1);
+    insertButton_->setEnabled(v.Command2);
+    overwriteButton_->setEnabled(v.cmdOVR);
+    lastThreeSecondsButton_->setEnabled(v.Command3);
+    endInsertButton_->setVisible(v.ButtonEx1Visible);
+    endAppendButton_->setVisible(v.ButtonEx2Visible);
     // While a file loads the frame stays in place, greyed, rather than leaving a
     // hole the window would close up around.
     audioFrame_->setEnabled(v.audioFrameEnabled && v.audioFrameVisible);
-    if (!txtStepAmt_->hasFocus()) showText(txtStepAmt_, text(v.txtStepAmt));
+    if (!stepSecondsBox_->hasFocus()) showText(stepSecondsBox_, text(v.txtStepAmt));
 }
 
 void StationWindow::renderOptions(const dictation::MainView& v) {
     formatBox_->setEnabled(v.formatOptionsEnabled);
     {
-        const QSignalBlocker quiet2(Option2_);
-        const QSignalBlocker quiet3(Option3_);
+        const QSignalBlocker quiet2(normalConditionsOption_);
+        const QSignalBlocker quiet3(otherConditionsOption_);
         const bool other = parts_.config.record.RecordingFormats == "OPT3";
-        Option2_->setChecked(!other);
-        Option3_->setChecked(other);
+        normalConditionsOption_->setChecked(!other);
+        otherConditionsOption_->setChecked(other);
     }
     speakerBox_->setEnabled(v.frameSpeakerEnabled);
     const auto& names = parts_.dictation.naming.dictatorNames();
-    if (cboName_->count() != static_cast<int>(names.size()) ||
-        (cboName_->count() > 0 && cboName_->itemText(0) != text(names.front()))) {
-        const QSignalBlocker quiet(cboName_);
-        cboName_->clear();
-        for (const std::string& name : names) cboName_->addItem(text(name));
+    if (speakerNames_->count() != static_cast<int>(names.size()) ||
+        (speakerNames_->count() > 0 && speakerNames_->itemText(0) != text(names.front()))) {
+        const QSignalBlocker quiet(speakerNames_);
+        speakerNames_->clear();
+        for (const std::string& name : names) speakerNames_->addItem(text(name));
     }
-    const int speaker = cboName_->findText(text(v.cboName));
-    if (cboName_->currentIndex() != speaker) {
-        const QSignalBlocker quiet(cboName_);
-        cboName_->setCurrentIndex(speaker);
+    const int speaker = speakerNames_->findText(text(v.cboName));
+    if (speakerNames_->currentIndex() != speaker) {
+        const QSignalBlocker quiet(speakerNames_);
+        speakerNames_->setCurrentIndex(speaker);
     }
 }
 
@@ -156,9 +156,9 @@ void StationWindow::Form_Load() {
     deviceChoice_->load();
     deviceBox_->fill();
     // With logging off there is no log to look at.
-    chkViewlOG_->setChecked(false);
-    chkViewlOG_->setEnabled(!record.NoLogging);
-    chkViewlOG_->setToolTip(record.NoLogging ? tr("Logging is switched off") : QString());
+    viewLogCheck_->setChecked(false);
+    viewLogCheck_->setEnabled(!record.NoLogging);
+    viewLogCheck_->setToolTip(record.NoLogging ? tr("Logging is switched off") : QString());
     face_ = faceFromSetting(record.ScreenSize);
     applyFace();
     setOnTop(record.Ontopcheck.toNumber().value_or(0) == 1);
@@ -179,7 +179,7 @@ void StationWindow::applyFace() {
     toolIcons_->setVisible(parts.toolIcons);
     statusRows_->setVisible(parts.statusLine);
     audioFrame_->setVisible(parts.waveform);
-    ctSlide1_->setVisible(parts.positionSlider);
+    positionSlider_->setVisible(parts.positionSlider);
     editRow_->setVisible(parts.editButtons);
     formatBox_->setVisible(parts.formatBox);
     speakerBox_->setVisible(parts.speakerBox && parts_.config.record.AddNameToFile);
@@ -238,10 +238,10 @@ void StationWindow::moveEvent(QMoveEvent* event) {
     parts_.config.record.MainWindowTop = geometry().y();
 }
 
-void StationWindow::chkViewlOG_Click(bool checked) {
-    if (chkViewlOG_->isChecked() != checked) {
-        const QSignalBlocker quiet(chkViewlOG_);
-        chkViewlOG_->setChecked(checked);
+void StationWindow::showEventLog(bool checked) {
+    if (viewLogCheck_->isChecked() != checked) {
+        const QSignalBlocker quiet(viewLogCheck_);
+        viewLogCheck_->setChecked(checked);
     }
     if (QAction* entry = menus_->action("mnuViewLog"); entry != nullptr && entry->isChecked() != checked) {
         const QSignalBlocker quiet(entry);
@@ -279,7 +279,7 @@ void StationWindow::showAbout() {
     about.exec();
 }
 
-void StationWindow::Option_Click(bool otherConditions) {
+void StationWindow::chooseRecordingFormat(bool otherConditions) {
     dictation::Dictation& d = parts_.dictation;
     settings::SettingsRecord& record = parts_.config.record;
     const std::string chosen = otherConditions ? "OPT3" : "OPT2";

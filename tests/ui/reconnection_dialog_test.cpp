@@ -37,11 +37,11 @@ TEST(ReconnectionDialogTest, AsksWithBothButtonsAndOkClosesItKeepingTheQueue) {
     ASSERT_TRUE(dialog->isVisible());
     EXPECT_EQ(dialog->windowTitle(), "TCP ReConnection");
     EXPECT_EQ(dialog->windowModality(), Qt::ApplicationModal);
-    EXPECT_EQ(dialog->lblWait()->text(), "** CAN NOT CONNECT TO SERVER **");
-    EXPECT_TRUE(dialog->cmdOK()->isVisible());
-    EXPECT_TRUE(dialog->cmdConnect()->isVisible());
+    EXPECT_EQ(dialog->waitText()->text(), "** CAN NOT CONNECT TO SERVER **");
+    EXPECT_TRUE(dialog->okButton()->isVisible());
+    EXPECT_TRUE(dialog->connectButton()->isVisible());
 
-    dialog->cmdOK()->click();
+    dialog->okButton()->click();
     EXPECT_FALSE(dialog->isVisible());
     EXPECT_EQ(link.queued(), std::vector<std::string>{"LOADED_AB0001.WAV"});
 }

@@ -129,10 +129,10 @@ TEST_F(StationWindowTest, TheLogBoxShowsTheDaysLogAndClosingTheWindowUnticksIt) 
     box->click();
     EventLogWindow& logWindow = window().eventLogWindow();
     EXPECT_TRUE(logWindow.isVisible());
-    EXPECT_NE(logWindow.Text1()->toPlainText().indexOf("File Record: letter one"), -1);
+    EXPECT_NE(logWindow.logText()->toPlainText().indexOf("File Record: letter one"), -1);
     log.trace("File Play: letter one");
     logWindow.refresh();
-    EXPECT_NE(logWindow.Text1()->toPlainText().indexOf("File Play: letter one"), -1)
+    EXPECT_NE(logWindow.logText()->toPlainText().indexOf("File Play: letter one"), -1)
         << "the window follows the log";
     logWindow.close();
     EXPECT_FALSE(box->isChecked());
