@@ -29,7 +29,7 @@ public:
 private:
     settings::DebugTrace& trace_;
     std::function<settings::GlobalsSnapshot()> snapshot_;
-    QPlainTextEdit* traceText_ = nullptr;
+    QPlainTextEdit* traceText_ = nullptr;  // txtDebug
 };
 
 }  // namespace ovd::ui

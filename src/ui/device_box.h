@@ -29,14 +29,14 @@ private:
 
     DeviceChoice& choice_;
     unsigned long shownChanges_ = 0;
-    QComboBox* inputDeviceBox_ = nullptr;
-    QComboBox* inputLineBox_ = nullptr;
-    QComboBox* outputDeviceBox_ = nullptr;
-    QComboBox* outputLineBox_ = nullptr;
-    QSlider* inputVolumeSlider_ = nullptr;
-    QSlider* outputVolumeSlider_ = nullptr;
-    QLabel* inputVolumeLabel_ = nullptr;
-    QLabel* outputVolumeLabel_ = nullptr;
+    QComboBox* inputDeviceBox_ = nullptr;  // cmbDevInput
+    QComboBox* inputLineBox_ = nullptr;  // cmbSrcInput
+    QComboBox* outputDeviceBox_ = nullptr;  // cmbDevOutput
+    QComboBox* outputLineBox_ = nullptr;  // cmbSrcOutput
+    QSlider* inputVolumeSlider_ = nullptr;  // sldrVolumeInp
+    QSlider* outputVolumeSlider_ = nullptr;  // sldrVolumeOut
+    QLabel* inputVolumeLabel_ = nullptr;  // lblRecLev
+    QLabel* outputVolumeLabel_ = nullptr;  // Label6
 };
 
 }  // namespace ovd::ui

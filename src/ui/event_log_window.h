@@ -21,7 +21,7 @@ public:
 
     // Takes up what the log gained since the last look.
     void refresh();
-    [[nodiscard]] QPlainTextEdit* logText() const { return logText_; }
+    [[nodiscard]] QPlainTextEdit* logText() const { return logText_; }  // Text1
 
     // The window was closed from its own menu or frame: chkViewlOG unticks.
     std::function<void()> onClosed;

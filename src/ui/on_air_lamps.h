@@ -32,9 +32,9 @@ public:
     [[nodiscard]] QLabel* caption() const { return onAirCaption_; }
 
 private:
-    Lamp* leftLamp_ = nullptr;
-    Lamp* rightLamp_ = nullptr;
-    QLabel* onAirCaption_ = nullptr;
+    Lamp* leftLamp_ = nullptr;  // Image5
+    Lamp* rightLamp_ = nullptr;  // Image6
+    QLabel* onAirCaption_ = nullptr;  // lblOnAir
 };
 
 }  // namespace ovd::ui

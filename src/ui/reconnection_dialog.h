@@ -21,9 +21,9 @@ public:
     // Shows, redraws or hides the dialog as the link's view now says.
     void render();
 
-    QLabel* waitText() const { return waitText_; }
-    QPushButton* okButton() const { return okButton_; }
-    QPushButton* connectButton() const { return connectButton_; }
+    QLabel* waitText() const { return waitText_; }  // lblWait
+    QPushButton* okButton() const { return okButton_; }  // cmdOK
+    QPushButton* connectButton() const { return connectButton_; }  // cmdConnect
 
 protected:
     // The window's close box is the OK button, and only while the buttons show.

@@ -103,8 +103,8 @@ public:
     [[nodiscard]] Face face() const { return face_; }
     // Always-on-top, stored in Ontopcheck.
     void setOnTop(bool onTop);
-    // chkViewlOG: the event log window shown or hidden.
-    void showEventLog(bool checked);
+    // The event log window shown or hidden, with the check box and the menu entry.
+    void showEventLog(bool checked);  // chkViewlOG_Click
     void showHelp();
     void showAbout();
 
@@ -154,7 +154,8 @@ private:
     void renderTimes(const dictation::MainView& v);
     void renderButtons(const dictation::MainView& v);
     void renderOptions(const dictation::MainView& v);
-    void chooseRecordingFormat(bool otherConditions);
+    // The next file's recording format, normal or other conditions.
+    void chooseRecordingFormat(bool otherConditions);  // Option2_Click, Option3_Click
 
     StationWindowParts parts_;
     Face face_ = Face::Regular;
@@ -163,43 +164,43 @@ private:
     QElapsedTimer sinceRender_;
 
     QWidget* statusRows_ = nullptr;
-    QWidget* audioFrame_ = nullptr;
+    QWidget* audioFrame_ = nullptr;  // frameAudio
     QWidget* editRow_ = nullptr;
-    QWidget* formatBox_ = nullptr;
-    QWidget* speakerBox_ = nullptr;
+    QWidget* formatBox_ = nullptr;  // frRec
+    QWidget* speakerBox_ = nullptr;  // frameSpeaker
     QWidget* optionsRow_ = nullptr;
     DeskUnitPanel* deskUnit_ = nullptr;
     QToolBar* toolIcons_ = nullptr;
     QVBoxLayout* column_ = nullptr;
 
-    OnAirLamps* lamps_ = nullptr;
-    QLabel* statusLine_ = nullptr;
-    QLabel* fileNameLabel_ = nullptr;
-    QLabel* modeLabel_ = nullptr;
-    QLabel* busyLabel_ = nullptr;
-    QLabel* operationLabel_ = nullptr;
-    QLabel* timeElapsed_ = nullptr;
-    QLabel* timeRemaining_ = nullptr;
-    QLabel* fileSize_ = nullptr;
-    QLabel* fileNamePanel_ = nullptr;
-    QLabel* fileSizePanel_ = nullptr;
-    QSlider* positionSlider_ = nullptr;
-    WaveformView* waveform_ = nullptr;
+    OnAirLamps* lamps_ = nullptr;  // Image5, lblOnAir, Image6
+    QLabel* statusLine_ = nullptr;  // Label40
+    QLabel* fileNameLabel_ = nullptr;  // lblReady
+    QLabel* modeLabel_ = nullptr;  // lblMode
+    QLabel* busyLabel_ = nullptr;  // lblBusy
+    QLabel* operationLabel_ = nullptr;  // Label37
+    QLabel* timeElapsed_ = nullptr;  // NCTTimeDisplay21
+    QLabel* timeRemaining_ = nullptr;  // Label24
+    QLabel* fileSize_ = nullptr;  // Label43
+    QLabel* fileNamePanel_ = nullptr;  // StatusBar1 panel 1
+    QLabel* fileSizePanel_ = nullptr;  // StatusBar1 panel 2
+    QSlider* positionSlider_ = nullptr;  // ctSlide1
+    WaveformView* waveform_ = nullptr;  // AudioEditor1
     LevelMeter* levelMeter_ = nullptr;
-    TransportBar* transportBar_ = nullptr;
-    QPushButton* endOfLetterButton_ = nullptr;
-    QPushButton* endInsertButton_ = nullptr;
-    QPushButton* endAppendButton_ = nullptr;
-    QPushButton* addToBeginningButton_ = nullptr;
-    QPushButton* insertButton_ = nullptr;
-    QPushButton* overwriteButton_ = nullptr;
-    QPushButton* lastThreeSecondsButton_ = nullptr;
-    QLineEdit* stepSecondsBox_ = nullptr;
-    QRadioButton* normalConditionsOption_ = nullptr;
-    QRadioButton* otherConditionsOption_ = nullptr;
-    QComboBox* speakerNames_ = nullptr;
-    QCheckBox* viewLogCheck_ = nullptr;
-    DeviceBox* deviceBox_ = nullptr;
+    TransportBar* transportBar_ = nullptr;  // MMControl1
+    QPushButton* endOfLetterButton_ = nullptr;  // cmdEOL
+    QPushButton* endInsertButton_ = nullptr;  // ButtonEx1
+    QPushButton* endAppendButton_ = nullptr;  // ButtonEx2
+    QPushButton* addToBeginningButton_ = nullptr;  // Command1
+    QPushButton* insertButton_ = nullptr;  // Command2
+    QPushButton* overwriteButton_ = nullptr;  // cmdOVR
+    QPushButton* lastThreeSecondsButton_ = nullptr;  // Command3
+    QLineEdit* stepSecondsBox_ = nullptr;  // txtStepAmt
+    QRadioButton* normalConditionsOption_ = nullptr;  // Option2
+    QRadioButton* otherConditionsOption_ = nullptr;  // Option3
+    QComboBox* speakerNames_ = nullptr;  // cboName
+    QCheckBox* viewLogCheck_ = nullptr;  // chkViewlOG
+    DeviceBox* deviceBox_ = nullptr;  // frameDevices
     bool busyPointerShown_ = false;
 
     std::unique_ptr<DeviceChoice> deviceChoice_;
