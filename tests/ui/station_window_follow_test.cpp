@@ -7,6 +7,7 @@
 #include <QElapsedTimer>
 #include <QImage>
 
+#include "ui/level_meter.h"
 #include "ui/station_window_fixture.h"
 #include "ui/ui_test_helpers.h"
 #include "ui/waveform_view.h"
@@ -36,17 +37,14 @@ protected:
     }
 };
 
-class StationWindowFollowTest : public StationWindowTest {
-protected:
-    // Lets every pending repaint and queued render happen, for this long in real time.
-    static void settle(int milliseconds) {
-        QElapsedTimer clock;
-        clock.start();
-        while (clock.elapsed() < milliseconds) {
-            QApplication::processEvents(QEventLoop::AllEvents, 10);
-        }
-    }
-};
+// Lets every pending repaint and queued render happen, for this long in real time.
+void settle(int milliseconds) {
+    QElapsedTimer clock;
+    clock.start();
+    while (clock.elapsed() < milliseconds) QApplication::processEvents(QEventLoop::AllEvents, 10);
+}
+
+using StationWindowFollowTest = StationWindowTest;
 
 TEST_F(StationWindowFollowTest, WhatTheDictationAnnouncesIsOnTheScreenOnceTheLoopIsFree) {
     window().Form_Load();
@@ -123,6 +121,32 @@ TEST_F(StationWindowFollowTest, TheWaveformFollowedThroughATakeIsTheTakeReadWhol
     d().stop();
     followed.refresh();
     EXPECT_FALSE(followed.following()) << "a stopped take is not looked at again";
+}
+
+TEST(LevelMeterPaceTest, TheMeterRepaintsAtTheEyesPaceHoweverFastTheSoundComesIn) {
+    LevelMeter meter;
+    meter.resize(160, 14);
+    meter.show();
+    QApplication::processEvents();
+    PaintCounter counter(meter);
+    // A second of blocks of sound every 2 ms, loud and soft in turn.
+    QElapsedTimer clock;
+    clock.start();
+    int block = 0;
+    while (clock.elapsed() < 1000) {
+        meter.setLevel(++block % 2 == 0 ? 80 : 30 + block % 40);
+        QApplication::processEvents(QEventLoop::AllEvents, 2);
+    }
+    EXPECT_GT(block, 100);
+    EXPECT_GT(meter.level(), 0) << "the sound shows";
+    EXPECT_GT(counter.paints, 0);
+    EXPECT_LE(counter.paints, 30) << "about twenty pictures a second, not one a block";
+
+    // Quiet: the bar falls to nothing and stops moving.
+    EXPECT_TRUE(runUntil([&] { return meter.level() == 0; }, std::chrono::seconds(3)));
+    const int afterFall = counter.paints;
+    settle(300);
+    EXPECT_EQ(counter.paints, afterFall);
 }
 
 }  // namespace
