@@ -49,12 +49,13 @@ void WaveformView::refresh() {
     const bool selection = hasDocument && editor_.SelectionActive();
     const engine::SampleCount start = editor_.SelectionStart();
     const engine::SampleCount end = editor_.SelectionEnd();
-    if (selection != selection_ || start != selectionStart_ || end != selectionEnd_) {
-        selection_ = selection;
-        selectionStart_ = start;
-        selectionEnd_ = end;
+    // Ends of a selection not shown (a take moves them along) change nothing drawn.
+    if (selection != selection_ || (selection && (start != selectionStart_ || end != selectionEnd_))) {
         pictureStale_ = true;
     }
+    selection_ = selection;
+    selectionStart_ = start;
+    selectionEnd_ = end;
     const engine::SampleCount cursor = hasDocument ? editor_.CursorPosition() : 0;
     if (cursor != cursor_) {
         // On a picture that stands, only the cursor's old and new columns change.
