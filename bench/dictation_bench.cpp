@@ -84,9 +84,9 @@ int main() {
     d.stop();
     const double curPosTick = microsecondsPerTick(20000, [&] { d.timCurPos_Timer(); });
 
-    std::printf("file open: %s, %s shown as %s, position %s of %d s\n", d.state.flgfileOpen1 ? "yes" : "no",
-                d.state.Filename.c_str(), d.view.statusPanel2.c_str(), d.view.timeElapsed.c_str(),
-                d.state.iTotalSecFile);
+    std::printf("file open: %s, %s shown as %s, position %s of %d s\n", d.state().flgfileOpen1 ? "yes" : "no",
+                d.state().Filename.c_str(), d.view().statusPanel2.c_str(), d.view().timeElapsed.c_str(),
+                d.state().iTotalSecFile);
     std::printf("timCurPos tick, a minute's file open:               %8.2f us (target < 100 us)\n",
                 curPosTick);
     std::printf("timRecord tick with the Temp folder of 1,000 files: %8.2f us (4 a second)\n",

@@ -209,7 +209,7 @@ int main(int argc, char** argv) {
             // never entered; a box waiting for an answer takes its default.
             terminationRequested = true;
             // A routine waiting on an answer or on the disk sees the end coming and lets go.
-            station.dictation().state.Imclosing = true;
+            station.dictation().beginShutdown();
             QCoreApplication::quit();
             if (!options.headless) {
                 if (QWidget* box = QApplication::activeModalWidget()) box->close();
@@ -224,7 +224,7 @@ int main(int argc, char** argv) {
     // desk unit's buttons are named by them.
     if (window) {
         window->addDeskUnit(new ovd::ui::DeskUnitPanel(station.handsFree().switchModel,
-                                                       station.dictation().view, config.record));
+                                                       station.dictation().view(), config.record));
         window->Form_Load();
     }
     const int status = terminationRequested ? 0 : QCoreApplication::exec();

@@ -29,10 +29,7 @@ void Station::TCPSaysClose() {
     parts_.log.trace("TCPSaysClose");
     parts_.config.WriteConfig();
     dictation::Dictation& d = *dictation_;
-    d.state.TCPClose = true;
-    d.closeFile();
-    d.state.TCPClose = false;
-    d.handOffLookTimer.setEnabled(true);
+    d.closeForPeer();
 }
 
 void Station::KillAllPedals() { handsFree_->stop(); }
@@ -40,7 +37,7 @@ void Station::KillAllPedals() { handsFree_->stop(); }
 void Station::unloadForm() {
     // A routine still waiting further down the stack (a save without room, a
     // letter waiting for its file) sees the end coming and lets go.
-    dictation_->state.Imclosing = true;
+    dictation_->beginShutdown();
     if (onExit) onExit();
 }
 
@@ -48,14 +45,11 @@ void Station::Form_Unload() {
     if (unloaded_) return;
     unloaded_ = true;
     dictation::Dictation& d = *dictation_;
-    d.state.Imclosing = true;
-    d.tmCommand.setEnabled(false);
-    d.handOffLookTimer.setEnabled(false);
-    d.handOffWaitTimer.setEnabled(false);
+    d.stopForExit();
     peerLink_.stop();
     autoSendMenu_.tmchkAutoSend.setEnabled(false);
     companion_.stop();
-    if (d.state.FileChanged) d.closeFile();
+    if (d.state().FileChanged) d.closeFile();
     closeWorkFiles();
     KillAllPedals();
     settings::SettingsRecord& record = parts_.config.record;
@@ -75,12 +69,12 @@ void Station::Form_Unload() {
 void Station::closeWorkFiles() {
     dictation::Dictation& d = *dictation_;
     d.TempFileNameFileLength();
-    const bool unsavedTake = (d.state.FileSaveError || d.takeWaitsInTemp()) && d.state.NewTempFileLength &&
-                             *d.state.NewTempFileLength >= dictation::kMinimumRecordedBytes;
+    const bool unsavedTake = (d.state().FileSaveError || d.takeWaitsInTemp()) && d.state().NewTempFileLength &&
+                             *d.state().NewTempFileLength >= dictation::kMinimumRecordedBytes;
     if (unsavedTake) {
         // The take could not be saved: its work file stays for the recovery.
-        parts_.log.trace("The take of " + d.state.Filename + " was not saved; it stays in " +
-                         d.state.NewTempFile + " for the recovery");
+        parts_.log.trace("The take of " + d.state().Filename + " was not saved; it stays in " +
+                         d.state().NewTempFile + " for the recovery");
         return;
     }
     // Saved or never recorded on: an orderly end leaves no work file behind to be

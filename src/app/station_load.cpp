@@ -62,16 +62,9 @@ LoadResult Station::Form_Load() {
     settings::EventLog& log = parts_.log;
 
     log.trace("Loading: program folder " + parts_.programFolder + ", data folder " + parts_.dataFolder);
-    d.handOffLookTimer.setInterval(50);
-    d.handOffWaitTimer.setEnabled(false);
-    d.state.CommandFileName = parts_.commandFileName;
-    if (!d.state.CommandFileName.empty()) {
-        log.trace("Received Command line File Name = " + d.state.CommandFileName);
-        d.state.commandLine.CommandLineLaunched = true;
-    }
-    d.state.OnLoad = true;
+    d.beginLoad(parts_.commandFileName);
     d.loadScreen();
-    log.trace("Loading: " + std::to_string(d.view.Reopen.size()) + " recent files");
+    log.trace("Loading: " + std::to_string(d.view().Reopen.size()) + " recent files");
 
     tellWhenSettingsCantBeWritten();
     if (!parts_.config.startUp(parts_.prompts)) return LoadResult::EndProgram;
@@ -88,13 +81,13 @@ LoadResult Station::Form_Load() {
     }
 
     if (!loadRecordingDevice()) {
-        d.state.OnLoad = false;
+        d.loadAbandoned();
         return LoadResult::NothingReady;
     }
     d.SetParam("load");
     d.takeSettings();
     log.trace("Loading: work files in " + platform::joinPath(recordings, "Temp") + ", saving every " +
-              std::to_string(d.timSave.Interval()) + " ms, crash protection " +
+              std::to_string(d.saveInterval()) + " ms, crash protection " +
               platform::boolText(record.FileSaveAtStop));
 
     if (parts_.sound.playbackDevices().Count() == 0) {
@@ -120,8 +113,7 @@ LoadResult Station::Form_Load() {
             break;
     }
 
-    d.view.mnuScanConvertEnabled = true;
-    d.state.OnLoad = true;
+    d.beforePedalsStart();
     handsFree_->start();
     log.trace("Loading: pedals USB " + platform::boolText(record.UserSelectUSB) + ", game port " +
               platform::boolText(record.UserSelectGame) + ", serial " +
@@ -129,13 +121,8 @@ LoadResult Station::Form_Load() {
     createDestinationFolders();
     loadAutoSend();
 
-    if (record.QDUDisconnected) {
-        d.view.Label40 = dictation::kDeskUnitMissing;
-        d.tmCommand.setEnabled(true);
-    }
-    d.view.cmdEOL = false;
-    d.view.caption = dictation::applicationTitle(record.HandsFreeEdition);
-    d.state.OnLoad = false;
+    if (record.QDUDisconnected) d.showDeskUnitMissing();
+    d.finishLoad(record.HandsFreeEdition);
     d.naming.ComboFill();
     log.trace("Loading: done, view " + record.ScreenSize);
     return LoadResult::Ready;

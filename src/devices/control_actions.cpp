@@ -33,9 +33,15 @@ std::string buttonDisplayName(std::string_view action) {
 }
 
 PedalDispatcher::PedalDispatcher(const settings::SettingsRecord& settings,
-                                 dictation::DictationState& state, dictation::MainView& view,
-                                 PedalHits& hits, TransportCommands& commands, StepBackTimers timers)
-    : settings_(settings), state_(state), view_(view), hits_(hits), commands_(commands), timers_(timers) {
+                                 dictation::Dictation& dictation, TransportCommands& commands,
+                                 StepBackTimers timers)
+    : settings_(settings),
+      d_(dictation),
+      state_(dictation.state()),
+      view_(dictation.view()),
+      hits_(dictation.pedalPresses()),
+      commands_(commands),
+      timers_(timers) {
     timers_.timSERStepBACK.setOnTick(
         [this] { stepBackTick(timers_.timSERStepBACK, [this] { return serialPedalHeld(); }); });
     timers_.timUSBStepBACK.setOnTick([this] {
@@ -135,10 +141,7 @@ void PedalDispatcher::dispatch(PedalDevice device, const std::string& pedal, con
 }
 
 void PedalDispatcher::UpdateEOLButton() {
-    const dictation::TransportBar& bar = view_.MMControl1;
-    if (!bar.Record && bar.Stop) view_.cmdEOL = false;
-    if (state_.RecordedOnce && bar.Record && !bar.Stop) view_.cmdEOL = true;
-    if (!bar.Record && !bar.Stop) view_.cmdEOL = false;
+    d_.refreshEndOfLetterButton();
 }
 
 void PedalDispatcher::startStepBack(PedalDevice device) {
@@ -181,13 +184,12 @@ void PedalDispatcher::stepBackTick(platform::Timer& timer, const std::function<b
         commands_.CaseStop();
         commands_.CaseEnd();
     }
-    view_.Lbl4Pos = kStepBackStatus;
-    view_.lblMode.clear();
-    state_.HitOnce = false;
-    state_.HitTwice = false;
+    d_.showSwitchPosition(kStepBackStatus);
+    d_.showMode("");
+    d_.disarmInsertOverwrite();
     commands_.pushSwitchPosition(kStepBackStatus);
     commands_.SwitchAction("STEPBACK");
-    state_.StepBackRequest = false;
+    d_.setStepBackUnderWay(false);
     // Asked again after the step: the step pumps events, and the pedal may be up by now.
     if (!pedalHeld()) timer.setEnabled(false);
 }

@@ -10,8 +10,7 @@
 #include <string_view>
 
 #include "devices/pedal_events.h"
-#include "dictation/dictation_state.h"
-#include "dictation/main_view.h"
+#include "dictation/dictation.h"
 #include "platform/timer.h"
 #include "settings/settings_record.h"
 
@@ -69,9 +68,8 @@ public:
         platform::Timer& timGAMEStepBACK;
     };
 
-    PedalDispatcher(const settings::SettingsRecord& settings, dictation::DictationState& state,
-                    dictation::MainView& view, PedalHits& hits, TransportCommands& commands,
-                    StepBackTimers timers);
+    PedalDispatcher(const settings::SettingsRecord& settings, dictation::Dictation& dictation,
+                    TransportCommands& commands, StepBackTimers timers);
 
     // The game port runs on the serial assignments and the serial step-back timer.
     void PedalEventSER(const std::string& pedal, const std::string& direction) override;
@@ -98,8 +96,9 @@ private:
     void startStepBack(PedalDevice device);
 
     const settings::SettingsRecord& settings_;
-    dictation::DictationState& state_;
-    dictation::MainView& view_;
+    dictation::Dictation& d_;
+    const dictation::DictationState& state_;
+    const dictation::MainView& view_;
     PedalHits& hits_;
     TransportCommands& commands_;
     StepBackTimers timers_;

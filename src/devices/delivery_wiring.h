@@ -71,10 +71,7 @@ public:
     void release();
 
 private:
-    [[nodiscard]] std::array<platform::Timer*, 5> timers() const;
     dictation::Dictation& d_;
-    std::array<bool, 5> were_{};
-    bool held_ = false;
 };
 
 }  // namespace ovd::devices

@@ -72,9 +72,7 @@ void SwitchModel::Switch1TO8ON(const std::string& action, int buttonNumber) {
         BUTHit_[static_cast<std::size_t>(buttonNumber - 1)] = true;
     }
     if (!settings().QDUDisconnected) {
-        view_.Label40 = "Last Button Pressed on QDU Unit was " + std::to_string(buttonNumber) +
-                        " : " + buttonDisplayName(action);
-        shown();
+        d_.showStatus("Last Button Pressed on QDU Unit was " + std::to_string(buttonNumber) + " : " + buttonDisplayName(action));
     }
     if (state_.CheckingKey && action != "ToggleEXTINTMic" && action != "Stop") return;
     if (settings().TCPButtonScreen) {
@@ -128,8 +126,7 @@ void SwitchModel::runButtonAction(const std::string& action, int buttonNumber) {
     } else if (action == "Exit") {
         letters_.exitProgram();
     } else if (action == "AddBeg") {
-        view_.Lbl4Pos = dictation::kSwitchDictate;
-        shown();
+        d_.showSwitchPosition(dictation::kSwitchDictate);
         d_.addToBeginning();
     } else if (action == "RenameFile") {
         renameFile();
@@ -188,10 +185,10 @@ void SwitchModel::stepThroughRecentFiles(int step) {
     const int wanted = std::max(before + step, 0);
     const std::vector<std::string> entries = d_.recent.DisplayMRU();
     if (wanted >= static_cast<int>(entries.size())) {
-        state_.PreviousNextFile = before;
+        d_.rememberRecentStep(before);
         return;
     }
-    state_.PreviousNextFile = wanted;
+    d_.rememberRecentStep(wanted);
     d_.openRecentFile(entries[static_cast<std::size_t>(wanted)]);
 }
 
@@ -245,8 +242,7 @@ void SwitchModel::sendToDestination(int destination) {
     const std::string notTried = "Destination " + folder + " Error: Not Sent";
 
     if (!active.at(index)) {
-        view_.Label40 = "Auto Send Destination " + word + " has not been activated";
-        shown();
+        d_.showStatus("Auto Send Destination " + word + " has not been activated");
         // Destination one is named by its number, the others by their folder.
         trace((destination == 1 ? std::string("Auto Send One") : "Auto Send " + folder) +
               " has not been activated. -Bypassing step: " + target);
@@ -274,11 +270,11 @@ void SwitchModel::stageForSending(Staging staging) {
     const bool email = staging == Staging::Email;
     const std::string kind = email ? "Email" : "FTP";
     if (!(email ? s.AutoEmail : s.AutoFTP)) {
-        view_.Label40 = "Auto Send " + kind + " has not been activated";
+        d_.showStatus("Auto Send " + kind + " has not been activated");
     } else if ((email ? s.AutoEmailName : s.AutoFTPName).empty()) {
-        view_.Label40 = "Auto Send " + kind + " Address is blank";
+        d_.showStatus("Auto Send " + kind + " Address is blank");
     } else if (state_.Filename.empty()) {
-        view_.Label40 = "There is not a file to Auto Send.";
+        d_.showStatus("There is not a file to Auto Send.");
     } else {
         const std::string path = state_.Filename;
         stopAndClose();
@@ -286,7 +282,6 @@ void SwitchModel::stageForSending(Staging staging) {
         d_.newLetter();
         return;
     }
-    shown();
 }
 
 void SwitchModel::sendButtonMessage(const std::string& action, int buttonNumber) {
@@ -303,8 +298,7 @@ void SwitchModel::sendButtonMessage(const std::string& action, int buttonNumber)
         trace(" * TCP MSG SuccessfulLY SENT* ");
         return;
     }
-    view_.Label40 = kPeerConnectionError;
-    shown();
+    d_.showStatus(kPeerConnectionError);
     trace("  MSG NOT SENT  ");
     trace(" * TCP CONNECTION ERROR* ");
 }

@@ -28,30 +28,27 @@ void EndOfLetter::startEndOfLetter() {
     DoingEOL = false;
     endOfLetter();
     // The finished letter's mark in the window's title.
-    d_.view.MyPicture = kFinishedLetterPicture;
-    ++d_.view.revision;
+    d_.showTitlePicture(kFinishedLetterPicture);
 }
 
 void EndOfLetter::showReady() {
     const bool thin = config_.record.ScreenSize == "SuperThin";
-    d_.view.lblReady = thin ? "" : dictation::kReadyAfterSave;
-    ++d_.view.revision;
+    d_.showFileLabel(thin ? "" : dictation::kReadyAfterSave);
 }
 
 void EndOfLetter::endOfLetter() {
-    dictation::DictationState& state = d_.state;
+    const dictation::DictationState& state = d_.state();
     if (state.CheckingKey) return;
-    state.FileKilled = false;
-    d_.view.Label40 = kEOLExecuting;
+    d_.forgetDiscardedFile();
+    d_.showStatus(kEOLExecuting);
     log_.trace("EOL is Executing - DoingEOL = " + platform::boolText(DoingEOL));
     if (DoingEOL) return;  // a second trigger while the letter is being finished
     d_.CaseEnd();
     if (!state.FileSaveAtStop && state.FileChanged) {
-        state.SaveRequested = true;
-        d_.SaveFile();
+        d_.saveOnRequest();
         if (state.FileSaveError) {
             // The letter is not finished: it stays blocked until the next trigger.
-            state.FileSaveError = false;
+            d_.clearSaveError();
             DoingEOL = true;
             return;
         }
@@ -59,7 +56,7 @@ void EndOfLetter::endOfLetter() {
     if (d_.takeWaitsInTemp()) {
         // The Stop's own save found no room: the letter is not finished either,
         // and the open file keeps the take rather than a close sending nothing.
-        state.FileSaveError = false;
+        d_.clearSaveError();
         DoingEOL = true;
         return;
     }
@@ -86,8 +83,8 @@ void EndOfLetter::endOfLetter() {
             log_.trace(" Calling Image2_Click from HandSetSwitchs3");
             d_.newLetter();
         }
-        state.CommandFileName.clear();
-        state.FileKilled = false;
+        d_.forgetCommandFileName();
+        d_.forgetDiscardedFile();
     }
     if (SaveFileNameForSending.empty()) {
         DoingEOL = false;
@@ -100,17 +97,17 @@ void EndOfLetter::endOfLetter() {
     }
 
     SaveFileNameForSending.clear();
-    state.EOLHAPPENED = true;
-    d_.view.Label40 = dictation::kReadyAfterSave;
+    d_.markLetterFinished();
+    d_.showStatus(dictation::kReadyAfterSave);
     showReady();
     const bool namedFromOutside = state.commandLine.DIDDOCOMMANDLINE;
     log_.trace(" DIDDOCOMMANDLINE " + platform::boolText(namedFromOutside) + " Procedure-HandSetSwitchs3");
     if (namedFromOutside) {
         // The letter was asked for from outside: the next one is too, so the station
         // waits for the next name rather than numbering a file of its own.
-        state.CommandFileName.clear();
+        d_.forgetCommandFileName();
         d_.ResetRecorderState();
-        d_.handOffLookTimer.setEnabled(true);
+        d_.lookForHandOff();
         DoingEOL = false;
         return;
     }
@@ -121,7 +118,7 @@ void EndOfLetter::endOfLetter() {
     } else {
         ExitRequested = true;
     }
-    state.CommandFileName.clear();
+    d_.forgetCommandFileName();
     DoingEOL = false;
 }
 
@@ -129,13 +126,12 @@ void EndOfLetter::waitForFile() {
     // No time limit: the save may still hold the file, and nothing goes out half written.
     while (!SaveFileNameForSending.empty() && !platform::FileAvailable(SaveFileNameForSending)) {
         // Ending, the waits return at once: the letter waits for the next start.
-        if (d_.state.Imclosing) {
+        if (d_.state().Imclosing) {
             SaveFileNameForSending.clear();
             return;
         }
         const bool thin = config_.record.ScreenSize == "SuperThin";
-        d_.view.lblReady = thin ? "" : delivery::kWaitingForFile;
-        ++d_.view.revision;
+        d_.showFileLabel(thin ? "" : delivery::kWaitingForFile);
         loop_.wait(platform::Milliseconds(100));
     }
 }
@@ -153,10 +149,10 @@ void EndOfLetter::destinationNotTried(int destination, const std::string& notice
 void EndOfLetter::sendToDestination(int destination, const std::string& path,
                                     const SendWording& wording) {
     delivery_.sendToDestination(destination, path, wording);
-    d_.view.Label40 = dictation::kReadyAfterSave;
+    d_.showStatus(dictation::kReadyAfterSave);
     showReady();
     // A file named from outside waits for its next name; otherwise the next letter begins.
-    if (!d_.state.commandLine.CommandLineLaunched) d_.newLetter();
+    if (!d_.state().commandLine.CommandLineLaunched) d_.newLetter();
 }
 
 void EndOfLetter::stageForSending(Staging staging, const std::string& path) {

@@ -9,18 +9,17 @@ HandsFree::HandsFree(HandsFreeParts parts)
       timGAMEStepBACK(parts.loop, "timGAMEStepBACK"),
       switchModel({parts.dictation, parts.AudioEditor1, parts.config, parts.log, parts.prompts,
                    parts.peer, messages, parts.letters}),
-      dispatcher(parts.config.record, parts.dictation.state, parts.dictation.view,
-                 parts.dictation.hits, switchModel,
+      dispatcher(parts.config.record, parts.dictation, switchModel,
                  {timSERStepBACK, timUSBStepBACK, timGAMEStepBACK}),
-      usb(parts.config, parts.prompts, parts.loop, dispatcher, parts.dictation.hits,
-          parts.dictation.state, timUSBStepBACK, parts.hidraw),
-      serial(parts.config, parts.prompts, parts.loop, dispatcher, parts.dictation.hits,
-             parts.dictation.state, timSERStepBACK, *this),
+      usb(parts.config, parts.prompts, parts.loop, dispatcher, parts.dictation.pedalPresses(),
+          parts.dictation.state(), timUSBStepBACK, parts.hidraw),
+      serial(parts.config, parts.prompts, parts.loop, dispatcher, parts.dictation.pedalPresses(),
+             parts.dictation.state(), timSERStepBACK, *this),
       dictation_(parts.dictation),
       config_(parts.config),
       log_(parts.log) {
     dispatcher.usbPedalHeld = [this] { return usb.decoder.pedalHeld(); };
-    usb.PedalsBusy = [this] { return dictation_.state.PedalsBusy; };
+    usb.PedalsBusy = [this] { return dictation_.state().PedalsBusy; };
     usb.showConfigDialog = [this] {
         if (onShowUsbPedalSettings) onShowUsbPedalSettings();
     };
@@ -46,7 +45,7 @@ void HandsFree::stop() {
 bool HandsFree::USBPedals() const { return config_.record.UserSelectUSB; }
 bool HandsFree::GamePortPedals() const { return config_.record.UserSelectGame; }
 bool HandsFree::pedalInputSilenced() const {
-    const dictation::DictationState& state = dictation_.state;
+    const dictation::DictationState& state = dictation_.state();
     return state.PedalsBusy || state.OnLoad || state.Imclosing;
 }
 
@@ -64,9 +63,7 @@ void HandsFree::endProgram() {
 }
 
 void HandsFree::showStatus(const std::string& text) {
-    dictation_.view.Label40 = text;
-    ++dictation_.view.revision;
-    if (dictation_.onViewChanged) dictation_.onViewChanged();
+    dictation_.showStatus(text);
 }
 
 void HandsFree::tellSerialPortProblem(const std::string& text) {
@@ -77,7 +74,7 @@ void HandsFree::tellSerialPortProblem(const std::string& text) {
 void HandsFree::tellSerialPortOpened(const std::string& text) {
     log_.trace(text);
     // The warning goes once the pedal works; a newer status stays.
-    if (dictation_.view.Label40.rfind(kFootPedalPortNotice, 0) == 0) showStatus(text);
+    if (dictation_.view().Label40.rfind(kFootPedalPortNotice, 0) == 0) showStatus(text);
 }
 
 }  // namespace ovd::devices

@@ -10,7 +10,7 @@ constexpr int kDrainReads = 10;
 
 SerialPedals::SerialPedals(settings::ConfigFile& config, platform::Prompts& prompts,
                            platform::EventLoop& loop, PedalEventSink& sink, PedalHits& hits,
-                           dictation::DictationState& dictation, platform::Timer& timSERStepBACK,
+                           const dictation::DictationState& dictation, platform::Timer& timSERStepBACK,
                            SerialPedalsHost& host)
     : config_(config),
       prompts_(prompts),

@@ -66,7 +66,7 @@ class SerialPedals {
 
     SerialPedals(settings::ConfigFile& config, platform::Prompts& prompts,
                  platform::EventLoop& loop, PedalEventSink& sink, PedalHits& hits,
-                 dictation::DictationState& dictation, platform::Timer& timSERStepBACK,
+                 const dictation::DictationState& dictation, platform::Timer& timSERStepBACK,
                  SerialPedalsHost& host);
 
     void OpenSerialPedals();

@@ -21,9 +21,9 @@ using dictation::kSwitchStop;
 
 SwitchModel::SwitchModel(SwitchModelParts parts)
     : d_(parts.dictation),
-      state_(parts.dictation.state),
-      view_(parts.dictation.view),
-      hits_(parts.dictation.hits),
+      state_(parts.dictation.state()),
+      view_(parts.dictation.view()),
+      hits_(parts.dictation.pedalPresses()),
       AudioEditor1(parts.AudioEditor1),
       config_(parts.config),
       log_(parts.log),
@@ -31,7 +31,7 @@ SwitchModel::SwitchModel(SwitchModelParts parts)
       peer_(parts.peer),
       messages_(parts.messages),
       letters_(parts.letters) {
-    state_.FirstSwitchPosition = kFirstTime;
+    d_.replaceNewestSwitchPosition(kFirstTime);
     d_.fileReady = [this] { takePendingRecord(); };
 }
 
@@ -61,7 +61,7 @@ void SwitchModel::takePendingRecord() {
 // ---- The switch ----
 
 void SwitchModel::SwitchCommand(const std::string& command) {
-    state_.RememberLastSwitchLabel = view_.Lbl4Pos;
+    d_.rememberSwitchLabel();
     if (command == "Trigger") {
         // An empty hook: the action stores the word and does nothing with it.
         if (!state_.PausedRecording) SwitchAction("Trigger");
@@ -93,11 +93,7 @@ void SwitchModel::SwitchCommand(const std::string& command) {
 }
 
 void SwitchModel::pushSwitchPosition(const std::string& status) {
-    if (status == state_.FirstSwitchPosition) return;
-    state_.FourthSwitchPosition = std::move(state_.ThirdSwitchPosition);
-    state_.ThirdSwitchPosition = std::move(state_.SecondSwitchPosition);
-    state_.SecondSwitchPosition = std::move(state_.FirstSwitchPosition);
-    state_.FirstSwitchPosition = status;
+    d_.pushSwitchPosition(status);
 }
 
 void SwitchModel::endTakeAndDisarm() {
@@ -105,23 +101,20 @@ void SwitchModel::endTakeAndDisarm() {
         d_.CaseStop();
         d_.CaseEnd();
     }
-    state_.HitOnce = false;
-    state_.HitTwice = false;
-    view_.lblMode.clear();
+    d_.disarmInsertOverwrite();
+    d_.showMode("");
 }
 
 void SwitchModel::stepBack() {
     endTakeAndDisarm();
-    view_.Lbl4Pos = kSwitchStepBack;
-    shown();
+    d_.showSwitchPosition(kSwitchStepBack);
     pushSwitchPosition(kSwitchStepBack);
     SwitchAction("STEPBACK");
-    d_.state.StepBackRequest = false;
+    d_.setStepBackUnderWay(false);
 }
 
 void SwitchModel::listen() {
     endTakeAndDisarm();
-    shown();
     if (state_.FirstSwitchPosition == kFirstTime || state_.Recordingstatus || !state_.flgfileOpen1)
         return;
 
@@ -142,21 +135,20 @@ void SwitchModel::listen() {
         return;
     }
 
-    view_.Lbl4Pos = kSwitchListen;
-    shown();
+    d_.showSwitchPosition(kSwitchListen);
     if (state_.SecondSwitchPosition == kLast3Secs || alreadyListening) return;
     pushSwitchPosition(kSwitchListen);
 
     if (state_.PausedRecording) {
         // Stopped during playback: listening goes on from where it paused.
-        state_.JustOpened = true;
-        state_.PausedRecording = false;
+        d_.setJustOpened(true);
+        d_.setPausedRecording(false);
         rereadPosition();
-        state_.JustOpened = false;
+        d_.setJustOpened(false);
         d_.play();
         return;
     }
-    state_.PausedRecording = false;
+    d_.setPausedRecording(false);
 
     // Coming from dictate, directly or through stop, replays the last three
     // seconds first; from anywhere else listening simply goes on.
@@ -173,21 +165,19 @@ void SwitchModel::listen() {
 }
 
 void SwitchModel::stop() {
-    view_.Lbl4Pos = kSwitchStop;
+    d_.showSwitchPosition(kSwitchStop);
     // Stopping an insert or an overwrite forgets the position the take began
     // from, so the next listen does not take it for a dictation.
     if (state_.DoingInsertUpdate || state_.OverWriteFile) {
-        state_.PausedRecording = false;
-        state_.FirstSwitchPosition.clear();
+        d_.setPausedRecording(false);
+        d_.replaceNewestSwitchPosition("");
     }
-    state_.BackClickKeyFirstTime = false;
+    d_.forgetFirstBackClick();
     if (state_.FirstSwitchPosition != kSwitchStop) {
-        state_.HitOnce = false;
-        state_.HitTwice = false;
-        view_.lblMode.clear();
+        d_.disarmInsertOverwrite();
+        d_.showMode("");
         pushSwitchPosition(kSwitchStop);
     }
-    shown();
     if (state_.PausedRecording) return;
     // The first position is always the stop text by now, so this never holds;
     // the switch has always asked it and it stays.
@@ -201,45 +191,40 @@ void SwitchModel::stop() {
 
 bool SwitchModel::record(bool plainRecord) {
     if (state_.Recordingstatus) return false;
-    if (state_.FirstSwitchPosition != kSwitchStop) state_.FirstSwitchPosition = kSwitchStop;
-    view_.lblMode.clear();
-    view_.Lbl4Pos = kSwitchDictate;
-    shown();
+    if (state_.FirstSwitchPosition != kSwitchStop) d_.replaceNewestSwitchPosition(kSwitchStop);
+    d_.showMode("");
+    d_.showSwitchPosition(kSwitchDictate);
     pushSwitchPosition(kSwitchDictate);
 
     const settings::SettingsRecord& s = settings();
     if (plainRecord) {
         // With the automatic modes, the record command inserts or overwrites
         // wherever the buttons for it are on.
-        if (view_.cmdOVR && s.AutoOverwrite) state_.HitTwice = true;
+        if (view_.cmdOVR && s.AutoOverwrite) d_.armOverwrite();
         if (state_.HitTwice) {
-            state_.HitOnce = false;
-            state_.HitTwice = false;
+            d_.disarmInsertOverwrite();
             HandSetSwitchs3("OVERWRITE");
         }
-        if (view_.Command2 && s.AutoInsert) state_.HitOnce = true;
+        if (view_.Command2 && s.AutoInsert) d_.armInsert();
         if (state_.HitOnce) {
-            state_.HitOnce = false;
-            state_.HitTwice = false;
+            d_.disarmInsertOverwrite();
             HandSetSwitchs3("INSERT");
             return true;
         }
         if (!state_.Recordingstatus) {
             if (!state_.DoingInsertUpdate) d_.CaseEnd();
-            state_.PausedRecording = false;
+            d_.setPausedRecording(false);
             SwitchAction("DICTATE");
         }
         return true;
     }
     // The armed mode decides.
     if (state_.HitTwice) {
-        state_.HitOnce = false;
-        state_.HitTwice = false;
+        d_.disarmInsertOverwrite();
         HandSetSwitchs3("OVERWRITE");
     }
     if (state_.HitOnce) {
-        state_.HitOnce = false;
-        state_.HitTwice = false;
+        d_.disarmInsertOverwrite();
         HandSetSwitchs3("INSERT");
     }
     return true;
@@ -247,7 +232,6 @@ bool SwitchModel::record(bool plainRecord) {
 
 void SwitchModel::stepForward() {
     endTakeAndDisarm();
-    shown();
     d_.stepForward();
 }
 
@@ -258,12 +242,12 @@ void SwitchModel::arm(bool overwrite) {
         hits_.HandSetHitNotHit = false;
         return;
     }
-    state_.HitOnce = true;
-    state_.HitTwice = overwrite;
-    view_.lblMode = overwrite ? "Overwrite Mode" : "Insert Mode";
+    d_.disarmInsertOverwrite();
+    d_.armInsert();
+    if (overwrite) d_.armOverwrite();
+    d_.showMode(overwrite ? "Overwrite Mode" : "Insert Mode");
     d_.PlayPrompt("beep2.wav");
-    view_.Lbl4Pos = kSwitchDictate;
-    shown();
+    d_.showSwitchPosition(kSwitchDictate);
     if (overwrite) {
         d_.overwriteAtCursor();
     } else {
@@ -275,7 +259,7 @@ void SwitchModel::endOfLetterCommand() {
     if (!settings().VoicePrompts) letters_.beep();
     // Refused without a word during a take: the hot key stops first.
     if (state_.Recordingstatus) return;
-    state_.FirstSwitchPosition = kSwitchStop;
+    d_.replaceNewestSwitchPosition(kSwitchStop);
     d_.CaseStop();
     // After a finished letter the command only stops the transport.
     if (state_.EOLHAPPENED) return;
@@ -286,7 +270,7 @@ void SwitchModel::endOfLetterCommand() {
 }
 
 void SwitchModel::SwitchAction(const std::string& word) {
-    state_.CurrentButtonSelected = word;
+    d_.noteSwitchWord(word);
     if (state_.CheckingKey || word == "Trigger") return;
     const dictation::TransportBar& bar = view_.MMControl1;
     const bool scratchTake =
@@ -296,8 +280,8 @@ void SwitchModel::SwitchAction(const std::string& word) {
             hits_.HandSetHitNotHit = false;
             return;
         }
-        state_.StatusMessage.clear();
-        d_.state.StepBackRequest = true;
+        d_.withdrawSwitchRequest();
+        d_.setStepBackUnderWay(true);
         d_.StepBackward();
         // Playing starts where the step left the cursor: "Backs up N seconds/Listen".
         d_.CasePlay("StepBackwardKey");
@@ -307,10 +291,10 @@ void SwitchModel::SwitchAction(const std::string& word) {
         if (bar.Play) d_.play();
     } else if (word == "STOP") {
         // The stop that ends a step back only ends the step; playing goes on.
-        if (!d_.state.StepBackRequest) {
+        if (!state_.StepBackRequest) {
             if (bar.Stop) StopClick();
         } else {
-            d_.state.StepBackRequest = false;
+            d_.setStepBackUnderWay(false);
         }
         UpdateEOLButton();
     } else if (word == "DICTATE") {
@@ -326,7 +310,7 @@ void SwitchModel::HandSetSwitchs3(const std::string& word) {
         return;
     }
     if (state_.CheckingKey) return;
-    state_.FileKilled = false;
+    d_.forgetDiscardedFile();
     const dictation::TransportBar& bar = view_.MMControl1;
     if (word == "INSERT") {
         if (!view_.Command2) return;
@@ -336,8 +320,7 @@ void SwitchModel::HandSetSwitchs3(const std::string& word) {
     } else if (word == "OVERWRITE") {
         if (!view_.cmdOVR) {
             hits_.HandSetHitNotHit = false;
-            state_.HitOnce = false;
-            state_.HitTwice = false;
+            d_.disarmInsertOverwrite();
             return;
         }
         if (view_.Lbl4Pos != kSwitchDictate)
@@ -359,18 +342,15 @@ void SwitchModel::HandSetSwitchs3(const std::string& word) {
 }
 
 void SwitchModel::askToMoveSwitch(const char* message, const char* waitingFor) {
-    state_.StatusMessage = message;
-    state_.WAITINGFORButtonSelected = waitingFor;
-    state_.StatusMessage.clear();
+    d_.askToMoveSwitch(message, waitingFor);
 }
 
 void SwitchModel::UpdateEOLButton() {
-    view_.cmdEOL = dictation::cmdEOLAfter(view_.MMControl1, state_.RecordedOnce, view_.cmdEOL);
-    shown();
+    d_.refreshEndOfLetterButton();
 }
 
 void SwitchModel::rereadPosition() {
-    state_.iCurSecond = d_.secondsOf(AudioEditor1.CursorPosition());
+    d_.rereadCursorSecond();
 }
 
 bool SwitchModel::engineIdle() const {
@@ -384,9 +364,5 @@ void SwitchModel::StopClick() { d_.stop(); }
 void SwitchModel::CaseStop() { d_.CaseStop(); }
 void SwitchModel::CaseEnd() { d_.CaseEnd(); }
 
-void SwitchModel::shown() {
-    ++view_.revision;
-    if (d_.onViewChanged) d_.onViewChanged();
-}
 
 }  // namespace ovd::devices

@@ -126,11 +126,10 @@ class SwitchModel : public TransportCommands {
     void stopAndClose();
     [[nodiscard]] const settings::SettingsRecord& settings() const { return config_.record; }
     void trace(const std::string& line) { log_.trace(line); }
-    void shown();
 
     dictation::Dictation& d_;
-    dictation::DictationState& state_;
-    dictation::MainView& view_;
+    const dictation::DictationState& state_;
+    const dictation::MainView& view_;
     dictation::PedalHits& hits_;
     engine::AudioEditor& AudioEditor1;
     settings::ConfigFile& config_;

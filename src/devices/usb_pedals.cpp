@@ -22,7 +22,7 @@ std::int32_t numberAfterHash(const std::string& description) {
 
 UsbPedals::UsbPedals(settings::ConfigFile& config, platform::Prompts& prompts,
                      platform::EventLoop& loop, PedalEventSink& sink, PedalHits& hits,
-                     dictation::DictationState& state, platform::Timer& timUSBStepBACK,
+                     const dictation::DictationState& state, platform::Timer& timUSBStepBACK,
                      HidrawRoots roots)
     : TmrHIDRead(loop, "TmrHIDRead", kPedalPollMs),
       TmrHIDReadNew(loop, "TmrHIDReadNew", kPedalPollMs),

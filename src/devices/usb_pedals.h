@@ -47,7 +47,7 @@ struct PedalMenuChecks {
 class UsbPedals {
 public:
     UsbPedals(settings::ConfigFile& config, platform::Prompts& prompts, platform::EventLoop& loop,
-              PedalEventSink& sink, PedalHits& hits, dictation::DictationState& state,
+              PedalEventSink& sink, PedalHits& hits, const dictation::DictationState& state,
               platform::Timer& timUSBStepBACK, HidrawRoots roots = {});
 
     // At start: check marks from the settings, and the pedal opened if chosen.
@@ -97,7 +97,7 @@ private:
     settings::ConfigFile& config_;
     platform::Prompts& prompts_;
     platform::EventLoop& loop_;
-    dictation::DictationState& state_;
+    const dictation::DictationState& state_;
     std::array<std::uint8_t, kHIDBatchBytes> hidBuffer_{};
     std::array<std::uint8_t, kPIEReportBytes> pieBuffer_{};
 };

@@ -26,25 +26,25 @@ std::string extensionOf(const std::string& path) {
 void Dictation::tmCommand_Timer() {
     tmCommand.setEnabled(false);
     ResetRecorderState();
-    if (state.flgfileOpen1 || !state.Filename.empty() || state.FileChanged) return;
-    state.FirstSwitchPosition = "FirstTime";
-    if (state.CommandFileName.empty()) {
+    if (state_.flgfileOpen1 || !state_.Filename.empty() || state_.FileChanged) return;
+    state_.FirstSwitchPosition = "FirstTime";
+    if (state_.CommandFileName.empty()) {
         trace(" Calling Case New from tmCommand_Timer ");
         CaseNew();
         return;
     }
     // The name given at start is taken like a handed-over one: a station started for
     // a file dictates into that file.
-    std::string named = state.CommandFileName;
+    std::string named = state_.CommandFileName;
     if (platform::folderOf(named).empty()) {
         named = platform::joinPath(config_.record.CaptureFilePath.toText(), named);
     }
     if (platform::fileExists(named)) {
         // An existing letter is opened to be listened to, not replaced.
-        state.PRERECORDED = true;
-        state.commandLine.DIDDOCOMMANDLINE = true;
-        state.FromCurrentList = true;
-        state.Filename = named;
+        state_.PRERECORDED = true;
+        state_.commandLine.DIDDOCOMMANDLINE = true;
+        state_.FromCurrentList = true;
+        state_.Filename = named;
         CaseOpen();
         return;
     }
@@ -52,43 +52,43 @@ void Dictation::tmCommand_Timer() {
     platform::createFolder(folder);
     config_.record.CaptureFilePath = folder;
     config_.WriteConfig();
-    state.CommandFileName = platform::joinPath(folder, platform::baseNameOf(named));
+    state_.CommandFileName = platform::joinPath(folder, platform::baseNameOf(named));
     CaseNewFileName();
-    state.commandLine.DIDDOCOMMANDLINE = true;
+    state_.commandLine.DIDDOCOMMANDLINE = true;
 }
 
 void Dictation::handOffLook_Timer() {
     handOffLookTimer.setEnabled(false);
     trace("Timer 28 Looking for ovtitemp.ini");
     if (const auto handOff = readHandOff(dataFolder_)) {
-        state.NextString = handOff->NextString;
-        state.commandLine.MyInstance = handOff->MyInstance;
+        state_.NextString = handOff->NextString;
+        state_.commandLine.MyInstance = handOff->MyInstance;
         handOffWaitTimer.setEnabled(true);
         return;
     }
     // No name waits: dictation starts at once under the temporary name, and the
     // name that comes later is put on it when the take starts or the letter ends.
     startedAt_ = loop_.now();
-    state.CommandFileName =
+    state_.CommandFileName =
         platform::joinPath(config_.record.CaptureFilePath.toText(), kTemporaryStem);
     CaseNewFileName();
-    state.commandLine.DIDDOCOMMANDLINE = true;
+    state_.commandLine.DIDDOCOMMANDLINE = true;
 }
 
 void Dictation::handOffWait_Timer() {
-    if (state.flgfileOpen1) return;
+    if (state_.flgfileOpen1) return;
     handOffWaitTimer.setEnabled(false);
-    state.commandLine.SecondCommand = true;
-    state.commandLine.CommandLineLaunched = false;
-    state.CommandFileName = state.NextString;
-    state.commandLine.MyCommandString = state.NextString;
+    state_.commandLine.SecondCommand = true;
+    state_.commandLine.CommandLineLaunched = false;
+    state_.CommandFileName = state_.NextString;
+    state_.commandLine.MyCommandString = state_.NextString;
     deleteHandOff(dataFolder_);
     tmCommand.setEnabled(true);
 }
 
 bool Dictation::renameToHandedOffName(const std::string& moment) {
-    if (!state.commandLine.DIDDOCOMMANDLINE) return false;
-    if (platform::withoutFolder(state.Filename).find(std::string(kTemporaryStem) + ".") ==
+    if (!state_.commandLine.DIDDOCOMMANDLINE) return false;
+    if (platform::withoutFolder(state_.Filename).find(std::string(kTemporaryStem) + ".") ==
         std::string::npos) {
         return false;
     }
@@ -96,25 +96,25 @@ bool Dictation::renameToHandedOffName(const std::string& moment) {
     if (!handOff) return false;
     handOffLookTimer.setEnabled(false);
     std::string folder = platform::folderOf(handOff->NextString);
-    if (folder.empty()) folder = platform::folderOf(state.Filename);
+    if (folder.empty()) folder = platform::folderOf(state_.Filename);
     const std::string stem = platform::joinPath(folder, platform::baseNameOf(handOff->NextString));
-    const std::string renamed = stem + "." + extensionOf(state.Filename);
-    if (platform::fileExists(state.Filename)) {
+    const std::string renamed = stem + "." + extensionOf(state_.Filename);
+    if (platform::fileExists(state_.Filename)) {
         platform::createFolder(folder);
         std::error_code error;
-        std::filesystem::rename(state.Filename, renamed, error);
+        std::filesystem::rename(state_.Filename, renamed, error);
         if (error) {
             // The take goes on under the temporary name; the hand-off stays for the next try.
             trace("Next File Name = " + renamed + " could not be given: " + error.message());
             return false;
         }
     }
-    state.Filename = renamed;
-    state.CommandFileName = stem;
+    state_.Filename = renamed;
+    state_.CommandFileName = stem;
     trace("Next File Name = " + renamed + " via command line & renamed at " + moment + " time.");
     deleteHandOff(dataFolder_);
-    state.NextString.clear();
-    state.commandLine.MyInstance.clear();
+    state_.NextString.clear();
+    state_.commandLine.MyInstance.clear();
     showFileName();
     changed();
     return true;

@@ -23,7 +23,8 @@ std::optional<int> saveIntervalFor(std::int16_t SAVEEVERY) {
 }
 
 Dictation::Dictation(DictationParts parts)
-    : naming(state, view, parts.config, parts.log, parts.prompts, parts.loop, parts.speakers, *this),
+    : view_(parts.loop),
+      naming(state_, view_, parts.config, parts.log, parts.prompts, parts.loop, parts.speakers, *this),
       recent(parts.dataFolder),
       timCurPos(parts.loop, "timCurPos", 25),
       timRecord(parts.loop, "timRecord", 25),
@@ -59,7 +60,10 @@ Dictation::Dictation(DictationParts parts)
     // A take the disk stopped taking is told in the event log.
     AudioEditor1.onTrouble = [this](const std::string& text) { trace(text); };
     AudioEditor21.onTrouble = [this](const std::string& text) { trace(text); };
-    view.Lbl4Pos = kSwitchPlain;
+    view_.onChanged = [this] {
+        if (onViewChanged) onViewChanged();
+    };
+    screen().Lbl4Pos = kSwitchPlain;
 }
 
 Dictation::~Dictation() {
@@ -75,15 +79,15 @@ void Dictation::start() {
 }
 
 void Dictation::loadScreen() {
-    view.Reopen = recent.DisplayMRU();
+    screen().Reopen = recent.DisplayMRU();
     timCurPos.setInterval(25);
     setLamps(false);
-    view.lblOnAir = "STAND BY";
-    view.lblOnAirVisible = false;
+    screen().lblOnAir = "STAND BY";
+    screen().lblOnAirVisible = false;
     setBar(BarAfter::ProgramStart);
     setRecordButtons(false);
-    view.cmdEOL = false;
-    view.ctSlide1Enabled = false;
+    screen().cmdEOL = false;
+    screen().ctSlide1Enabled = false;
     changed();
 }
 
@@ -91,11 +95,11 @@ void Dictation::takeSettings() {
     if (const auto interval = saveIntervalFor(config_.record.SAVEEVERY)) {
         timSave.setInterval(*interval);
     }
-    state.FileSaveAtStop = config_.record.FileSaveAtStop;
+    state_.FileSaveAtStop = config_.record.FileSaveAtStop;
     platform::createFolder(temporaryFolder());
     AudioEditor1.setTempFileName(temporaryFolder());
     AudioEditor21.setTempFileName(temporaryFolder());
-    view.txtStepAmt = std::to_string(config_.record.StepAmt);
+    screen().txtStepAmt = std::to_string(config_.record.StepAmt);
     changed();
 }
 
@@ -106,7 +110,7 @@ void Dictation::waitTraced(double seconds, const std::string& tag) {
 }
 
 bool Dictation::refusedWhileRecording(const std::string& tag) {
-    if (!state.Recordingstatus) return false;
+    if (!state_.Recordingstatus) return false;
     prompts_.showMessage(refusalText(tag), settings::kProductTitle, platform::Severity::Information);
     return true;
 }
@@ -131,28 +135,28 @@ void Dictation::ResetRecorderState() {
         // as it stands, the speaker's counter, the engine's old work files that the
         // close still has to delete) stays.
         DictationState fresh;
-        fresh.FileSaveAtStop = state.FileSaveAtStop;
-        fresh.DictatorSeqNo = state.DictatorSeqNo;
-        fresh.LastThreeNCTTmps = state.LastThreeNCTTmps;
-        fresh.PriorityOn = state.PriorityOn;
-        fresh.PreviousNextFile = state.PreviousNextFile;
-        fresh.CommandFileName = state.CommandFileName;
-        fresh.NextString = state.NextString;
-        fresh.commandLine = state.commandLine;
-        fresh.OnLoad = state.OnLoad;
-        fresh.Imclosing = state.Imclosing;
-        state = std::move(fresh);
-        view.lblReady.clear();
-        view.statusPanel1.clear();
-        view.statusPanel2.clear();
+        fresh.FileSaveAtStop = state_.FileSaveAtStop;
+        fresh.DictatorSeqNo = state_.DictatorSeqNo;
+        fresh.LastThreeNCTTmps = state_.LastThreeNCTTmps;
+        fresh.PriorityOn = state_.PriorityOn;
+        fresh.PreviousNextFile = state_.PreviousNextFile;
+        fresh.CommandFileName = state_.CommandFileName;
+        fresh.NextString = state_.NextString;
+        fresh.commandLine = state_.commandLine;
+        fresh.OnLoad = state_.OnLoad;
+        fresh.Imclosing = state_.Imclosing;
+        state_ = std::move(fresh);
+        screen().lblReady.clear();
+        screen().statusPanel1.clear();
+        screen().statusPanel2.clear();
     });
     changed();
 }
 
 void Dictation::prepareFormat(const engine::FormatGroup& group) {
     const engine::FormatChoice choice = engine::FigureOutFileFormats(group);
-    state.CurrentFormatType = choice.CurrentFormatType;
-    state.TrueSpeech = choice.TrueSpeech;
+    state_.CurrentFormatType = choice.CurrentFormatType;
+    state_.TrueSpeech = choice.TrueSpeech;
     AudioEditor1.setTempFileName(temporaryFolder());
     if (auto made = AudioEditor1.New(choice.recording.sampleRate, choice.recording.channels); !made) {
         trace("New file could not be prepared: " + made.error());
@@ -169,14 +173,14 @@ std::optional<std::string> Dictation::ChooseFileName(int mode) {
     request.title = mode == 2 ? "Save as ..." : "New ... ";
     request.initialFolder = config_.record.CaptureFilePath.toText();
     // "Wav Files (*.wav)|*.wav": the description, then the pattern.
-    const std::string filter = engine::fileFilterFor(state.CurrentFormatType);
+    const std::string filter = engine::fileFilterFor(state_.CurrentFormatType);
     if (const auto bar = filter.find('|'); bar != std::string::npos) {
         request.filters.push_back({filter.substr(0, bar), {filter.substr(bar + 1)}});
     }
     auto chosen = prompts_.chooseFile(request);
     if (!chosen || chosen->empty()) {
         trace("User Did not select file");
-        state.UserSelectedNo = true;
+        state_.UserSelectedNo = true;
         return std::nullopt;
     }
     return chosen;

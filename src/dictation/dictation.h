@@ -5,11 +5,14 @@
 // reaches a file on disk. Everything runs on the loop's thread; the screen is
 // written into MainView and never touched directly.
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "dictation/announced_view.h"
 #include "dictation/dictation_state.h"
 #include "dictation/file_naming.h"
 #include "dictation/main_view.h"
@@ -78,6 +81,11 @@ struct DictationParts {
 };
 
 class Dictation : private NamingHooks {
+    // First of all: naming and the timers are built on them.
+    DictationState state_;
+    AnnouncedView view_;
+    PedalHits hits_;
+
 public:
     explicit Dictation(DictationParts parts);
     ~Dictation() override;
@@ -93,16 +101,31 @@ public:
     // interval, crash protection, the work files' folder, the step.
     void takeSettings();
 
-    DictationState state;
-    MainView view;
-    PedalHits hits;
+    // ---- What the window, the support dump and the devices read ----
+    [[nodiscard]] const DictationState& state() const { return state_; }
+    // The screen as data; every change of it is announced through onViewChanged.
+    [[nodiscard]] const MainView& view() const { return view_.read(); }
+    [[nodiscard]] const PedalHits& hits() const { return hits_; }
+    // The press state the pedal readers keep up to date. It is shown in the
+    // support dump only, never on the screen, so writing it announces nothing.
+    PedalHits& pedalPresses() { return hits_; }
+    // Every timer of the dictation in the order the support dump lists them.
+    [[nodiscard]] std::vector<const platform::Timer*> timers() const;
+    // The timSave interval in milliseconds; 0 when saving on a timer is off.
+    [[nodiscard]] int saveInterval() const { return timSave.Interval(); }
+    // How many view changes have been announced, and whether one waits for the
+    // loop to turn.
+    [[nodiscard]] unsigned long viewAnnouncements() const { return view_.announcements(); }
+    [[nodiscard]] bool viewAnnouncementDue() const { return view_.announcementDue(); }
+
     FileNaming naming;
     RecentFiles recent;
 
     // Calls the dictation makes upward, into the switch model and the end of
     // letter, which live above it. Unset: nothing happens.
     std::function<void(const std::string&)> switchCommand;
-    // The view model changed; the window redraws.
+    // The view differs from the one last announced: at most once a loop turn,
+    // after the routine that changed it, whoever that was. The window redraws on it.
     std::function<void()> onViewChanged;
     // A new file has been made (or given up) and nothing else is under way:
     // a record press that waited for it may go ahead.
@@ -143,6 +166,70 @@ public:
     void CaseClose() override;
     void CaseDefault();
     void TurnOffTimers();
+
+    // ---- The station's load and end ----
+    // The load begins: the hand-off timers as a fresh start has them, the file
+    // named on the command line taken, and the pedals not listened to yet.
+    void beginLoad(const std::string& commandFileName);
+    // The load stopped before the pedals: they may be listened to again.
+    void loadAbandoned();
+    // The recovery is over: Scan/Convert can be opened again, and the pedals
+    // starting now are not listened to until the load is done.
+    void beforePedalsStart();
+    // No desk unit answered: the status line says so and the first file of
+    // the run is looked for at once.
+    void showDeskUnitMissing();
+    // The load is done: the caption shows the edition and the pedals count.
+    void finishLoad(bool handsFreeEdition);
+    // The station is ending: routines waiting further down the stack let go.
+    void beginShutdown();
+    // The end of the run: nothing named from outside is taken any more.
+    void stopForExit();
+    // The peer closed the file; then the station looks for the next hand-off.
+    void closeForPeer();
+    // A file named from outside may have been handed over: look for it.
+    void lookForHandOff();
+    // Delivery holds the screen's timers while it works, and lets them go as
+    // they were.
+    void holdTimers();
+    void releaseTimers();
+
+    // ---- The desk unit's switch and the pedals, as the switch model moves them ----
+    // The newest switch position goes to the front of the last four, unless it
+    // is already there.
+    void pushSwitchPosition(const std::string& status);
+    void replaceNewestSwitchPosition(const std::string& status);
+    void showSwitchPosition(const std::string& label);
+    void rememberSwitchLabel();
+    void showMode(const std::string& text);
+    // The next record press inserts (HitOnce) or overwrites (HitTwice).
+    void armInsert();
+    void armOverwrite();
+    void disarmInsertOverwrite();
+    void setPausedRecording(bool paused);
+    void setJustOpened(bool justOpened);
+    void setStepBackUnderWay(bool underWay);
+    void forgetFirstBackClick();
+    void noteSwitchWord(const std::string& word);
+    // The unit's display shows the request while the status message is set.
+    void askToMoveSwitch(const std::string& message, const std::string& waitingFor);
+    void withdrawSwitchRequest();
+    void forgetDiscardedFile();
+    void rereadCursorSecond();
+    // The end of letter button as the bar now stands.
+    void refreshEndOfLetterButton();
+    void rememberRecentStep(int step);
+
+    // ---- What the end of letter and the devices show and ask ----
+    void showStatus(const std::string& text);        // the status line
+    void showFileLabel(const std::string& text);     // the file label
+    void showTitlePicture(const std::string& path);  // the title's icon
+    // A save asked for rather than one the timer or a Stop makes.
+    void saveOnRequest();
+    void clearSaveError();
+    void forgetCommandFileName();
+    // The letter went out: the next command only stops the transport.
+    void markLetterFinished();
 
     // ---- Routes: what the window's controls and the devices call ----
     void play();  // MMControl1_PlayClick
@@ -202,15 +289,7 @@ public:
     void OpenFile();
     void PlayPrompt(const std::string& name);
 
-    // ---- Timers, under their names ----
-    platform::Timer timCurPos;
-    platform::Timer timRecord;
-    platform::Timer timLight;
-    platform::Timer timSave;
-    platform::Timer timLastThreeSecondsCon;
-    platform::Timer timsync;
-    platform::Timer Reader;  // where a desk unit link polls; no tick of its own
-
+    // ---- Timer ticks ----
     void timCurPos_Timer();
     void timRecord_Timer();
     void timLight_Timer();
@@ -220,11 +299,6 @@ public:
     void timsync_Timer();
 
     // ---- A file named from outside (command line, a second instance) ----
-    platform::Timer tmCommand;  // one shot: the first file of the run
-    platform::Timer handOffLookTimer;  // Timer28: one shot: looks for a hand-off after a named letter
-    platform::Timer handOffWaitTimer;  // Timer34: waits until no file is open, then takes the hand-off
-    // The screen follows a playback that ends by itself while the position timer rests.
-    platform::Timer playbackWatch;
     void tmCommand_Timer();
     void handOffLook_Timer();  // Timer28_Timer
     void handOffWait_Timer();  // Timer34_Timer
@@ -238,6 +312,28 @@ public:
     [[nodiscard]] double samplesPerSecond() const;
 
 private:
+    friend class DictationProbe;  // tests arrange states no command reaches
+
+    // The one door through which the dictation writes its screen.
+    MainView& screen() { return view_.edit(); }
+
+    // ---- Timers, under their names ----
+    platform::Timer timCurPos;
+    platform::Timer timRecord;
+    platform::Timer timLight;
+    platform::Timer timSave;
+    platform::Timer timLastThreeSecondsCon;
+    platform::Timer timsync;
+    platform::Timer Reader;  // where a desk unit link polls; no tick of its own
+    platform::Timer tmCommand;  // one shot: the first file of the run
+    platform::Timer handOffLookTimer;  // Timer28: one shot: looks for a hand-off after a named letter
+    platform::Timer handOffWaitTimer;  // Timer34: waits until no file is open, then takes the hand-off
+    // The screen follows a playback that ends by itself while the position timer rests.
+    platform::Timer playbackWatch;
+    // What holdTimers found running.
+    std::array<bool, 5> heldTimersWere_{};
+    bool timersHeld_ = false;
+
     // NamingHooks
     void prepareFormat(const engine::FormatGroup& group) override;
     void startSaveTimer() override;
@@ -287,8 +383,8 @@ private:
     // written because nobody made room.
     bool makeRoomToSave();
     bool giveUpSaveForRoom();
-    // Before the editor closes: a take whose save found no room keeps its work
-    // file in Temp under the letter's name.
+    // The screen rule that holds after every action: with no file no transport
+    // button looks as if it could act.
     void changed();
 
     platform::EventLoop& loop_;

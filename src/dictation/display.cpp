@@ -42,12 +42,12 @@ std::int32_t Dictation::secondsOf(std::int64_t samples) const {
 }
 
 double Dictation::samplesPerSecond() const {
-    if (state.iTotalSecFile <= 0) return static_cast<double>(AudioEditor1.SamplesPerSecond());
-    return static_cast<double>(AudioEditor1.Length()) / state.iTotalSecFile;
+    if (state_.iTotalSecFile <= 0) return static_cast<double>(AudioEditor1.SamplesPerSecond());
+    return static_cast<double>(AudioEditor1.Length()) / state_.iTotalSecFile;
 }
 
 void Dictation::totalSecondsFromEngine() {
-    if (state.DoingInsertUpdate || state.OverWriteFile) {
+    if (state_.DoingInsertUpdate || state_.OverWriteFile) {
         // The file as it will be once the take is pasted in: up to where the
         // take began, plus the take.
         const int rate21 = AudioEditor21.SamplesPerSecond();
@@ -55,31 +55,31 @@ void Dictation::totalSecondsFromEngine() {
             rate21 > 0 ? static_cast<std::int32_t>(std::nearbyint(
                              static_cast<double>(AudioEditor21.Length()) / rate21))
                        : 0;
-        state.iTotalSecFile = secondsOf(state.SaveCurrentPosition) + take;
+        state_.iTotalSecFile = secondsOf(state_.SaveCurrentPosition) + take;
     } else {
-        state.iTotalSecFile = secondsOf(AudioEditor1.Length());
+        state_.iTotalSecFile = secondsOf(AudioEditor1.Length());
     }
 }
 
 void Dictation::refreshSeconds() {
-    state.iCurSecond = secondsOf(AudioEditor1.CursorPosition());
-    if (state.iTotalSecFile > 0) {
+    state_.iCurSecond = secondsOf(AudioEditor1.CursorPosition());
+    if (state_.iTotalSecFile > 0) {
         const std::int64_t percent =
-            static_cast<std::int64_t>(state.iCurSecond) * 100 / state.iTotalSecFile;
-        state.percentrun = static_cast<std::int16_t>(std::min<std::int64_t>(percent, 100));
+            static_cast<std::int64_t>(state_.iCurSecond) * 100 / state_.iTotalSecFile;
+        state_.percentrun = static_cast<std::int16_t>(std::min<std::int64_t>(percent, 100));
     } else {
-        state.percentrun = 0;  // an empty file: no division
+        state_.percentrun = 0;  // an empty file: no division
     }
     if (AudioEditor1.State() != static_cast<int>(engine::EditorState::Recording)) {
-        view.ctSlide1 = state.percentrun;
+        screen().ctSlide1 = state_.percentrun;
     }
 }
 
 std::string Dictation::sizeText() const {
     // What is on disk once saved, and the work file while only that holds the take.
     std::optional<std::uint64_t> bytes;
-    if (!state.Filename.empty()) bytes = platform::fileSize(state.Filename);
-    if (!bytes && state.flgfileOpen1) {
+    if (!state_.Filename.empty()) bytes = platform::fileSize(state_.Filename);
+    if (!bytes && state_.flgfileOpen1) {
         const std::string work = AudioEditor1.TempFileName();
         if (!work.empty()) bytes = platform::fileSize(work);
     }
@@ -94,19 +94,19 @@ std::string Dictation::sizeText() const {
 }
 
 void Dictation::etprocess(const std::string& /*from*/) {
-    view.timeElapsed = clockText(state.iCurSecond);
-    view.Label43 = sizeText();
-    view.Label24 = clockText(state.iTotalSecFile - state.iCurSecond);
+    screen().timeElapsed = clockText(state_.iCurSecond);
+    screen().Label43 = sizeText();
+    screen().Label24 = clockText(state_.iTotalSecFile - state_.iCurSecond);
     changed();
 }
 
 void Dictation::AdjustNCTTimeDisplay() {
-    if (!state.flgfileOpen1) {
-        state.iCurSecond = 0;
-        state.iTotalSecFile = 0;
-        state.percentrun = 0;
-        view.ctSlide1 = 0;
-    } else if (!state.Recordingstatus) {
+    if (!state_.flgfileOpen1) {
+        state_.iCurSecond = 0;
+        state_.iTotalSecFile = 0;
+        state_.percentrun = 0;
+        screen().ctSlide1 = 0;
+    } else if (!state_.Recordingstatus) {
         totalSecondsFromEngine();
         refreshSeconds();
     }
@@ -114,24 +114,24 @@ void Dictation::AdjustNCTTimeDisplay() {
 }
 
 void Dictation::setFileLabels(const std::string& text) {
-    view.statusPanel1 = text;
-    view.lblReady = text;
+    screen().statusPanel1 = text;
+    screen().lblReady = text;
 }
 
 void Dictation::showFileName() {
-    view.statusPanel1 = state.Filename;
-    view.lblReady = platform::withoutFolder(state.Filename);
+    screen().statusPanel1 = state_.Filename;
+    screen().lblReady = platform::withoutFolder(state_.Filename);
 }
 
 void Dictation::showFileJustOpened() {
     // The slider was held only while the file loaded.
-    const bool sliderFree = !view.lblBusyVisible && !view.ctSlide1Enabled;
+    const bool sliderFree = !screen().lblBusyVisible && !screen().ctSlide1Enabled;
     // After a save the file label may offer to create or load a file; while the
     // file is still loaded it names the file.
-    const bool named = view.statusPanel1 == state.Filename &&
-                       view.lblReady == platform::withoutFolder(state.Filename);
+    const bool named = view().statusPanel1 == state_.Filename &&
+                       view().lblReady == platform::withoutFolder(state_.Filename);
     if (named && !sliderFree) return;
-    if (sliderFree) view.ctSlide1Enabled = true;
+    if (sliderFree) screen().ctSlide1Enabled = true;
     showFileName();
     changed();
 }
@@ -139,40 +139,40 @@ void Dictation::showFileJustOpened() {
 void Dictation::showNoTakeRunning() {
     // The status line tells of a take only while one runs: a line left reading
     // "Recording" would show a take while nothing records.
-    if (view.Label40 == "Recording") view.Label40.clear();
+    if (view().Label40 == "Recording") screen().Label40.clear();
 }
 
 void Dictation::setLamps(bool on) {
-    view.Image5 = on;
-    view.Image6 = on;
+    screen().Image5 = on;
+    screen().Image6 = on;
 }
 
 void Dictation::SetParam(const std::string& action) {
-    std::string word = action == kFromTimer ? state.WhichBut : action;
+    std::string word = action == kFromTimer ? state_.WhichBut : action;
     if ((word == "Play" || word == "Continue") &&
         AudioEditor1.State() == static_cast<int>(engine::EditorState::Stopped)) {
         // A playback that ended (or never began) before the screen was told is
         // shown as what it is: the screen never says the file plays while it doesn't.
-        state.flgPlay = false;
-        state.WhichBut = "Stop";
-        word = state.WhichBut;
+        state_.flgPlay = false;
+        state_.WhichBut = "Stop";
+        word = state_.WhichBut;
     }
     const std::string title = applicationTitle(config_.record.HandsFreeEdition);
-    const auto caption = [&](const char* text) { view.caption = title + " - " + text; };
+    const auto caption = [&](const char* text) { screen().caption = title + " - " + text; };
 
     if (word == "Continue" || word == "Pause") {
         const bool paused = word == "Pause";
         caption(paused ? "File is Paused" : "File is Playing");
         if (!paused) playbackWatch.setEnabled(true);
-        view.Command1 = view.Command2 = view.cmdOVR = paused;
+        screen().Command1 = screen().Command2 = screen().cmdOVR = paused;
         showFileName();
     } else if (word == "New") {
         caption("File Is Ready to be Recorded-Please hit the Record Icon");
         showFileName();
-        view.Label40 = "File Is Ready to be Recorded";
-        view.Label40Warning = false;
-        view.lblOnAir = "STAND BY";
-        view.lblOnAirVisible = true;
+        screen().Label40 = "File Is Ready to be Recorded";
+        screen().Label40Warning = false;
+        screen().lblOnAir = "STAND BY";
+        screen().lblOnAirVisible = true;
     } else if (word == "Record") {
         caption("File is being Recorded");
         showFileName();
@@ -184,45 +184,45 @@ void Dictation::SetParam(const std::string& action) {
         // The label names the file just opened, which Filename already holds.
         caption("File is Opened");
     } else if (word == "Stop") {
-        if (!state.RecordingstatusPaused) {
+        if (!state_.RecordingstatusPaused) {
             caption("File is Stopped");
             timLight.setEnabled(false);
             setLamps(false);
-            view.lblOnAirVisible = false;
-            view.lblOnAir = "STAND BY";
+            screen().lblOnAirVisible = false;
+            screen().lblOnAir = "STAND BY";
         } else {
             caption("File is in Recording Mode but is Stopped");
         }
     } else if (word == "load" || word == "Close") {
         caption(kReadyText);
         setFileLabels(kReadyText);
-        if (word == "Close") state.iTotalSecFile = 0;
-    } else if (state.flgfileOpen1) {
+        if (word == "Close") state_.iTotalSecFile = 0;
+    } else if (state_.flgfileOpen1) {
         showFileName();
     }
 
-    view.statusPanel2 = sizeText();
-    if (!state.RecordingstatusPaused && !state.Recordingstatus) totalSecondsFromEngine();
+    screen().statusPanel2 = sizeText();
+    if (!state_.RecordingstatusPaused && !state_.Recordingstatus) totalSecondsFromEngine();
     refreshSeconds();
-    if (state.Recordingstatus) {
-        const auto take = std::chrono::duration_cast<std::chrono::seconds>(state.EndTime - state.StartTime);
-        state.iCurSecond = state.iTotalSecFile = static_cast<std::int32_t>(take.count());
+    if (state_.Recordingstatus) {
+        const auto take = std::chrono::duration_cast<std::chrono::seconds>(state_.EndTime - state_.StartTime);
+        state_.iCurSecond = state_.iTotalSecFile = static_cast<std::int32_t>(take.count());
     }
-    view.timeElapsed = clockText(state.iCurSecond);
+    screen().timeElapsed = clockText(state_.iCurSecond);
 
     // The timers follow the take.
     timRecord.setInterval(25);
-    if (!state.Recordingstatus) {
+    if (!state_.Recordingstatus) {
         timRecord.setEnabled(false);
         timLight.setEnabled(false);
         setLamps(false);
-        view.lblOnAir = "STAND BY";
-        view.lblOnAirVisible = state.RecordingstatusPaused;
+        screen().lblOnAir = "STAND BY";
+        screen().lblOnAirVisible = state_.RecordingstatusPaused;
         showNoTakeRunning();
     } else {
         timRecord.setEnabled(true);
         timLight.setEnabled(true);
-        state.EndTime = loop_.now();
+        state_.EndTime = loop_.now();
     }
     changed();
 }
@@ -230,18 +230,18 @@ void Dictation::SetParam(const std::string& action) {
 void Dictation::setBar(BarAfter after) {
     const TransportBar bar = transportBarAfter(after);
     // The end-of-letter rule looks at the bar as set, before its last button.
-    view.cmdEOL = cmdEOLAfter(bar, state.RecordedOnce, view.cmdEOL);
-    view.MMControl1 = bar;
+    screen().cmdEOL = cmdEOLAfter(bar, state_.RecordedOnce, screen().cmdEOL);
+    screen().MMControl1 = bar;
     changed();
 }
 
 void Dictation::applyEOLRule() {
-    view.cmdEOL = cmdEOLAfter(view.MMControl1, state.RecordedOnce, view.cmdEOL);
+    screen().cmdEOL = cmdEOLAfter(screen().MMControl1, state_.RecordedOnce, screen().cmdEOL);
     changed();
 }
 
 void Dictation::setRecordButtons(bool enabled) {
-    view.Command1 = view.Command2 = view.cmdOVR = enabled;
+    screen().Command1 = screen().Command2 = screen().cmdOVR = enabled;
 }
 
 void Dictation::barByPosition() {
@@ -262,24 +262,22 @@ void Dictation::playbackWatch_Timer() {
         return;
     }
     playbackWatch.setEnabled(false);
-    if (view.caption.find("File is Playing") == std::string::npos) return;
-    state.flgPlay = false;
-    state.WhichBut = "Stop";
-    SetParam(state.WhichBut);
+    if (view().caption.find("File is Playing") == std::string::npos) return;
+    state_.flgPlay = false;
+    state_.WhichBut = "Stop";
+    SetParam(state_.WhichBut);
     barByPosition();
     changed();
 }
 
 void Dictation::changed() {
-    if (!state.flgfileOpen1) {
+    if (!state_.flgfileOpen1) {
         // With no file no transport button can act, so none looks as if it could,
         // whatever the last command left on the bar.
-        view.MMControl1 = transportBarAfter(BarAfter::ProgramStart);
+        screen().MMControl1 = transportBarAfter(BarAfter::ProgramStart);
         setRecordButtons(false);
-        view.ctSlide1Enabled = false;
+        screen().ctSlide1Enabled = false;
     }
-    ++view.revision;
-    if (onViewChanged) onViewChanged();
 }
 
 }  // namespace ovd::dictation

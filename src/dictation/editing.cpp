@@ -6,16 +6,16 @@
 namespace ovd::dictation {
 
 void Dictation::CaseCopy() {
-    trace("File Copy: " + state.Filename);
+    trace("File Copy: " + state_.Filename);
     if (refusedWhileRecording("CaseCopy")) return;
-    state.WhichBut = "Copy";
+    state_.WhichBut = "Copy";
     if (auto copied = AudioEditor1.Copy(); !copied) trace(copied.error());
 }
 
 void Dictation::CaseCut() {
-    trace("File Cut: " + state.Filename);
+    trace("File Cut: " + state_.Filename);
     if (refusedWhileRecording("CaseCut")) return;
-    state.WhichBut = "Cut";
+    state_.WhichBut = "Cut";
     // Cut takes what the author selected on the waveform, and only that: the
     // older cut from the cursor to the end pasted back over what was left, and
     // with nothing selected it put the clipboard's audio in place of the letter.
@@ -23,60 +23,60 @@ void Dictation::CaseCut() {
         trace(cut.error());
         return;
     }
-    state.FileChanged = true;
+    state_.FileChanged = true;
 }
 
 void Dictation::CasePaste() {
-    trace("File Paste: " + state.Filename);
+    trace("File Paste: " + state_.Filename);
     if (refusedWhileRecording("CasePaste")) return;
-    state.FileChanged = true;
-    if (!state.flgfileOpen1) return;
-    state.WhichBut = "Paste";
+    state_.FileChanged = true;
+    if (!state_.flgfileOpen1) return;
+    state_.WhichBut = "Paste";
     if (auto pasted = AudioEditor1.Paste(); !pasted) trace(pasted.error());
 }
 
 void Dictation::CaseUndo() {
-    trace("File Undo: " + state.Filename);
+    trace("File Undo: " + state_.Filename);
     if (refusedWhileRecording("CaseUndo")) return;
-    state.WhichBut = "Undo";
+    state_.WhichBut = "Undo";
     if (auto undone = AudioEditor1.Undo(); !undone) {
         trace(undone.error());
         return;
     }
-    state.FileChanged = true;
+    state_.FileChanged = true;
 }
 
 void Dictation::CaseRedo() {
-    trace("File Redo: " + state.Filename);
+    trace("File Redo: " + state_.Filename);
     if (refusedWhileRecording("CaseRedo")) return;
-    state.WhichBut = "Redo";
+    state_.WhichBut = "Redo";
     if (auto redone = AudioEditor1.Redo(); !redone) {
         trace(redone.error());
         return;
     }
-    state.FileChanged = true;
+    state_.FileChanged = true;
 }
 
 void Dictation::CaseInsSilence() {
-    trace("File Insert Silence: " + state.Filename);
+    trace("File Insert Silence: " + state_.Filename);
     if (refusedWhileRecording("CaseInsSilence")) return;
-    state.WhichBut = "InsSilence";
+    state_.WhichBut = "InsSilence";
     // Only the value goes to the view; no silence is inserted, and that stays.
     AudioEditor1.setViewValue(343);
 }
 
 void Dictation::CaseInsertAppend() {
-    trace("File Insert Append: " + state.Filename);
+    trace("File Insert Append: " + state_.Filename);
     if (refusedWhileRecording("CaseInsertAppend")) return;
-    normalise(state);
-    SetParam(state.WhichBut);
+    normalise(state_);
+    SetParam(state_.WhichBut);
 }
 
-void Dictation::CasePlayRec() { trace("File Play Record: " + state.Filename); }
+void Dictation::CasePlayRec() { trace("File Play Record: " + state_.Filename); }
 
 void Dictation::CaseSave() {
-    trace("File Save: " + state.Filename);
-    if (state.flgfileOpen1) {
+    trace("File Save: " + state_.Filename);
+    if (state_.flgfileOpen1) {
         SaveFile();
     } else {
         prompts_.showMessage("Please open a file to be 'Saved'", settings::kProductTitle);
@@ -84,26 +84,26 @@ void Dictation::CaseSave() {
 }
 
 void Dictation::CaseSaveAs() {
-    trace("File Save As: " + state.Filename);
+    trace("File Save As: " + state_.Filename);
     if (AudioEditor1.State() == static_cast<int>(engine::EditorState::Playing)) {
         prompts_.showMessage("Please Stop Play before trying to save the file in a different format",
                              settings::kProductTitle);
         return;
     }
-    if (!state.flgfileOpen1) {
+    if (!state_.flgfileOpen1) {
         prompts_.showMessage("Please open a file to be 'Saved As'", settings::kProductTitle);
         return;
     }
-    if (state.FileChanged && AudioEditor1.FormatName().empty()) {
+    if (state_.FileChanged && AudioEditor1.FormatName().empty()) {
         prompts_.showMessage("Sorry  No Information has been recorded. File can not be 'Saved As'",
                              settings::kProductTitle);
         return;
     }
-    state.FileChanged = true;
+    state_.FileChanged = true;
     SaveFileAs();
-    state.FileChanged = false;
-    normalise(state);
-    SetParam(state.WhichBut);
+    state_.FileChanged = false;
+    normalise(state_);
+    SetParam(state_.WhichBut);
 }
 
 void Dictation::CaseDefault() {
@@ -137,7 +137,7 @@ void Dictation::TurnOffTimers() {
     timLight.setEnabled(false);
     timSave.setEnabled(false);
     timLastThreeSecondsCon.setEnabled(false);
-    view.formatOptionsEnabled = true;
+    screen().formatOptionsEnabled = true;
     changed();
 }
 

@@ -50,7 +50,7 @@ void addPriorityMarker(DictationState& state) {
     }
 }
 
-FileNaming::FileNaming(DictationState& state, MainView& view, settings::ConfigFile& config,
+FileNaming::FileNaming(DictationState& state, AnnouncedView& view, settings::ConfigFile& config,
                        settings::EventLog& log, platform::Prompts& prompts,
                        const platform::EventLoop& clock, settings::SpeakersTable& speakers,
                        NamingHooks& hooks)
@@ -205,9 +205,8 @@ std::optional<std::string> FileNaming::composeName(std::size_t numberLength) {
 void FileNaming::showMadeName(const std::string& folder, const std::string& name) {
     const std::string fileName = name + "." + state_.CurrentFormatType;
     state_.Filename = platform::joinPath(folder, fileName);
-    view_.statusPanel1 = state_.Filename;
-    view_.lblReady = fileName;
-    ++view_.revision;
+    view_.edit().statusPanel1 = state_.Filename;
+    view_.edit().lblReady = fileName;
     config_.record.LastFileOpened = fileName;
     config_.WriteConfig();
 }
@@ -219,8 +218,7 @@ void FileNaming::announce() {
     log_.trace("LOADED New File: " + state_.Filename + " Procedure - CREATEFILENAME");
     if (config_.record.TCP) {
         log_.trace(" -58 Sending Message in CreateFileName");
-        view_.Label40 = hooks_.sendLoaded(platform::withoutFolder(state_.Filename));
-        ++view_.revision;
+        view_.edit().Label40 = hooks_.sendLoaded(platform::withoutFolder(state_.Filename));
     }
     state_.FileSaveError = false;
     log_.trace(std::string("CaseNew-FileSaveError =: ") +
@@ -248,8 +246,7 @@ void FileNaming::askBeforeOverwriting() {
     state_.UserSelectedNo = true;
     state_.WhichBut.clear();
     if (config_.record.TCP) hooks_.tellPeerNewFileRefused();
-    view_.Label40.clear();
-    ++view_.revision;
+    view_.edit().Label40.clear();
     log_.trace("User Selected NO to overwrite file");
 }
 
@@ -259,8 +256,7 @@ void FileNaming::ComboFill() {
     names_ = std::move(choice.names);
     seqNos_ = std::move(choice.seqNos);
     state_.DictatorSeqNo = choice.DictatorSeqNo;
-    view_.cboName = choice.CurrentSpeaker;
-    ++view_.revision;
+    view_.edit().cboName = choice.CurrentSpeaker;
     // A speaker removed or made inactive no longer names files.
     if (choice.CurrentSpeaker != record.CurrentSpeaker) {
         record.CurrentSpeaker = choice.CurrentSpeaker;
@@ -273,8 +269,7 @@ bool FileNaming::pickDictator(const std::string& name) {
     if (!index) return false;
     config_.record.CurrentSpeaker = name;
     state_.DictatorSeqNo = seqNos_[*index];
-    view_.cboName = name;
-    ++view_.revision;
+    view_.edit().cboName = name;
     config_.WriteConfig();
     return true;
 }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "conversion/format_in_force.h"
+#include "dictation/announced_view.h"
 #include "dictation/dictation_state.h"
 #include "dictation/main_view.h"
 #include "engine/format_selection.h"
@@ -75,7 +76,7 @@ void addPriorityMarker(DictationState& state);
 
 class FileNaming {
   public:
-    FileNaming(DictationState& state, MainView& view, settings::ConfigFile& config,
+    FileNaming(DictationState& state, AnnouncedView& view, settings::ConfigFile& config,
                settings::EventLog& log, platform::Prompts& prompts,
                const platform::EventLoop& clock, settings::SpeakersTable& speakers,
                NamingHooks& hooks);
@@ -108,7 +109,7 @@ class FileNaming {
     std::optional<std::size_t> listIndexOf(const std::string& name) const;
 
     DictationState& state_;
-    MainView& view_;
+    AnnouncedView& view_;
     settings::ConfigFile& config_;
     settings::EventLog& log_;
     platform::Prompts& prompts_;

@@ -16,81 +16,81 @@ enum class ScratchKind { Beginning, Insert, Overwrite };
 }  // namespace
 
 bool Dictation::deskUnitAllowsTake() {
-    if (view.Label40 == kDeskUnitMissing || view.Lbl4Pos == kSwitchDictate) return true;
+    if (view().Label40 == kDeskUnitMissing || view().Lbl4Pos == kSwitchDictate) return true;
     // The author is asked (on the unit's display) to move the switch; the
     // message is cleared as soon as it is set.
-    state.StatusMessage = kMoveSwitchToRecord;
-    state.WAITINGFORButtonSelected = "DICTATE";
-    state.Recordingstatus = false;
-    state.StatusMessage.clear();
+    state_.StatusMessage = kMoveSwitchToRecord;
+    state_.WAITINGFORButtonSelected = "DICTATE";
+    state_.Recordingstatus = false;
+    state_.StatusMessage.clear();
     return false;
 }
 
 void Dictation::addToBeginning() {
-    trace("Add Comments To Beginning: " + state.Filename);
+    trace("Add Comments To Beginning: " + state_.Filename);
     // A second press while a take runs would leave that take recording unseen.
     if (AudioEditor1.State() == kRecording || scratchTakeRuns()) return;
     if (!deskUnitAllowsTake()) return;
-    if (view.ctSlide1 != 0) {
+    if (view().ctSlide1 != 0) {
         if (refusedWhileRecording("Command1")) return;
         CaseBeginning();
-    } else if (state.flgfileOpen1) {
+    } else if (state_.flgfileOpen1) {
         if (refusedWhileRecording("Command1-2")) return;
     } else {
         refusedWhileRecording("Command1-3");
         return;
     }
-    if (!state.flgfileOpen1) return;
-    state.SaveCurrentPosition = 0;
-    state.Recordingstatus = true;
-    state.DoingInsertUpdate = true;
+    if (!state_.flgfileOpen1) return;
+    state_.SaveCurrentPosition = 0;
+    state_.Recordingstatus = true;
+    state_.DoingInsertUpdate = true;
     beginScratchTake(0, true);
 }
 
 void Dictation::insertAtCursor() {
-    trace("Insert Audio at Current Position: " + state.Filename);
+    trace("Insert Audio at Current Position: " + state_.Filename);
     if (scratchTakeRuns()) return;  // the take in progress ends by its own button
     if (AudioEditor1.State() == kRecording) {
-        state.DoingInsertUpdate = false;
+        state_.DoingInsertUpdate = false;
         return;
     }
-    view.Lbl4Pos = kSwitchDictate;
-    hits.HandSetHitNotHit = true;
-    state.HitOnce = true;
-    state.HitTwice = false;
-    view.lblMode = "Insert Mode";
+    screen().Lbl4Pos = kSwitchDictate;
+    hits_.HandSetHitNotHit = true;
+    state_.HitOnce = true;
+    state_.HitTwice = false;
+    screen().lblMode = "Insert Mode";
     PlayPrompt("beep2.wav");
     if (!deskUnitAllowsTake()) return;
     if (!positionAllowsScratchTake()) return;
     if (refusedWhileRecording("Command2")) return;
-    if (!state.flgfileOpen1) return;
-    state.SaveCurrentPosition = AudioEditor1.CursorPosition();
-    state.Recordingstatus = true;
-    state.DoingInsertUpdate = true;
-    beginScratchTake(state.SaveCurrentPosition, true);
-    state.HitOnce = false;
-    state.HitTwice = true;
+    if (!state_.flgfileOpen1) return;
+    state_.SaveCurrentPosition = AudioEditor1.CursorPosition();
+    state_.Recordingstatus = true;
+    state_.DoingInsertUpdate = true;
+    beginScratchTake(state_.SaveCurrentPosition, true);
+    state_.HitOnce = false;
+    state_.HitTwice = true;
     PlayPrompt("beep2.wav");
 }
 
 void Dictation::overwriteAtCursor() {
-    trace("Overwrite Audio at Current Position: " + state.Filename);
+    trace("Overwrite Audio at Current Position: " + state_.Filename);
     if (AudioEditor1.State() == kRecording || scratchTakeRuns()) return;
-    view.Lbl4Pos = kSwitchDictate;
+    screen().Lbl4Pos = kSwitchDictate;
     if (!deskUnitAllowsTake()) return;
     if (!positionAllowsScratchTake()) {
-        state.OverWriteFile = false;
+        state_.OverWriteFile = false;
         return;
     }
     if (refusedWhileRecording("cmdOVR")) return;
-    if (!state.flgfileOpen1) return;
-    state.SaveCurrentPosition = AudioEditor1.CursorPosition();
-    state.Recordingstatus = true;
-    state.OverWriteFile = true;
-    view.lblMode = "Overwrite Mode";
-    beginScratchTake(state.SaveCurrentPosition, false);
-    state.HitOnce = false;
-    state.HitTwice = true;
+    if (!state_.flgfileOpen1) return;
+    state_.SaveCurrentPosition = AudioEditor1.CursorPosition();
+    state_.Recordingstatus = true;
+    state_.OverWriteFile = true;
+    screen().lblMode = "Overwrite Mode";
+    beginScratchTake(state_.SaveCurrentPosition, false);
+    state_.HitOnce = false;
+    state_.HitTwice = true;
     PlayPrompt("beep2.wav");
     waitTraced(1, " -61");
     PlayPrompt("beep2.wav");
@@ -99,20 +99,20 @@ void Dictation::overwriteAtCursor() {
 bool Dictation::positionAllowsScratchTake() const {
     // Inserting at either end is no insert: the bar's own record does that.
     const auto cursor = AudioEditor1.CursorPosition();
-    return cursor != 0 && cursor != AudioEditor1.Length() && view.ctSlide1 != 100;
+    return cursor != 0 && cursor != AudioEditor1.Length() && view().ctSlide1 != 100;
 }
 
 bool Dictation::scratchTakeRuns() const { return AudioEditor21.State() == kRecording; }
 
 void Dictation::beginScratchTake(engine::SampleCount at, bool showEndButton) {
     timLight.setEnabled(true);
-    view.ButtonEx1Visible = showEndButton;
-    state.FileChanged = true;
+    screen().ButtonEx1Visible = showEndButton;
+    state_.FileChanged = true;
     AudioEditor1.Stop();
     // A playback in progress ends here: the screen shows the take instead.
-    state.flgPlay = false;
-    state.WhichBut = "Record";
-    SetParam(state.WhichBut);
+    state_.flgPlay = false;
+    state_.WhichBut = "Record";
+    SetParam(state_.WhichBut);
     AudioEditor1.setSelectionActive(false);
     AudioEditor1.setCursorPosition(at);
     AudioEditor1.setSelectionStart(at);
@@ -129,12 +129,12 @@ void Dictation::beginScratchTake(engine::SampleCount at, bool showEndButton) {
         trace("Scratch take could not record: " + recording.error());
     }
 
-    view.formatOptionsEnabled = false;
+    screen().formatOptionsEnabled = false;
     timRecord.setEnabled(true);
     timLight.setEnabled(true);
     timCurPos.setEnabled(false);
     applyEOLRule();
-    view.ctSlide1Enabled = false;
+    screen().ctSlide1Enabled = false;
     changed();
 }
 
@@ -153,45 +153,45 @@ void Dictation::closeScratchTake(const std::string& waitTag) {
     waitTraced(1, waitTag);
     AudioEditor21.Stop();
     AudioEditor21.Close();
-    view.ButtonEx1Visible = false;
-    view.lblMode.clear();  // the insert or overwrite is over
+    screen().ButtonEx1Visible = false;
+    screen().lblMode.clear();  // the insert or overwrite is over
     applyEOLRule();
-    view.ctSlide1Enabled = true;
+    screen().ctSlide1Enabled = true;
     timCurPos.setEnabled(true);
     timSave.setEnabled(true);
     timLight.setEnabled(false);
     setLamps(false);
-    state.Recordingstatus = false;
+    state_.Recordingstatus = false;
     // The times are read from the file once the take is in it: while the take ran
     // they counted the take, and the armed state keeps them from being read again.
     AdjustNCTTimeDisplay();
-    view.lblOnAir = "STAND BY";
+    screen().lblOnAir = "STAND BY";
     // The take is in the file, which stands still until the author moves on.
-    state.WhichBut = "Stop";
-    SetParam(state.WhichBut);
+    state_.WhichBut = "Stop";
+    SetParam(state_.WhichBut);
     changed();
 }
 
 void Dictation::endInsert() {
-    if (!state.DoingInsertUpdate) return;  // nothing in the scratch take to put in
-    trace("End of Insert: " + state.Filename);
+    if (!state_.DoingInsertUpdate) return;  // nothing in the scratch take to put in
+    trace("End of Insert: " + state_.Filename);
     selectScratchTake();
     copyScratchTake();
     // No selection in the file: the paste inserts at the cursor.
     AudioEditor1.setSelectionActive(false);
-    AudioEditor1.setCursorPosition(state.SaveCurrentPosition);
+    AudioEditor1.setCursorPosition(state_.SaveCurrentPosition);
     if (auto pasted = AudioEditor1.Paste(); !pasted) trace("Insert paste: " + pasted.error());
     AudioEditor1.setSelectionStart(0);
-    state.DoingInsertUpdate = false;
+    state_.DoingInsertUpdate = false;
     closeScratchTake(" -60");
 }
 
 void Dictation::OverWriteFileOK(const std::string& from) {
-    if (!state.OverWriteFile) return;
-    trace("End of Overwrite: " + state.Filename + " from " + from);
-    state.PedalsBusy = true;
+    if (!state_.OverWriteFile) return;
+    trace("End of Overwrite: " + state_.Filename + " from " + from);
+    state_.PedalsBusy = true;
     selectScratchTake();
-    const engine::SampleCount start = state.SaveCurrentPosition;
+    const engine::SampleCount start = state_.SaveCurrentPosition;
     if (config_.record.OverwriteToEnd) {
         // Everything behind the start of the overwrite goes.
         AudioEditor1.setSelectionActive(true);
@@ -209,37 +209,37 @@ void Dictation::OverWriteFileOK(const std::string& from) {
     AudioEditor1.setSelectionActive(false);
     AudioEditor1.setCursorPosition(start);
     AudioEditor1.setSelectionEnd(start);
-    state.OverWriteFile = false;
+    state_.OverWriteFile = false;
     closeScratchTake(" -59");
     CaseEnd();
-    state.DoingAppending = false;
-    state.PedalsBusy = false;
+    state_.DoingAppending = false;
+    state_.PedalsBusy = false;
 }
 
 void Dictation::endAppend() {
-    trace("End of Append: " + state.Filename);
+    trace("End of Append: " + state_.Filename);
     AudioEditor1.setSelectionActive(false);
     AudioEditor1.setSelectionStart(0);
     CaseStop();
-    view.ButtonEx2Visible = false;
-    state.DoingAppending = false;
+    screen().ButtonEx2Visible = false;
+    state_.DoingAppending = false;
     timCurPos.setEnabled(true);
     timSave.setEnabled(true);
     applyEOLRule();
 }
 
 void Dictation::appendAtEnd() {
-    if (!state.flgfileOpen1 || refusedWhileRecording("CaseInsertAppend")) return;
+    if (!state_.flgfileOpen1 || refusedWhileRecording("CaseInsertAppend")) return;
     // An append is a take at the end, ended by its own button.
-    state.DoingAppending = true;
-    view.ButtonEx2Visible = true;
+    state_.DoingAppending = true;
+    screen().ButtonEx2Visible = true;
     CaseEnd();
     CaseRecord();
 }
 
 void Dictation::ActuallyInsert() {
-    if (auto opened = AudioEditor1.Open(state.SaveFileName); !opened) trace(opened.error());
-    if (auto pasted = AudioEditor1.PasteFile(state.Filename); !pasted) trace(pasted.error());
+    if (auto opened = AudioEditor1.Open(state_.SaveFileName); !opened) trace(opened.error());
+    if (auto pasted = AudioEditor1.PasteFile(state_.Filename); !pasted) trace(pasted.error());
 }
 
 }  // namespace ovd::dictation

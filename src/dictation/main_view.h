@@ -55,8 +55,10 @@ struct MainView {
     std::string txtStepAmt;
     std::string cboName;  // the speaker shown
 
-    // Counts every change, so the window redraws only when something moved.
+    // Counts every announced change, so the window redraws only when something moved.
     unsigned long revision = 0;
+
+    bool operator==(const MainView&) const = default;
 };
 
 }  // namespace ovd::dictation

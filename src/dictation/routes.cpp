@@ -15,42 +15,42 @@ constexpr int kRecording = static_cast<int>(engine::EditorState::Recording);
 }  // namespace
 
 void Dictation::play() {
-    if (view.Label40 == kDeskUnitMissing) view.Lbl4Pos = kSwitchListen;
-    if (view.Lbl4Pos != kSwitchListen) {
-        state.RememberLastSwitchLabel = view.Lbl4Pos;
-        hits.HandSetHitNotHit = true;
+    if (view().Label40 == kDeskUnitMissing) screen().Lbl4Pos = kSwitchListen;
+    if (view().Lbl4Pos != kSwitchListen) {
+        state_.RememberLastSwitchLabel = view().Lbl4Pos;
+        hits_.HandSetHitNotHit = true;
     }
     CasePlay("MMControl1_PlayClick");
-    if (!state.MYDirty) CaseContinue();
-    state.MYDirty = false;
+    if (!state_.MYDirty) CaseContinue();
+    state_.MYDirty = false;
 }
 
 void Dictation::recordTake() {
     if (AudioEditor1.State() == kRecording) return;
-    hits.HandSetHitNotHit = true;
-    state.RememberLastSwitchLabel = view.Lbl4Pos;
+    hits_.HandSetHitNotHit = true;
+    state_.RememberLastSwitchLabel = view().Lbl4Pos;
     CaseRecord();
     applyEOLRule();
 }
 
 void Dictation::stop() {
-    if (state.OverWriteFile) {
+    if (state_.OverWriteFile) {
         OverWriteFileOK("MMControl1_StopClick");
-        state.OverWriteFile = false;
+        state_.OverWriteFile = false;
     }
-    if (state.DoingAppending) {
+    if (state_.DoingAppending) {
         endAppend();
-        state.DoingAppending = false;
+        state_.DoingAppending = false;
     }
-    if (state.DoingInsertUpdate) {
+    if (state_.DoingInsertUpdate) {
         endInsert();
-        state.DoingInsertUpdate = false;
+        state_.DoingInsertUpdate = false;
     }
     PlayPrompt("bloop3.wav");
     const int engineState = AudioEditor1.State();
     if (engineState == kPlaying) {
         // Stop during playback only pauses; the next Stop ends.
-        state.PausedRecording = true;
+        state_.PausedRecording = true;
         pause();
     } else if (engineState > 0) {
         CaseStop();
@@ -82,40 +82,40 @@ void Dictation::goToEnd() {
 void Dictation::stepBack() {
     CaseStepBackward();
     barByPosition();
-    if (view.caption.find("File is Playing") != std::string::npos) CasePlay("MMControl1_BackClick");
+    if (view().caption.find("File is Playing") != std::string::npos) CasePlay("MMControl1_BackClick");
 }
 
 void Dictation::stepForward() {
     CaseStepForward();
     barByPosition();
-    if (view.caption.find("File is Playing") != std::string::npos) CasePlay("MMControl1_StepClick");
+    if (view().caption.find("File is Playing") != std::string::npos) CasePlay("MMControl1_StepClick");
 }
 
 void Dictation::newLetter() {
-    state.HitOnce = false;
-    state.HitTwice = false;
+    state_.HitOnce = false;
+    state_.HitTwice = false;
     CaseNew();
 }
 
 void Dictation::openLetter() {
     CaseStop();
     closeFile();
-    state.FromCurrentList = false;
+    state_.FromCurrentList = false;
     CaseOpen();
 }
 
 void Dictation::saveNow() {
-    if (state.Recordingstatus || state.Filename.empty()) return;
+    if (state_.Recordingstatus || state_.Filename.empty()) return;
     // The save icon saves whatever crash protection says; the check box's own
     // value comes back afterwards.
-    const bool crashProtection = state.FileSaveAtStop;
-    state.FileSaveAtStop = true;
-    state.SaveRequested = true;
+    const bool crashProtection = state_.FileSaveAtStop;
+    state_.FileSaveAtStop = true;
+    state_.SaveRequested = true;
     SaveFile();
-    state.FileSaveAtStop = crashProtection;
-    state.SaveRequested = false;
-    state.FileChanged = false;
-    state.flgPlay = false;
+    state_.FileSaveAtStop = crashProtection;
+    state_.SaveRequested = false;
+    state_.FileChanged = false;
+    state_.flgPlay = false;
 }
 
 void Dictation::restoreFactoryFormats() { CaseDefault(); }
@@ -129,15 +129,15 @@ void Dictation::replayLastThreeSeconds() {
     } else {
         CaseLastThreeSecondsCon();
     }
-    state.SecondSwitchPosition = "Last3Secs";
-    state.ThirdSwitchPosition.clear();
-    state.FourthSwitchPosition.clear();
+    state_.SecondSwitchPosition = "Last3Secs";
+    state_.ThirdSwitchPosition.clear();
+    state_.FourthSwitchPosition.clear();
 }
 
 void Dictation::finishLetter() {
-    hits.HandSetHitNotHit = true;
+    hits_.HandSetHitNotHit = true;
     if (switchCommand) switchCommand("EOL");
-    view.cmdEOL = false;
+    screen().cmdEOL = false;
     changed();
 }
 
@@ -187,13 +187,13 @@ void Dictation::toolbarButton(const std::string& key) {
             }
         }
     }
-    normalise(state);
-    SetParam(state.WhichBut);
+    normalise(state_);
+    SetParam(state_.WhichBut);
 }
 
 void Dictation::clearRecentFiles() {
     recent.clearRecentFiles();
-    view.Reopen.clear();
+    screen().Reopen.clear();
     changed();
 }
 
@@ -201,20 +201,20 @@ void Dictation::openRecentFile(const std::string& path) {
     // Another file while a take runs would leave that take recording unseen.
     if (refusedWhileRecording("OpenMyList")) return;
     if (platform::fileExists(path)) {
-        state.FromCurrentList = true;
-        state.Filename = path;
+        state_.FromCurrentList = true;
+        state_.Filename = path;
         CaseOpen();
         return;
     }
-    state.flgfileOpen1 = false;
+    state_.flgfileOpen1 = false;
     setFileLabels("");
-    state.iTotalSecFile = 0;
-    state.iCurSecond = 0;
-    state.flgPlay = false;
-    state.Recordingstatus = false;
+    state_.iTotalSecFile = 0;
+    state_.iCurSecond = 0;
+    state_.flgPlay = false;
+    state_.Recordingstatus = false;
     changed();
     prompts_.showMessage("That file does not exist!", "File Not Found! ");
-    if (state.PreviousNextFile > 0) --state.PreviousNextFile;
+    if (state_.PreviousNextFile > 0) --state_.PreviousNextFile;
 }
 
 }  // namespace ovd::dictation

@@ -33,136 +33,136 @@ std::string withExtensionOf(const std::string& chosen, const std::string& source
 }
 
 void Dictation::TempFileNameFileLength() {
-    state.NewTempFile = AudioEditor1.TempFileName();
-    if (state.NewTempFile.empty()) {
-        state.NewTempFileLength.reset();
+    state_.NewTempFile = AudioEditor1.TempFileName();
+    if (state_.NewTempFile.empty()) {
+        state_.NewTempFileLength.reset();
         return;
     }
-    const auto bytes = platform::fileSize(state.NewTempFile);
+    const auto bytes = platform::fileSize(state_.NewTempFile);
     if (bytes) {
-        state.NewTempFileLength = static_cast<std::int64_t>(*bytes);
+        state_.NewTempFileLength = static_cast<std::int64_t>(*bytes);
     } else {
-        state.NewTempFileLength.reset();
+        state_.NewTempFileLength.reset();
     }
-    state.FileSaveError = false;
+    state_.FileSaveError = false;
 }
 
 void Dictation::Manip_Files() {
-    if (state.Filename.empty()) return;
-    view.statusPanel2 = sizeText();
+    if (state_.Filename.empty()) return;
+    screen().statusPanel2 = sizeText();
     showFileName();
-    recent.AddToMRUX(state.Filename);
-    view.Reopen = recent.DisplayMRU();
-    if (state.WhichBut == "Close") timSave.setEnabled(false);
+    recent.AddToMRUX(state_.Filename);
+    screen().Reopen = recent.DisplayMRU();
+    if (state_.WhichBut == "Close") timSave.setEnabled(false);
     changed();
 }
 
 void Dictation::SaveFile() {
     // Only every Stop with crash protection, or a save asked for by a close, an
     // end of letter or the save icon, comes through.
-    if (!state.FileSaveAtStop && !state.SaveRequested) return;
-    state.SaveRequested = false;
-    const bool failedBefore = state.FileSaveError;
+    if (!state_.FileSaveAtStop && !state_.SaveRequested) return;
+    state_.SaveRequested = false;
+    const bool failedBefore = state_.FileSaveError;
     const bool superThin = config_.record.ScreenSize == "SuperThin";
 
-    view.busyPointer = true;
-    trace("Getting Ready to Save File: " + state.Filename);
-    state.FileChanged = false;
-    state.FileSaveError = false;
+    screen().busyPointer = true;
+    trace("Getting Ready to Save File: " + state_.Filename);
+    state_.FileChanged = false;
+    state_.FileSaveError = false;
     TempFileNameFileLength();
-    trace("SaveFileProcedure-FileSaveError =: " + platform::boolText(state.FileSaveError));
+    trace("SaveFileProcedure-FileSaveError =: " + platform::boolText(state_.FileSaveError));
     timSave.setEnabled(false);
 
     const auto saveFailed = [&](const std::string& line, const std::string& waitTag) {
-        state.FileSaveError = true;
-        state.FileChanged = false;
+        state_.FileSaveError = true;
+        state_.FileChanged = false;
         trace(line);
         timSave.setEnabled(true);
-        view.lblReady = kReadyAfterSave;
-        view.caption = applicationTitle(config_.record.HandsFreeEdition) + " - " + kSaveErrorText;
-        if (!superThin) view.lblReady = kSaveErrorText;
-        notifyPeer("FileSaveErr_" + platform::withoutFolder(state.Filename), waitTag);
-        view.transportLabelsVisible = true;
-        view.busyPointer = false;
+        screen().lblReady = kReadyAfterSave;
+        screen().caption = applicationTitle(config_.record.HandsFreeEdition) + " - " + kSaveErrorText;
+        if (!superThin) screen().lblReady = kSaveErrorText;
+        notifyPeer("FileSaveErr_" + platform::withoutFolder(state_.Filename), waitTag);
+        screen().transportLabelsVisible = true;
+        screen().busyPointer = false;
         changed();
     };
 
-    if (!state.NewTempFileLength) {
-        saveFailed(state.Filename + " file length is none - File Save ERROR", " -70");
+    if (!state_.NewTempFileLength) {
+        saveFailed(state_.Filename + " file length is none - File Save ERROR", " -70");
         // Without a work file crash protection has nothing to protect this run.
-        state.FileSaveAtStop = false;
+        state_.FileSaveAtStop = false;
         return;
     }
     trace("Save-NO ERROR(2) : ");
-    if (*state.NewTempFileLength < kMinimumRecordedBytes) {
-        saveFailed(state.Filename + "  File Length is :" + std::to_string(*state.NewTempFileLength) +
+    if (*state_.NewTempFileLength < kMinimumRecordedBytes) {
+        saveFailed(state_.Filename + "  File Length is :" + std::to_string(*state_.NewTempFileLength) +
                        " and is < 30311 - File Save ERROR",
                    " -71");
         return;
     }
 
-    view.lblReady = superThin ? "" : "BUSY Saving File";
-    view.transportLabelsVisible = false;
-    state.FileChanged = false;
+    screen().lblReady = superThin ? "" : "BUSY Saving File";
+    screen().transportLabelsVisible = false;
+    state_.FileChanged = false;
     changed();
     if (!makeRoomToSave()) {
         // Nobody made room: the file is not written half way, and the take stays
         // whole in its work file under Temp, where a close leaves it too.
-        view.Label40 = kTakeKeptInTemp;
-        view.Label40Warning = true;
+        screen().Label40 = kTakeKeptInTemp;
+        screen().Label40Warning = true;
         saveFailed(
-            state.Filename + " File Save ERROR: " + kTakeKeptInTemp + " " + temporaryFolder(),
+            state_.Filename + " File Save ERROR: " + kTakeKeptInTemp + " " + temporaryFolder(),
             " -71");
         return;
     }
     takeWaitsInTemp_ = false;
 
-    trace("Starting File Save : " + state.Filename);
+    trace("Starting File Save : " + state_.Filename);
     AudioEditor1.setComment("OVDESK");
-    addPriorityMarker(state);
+    addPriorityMarker(state_);
     // Only the log would know: the author is told once, while the take is still safe.
     const auto tellSaveFailed = [&](const std::string& error) {
         if (failedBefore) return;
         prompts_.showMessage(
-            "The file " + state.Filename + " could not be saved: " + error +
+            "The file " + state_.Filename + " could not be saved: " + error +
                 ". The recording is kept in the Temp folder and is recovered at the "
                 "next start.",
             settings::kProductTitle, platform::Severity::Warning);
     };
-    if (auto saved = AudioEditor1.SaveAs(state.Filename); !saved) {
-        saveFailed(state.Filename + " File Save ERROR: " + saved.error(), " -71");
+    if (auto saved = AudioEditor1.SaveAs(state_.Filename); !saved) {
+        saveFailed(state_.Filename + " File Save ERROR: " + saved.error(), " -71");
         tellSaveFailed(saved.error());
         return;
     }
     waitUntilFileIsFree();
     if (const std::string error = AudioEditor1.lastSaveError(); !error.empty()) {
         // The work file still holds the take: the next save tries again.
-        saveFailed(state.Filename + " File Save ERROR: " + error, " -71");
+        saveFailed(state_.Filename + " File Save ERROR: " + error, " -71");
         tellSaveFailed(error);
         return;
     }
-    trace("Ending File Save : " + state.Filename);
+    trace("Ending File Save : " + state_.Filename);
     Manip_Files();
-    trace(state.Filename + " File Save Successfull");
-    const auto bytes = platform::fileSize(state.Filename).value_or(0);
-    trace("The File Length for file " + state.Filename + " is " + std::to_string(bytes));
-    state.SaveFileName = state.Filename;
+    trace(state_.Filename + " File Save Successfull");
+    const auto bytes = platform::fileSize(state_.Filename).value_or(0);
+    trace("The File Length for file " + state_.Filename + " is " + std::to_string(bytes));
+    state_.SaveFileName = state_.Filename;
     timSave.setEnabled(true);
-    view.lblReady = kReadyAfterSave;
-    view.transportLabelsVisible = true;
-    view.busyPointer = false;
+    screen().lblReady = kReadyAfterSave;
+    screen().transportLabelsVisible = true;
+    screen().busyPointer = false;
     changed();
 }
 
 void Dictation::waitUntilFileIsFree() {
     // The engine holds the file while it encodes; there is no limit, and the
     // log shows what is waited for.
-    while (!platform::FileAvailable(state.Filename)) {
+    while (!platform::FileAvailable(state_.Filename)) {
         // A save that failed leaves no file to wait for.
-        if (!AudioEditor1.saving() && !platform::fileExists(state.Filename)) return;
-        view.lblReady = "BUSY Saving File";
+        if (!AudioEditor1.saving() && !platform::fileExists(state_.Filename)) return;
+        screen().lblReady = "BUSY Saving File";
         changed();
-        trace("Trying to File Save : " + state.Filename + " but the file is in use");
+        trace("Trying to File Save : " + state_.Filename + " but the file is in use");
         loop_.wait(platform::Milliseconds(100));
     }
 }
@@ -178,7 +178,7 @@ bool Dictation::makeRoomToSave() {
     while (left < 0) {
         // The station is ending: nobody will answer any more, and the take waits
         // in Temp rather than holding the end up.
-        if (state.Imclosing) return giveUpSaveForRoom();
+        if (state_.Imclosing) return giveUpSaveForRoom();
         const bool move = prompts_.askYesNo(kDiskSpaceQuestion, title, platform::Answer::No);
         if (!move) {
             trace("Disk Full Warning --- User Selected to save file in the default location .. "
@@ -190,13 +190,13 @@ bool Dictation::makeRoomToSave() {
                                                        config_.record.CaptureFilePath.toText()});
             if (folder && !folder->empty()) {
                 config_.record.CaptureFilePath = *folder;
-                state.Filename = platform::joinPath(*folder, state.Filename.substr(
-                                                                  state.Filename.find_last_of('/') + 1));
+                state_.Filename = platform::joinPath(*folder, state_.Filename.substr(
+                                                                  state_.Filename.find_last_of('/') + 1));
             }
         }
         config_.WriteConfig();
         left = room(3);
-        notifyPeer("DiskErr_" + platform::withoutFolder(state.Filename), " -72");
+        notifyPeer("DiskErr_" + platform::withoutFolder(state_.Filename), " -72");
         // Asking again only helps when someone can answer otherwise; a fixed
         // answer would ask for ever, as fast as the machine can.
         if (left < 0 && !prompts_.someoneAnswers()) return giveUpSaveForRoom();
@@ -206,31 +206,31 @@ bool Dictation::makeRoomToSave() {
 
 bool Dictation::giveUpSaveForRoom() {
     takeWaitsInTemp_ = true;
-    trace(state.Filename + " " + kTakeKeptInTemp + " " + temporaryFolder());
+    trace(state_.Filename + " " + kTakeKeptInTemp + " " + temporaryFolder());
     return false;
 }
 
 void Dictation::SaveFileAs() {
-    state.SaveOldFileName = state.Filename;
+    state_.SaveOldFileName = state_.Filename;
     timSave.setEnabled(false);
     timCurPos.setEnabled(false);
     CaseStop();
-    if (!state.FileSaveAtStop && state.FileChanged) {
-        state.SaveRequested = true;
+    if (!state_.FileSaveAtStop && state_.FileChanged) {
+        state_.SaveRequested = true;
         SaveFile();
     }
     auto chosen = ChooseFileName(2);
     if (!chosen) {
-        state.UserSelectedNo = false;
-        state.Filename = state.SaveOldFileName;
+        state_.UserSelectedNo = false;
+        state_.Filename = state_.SaveOldFileName;
         return;
     }
-    *chosen = withExtensionOf(*chosen, state.SaveOldFileName);
+    *chosen = withExtensionOf(*chosen, state_.SaveOldFileName);
     // Copied beside the new name and moved onto it once complete, as every save
     // is written: a crash leaves no half file under the name the author chose.
     const std::string partial = *chosen + ".partial";
     std::string reason;
-    bool copied = platform::copyFileOver(state.SaveOldFileName, partial, &reason);
+    bool copied = platform::copyFileOver(state_.SaveOldFileName, partial, &reason);
     if (copied && std::rename(partial.c_str(), chosen->c_str()) != 0) {
         copied = false;
         reason = std::strerror(errno);
@@ -241,22 +241,22 @@ void Dictation::SaveFileAs() {
     }
     openRecentFile(*chosen);
     CaseEnd();
-    view.lblBusyVisible = false;
+    screen().lblBusyVisible = false;
     changed();
 }
 
 void Dictation::OpenFile() {
-    state.JustOpened = true;
-    if (!state.FromCurrentList) state.Filename = ChooseFileName(1).value_or("");
-    if (state.Filename.empty()) {
-        state.UserSelectedNo = false;
+    state_.JustOpened = true;
+    if (!state_.FromCurrentList) state_.Filename = ChooseFileName(1).value_or("");
+    if (state_.Filename.empty()) {
+        state_.UserSelectedNo = false;
         ResetRecorderState();
         setFileLabels(kReadyText);
         return;
     }
-    const auto bytes = platform::fileSize(state.Filename);
+    const auto bytes = platform::fileSize(state_.Filename);
     if (!bytes) {
-        state.FileOpenError = true;
+        state_.FileOpenError = true;
         prompts_.showMessage("File does not exist. Please try again!", settings::kProductTitle);
         return;
     }
@@ -264,158 +264,158 @@ void Dictation::OpenFile() {
         prompts_.showMessage("It appears because of the file size, that this file has not been "
                              "recorded on.  File will not be opened.",
                              settings::kProductTitle);
-        state.Filename.clear();
+        state_.Filename.clear();
         return;
     }
     settings::SettingsRecord& record = config_.record;
-    record.LastFolderOpened = platform::folderOf(state.Filename);
-    record.LastFileOpened = state.Filename.substr(state.Filename.find_last_of('/') + 1);
-    record.LastPathFileOpened = state.Filename;
+    record.LastFolderOpened = platform::folderOf(state_.Filename);
+    record.LastFileOpened = state_.Filename.substr(state_.Filename.find_last_of('/') + 1);
+    record.LastPathFileOpened = state_.Filename;
     config_.WriteConfig();
 
     AudioEditor1.setTempFileName(temporaryFolder());
-    if (auto opened = AudioEditor1.Open(state.Filename); !opened) {
-        state.FileOpenError = true;
+    if (auto opened = AudioEditor1.Open(state_.Filename); !opened) {
+        state_.FileOpenError = true;
         prompts_.showMessage("The file could not be opened: " + opened.error(), settings::kProductTitle);
         return;
     }
     // Later saves keep the file's own format, at its own rate and channels.
     engine::TargetFormat target = engine::FigureOutFileFormats(chosenFormatGroup(record)).target;
-    const auto dot = state.Filename.find_last_of('.');
+    const auto dot = state_.Filename.find_last_of('.');
     if (dot != std::string::npos) {
-        std::string extension = state.Filename.substr(dot + 1);
+        std::string extension = state_.Filename.substr(dot + 1);
         for (char& c : extension) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
         if (const auto word = engine::parseFormatWord(extension)) target.word = *word;
     }
     target.sampleRate = AudioEditor1.SamplesPerSecond();
     target.channels = AudioEditor1.Channels();
     AudioEditor1.chooseFormat(target);
-    state.CurrentFormatType = engine::formatWordText(target.word);
+    state_.CurrentFormatType = engine::formatWordText(target.word);
 
-    state.iTotalSecFile = secondsOf(AudioEditor1.Length());
-    state.flgfileOpen1 = true;
-    view.statusPanel2 = sizeText();
+    state_.iTotalSecFile = secondsOf(AudioEditor1.Length());
+    state_.flgfileOpen1 = true;
+    screen().statusPanel2 = sizeText();
     showFileName();
     changed();
 }
 
 void Dictation::CaseClose() {
-    trace("File Closed: " + state.Filename);
-    view.audioFrameEnabled = true;
-    view.frameSpeakerEnabled = true;
-    if (!state.Filename.empty()) {
-        if (!state.flgfileOpen1) {
+    trace("File Closed: " + state_.Filename);
+    screen().audioFrameEnabled = true;
+    screen().frameSpeakerEnabled = true;
+    if (!state_.Filename.empty()) {
+        if (!state_.flgfileOpen1) {
             keepUnsavedTake();
             ResetRecorderState();
-            state.SaveNCTTempFileName = AudioEditor1.TempFileName();
+            state_.SaveNCTTempFileName = AudioEditor1.TempFileName();
             AudioEditor1.Close();
             AudioEditor21.Close();
-            state.clearSwitchPositions();
+            state_.clearSwitchPositions();
         }
-        if (!state.FileSaveAtStop && state.FileChanged) {
-            state.SaveRequested = true;
+        if (!state_.FileSaveAtStop && state_.FileChanged) {
+            state_.SaveRequested = true;
             SaveFile();
         }
-        if (state.FileChanged &&
+        if (state_.FileChanged &&
             prompts_.askYesNo(kSaveQuestion, settings::kProductTitle, platform::Answer::No)) {
             SaveFile();
         }
     } else {
-        state.FileChanged = false;
+        state_.FileChanged = false;
     }
     keepUnsavedTake();
-    state.PRERECORDED = false;
-    state.clearSwitchPositions();
-    view.mnuScanConvertEnabled = true;
+    state_.PRERECORDED = false;
+    state_.clearSwitchPositions();
+    screen().mnuScanConvertEnabled = true;
     ResetRecorderState();
-    state.SaveNCTTempFileName = AudioEditor1.TempFileName();
+    state_.SaveNCTTempFileName = AudioEditor1.TempFileName();
     AudioEditor1.Close();
     AudioEditor21.Close();
-    view.audioFrameVisible = true;
-    state.FileChanged = false;
-    state.flgPlay = false;
-    state.flgfileOpen1 = false;
-    state.flgfileOpen2 = false;
+    screen().audioFrameVisible = true;
+    state_.FileChanged = false;
+    state_.flgPlay = false;
+    state_.flgfileOpen1 = false;
+    state_.flgfileOpen2 = false;
     setFileLabels("");
-    view.statusPanel2.clear();
-    state.Filename.clear();
-    state.WhichBut = "Close";
-    state.CommandFileName.clear();
-    state.NextString.clear();
-    view.Label43.clear();
-    for (std::string& workFile : state.LastThreeNCTTmps) {
+    screen().statusPanel2.clear();
+    state_.Filename.clear();
+    state_.WhichBut = "Close";
+    state_.CommandFileName.clear();
+    state_.NextString.clear();
+    screen().Label43.clear();
+    for (std::string& workFile : state_.LastThreeNCTTmps) {
         if (!workFile.empty() && workFile != keptWorkFile_ && platform::fileExists(workFile)) {
             std::remove(workFile.c_str());
         }
         workFile.clear();
     }
     keptWorkFile_.clear();
-    normalise(state);
-    SetParam(state.WhichBut);
-    view.transportLabelsVisible = false;
+    normalise(state_);
+    SetParam(state_.WhichBut);
+    screen().transportLabelsVisible = false;
     applyEOLRule();
     setRecordButtons(false);
-    view.ctSlide1Enabled = false;
-    state.RecordedOnce = false;
-    view.cmdEOL = false;
+    screen().ctSlide1Enabled = false;
+    state_.RecordedOnce = false;
+    screen().cmdEOL = false;
     changed();
 }
 
 void Dictation::keepUnsavedTake() {
     // Kept once per close: the editor has let go of its work file after the first time.
     if (!keptWorkFile_.empty()) return;
-    if (!state.FileSaveError && !takeWaitsInTemp_) return;
+    if (!state_.FileSaveError && !takeWaitsInTemp_) return;
     takeWaitsInTemp_ = false;
     TempFileNameFileLength();
-    state.FileSaveError = true;
-    if (!state.NewTempFileLength || *state.NewTempFileLength < kMinimumRecordedBytes) return;
+    state_.FileSaveError = true;
+    if (!state_.NewTempFileLength || *state_.NewTempFileLength < kMinimumRecordedBytes) return;
     // A take that could not be saved stays where the recovery finds it at the next start.
-    keptWorkFile_ = state.NewTempFile;
-    trace("The take of " + state.Filename + " was not saved; it stays in " + keptWorkFile_);
+    keptWorkFile_ = state_.NewTempFile;
+    trace("The take of " + state_.Filename + " was not saved; it stays in " + keptWorkFile_);
     AudioEditor1.CloseKeepingWorkFile();
 }
 
 void Dictation::closeFile() {
-    closeByUserOrPeer(state.TCPClose ? " Closing because TCP sent Msg" : " User Hit Icon to Close File",
+    closeByUserOrPeer(state_.TCPClose ? " Closing because TCP sent Msg" : " User Hit Icon to Close File",
                       " -63");
 }
 
 void Dictation::closeFromMenu() { closeByUserOrPeer(" User selected File Menu Close", " -65"); }
 
 void Dictation::closeByUserOrPeer(const std::string& logLine, const std::string& waitTag) {
-    if (state.Filename.empty()) {
+    if (state_.Filename.empty()) {
         ResetRecorderState();
         return;
     }
     trace(logLine);
     // The peer hears which file the author closed; a close it ordered itself is not told back.
-    if (!state.TCPClose) notifyPeer("UserClose_" + platform::withoutFolder(state.Filename), waitTag);
+    if (!state_.TCPClose) notifyPeer("UserClose_" + platform::withoutFolder(state_.Filename), waitTag);
     TempFileNameFileLength();
-    if (state.NewTempFileLength && *state.NewTempFileLength < kMinimumRecordedBytes &&
-        !state.RecordedOnce) {
+    if (state_.NewTempFileLength && *state_.NewTempFileLength < kMinimumRecordedBytes &&
+        !state_.RecordedOnce) {
         // Nothing was said worth keeping: the file goes and its number comes back.
-        state.FileSaveError = true;
-        trace("File Length to be killed is  " + std::to_string(*state.NewTempFileLength));
-        state.FileChanged = false;
-        const std::string killed = state.Filename;
+        state_.FileSaveError = true;
+        trace("File Length to be killed is  " + std::to_string(*state_.NewTempFileLength));
+        state_.FileChanged = false;
+        const std::string killed = state_.Filename;
         CaseClose();
         settings::ConfigVariant& number = config_.record.FileNameIncrementStartingNum;
         number = number.toNumber().value_or(0.0) - 1.0;
         config_.WriteConfig();
         std::remove(killed.c_str());
-        state.FileKilled = true;
-        trace(" FileKilled = " + platform::boolText(state.FileKilled));
+        state_.FileKilled = true;
+        trace(" FileKilled = " + platform::boolText(state_.FileKilled));
         trace(" Procedure - Closed Procedure - Image10_Click");
-        state.clearSwitchPositions();
+        state_.clearSwitchPositions();
         return;
     }
     config_.WriteConfig();
-    if (state.OverWriteFile) OverWriteFileOK("Image10_Click");
-    if (state.DoingAppending) endAppend();
-    if (state.DoingInsertUpdate) endInsert();
+    if (state_.OverWriteFile) OverWriteFileOK("Image10_Click");
+    if (state_.DoingAppending) endAppend();
+    if (state_.DoingInsertUpdate) endInsert();
     CaseStop();
     CaseClose();
-    view.lblBusyVisible = false;
+    screen().lblBusyVisible = false;
     ResetRecorderState();
 }
 
@@ -426,16 +426,16 @@ namespace ovd::dictation {
 // The short close some older routes still take: no save of its own unless the
 // author says so, and nothing given back.
 void Dictation::CLOSEME() {
-    if (!state.flgfileOpen1) return;
-    if (state.FileChanged &&
+    if (!state_.flgfileOpen1) return;
+    if (state_.FileChanged &&
         prompts_.askYesNo(kSaveQuestion, settings::kProductTitle, platform::Answer::No)) {
-        state.SaveRequested = true;
+        state_.SaveRequested = true;
         SaveFile();
     }
-    state.flgPlay = false;
-    state.flgfileOpen1 = false;
-    state.Filename.clear();
-    state.WhichBut = "Close";
+    state_.flgPlay = false;
+    state_.flgfileOpen1 = false;
+    state_.Filename.clear();
+    state_.WhichBut = "Close";
     AudioEditor1.Close();
     changed();
 }

@@ -9,23 +9,23 @@
 namespace ovd::dictation {
 
 void Dictation::finishPendingInsertOrAppend() {
-    if (state.InsertingFile) {
-        state.FileChanged = true;
+    if (state_.InsertingFile) {
+        state_.FileChanged = true;
         AudioEditor1.Close();
         ActuallyInsert();
-        state.InsertingFile = false;
-        std::remove(state.Filename.c_str());
+        state_.InsertingFile = false;
+        std::remove(state_.Filename.c_str());
     }
-    if (state.AppendingFile) {
-        if (auto opened = AudioEditor1.Open(state.Filename); !opened) trace(opened.error());
-        state.RecordedOnce = true;
+    if (state_.AppendingFile) {
+        if (auto opened = AudioEditor1.Open(state_.Filename); !opened) trace(opened.error());
+        state_.RecordedOnce = true;
     }
 }
 
 void Dictation::closeBeforeNewFile() {
-    if (state.FileChanged) {
+    if (state_.FileChanged) {
         // The file in hand is closed (and saved) before a new one is named.
-        state.FileChanged = false;
+        state_.FileChanged = false;
         CaseStop();
         closeFile();
     }
@@ -33,22 +33,22 @@ void Dictation::closeBeforeNewFile() {
 }
 
 bool Dictation::newFileAbandoned() {
-    if (!state.UserSelectedNo) return false;
-    state.UserSelectedNo = false;
+    if (!state_.UserSelectedNo) return false;
+    state_.UserSelectedNo = false;
     timCurPos.setEnabled(false);
     timRecord.setEnabled(false);
     timLight.setEnabled(false);
     timSave.setEnabled(false);
-    state.flgfileOpen1 = false;
-    state.JustOpened = false;
-    state.Filename.clear();
+    state_.flgfileOpen1 = false;
+    state_.JustOpened = false;
+    state_.Filename.clear();
     setFileLabels(kReadyText);
     changed();
     return true;
 }
 
 void Dictation::CaseNew() {
-    trace("File New: " + state.Filename);
+    trace("File New: " + state_.Filename);
     {
         // While the file is made, the waits inside let pedals in: they see a file
         // in the making, and the file ready once it is.
@@ -62,105 +62,105 @@ void Dictation::CaseNew() {
 void Dictation::newFileSteps() {
     closeBeforeNewFile();
     if (refusedWhileRecording("CaseNew")) return;
-    state.CheckedOnce = false;
-    state.WhichBut = "New";
-    state.Filename.clear();
-    view.lblReady.clear();
+    state_.CheckedOnce = false;
+    state_.WhichBut = "New";
+    state_.Filename.clear();
+    screen().lblReady.clear();
     naming.Newfile();
     if (newFileAbandoned()) return;
-    SetParam(state.WhichBut);
+    SetParam(state_.WhichBut);
     if (refusedWhileRecording("CaseNew-2")) return;
-    if (!state.flgPlay) {
+    if (!state_.flgPlay) {
         // A moment in which the new file counts as taking: a pedal that comes in
         // now is refused rather than acting on a file half set up.
-        state.FileChanged = true;
-        state.Recordingstatus = true;
+        state_.FileChanged = true;
+        state_.Recordingstatus = true;
         timSave.setEnabled(true);
         waitTraced(1, " -56");
-        state.Recordingstatus = false;
+        state_.Recordingstatus = false;
     }
-    if (state.flgfileOpen1) {
+    if (state_.flgfileOpen1) {
         timSave.setEnabled(false);
-        state.flgPlay = false;
+        state_.flgPlay = false;
         finishPendingInsertOrAppend();
-        state.TrueSpeech = false;
+        state_.TrueSpeech = false;
         AudioEditor1.Stop();
         AudioEditor1.setSelectionActive(false);
         AudioEditor1.setCursorPosition(0);
         AudioEditor1.setSelectionEnd(0);
-        normalise(state);
-        SetParam(state.WhichBut);
-        view.lblOnAirVisible = true;
+        normalise(state_);
+        SetParam(state_.WhichBut);
+        screen().lblOnAirVisible = true;
         setBar(BarAfter::CaseNew);
     }
-    trace("CaseNew-FileSaveError =: " + platform::boolText(state.FileSaveError));
-    trace("LOADED New File: " + state.Filename + " Procedure - CASE NEW");
-    notifyPeer("LOADED_" + platform::withoutFolder(state.Filename), " -57");
+    trace("CaseNew-FileSaveError =: " + platform::boolText(state_.FileSaveError));
+    trace("LOADED New File: " + state_.Filename + " Procedure - CASE NEW");
+    notifyPeer("LOADED_" + platform::withoutFolder(state_.Filename), " -57");
     // The author hears that the new file is ready even with prompts switched off.
     voice_.PlayPrompt("TwoBeeps.wav", true);
 }
 
 void Dictation::CaseNewFileName() {
-    trace("File New (named): " + state.CommandFileName);
-    state.PedalsBusy = true;
+    trace("File New (named): " + state_.CommandFileName);
+    state_.PedalsBusy = true;
     closeBeforeNewFile();
-    state.CheckedOnce = false;
-    state.WhichBut = "New";
-    state.Filename.clear();
+    state_.CheckedOnce = false;
+    state_.WhichBut = "New";
+    state_.Filename.clear();
     naming.Newfile();
     if (newFileAbandoned()) {
-        state.PedalsBusy = false;
+        state_.PedalsBusy = false;
         return;
     }
     AudioEditor1.setSelectionActive(false);
     AudioEditor1.setCursorPosition(0);
-    normalise(state);
-    SetParam(state.WhichBut);
+    normalise(state_);
+    SetParam(state_.WhichBut);
     setBar(BarAfter::CaseNew);
-    if (view.Label40 == kDeskUnitMissing || view.Lbl4Pos.empty()) view.Lbl4Pos = kSwitchPlain;
-    if (view.Lbl4Pos == kSwitchDictate || view.Lbl4Pos == kSwitchPlain) PlayPrompt("beep2.wav");
+    if (view().Label40 == kDeskUnitMissing || view().Lbl4Pos.empty()) screen().Lbl4Pos = kSwitchPlain;
+    if (view().Lbl4Pos == kSwitchDictate || view().Lbl4Pos == kSwitchPlain) PlayPrompt("beep2.wav");
     const auto sinceStart =
         std::chrono::duration_cast<std::chrono::seconds>(loop_.now() - startedAt_).count();
     trace(" Ready To record in " + std::to_string(sinceStart) + " Seconds");
-    state.PedalsBusy = false;
+    state_.PedalsBusy = false;
 }
 
 void Dictation::CaseOpen() {
-    trace("File Open: " + state.Filename);
-    state.EOLHAPPENED = false;
+    trace("File Open: " + state_.Filename);
+    state_.EOLHAPPENED = false;
     if (refusedWhileRecording("CaseOpen")) return;
-    state.clearSwitchPositions();
-    if (state.FileChanged) {
+    state_.clearSwitchPositions();
+    if (state_.FileChanged) {
         CaseStop();
         CaseClose();
     }
     AudioEditor1.Close();
     AudioEditor21.Close();
-    if (!state.FromCurrentList) ResetRecorderState();
-    state.JustOpened = true;
-    view.lblBusyVisible = true;
-    view.audioFrameVisible = false;
-    view.ctSlide1Enabled = false;
+    if (!state_.FromCurrentList) ResetRecorderState();
+    state_.JustOpened = true;
+    screen().lblBusyVisible = true;
+    screen().audioFrameVisible = false;
+    screen().ctSlide1Enabled = false;
     OpenFile();
-    if (!state.Filename.empty()) {
-        state.FromCurrentList = false;
-        if (!state.FileOpenError) {
-            state.WhichBut = "Open";
-            SetParam(state.WhichBut);
+    if (!state_.Filename.empty()) {
+        state_.FromCurrentList = false;
+        if (!state_.FileOpenError) {
+            state_.WhichBut = "Open";
+            SetParam(state_.WhichBut);
             AudioEditor1.setSelectionActive(false);
             AudioEditor1.setCursorPosition(0);
-            normalise(state);
-            SetParam(state.WhichBut);
+            normalise(state_);
+            SetParam(state_.WhichBut);
             timCurPos.setEnabled(true);
             setBar(BarAfter::CasePlayOrOpen);
             setRecordButtons(true);
         } else {
-            state.FileOpenError = false;
+            state_.FileOpenError = false;
         }
     } else {
-        state.JustOpened = false;
-        view.lblBusyVisible = false;
-        view.audioFrameVisible = true;
+        state_.JustOpened = false;
+        screen().lblBusyVisible = false;
+        screen().audioFrameVisible = true;
         ResetRecorderState();
         CaseClose();
     }
@@ -168,231 +168,231 @@ void Dictation::CaseOpen() {
 }
 
 void Dictation::CaseRecord() {
-    state.EOLHAPPENED = false;
-    if (!state.flgfileOpen1) return;
+    state_.EOLHAPPENED = false;
+    if (!state_.flgfileOpen1) return;
     if (refusedWhileRecording("CaseRecord")) return;
-    if (state.flgPlay) return;
+    if (state_.flgPlay) return;
     renameToHandedOffName("recording");
-    trace("File Record: " + state.Filename);
-    state.WhichBut = "Record";
-    state.FileChanged = true;
-    state.Recordingstatus = true;
-    state.PausedRecording = false;
+    trace("File Record: " + state_.Filename);
+    state_.WhichBut = "Record";
+    state_.FileChanged = true;
+    state_.Recordingstatus = true;
+    state_.PausedRecording = false;
     rotateWorkFileNames();
     if (auto recording = AudioEditor1.Record(); !recording) {
         trace("Record: " + recording.error());
         // Nothing records: the station must not show a take, nor refuse what
         // follows as if one ran.
-        state.Recordingstatus = false;
-        state.WhichBut = "Stop";
+        state_.Recordingstatus = false;
+        state_.WhichBut = "Stop";
         changed();
         return;
     }
-    if (!state.Once) {
-        state.StartTime = loop_.now();
-        state.Once = true;
+    if (!state_.Once) {
+        state_.StartTime = loop_.now();
+        state_.Once = true;
     }
     timSave.setEnabled(true);
     timCurPos.setEnabled(false);
-    view.formatOptionsEnabled = false;
+    screen().formatOptionsEnabled = false;
     timRecord.setInterval(250);
     timRecord.setEnabled(true);
     timsync.setEnabled(true);
-    normalise(state);
-    SetParam(state.WhichBut);
+    normalise(state_);
+    SetParam(state_.WhichBut);
     setBar(BarAfter::CaseRecord);
     setRecordButtons(false);
-    view.ctSlide1Enabled = false;
-    state.RecordedOnce = true;
+    screen().ctSlide1Enabled = false;
+    state_.RecordedOnce = true;
     changed();
 }
 
 void Dictation::CaseStop() {
-    view.lblMode.clear();
-    if (!state.flgfileOpen1) {
+    screen().lblMode.clear();
+    if (!state_.flgfileOpen1) {
         changed();
         return;
     }
-    trace("File Stop: " + state.Filename);
+    trace("File Stop: " + state_.Filename);
     timSave.setEnabled(false);
-    state.flgNewToRecord = false;
-    if (state.Recordingstatus) {
-        view.lblOnAirVisible = true;
-        view.lblOnAir = "STAND BY";
+    state_.flgNewToRecord = false;
+    if (state_.Recordingstatus) {
+        screen().lblOnAirVisible = true;
+        screen().lblOnAir = "STAND BY";
     }
-    state.flgPlay = false;
-    state.WhichBut = "Stop";
+    state_.flgPlay = false;
+    state_.WhichBut = "Stop";
     timCurPos.setEnabled(true);
     AudioEditor1.Stop();
-    if (state.DoingAppending) {
+    if (state_.DoingAppending) {
         // An append ended by any stop (a pedal, the switch) is over: its own
         // button has nothing left to end, and the station no longer appends.
-        state.DoingAppending = false;
-        view.ButtonEx2Visible = false;
+        state_.DoingAppending = false;
+        screen().ButtonEx2Visible = false;
     }
     Manip_Files();
     finishPendingInsertOrAppend();
-    const bool takeEnded = state.Recordingstatus;
-    normalise(state);
+    const bool takeEnded = state_.Recordingstatus;
+    normalise(state_);
     if (takeEnded) {
         // From the first Stop on, the periodic save writes the file itself.
-        state.JustOpened = true;
-        state.FileChanged = true;
+        state_.JustOpened = true;
+        state_.FileChanged = true;
         timSave.setEnabled(true);
     }
-    SetParam(state.WhichBut);
+    SetParam(state_.WhichBut);
     AudioEditor1.setSelectionActive(false);
     AudioEditor1.setSelectionStart(AudioEditor1.Length());
     AudioEditor1.setSelectionEnd(AudioEditor1.Length());
     setBar(BarAfter::CaseStop);
     setRecordButtons(true);
-    view.ctSlide1Enabled = true;
+    screen().ctSlide1Enabled = true;
     AdjustNCTTimeDisplay();
-    view.audioFrameEnabled = true;
-    view.frameSpeakerEnabled = true;
+    screen().audioFrameEnabled = true;
+    screen().frameSpeakerEnabled = true;
     changed();
     // Without crash protection a Stop never saves a changed file.
-    if (!state.FileSaveAtStop && state.FileChanged) return;
+    if (!state_.FileSaveAtStop && state_.FileChanged) return;
     SaveFile();
 }
 
 void Dictation::CasePlay(const std::string& from) {
-    trace("File Play: " + state.Filename + " from " + from);
-    state.PausedRecording = false;
-    if (state.Recordingstatus) {
+    trace("File Play: " + state_.Filename + " from " + from);
+    state_.PausedRecording = false;
+    if (state_.Recordingstatus) {
         refusedWhileRecording("CasePlay");
-        state.MYDirty = true;
+        state_.MYDirty = true;
         return;
     }
-    if (!state.flgfileOpen1) return;
+    if (!state_.flgfileOpen1) return;
     if (!timCurPos.Enabled()) timCurPos.setEnabled(true);
-    state.flgPlay = true;
-    state.WhichBut = "Play";
+    state_.flgPlay = true;
+    state_.WhichBut = "Play";
     AdjustNCTTimeDisplay();
     if (auto playing = AudioEditor1.Play(engine::kPlayToEnd); !playing) trace("Play: " + playing.error());
     if (AudioEditor1.State() != static_cast<int>(engine::EditorState::Playing)) {
         // Nothing to play from here (an empty file, the cursor at its end): the
         // screen must not say the file plays.
-        state.flgPlay = false;
-        state.WhichBut = "Stop";
-        SetParam(state.WhichBut);
+        state_.flgPlay = false;
+        state_.WhichBut = "Stop";
+        SetParam(state_.WhichBut);
         changed();
         return;
     }
-    view.mnuScanConvertEnabled = false;
+    screen().mnuScanConvertEnabled = false;
     refreshSeconds();
-    normalise(state);
-    SetParam(state.WhichBut);
+    normalise(state_);
+    SetParam(state_.WhichBut);
     setBar(BarAfter::CasePlayOrOpen);
-    view.audioFrameEnabled = false;
-    view.frameSpeakerEnabled = false;
+    screen().audioFrameEnabled = false;
+    screen().frameSpeakerEnabled = false;
     changed();
 }
 
 void Dictation::CasePlayLooped() {
-    trace("File Play Looped: " + state.Filename);
+    trace("File Play Looped: " + state_.Filename);
     if (refusedWhileRecording("CasePlayLooped")) return;
-    if (!state.flgfileOpen1 || state.flgPlay) return;
-    state.flgPlay = true;
-    state.WhichBut = "PlayLooped";
+    if (!state_.flgfileOpen1 || state_.flgPlay) return;
+    state_.flgPlay = true;
+    state_.WhichBut = "PlayLooped";
     if (auto playing = AudioEditor1.Play(engine::kPlayLooped); !playing) trace(playing.error());
-    normalise(state);
-    SetParam(state.WhichBut);
+    normalise(state_);
+    SetParam(state_.WhichBut);
 }
 
 void Dictation::CasePlayToEnd() {
-    trace("File Play To End: " + state.Filename);
+    trace("File Play To End: " + state_.Filename);
     if (refusedWhileRecording("CasePlayToEnd")) return;
-    if (!state.flgfileOpen1 || state.flgPlay) return;
-    state.flgPlay = true;
-    state.WhichBut = "PlayToEnd";
+    if (!state_.flgfileOpen1 || state_.flgPlay) return;
+    state_.flgPlay = true;
+    state_.WhichBut = "PlayToEnd";
     if (auto playing = AudioEditor1.Play(engine::kPlayToEnd); !playing) trace(playing.error());
-    normalise(state);
-    SetParam(state.WhichBut);
+    normalise(state_);
+    SetParam(state_.WhichBut);
 }
 
 void Dictation::CasePause(const std::string& from) {
-    trace("File Pause: " + state.Filename + " from " + from);
-    if (!state.flgfileOpen1) return;
-    state.WhichBut = "Pause";
+    trace("File Pause: " + state_.Filename + " from " + from);
+    if (!state_.flgfileOpen1) return;
+    state_.WhichBut = "Pause";
     AudioEditor1.Pause();
-    normalise(state);
-    SetParam(state.WhichBut);
+    normalise(state_);
+    SetParam(state_.WhichBut);
     AudioEditor1.setSelectionStart(AudioEditor1.CursorPosition());
 }
 
 void Dictation::CaseContinue() {
-    trace("File Continue: " + state.Filename);
+    trace("File Continue: " + state_.Filename);
     // After a Stop there is nothing to go on with.
-    if (!state.flgfileOpen1 || state.WhichBut == "Stop") return;
-    state.WhichBut = "Continue";
+    if (!state_.flgfileOpen1 || state_.WhichBut == "Stop") return;
+    state_.WhichBut = "Continue";
     AudioEditor1.Continue();
-    normalise(state);
-    SetParam(state.WhichBut);
+    normalise(state_);
+    SetParam(state_.WhichBut);
 }
 
 void Dictation::CasePauseStop() {
-    trace("File Pause Stop: " + state.Filename);
-    state.PausedRecording = true;
+    trace("File Pause Stop: " + state_.Filename);
+    state_.PausedRecording = true;
     CaseStop();
     CaseEnd();
 }
 
 void Dictation::CaseBeginning() {
     if (refusedWhileRecording("CaseBeginning")) return;
-    if (!state.flgfileOpen1) return;
-    trace("File Add recording to beginning: " + state.Filename);
+    if (!state_.flgfileOpen1) return;
+    trace("File Add recording to beginning: " + state_.Filename);
     timCurPos.setEnabled(true);
     AudioEditor1.Stop();
     AudioEditor1.setSelectionActive(false);
     AudioEditor1.setCursorPosition(0);
     AudioEditor1.setSelectionEnd(0);
     AdjustNCTTimeDisplay();
-    state.Recordingstatus = false;
-    state.JustOpened = true;
-    state.WhichBut = "BEG";
-    SetParam(state.WhichBut);
+    state_.Recordingstatus = false;
+    state_.JustOpened = true;
+    state_.WhichBut = "BEG";
+    SetParam(state_.WhichBut);
     setBar(BarAfter::CaseBeginning);
-    view.Command2 = false;
-    view.cmdOVR = false;
+    screen().Command2 = false;
+    screen().cmdOVR = false;
     changed();
 }
 
 void Dictation::CaseEnd() {
-    if (!state.flgfileOpen1) return;
-    trace("File End: " + state.Filename);
+    if (!state_.flgfileOpen1) return;
+    trace("File End: " + state_.Filename);
     AudioEditor1.Stop();
     AudioEditor1.setSelectionActive(false);
     AudioEditor1.setCursorPosition(AudioEditor1.Length());
     AudioEditor1.setSelectionEnd(AudioEditor1.Length());
-    view.ctSlide1 = 100;
-    normalise(state);
-    SetParam(state.WhichBut);
-    if (!state.Recordingstatus) {
+    screen().ctSlide1 = 100;
+    normalise(state_);
+    SetParam(state_.WhichBut);
+    if (!state_.Recordingstatus) {
         setBar(BarAfter::CaseEnd);
-        view.Command2 = false;
-        view.cmdOVR = false;
-        if (state.iCurSecond == state.iTotalSecFile) view.cmdEOL = true;
+        screen().Command2 = false;
+        screen().cmdOVR = false;
+        if (state_.iCurSecond == state_.iTotalSecFile) screen().cmdEOL = true;
     }
     changed();
 }
 
 void Dictation::CaseStepForward() {
-    if (!state.flgfileOpen1) return;
+    if (!state_.flgfileOpen1) return;
     if (refusedWhileRecording("CaseStepForward")) return;
-    trace("File Step Forward: " + state.Filename);
+    trace("File Step Forward: " + state_.Filename);
     StepForward();
-    normalise(state);
-    SetParam(state.WhichBut);
+    normalise(state_);
+    SetParam(state_.WhichBut);
 }
 
 void Dictation::CaseStepBackward() {
-    if (!state.flgfileOpen1) return;
+    if (!state_.flgfileOpen1) return;
     if (refusedWhileRecording("CaseStepBackward")) return;
-    trace("File Step Backward: " + state.Filename);
+    trace("File Step Backward: " + state_.Filename);
     StepBackward();
-    normalise(state);
-    SetParam(state.WhichBut);
+    normalise(state_);
+    SetParam(state_.WhichBut);
 }
 
 }  // namespace ovd::dictation

@@ -8,7 +8,7 @@ namespace {
 std::string yesNo(bool value) { return value ? "True" : "False"; }
 
 std::vector<settings::NamedValue> dictationGlobals(const dictation::Dictation& d) {
-    const dictation::DictationState& s = d.state;
+    const dictation::DictationState& s = d.state();
     std::vector<settings::NamedValue> values = {
         {"flgfileOpen1", yesNo(s.flgfileOpen1)},
         {"flgfileOpen2", yesNo(s.flgfileOpen2)},
@@ -72,14 +72,11 @@ std::vector<settings::NamedValue> dictationGlobals(const dictation::Dictation& d
 settings::GlobalsSnapshot snapshotOf(const dictation::Dictation& dictation,
                                      const settings::SettingsRecord& record) {
     settings::GlobalsSnapshot snapshot;
-    for (std::size_t i = 0; i < dictation.state.LastThreeNCTTmps.size(); ++i) {
+    for (std::size_t i = 0; i < dictation.state().LastThreeNCTTmps.size(); ++i) {
         snapshot.arrays.emplace_back("LastThreeNCTTmps(" + std::to_string(i) + ")",
-                                     dictation.state.LastThreeNCTTmps[i]);
+                                     dictation.state().LastThreeNCTTmps[i]);
     }
-    snapshot.timers = settings::timerStates(
-        {&dictation.timCurPos, &dictation.timRecord, &dictation.timLight, &dictation.timSave,
-         &dictation.timLastThreeSecondsCon, &dictation.timsync, &dictation.Reader,
-         &dictation.tmCommand, &dictation.handOffLookTimer, &dictation.handOffWaitTimer});
+    snapshot.timers = settings::timerStates(dictation.timers());
     snapshot.globals = dictationGlobals(dictation);
     for (auto& value : settings::settingsGlobals(record)) snapshot.globals.push_back(std::move(value));
     return snapshot;

@@ -69,7 +69,7 @@ void StationMenus::buildFile() {
         if (window_.onExit) window_.onExit();
     })->setShortcut(QKeySequence::Quit);
     QObject::connect(file, &QMenu::aboutToShow, &window_,
-                     [this] { refresh(parts_.dictation.view); });
+                     [this] { refresh(parts_.dictation.view()); });
 }
 
 void StationMenus::buildEdit() {
@@ -105,7 +105,7 @@ void StationMenus::buildView() {
     QAction* log = add(view, "mnuViewLog", QObject::tr("&Event Log"), [] {});
     log->setCheckable(true);
     QObject::connect(log, &QAction::toggled, &window_, [this](bool on) { window_.showEventLog(on); });
-    QObject::connect(view, &QMenu::aboutToShow, &window_, [this] { refresh(parts_.dictation.view); });
+    QObject::connect(view, &QMenu::aboutToShow, &window_, [this] { refresh(parts_.dictation.view()); });
 }
 
 void StationMenus::buildConfiguration() {
@@ -177,7 +177,7 @@ void StationMenus::buildTools() {
         parts_.debugTrace.DebugOn = true;
         if (parts_.debugTrace.onShow) parts_.debugTrace.onShow();
     });
-    QObject::connect(tools, &QMenu::aboutToShow, &window_, [this] { refresh(parts_.dictation.view); });
+    QObject::connect(tools, &QMenu::aboutToShow, &window_, [this] { refresh(parts_.dictation.view()); });
 }
 
 void StationMenus::buildHelp() {

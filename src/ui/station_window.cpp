@@ -422,17 +422,19 @@ bool StationWindow::somethingMoves() const {
 }
 
 void StationWindow::viewAnnounced() {
-    if (renderQueued_) return;
-    renderQueued_ = true;
-    const auto renderIfStillDue = [this] {
-        if (renderQueued_) render();
-    };
+    // The dictation announces at most once a loop turn, after the commands of the
+    // turn are done: the screen follows at once. While something moves, no more
+    // often than the eye needs.
     const qint64 wait = somethingMoves() ? kMovingRenderMs - sinceRender_.elapsed() : 0;
     if (wait <= 0) {
-        QMetaObject::invokeMethod(this, renderIfStillDue, Qt::QueuedConnection);
-    } else {
-        QTimer::singleShot(static_cast<int>(wait), this, renderIfStillDue);
+        render();
+        return;
     }
+    if (renderQueued_) return;
+    renderQueued_ = true;
+    QTimer::singleShot(static_cast<int>(wait), this, [this] {
+        if (renderQueued_) render();
+    });
 }
 
 }  // namespace ovd::ui

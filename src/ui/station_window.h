@@ -145,9 +145,8 @@ private:
     void applyFace();
     // After a click: the screen follows at once rather than when the loop is free.
     void routed(const std::function<void()>& entry);
-    // The dictation's view changed: one render as soon as the loop is free, or,
-    // while a take records or a file plays, no sooner than kMovingRenderMs after
-    // the last.
+    // The dictation's view changed: a render now, or, while a take records or a
+    // file plays, no sooner than kMovingRenderMs after the last.
     void viewAnnounced();
     [[nodiscard]] bool somethingMoves() const;
     void renderStatus(const dictation::MainView& v);

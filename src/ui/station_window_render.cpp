@@ -64,7 +64,7 @@ int faceWidth(Face face) {
 void StationWindow::render() {
     renderQueued_ = false;
     sinceRender_.restart();
-    const dictation::MainView& v = parts_.dictation.view;
+    const dictation::MainView& v = parts_.dictation.view();
     waveform_->refresh();
     deviceBox_->follow();
     setWindowTitle(v.caption.empty() ? titleFor(parts_.config.record.HandsFreeEdition) : text(v.caption));
@@ -113,7 +113,7 @@ void StationWindow::renderTimes(const dictation::MainView& v) {
 
 void StationWindow::renderButtons(const dictation::MainView& v) {
     transportBar_->render(v.MMControl1, v.transportLabelsVisible);
-    transportBar_->showNoFile(!parts_.dictation.state.flgfileOpen1);
+    transportBar_->showNoFile(!parts_.dictation.state().flgfileOpen1);
     endOfLetterButton_->setEnabled(v.cmdEOL);
     addToBeginningButton_->setEnabled(v.Command1);
     insertButton_->setEnabled(v.Command2);
@@ -284,22 +284,22 @@ void StationWindow::chooseRecordingFormat(bool otherConditions) {
     settings::SettingsRecord& record = parts_.config.record;
     const std::string chosen = otherConditions ? "OPT3" : "OPT2";
     // During a take the options do nothing; the render puts the mark back.
-    if (d.state.Recordingstatus || record.RecordingFormats == chosen) {
+    if (d.state().Recordingstatus || record.RecordingFormats == chosen) {
         render();
         return;
     }
     // The next file is made in the format now chosen; the one in hand keeps its own.
     record.RecordingFormats = chosen;
     parts_.config.WriteConfig();
-    if (d.state.flgfileOpen1) {
+    if (d.state().flgfileOpen1) {
         const std::string reason =
             std::string(" Calling Image2_Click from ") + (otherConditions ? "Option3_Click" : "Option2_Click");
-        if (!d.state.RecordedOnce) {
+        if (!d.state().RecordedOnce) {
             d.CaseStop();
             d.closeFile();
             parts_.eventLog.trace(reason);
         } else {
-            const bool armed = d.state.RecordingstatusPaused;
+            const bool armed = d.state().RecordingstatusPaused;
             if (armed) {
                 parts_.prompts.showMessage(
                     "Your current recording in progress will be saved now, using your previous settings "

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "devices/control_actions.h"
-#include "support/virtual_event_loop.h"
+#include "dictation/dictation_fixture.h"
 
 namespace ovd::devices {
 namespace {
@@ -25,7 +25,7 @@ public:
     std::vector<std::string> calls;
 };
 
-class PedalDispatcherTest : public ::testing::Test {
+class PedalDispatcherTest : public dictation::testing::DictationTest {
 protected:
     PedalDispatcherTest() {
         settings.LEFTSERPEDAL = "STEPLIST";
@@ -45,14 +45,14 @@ protected:
         return commands.calls;
     }
 
-    testing::VirtualEventLoop loop;
     settings::SettingsRecord settings;
-    dictation::DictationState state;
-    dictation::MainView view;
-    PedalHits hits;
+    // The dispatcher is tried on states no pedal leads to by itself.
+    dictation::DictationState& state = arrangeState();
+    dictation::MainView& view = arrangeView();
+    PedalHits& hits = d().pedalPresses();
     RecordingCommands commands;
     platform::Timer ser{loop, "timSERStepBACK"}, usb{loop, "timUSBStepBACK"}, game{loop, "timGAMEStepBACK"};
-    PedalDispatcher dispatcher{settings, state, view, hits, commands, {ser, usb, game}};
+    PedalDispatcher dispatcher{settings, d(), commands, {ser, usb, game}};
 };
 
 using Calls = std::vector<std::string>;

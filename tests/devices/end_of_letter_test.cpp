@@ -56,7 +56,7 @@ TEST_F(EndOfLetterTest, ALetterTooShortToSaveIsNeverWaitedFor) {
 
     // With crash protection the Stop already tried the save, so the end of letter
     // finds no file on disk: nothing is sent and the next file opens.
-    state().FileSaveAtStop = true;
+    arrangeState().FileSaveAtStop = true;
     dictate(200);  // a fifth of a second: below what counts as recorded on disk
     const std::string letter = state().Filename;
     ASSERT_TRUE(state().RecordedOnce);
@@ -69,7 +69,7 @@ TEST_F(EndOfLetterTest, ALetterTooShortToSaveIsNeverWaitedFor) {
     EXPECT_NE(state().Filename, letter);
 
     // Without it the end of letter's own save fails and the letter stays in hand.
-    state().FileSaveAtStop = false;
+    arrangeState().FileSaveAtStop = false;
     dictate(200);
     const std::string second = state().Filename;
     ASSERT_NO_THROW(eol.startEndOfLetter());

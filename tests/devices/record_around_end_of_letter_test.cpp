@@ -96,8 +96,7 @@ class RecordAroundEndOfLetterTest : public dictation::testing::DictationTest,
     platform::Timer timSER{loop, "timSERStepBACK"};
     platform::Timer timUSB{loop, "timUSBStepBACK"};
     platform::Timer timGAME{loop, "timGAMEStepBACK"};
-    PedalDispatcher dispatcher{config.record, state(), view(),
-                               d().hits,      model,   {timSER, timUSB, timGAME}};
+    PedalDispatcher dispatcher{config.record, d(), model, {timSER, timUSB, timGAME}};
     std::vector<platform::EventLoop::Handle> pending;
     std::optional<platform::WallClock::time_point> takeStarted;
     std::optional<platform::WallClock::time_point> takeEnded;

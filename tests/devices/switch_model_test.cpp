@@ -113,14 +113,14 @@ TEST_F(SwitchModelTest, RecordDuringATakeChangesNothingAndLeavesTheExitForLater)
 
 TEST_F(SwitchModelTest, InsertArmsOnlyWithBothRecordButtonsOn) {
     openLetterAtSecondOne();
-    view().cmdOVR = false;
-    d().hits.HandSetHitNotHit = true;
+    arrangeView().cmdOVR = false;
+    d().pedalPresses().HandSetHitNotHit = true;
     say("Ins");
     EXPECT_FALSE(state().HitOnce);
     EXPECT_FALSE(state().DoingInsertUpdate);
-    EXPECT_FALSE(d().hits.HandSetHitNotHit);
+    EXPECT_FALSE(d().hits().HandSetHitNotHit);
 
-    view().cmdOVR = true;
+    arrangeView().cmdOVR = true;
     say("Ins");
     EXPECT_TRUE(state().DoingInsertUpdate);
     EXPECT_EQ(view().lblMode, "Insert Mode");
@@ -150,15 +150,15 @@ TEST_F(SwitchModelTest, HistoryTakesOnlyAPositionThatDiffersFromTheFirst) {
          {kSwitchStop, kSwitchStepBack, kSwitchListen, kSwitchStop}},
     };
     for (const auto& c : cases) {
-        state().clearSwitchPositions();
-        state().FirstSwitchPosition = "FirstTime";
+        arrangeState().clearSwitchPositions();
+        arrangeState().FirstSwitchPosition = "FirstTime";
         for (const char* position : c.pushes) model->pushSwitchPosition(position);
         EXPECT_EQ(history(), c.expected) << c.pushes.size() << " pushes";
     }
 
-    state().clearSwitchPositions();
+    arrangeState().clearSwitchPositions();
     say("STOP");
-    state().HitOnce = true;
+    arrangeState().HitOnce = true;
     say("STOP");
     EXPECT_EQ(history(), (History{kSwitchStop, "", "", ""})) << "the second stop pushed nothing";
     EXPECT_TRUE(state().HitOnce) << "nor did it drop the armed mode";
@@ -168,13 +168,13 @@ TEST_F(SwitchModelTest, AStopAfterAPedalStepBackStopsAtOnce) {
     config.record.LEFTSERPEDAL = "STEPLIST";
     platform::Timer ser{loop, "timSERStepBACK"}, usb{loop, "timUSBStepBACK"},
         game{loop, "timGAMEStepBACK"};
-    PedalDispatcher dispatcher{config.record, state(), view(), d().hits, *model, {ser, usb, game}};
+    PedalDispatcher dispatcher{config.record, d(), *model, {ser, usb, game}};
     dictate(4000);
 
-    d().hits.LEFTSERPEDALHit = true;
+    d().pedalPresses().LEFTSERPEDALHit = true;
     dispatcher.PedalEventSER(kLeft, kDown);
     run(100);
-    d().hits.LEFTSERPEDALHit = false;
+    d().pedalPresses().LEFTSERPEDALHit = false;
     EXPECT_EQ(editor1.State(), 1) << "stepped back and playing";
     run(500);
     dispatcher.PedalEventSER(kLeft, kDown);
@@ -210,7 +210,7 @@ TEST_F(SwitchModelTest, ButtonsWithNothingToDoChangeOnlyTheLastButtonLine) {
     EXPECT_TRUE(prompts.transcript().empty());
 
     config.record.QDUDisconnected = true;
-    view().Label40 = dictation::kDeskUnitMissing;
+    arrangeView().Label40 = dictation::kDeskUnitMissing;
     press("AudioSRC", 5);
     EXPECT_EQ(view().Label40, dictation::kDeskUnitMissing);
 }

@@ -17,7 +17,7 @@ TEST(CommandLineNameTest, AQuotedNameLosesBothQuotesAndAnUnquotedOneIsTakenWhole
 TEST_F(DictationTest, ANamedFileThatExistsIsOpenedToListenAndNoNewFileIsMade) {
     const std::string letter = writeRampWave(folder.file("Smith.wav"), 3);
     const double number = config.record.FileNameIncrementStartingNum.toNumber().value_or(-1);
-    state().CommandFileName = letter;
+    arrangeState().CommandFileName = letter;
 
     d().tmCommand_Timer();
 
@@ -31,7 +31,7 @@ TEST_F(DictationTest, ANamedFileThatExistsIsOpenedToListenAndNoNewFileIsMade) {
 
 TEST_F(DictationTest, ANamedFileInANewFolderIsDictatedThereAndTheFolderIsKept) {
     const std::string letters = folder.file("Clients/Jones");
-    state().CommandFileName = letters + "/Report";
+    arrangeState().CommandFileName = letters + "/Report";
 
     d().tmCommand_Timer();
 

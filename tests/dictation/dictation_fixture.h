@@ -14,6 +14,7 @@
 
 #include "support/letter_names.h"
 #include "dictation/dictation.h"
+#include "dictation/dictation_probe.h"
 #include "engine/virtual_backend.h"
 #include "engine/wave_editor.h"
 #include "platform/files.h"
@@ -102,8 +103,13 @@ protected:
     }
 
     Dictation& d() { return *dictation; }
-    DictationState& state() { return dictation->state; }
-    MainView& view() { return dictation->view; }
+    // What the window and the support dump read.
+    const DictationState& state() const { return dictation->state(); }
+    const MainView& view() const { return dictation->view(); }
+    // For arranging a situation no command leads to.
+    DictationState& arrangeState() { return DictationProbe::state(*dictation); }
+    MainView& arrangeView() { return DictationProbe::view(*dictation); }
+    const platform::Timer& timer(const std::string& name) const { return timerNamed(*dictation, name); }
 
     void run(int milliseconds) { loop.advance(Milliseconds(milliseconds)); }
 

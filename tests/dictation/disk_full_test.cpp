@@ -151,7 +151,7 @@ TEST_F(DiskFullTest, AStationEndingStopsTheQuestionAtOnce) {
     d().recordTake();
     run(14000);
     d().stop();
-    state().Imclosing = true;  // SIGTERM or the peer's EXIT came in
+    arrangeState().Imclosing = true;  // SIGTERM or the peer's EXIT came in
     d().closeFile();
     EXPECT_TRUE(prompts.texts().empty()) << "nobody is asked while the station ends";
     EXPECT_TRUE(logged(kTakeKeptInTemp));

@@ -56,7 +56,7 @@ TEST_F(EditingSavingTest, CutTakesTheSelectionAndTheCloseSavesIt) {
     dictate(6000);
     const std::string name = state().Filename;
     const std::vector<std::int16_t> spoken = letter();
-    state().SaveRequested = true;
+    arrangeState().SaveRequested = true;
     d().SaveFile();
 
     select(kRate, 3 * kRate);

@@ -78,9 +78,10 @@ class FileNamingTest : public ::testing::Test {
     testing::ScriptedPrompts prompts;
     settings::SpeakersTable speakers{folder.path()};
     DictationState state;
-    MainView view;
+    AnnouncedView screen{loop};
+    const MainView& view = screen.read();
     RecordingHooks hooks;
-    FileNaming naming{state, view, config, log, prompts, loop, speakers, hooks};
+    FileNaming naming{state, screen, config, log, prompts, loop, speakers, hooks};
 };
 
 TEST_F(FileNamingTest, EachSchemePutsItsPiecesInItsOwnOrder) {
@@ -299,9 +300,9 @@ TEST(FileNamingOnUnwritableSettingsTest, TheNumberMovesOnInMemorySoNoLetterIsNam
     testing::ScriptedPrompts prompts;
     settings::SpeakersTable speakers{folder.path()};
     DictationState state;
-    MainView view;
+    AnnouncedView screen{loop};
     RecordingHooks hooks;
-    FileNaming naming{state, view, config, log, prompts, loop, speakers, hooks};
+    FileNaming naming{state, screen, config, log, prompts, loop, speakers, hooks};
 
     std::vector<std::string> names;
     for (int letter = 0; letter < 3; ++letter) {

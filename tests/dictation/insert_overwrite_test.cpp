@@ -44,8 +44,8 @@ TEST_F(InsertOverwriteTest, AnInsertGoesInAtTheCursorAndKeepsEverythingBehindIt)
     expectStretch(0, kRate, 0);
     expectStretch(kRate, 2 * kRate, 0);          // the insert
     expectStretch(3 * kRate, 3 * kRate, kRate);  // the rest of the first take
-    EXPECT_TRUE(d().timCurPos.Enabled());
-    EXPECT_TRUE(d().timSave.Enabled());
+    EXPECT_TRUE(timer("timCurPos").Enabled());
+    EXPECT_TRUE(timer("timSave").Enabled());
 }
 
 TEST_F(InsertOverwriteTest, AnOverwriteReplacesAsMuchAsWasSpoken) {
@@ -77,7 +77,7 @@ TEST_F(InsertOverwriteTest, OverwriteToEndThrowsAwayEverythingBehindItsStart) {
 
 TEST_F(InsertOverwriteTest, CommentsGoInFrontOfTheFile) {
     takeAndStandAtSecondOne();
-    view().Label40 = kDeskUnitMissing;
+    arrangeView().Label40 = kDeskUnitMissing;
     d().addToBeginning();
     EXPECT_EQ(editor1.CursorPosition(), 0);
     run(1000);
@@ -111,10 +111,10 @@ TEST_F(DictationTest, TheLastThreeSecondsPlayAndWithAutoResumeTheTakeGoesOn) {
     run(3000);
     EXPECT_GE(backend.playedSamples().size() - played, static_cast<std::size_t>(2 * kRate));
     run(2000);
-    EXPECT_FALSE(d().timLastThreeSecondsCon.Enabled());
+    EXPECT_FALSE(timer("timLastThreeSecondsCon").Enabled());
     EXPECT_TRUE(state().Recordingstatus) << "the take goes on after the last words";
     EXPECT_EQ(editor1.State(), 2);
-    EXPECT_TRUE(d().timSave.Enabled());
+    EXPECT_TRUE(timer("timSave").Enabled());
     run(1000);
     d().stop();
     EXPECT_GT(editor1.Length(), 5 * kRate);

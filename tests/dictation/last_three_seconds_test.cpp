@@ -100,7 +100,7 @@ TEST_F(LastThreeSecondsTest, StopDuringThePlaybackEndsItAndNoTakeStartsBehindThe
     run(8000);
     EXPECT_FALSE(resumedAt.has_value()) << "the author stopped: nothing records";
     EXPECT_EQ(editor1.State(), static_cast<int>(engine::EditorState::Stopped));
-    EXPECT_FALSE(d().timLastThreeSecondsCon.Enabled());
+    EXPECT_FALSE(timer("timLastThreeSecondsCon").Enabled());
     EXPECT_EQ(disagreements, 0) << firstDisagreement;
 }
 

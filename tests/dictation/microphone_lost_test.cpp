@@ -22,7 +22,7 @@ class MicrophoneLostTest : public DictationTest {
         EXPECT_EQ(editor21.State(), 0);
         EXPECT_FALSE(view().Image5 || view().Image6) << "the lamps are off";
         EXPECT_NE(view().lblOnAir, "ON AIR");
-        EXPECT_FALSE(d().timRecord.Enabled());
+        EXPECT_FALSE(timer("timRecord").Enabled());
         EXPECT_NE(view().Label40, "Recording");
         EXPECT_EQ(view().caption.find("Recorded"), std::string::npos) << view().caption;
     }

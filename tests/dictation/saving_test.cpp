@@ -24,7 +24,7 @@ protected:
         std::filesystem::resize_file(editor1.TempFileName(), bytes);
     }
     void save() {
-        state().SaveRequested = true;
+        arrangeState().SaveRequested = true;
         d().SaveFile();
     }
 };

@@ -10,10 +10,10 @@ namespace {
 class ScreenAfterActionsTest : public DictationTest {
   protected:
     [[nodiscard]] std::string fileLabel() const {
-        return platform::withoutFolder(dictation->state.Filename);
+        return platform::withoutFolder(dictation->state().Filename);
     }
     [[nodiscard]] bool captionSays(const std::string& text) const {
-        return dictation->view.caption.find(text) != std::string::npos;
+        return dictation->view().caption.find(text) != std::string::npos;
     }
 };
 
@@ -23,7 +23,7 @@ TEST_F(ScreenAfterActionsTest, AStopThatSavesKeepsTheFileNamedAndTheTakeNoLonger
     rebuild();
     dictate(2000);
     ASSERT_TRUE(platform::fileExists(state().Filename)) << "the Stop saved the file";
-    ASSERT_TRUE(d().timCurPos.Enabled());
+    ASSERT_TRUE(timer("timCurPos").Enabled());
     run(100);  // the position timer looks at the file after the Stop
 
     EXPECT_EQ(view().lblReady, fileLabel()) << "a loaded file is named, not offered to be created";

@@ -80,7 +80,7 @@ TEST_F(DictationTest, StopDuringPlaybackPausesAndASecondStopEnds) {
 }
 
 TEST_F(DictationTest, RoutinesThatFindNothingToDoChangeNothing) {
-    view().lblMode = "Insert Mode";
+    arrangeView().lblMode = "Insert Mode";
     const auto before = view().MMControl1;
     d().CaseStop();
     EXPECT_EQ(view().lblMode, "");
@@ -108,8 +108,8 @@ TEST_F(DictationTest, EveryRefusalCarriesItsTag) {
     const auto middle = editor1.Length() / 2;
     const auto atTheMiddle = [&] {
         editor1.setCursorPosition(middle);
-        view().ctSlide1 = 50;
-        view().Label40 = kDeskUnitMissing;
+        arrangeView().ctSlide1 = 50;
+        arrangeView().Label40 = kDeskUnitMissing;
     };
     struct Case {
         const char* tag;
@@ -122,7 +122,7 @@ TEST_F(DictationTest, EveryRefusalCarriesItsTag) {
         {"CaseCut", {}, [&] { d().CaseCut(); }},
         {"CaseInsertAppend", {}, [&] { d().CaseInsertAppend(); }},
         {"CaseInsSilence", {}, [&] { d().CaseInsSilence(); }},
-        {"CaseNew", [&] { state().FileChanged = false; }, [&] { d().CaseNew(); }},
+        {"CaseNew", [&] { arrangeState().FileChanged = false; }, [&] { d().CaseNew(); }},
         {"CaseOpen", {}, [&] { d().CaseOpen(); }},
         {"CasePaste", {}, [&] { d().CasePaste(); }},
         {"CasePlay", {}, [&] { d().CasePlay("test"); }},
@@ -134,24 +134,24 @@ TEST_F(DictationTest, EveryRefusalCarriesItsTag) {
         {"CaseStepForward", {}, [&] { d().CaseStepForward(); }},
         {"CaseUndo", {}, [&] { d().CaseUndo(); }},
         {"Command1", atTheMiddle, [&] { d().addToBeginning(); }},
-        {"Command1-2", [&] { atTheMiddle(); view().ctSlide1 = 0; }, [&] { d().addToBeginning(); }},
+        {"Command1-2", [&] { atTheMiddle(); arrangeView().ctSlide1 = 0; }, [&] { d().addToBeginning(); }},
         {"Command1-3",
-         [&] { atTheMiddle(); view().ctSlide1 = 0; state().flgfileOpen1 = false; },
+         [&] { atTheMiddle(); arrangeView().ctSlide1 = 0; arrangeState().flgfileOpen1 = false; },
          [&] { d().addToBeginning(); }},
         {"Command2", atTheMiddle, [&] { d().insertAtCursor(); }},
         {"Command3", {}, [&] { d().replayLastThreeSeconds(); }},
         {"cmdOVR", atTheMiddle, [&] { d().overwriteAtCursor(); }},
         {"TurnOffTimers", {}, [&] { d().TurnOffTimers(); }},
         {"timLastThreeSecondsCon",
-         [&] { editor1.setCursorPosition(editor1.Length() - kRate); state().iTotalSecFile = 3; },
+         [&] { editor1.setCursorPosition(editor1.Length() - kRate); arrangeState().iTotalSecFile = 3; },
          [&] { d().timLastThreeSeconds_Timer(); }},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.tag);
-        state().flgfileOpen1 = true;
+        arrangeState().flgfileOpen1 = true;
         if (c.arrange) c.arrange();
         // A take is running, as when a pedal came in during a routine's wait.
-        state().Recordingstatus = true;
+        arrangeState().Recordingstatus = true;
         const auto length = editor1.Length();
         prompts.clear();
         c.act();
@@ -166,7 +166,7 @@ TEST_F(DictationTest, EveryRefusalCarriesItsTag) {
 TEST_F(DictationTest, APedalDuringTheNewFilesAnnouncementIsRefusedOnTheSecondPath) {
     config.record.TCP = true;
     peer.on = true;
-    peer.duringWait = [&] { state().Recordingstatus = true; };
+    peer.duringWait = [&] { arrangeState().Recordingstatus = true; };
     d().newLetter();
     ASSERT_FALSE(prompts.texts().empty());
     EXPECT_EQ(prompts.texts()[0], refusalText("CaseNew-2"));
@@ -181,12 +181,12 @@ TEST_F(DictationTest, CrashProtectionSavesAtEveryStopAndTheSaveTimerRunsOn) {
     ASSERT_TRUE(platform::fileExists(state().Filename));
     EXPECT_GT(*platform::fileSize(state().Filename), 90000u);
     EXPECT_FALSE(state().FileChanged);
-    EXPECT_TRUE(d().timSave.Enabled());
+    EXPECT_TRUE(timer("timSave").Enabled());
     EXPECT_TRUE(logged(state().Filename + " File Save Successfull"));
 }
 
 TEST_F(DictationTest, AfterTheFirstStopThePeriodicSaveKeepsTheFileOneIntervalBehind) {
-    EXPECT_EQ(d().timSave.Interval(), 16192);
+    EXPECT_EQ(timer("timSave").Interval(), 16192);
     dictate(2000);
     const std::string file = state().Filename;
     EXPECT_FALSE(platform::fileExists(file)) << "before the save timer, only the work file holds it";

@@ -50,33 +50,44 @@ TEST_F(StationWindowFollowTest, WhatTheDictationAnnouncesIsOnTheScreenOnceTheLoo
     window().Form_Load();
     settle(100);
 
-    // Commands that come from no control of the window: a pedal, a peer, the desk unit.
+    // Commands that come from no control of the window (a pedal, a peer, the desk
+    // unit), then one turn of the loop and the events it posted: no timer ticks.
+    const auto oneTurn = [this] {
+        loop.runPending();
+        QApplication::sendPostedEvents();
+    };
     d().newLetter();
-    // Only what was posted: no timer ticks here.
-    QApplication::sendPostedEvents();
+    oneTurn();
     EXPECT_EQ(textOf("lblReady").toStdString(), view().lblReady);
     EXPECT_EQ(textOf("Label40").toStdString(), view().Label40);
     EXPECT_TRUE(bar(Button::Record)->isEnabled()) << "the new file can be recorded into";
 
     d().closeFile();
-    QApplication::sendPostedEvents();
+    oneTurn();
     EXPECT_FALSE(bar(Button::Record)->isEnabled()) << "no file: nothing to record into";
     EXPECT_EQ(textOf("Label40").toStdString(), view().Label40);
 
     // During a take the times move on without a click, a few times a second.
     d().newLetter();
     d().recordTake();
+    const auto within = [this](const std::function<bool()>& shown) {
+        return runUntil([&] {
+            loop.runPending();
+            return shown();
+        }, std::chrono::seconds(2));
+    };
     run(2000);
-    EXPECT_TRUE(runUntil([this] { return textOf("NCTTimeDisplay21") == "00:00:02"; }, std::chrono::seconds(2)))
+    EXPECT_TRUE(within([this] { return textOf("NCTTimeDisplay21") == "00:00:02"; }))
         << textOf("NCTTimeDisplay21").toStdString();
     EXPECT_EQ(textOf("lblOnAir"), "ON AIR");
     d().stop();
-    EXPECT_TRUE(runUntil([this] { return textOf("lblOnAir") != "ON AIR"; }, std::chrono::seconds(2)));
+    EXPECT_TRUE(within([this] { return textOf("lblOnAir") != "ON AIR"; }));
 }
 
 TEST_F(StationWindowFollowTest, AStationAtRestPaintsNothing) {
     window().Form_Load();
     d().newLetter();
+    loop.runPending();
     settle(300);
     ASSERT_FALSE(window().waveform().following()) << "nothing moves: the waveform does not look by itself";
 
@@ -91,6 +102,7 @@ TEST_F(StationWindowFollowTest, AStationAtRestPaintsNothing) {
     // as it was, a stop with nothing running.
     d().stepAmountChanged("");
     d().stop();
+    loop.runPending();
     window().render();
     settle(200);
     EXPECT_EQ(counter.paints, 0) << counter.painted.join(", ").toStdString();

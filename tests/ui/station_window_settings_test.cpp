@@ -75,7 +75,7 @@ TEST_F(StationWindowTest, AlwaysOnTopFollowsOntopcheckAndIsStoredFromTheMenu) {
     auto* onTop = window().findChild<QAction*>("mnuOnTop");
     ASSERT_NE(onTop, nullptr);
     window().render();
-    ++view().revision;
+    ++arrangeView().revision;
     window().render();
     EXPECT_TRUE(onTop->isChecked());
     onTop->trigger();

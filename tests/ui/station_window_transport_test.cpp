@@ -146,7 +146,7 @@ TEST_F(TransportTest, EntriesOfLaterWindowsAreThereButGreyed) {
     EXPECT_FALSE(scan->isEnabled()) << "no recovery window is wired";
     bool opened = false;
     window().onScanConvert = [&opened] { opened = true; };
-    ++view().revision;
+    ++arrangeView().revision;
     window().render();
     ASSERT_TRUE(scan->isEnabled());
     scan->trigger();

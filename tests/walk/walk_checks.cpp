@@ -84,7 +84,7 @@ bool contains(const std::string& text, const char* part) {
 Observation observe(WalkStation& station) {
     Observation o;
     engine::WaveEditor& e1 = station.editor1();
-    const dictation::DictationState& state = station.d().state;
+    const dictation::DictationState& state = station.d().state();
     o.hasDocument = e1.hasDocument();
     o.filename = state.Filename;
     o.length = e1.Length();
@@ -107,6 +107,7 @@ bool WalkChecks::checking(const char* invariant) {
 }
 
 void WalkChecks::beforeStep(WalkStation& station, const Step& step) {
+    watchScreen(station);
     if (!haveBefore_) {
         before_ = observe(station);
         haveBefore_ = true;
@@ -151,13 +152,41 @@ std::optional<Violation> WalkChecks::afterStep(WalkStation& station, const Step&
     if (!found) found = audioKeptUnlessEdited(station, step, now);
     if (!found) found = savedFileIsWhole(station, now);
     if (!found) found = listenedFileUntouched(station, step, now);
+    if (!found) found = everyChangeAnnounced(station);
     before_ = now;
     return found;
 }
 
+void WalkChecks::watchScreen(WalkStation& station) {
+    if (watchingScreen_ || !station.running()) return;
+    watchingScreen_ = true;
+    dictation::Dictation& d = station.d();
+    drawn_ = d.view();  // the window's first full drawing
+    d.onViewChanged = [this, &d, previous = d.onViewChanged] {
+        drawn_ = d.view();
+        if (previous) previous();
+    };
+}
+
+std::optional<Violation> WalkChecks::everyChangeAnnounced(WalkStation& station) {
+    if (!watchingScreen_ || !station.running() || !checking("announced")) return std::nullopt;
+    const dictation::MainView& v = station.d().view();
+    if (station.d().viewAnnouncementDue()) {
+        return Violation{"announced", "a change of the view still waits for its announcement"};
+    }
+    if (drawn_ == v) return std::nullopt;
+    std::string stale;
+    if (drawn_.caption != v.caption) stale += " caption '" + drawn_.caption + "' for '" + v.caption + "'";
+    if (drawn_.Label40 != v.Label40) stale += " status '" + drawn_.Label40 + "' for '" + v.Label40 + "'";
+    if (drawn_.timeElapsed != v.timeElapsed) stale += " time " + drawn_.timeElapsed + " for " + v.timeElapsed;
+    if (!(drawn_.MMControl1 == v.MMControl1)) stale += " the transport bar";
+    if (stale.empty()) stale = " some control";
+    return Violation{"announced", "the view changed unannounced; the window shows" + stale};
+}
+
 std::optional<Violation> WalkChecks::screenAgreesWithEngine(WalkStation& station,
                                                             const Observation& now) {
-    const dictation::MainView& v = station.d().view;
+    const dictation::MainView& v = station.d().view();
     const bool onAir = v.Image5 || v.Image6 || (v.lblOnAirVisible && v.lblOnAir == "ON AIR");
     if (checking("onair") && onAir && !now.engineRecords()) {
         return Violation{"onair", "the lamps show ON AIR (lamps " + std::to_string(v.Image5) + "/" +

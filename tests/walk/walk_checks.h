@@ -9,7 +9,9 @@
 //   selection  cut and copy with no selection change nothing;
 //   saved      a saved file decodes to the document's length (one encoder frame);
 //   listen     a file opened to listen is byte for byte the same when it goes;
-//   workfiles  no work file is left in Temp after the program ends in order.
+//   workfiles  no work file is left in Temp after the program ends in order;
+//   announced  once the loop turned, every change of the view was announced, and
+//              a window redrawn on the announcements shows the view as it is.
 // Each can be left out by name while diagnosing (OVD_WALK_SKIP).
 
 #include <cstdint>
@@ -77,6 +79,9 @@ class WalkChecks {
     std::optional<Violation> savedFileIsWhole(WalkStation& station, const Observation& now);
     std::optional<Violation> listenedFileUntouched(WalkStation& station, const Step& step,
                                                    const Observation& now);
+    // Redraws a window's copy of the view on each announcement, as the window does.
+    void watchScreen(WalkStation& station);
+    std::optional<Violation> everyChangeAnnounced(WalkStation& station);
 
     std::set<std::string> skipped_;
     long checks_ = 0;
@@ -93,6 +98,9 @@ class WalkChecks {
         bool edited = false;
     };
     std::optional<Listened> listened_;
+    // The screen as a window redrawn on the announcements would show it.
+    dictation::MainView drawn_;
+    bool watchingScreen_ = false;
 };
 
 }  // namespace ovd::walk

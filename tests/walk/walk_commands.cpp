@@ -32,7 +32,7 @@ std::vector<std::string> lettersOnDisk(WalkStation& s) {
 }
 
 std::string extensionOfFileInHand(WalkStation& s) {
-    const std::string& name = s.d().state.Filename;
+    const std::string& name = s.d().state().Filename;
     const auto dot = name.find_last_of('.');
     if (dot == std::string::npos || name.find('/', dot) != std::string::npos) return ".wav";
     return name.substr(dot);
@@ -47,7 +47,7 @@ void open(WalkStation& s, const Step& step) {
 }
 
 void openRecent(WalkStation& s, const Step& step) {
-    const auto recent = s.d().view.Reopen;
+    const auto recent = s.d().view().Reopen;
     if (recent.empty()) return;
     s.d().openRecentFile(recent[static_cast<std::size_t>(step.a) % recent.size()]);
 }
@@ -154,7 +154,7 @@ const WalkCommand* findWalkCommand(std::string_view name) {
 }
 
 bool controlEnabled(WalkStation& station, Control control) {
-    const dictation::MainView& v = station.d().view;
+    const dictation::MainView& v = station.d().view();
     switch (control) {
         case Control::None:
             return true;

@@ -189,10 +189,10 @@ std::string WalkStation::pedalKeyword(int index) const {
 void WalkStation::pedal(int index) {
     auto& down = pedalsDown_[static_cast<std::size_t>(index)];
     down = !down;
-    dictation::DictationState& state = d().state;
+    const dictation::DictationState& state = d().state();
     // The readers drop edges while a routine the pedals must not enter runs.
     if (state.PedalsBusy || state.OnLoad || state.Imclosing) return;
-    dictation::PedalHits& hits = d().hits;
+    dictation::PedalHits& hits = d().pedalPresses();
     const char* names[] = {devices::kLeft, devices::kMiddle, devices::kRight};
     const char* name = names[index % 3];
     const char* direction = down ? devices::kDown : devices::kUp;

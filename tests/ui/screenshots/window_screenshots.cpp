@@ -126,7 +126,7 @@ int main(int argc, char** argv) {
 
     ui::StationWindow window({config, log, dictation, editor1, editor21, trace, prompts, OVD_TEST_ASSETS,
                               backend.name()});
-    window.addDeskUnit(new ui::DeskUnitPanel(switchModel, dictation.view, config.record));
+    window.addDeskUnit(new ui::DeskUnitPanel(switchModel, dictation.view(), config.record));
     window.Form_Load();
     settle(800);
 
