@@ -35,10 +35,11 @@ constexpr unsigned char kMiddlePedal = 0x85;
 constexpr unsigned char kPedalsUp = 0x87;
 
 class Pty {
-public:
+  public:
     Pty() {
         master_ = ::posix_openpt(O_RDWR | O_NOCTTY);
-        if (master_ >= 0 && ::grantpt(master_) == 0 && ::unlockpt(master_) == 0) slave_ = ::ptsname(master_);
+        if (master_ >= 0 && ::grantpt(master_) == 0 && ::unlockpt(master_) == 0)
+            slave_ = ::ptsname(master_);
     }
     ~Pty() {
         if (master_ >= 0) ::close(master_);
@@ -48,7 +49,7 @@ public:
     [[nodiscard]] const std::string& slavePath() const { return slave_; }
     bool send(unsigned char byte) const { return ::write(master_, &byte, 1) == 1; }
 
-private:
+  private:
     int master_ = -1;
     std::string slave_;
 };
@@ -130,27 +131,31 @@ int main(int argc, char** argv) {
     const std::string folder = folderTemplate;
     Pty pedal;
     {
-        ovd::platform::writeWholeFile(folder + "/DigitalRecorder.cfg",
-                                      ovd::platform::readWholeFile(assets + "/DigitalRecorder.cfg").value_or(""));
+        ovd::platform::writeWholeFile(
+            folder + "/DigitalRecorder.cfg",
+            ovd::platform::readWholeFile(assets + "/DigitalRecorder.cfg").value_or(""));
         ovd::settings::ConfigFile config(folder);
         config.ReadConfig();
         config.record.UserSelectSerial = true;
         config.record.Port = 1;
         config.record.FormatType = "WAV";
         config.WriteConfig();
-        ovd::platform::writeWholeFile(folder + "/SerialPorts.ini", "[Ports]\r\nCOM1=" + pedal.slavePath() + "\r\n");
+        ovd::platform::writeWholeFile(folder + "/SerialPorts.ini",
+                                      "[Ports]\r\nCOM1=" + pedal.slavePath() + "\r\n");
     }
 
     const pid_t station = startStation(program, folder, options);
     int status = 1;
     if (!waitForLog(folder, "Procedure - CASE NEW", 30s)) {
-        std::cerr << label << ": the station opened no file; its log:\n" << eventLogOf(folder) << '\n';
+        std::cerr << label << ": the station opened no file; its log:\n"
+                  << eventLogOf(folder) << '\n';
     } else {
         // The window settles (faces, devices) before the take starts.
         std::this_thread::sleep_for(2s);
         pedal.send(kMiddlePedal);
         if (!waitForLog(folder, "File Record: ", 10s)) {
-            std::cerr << label << ": the pedal started no take; its log:\n" << eventLogOf(folder) << '\n';
+            std::cerr << label << ": the pedal started no take; its log:\n"
+                      << eventLogOf(folder) << '\n';
         } else {
             std::this_thread::sleep_for(2s);
             const long ticksPerSecond = ::sysconf(_SC_CLK_TCK);
@@ -162,7 +167,8 @@ int main(int argc, char** argv) {
                                        static_cast<double>(ticksPerSecond) / seconds;
                 char figure[32];
                 std::snprintf(figure, sizeof figure, "%.1f", percent);
-                std::cout << label << " CPU while recording: " << figure << " % of a core" << std::endl;
+                std::cout << label << " CPU while recording: " << figure << " % of a core"
+                          << std::endl;
                 status = 0;
             } else {
                 std::cerr << label << ": the station ended during the take\n";

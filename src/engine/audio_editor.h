@@ -26,7 +26,7 @@ inline constexpr int kPlayLooped = 3;
 
 // Recording or playback devices, and the source lines of the current device.
 class DeviceList {
-public:
+  public:
     virtual ~DeviceList() = default;
 
     [[nodiscard]] virtual int Count() const = 0;
@@ -60,13 +60,13 @@ public:
 struct BlockOperationEvent {
     enum class Phase { Start, Progress, End };
     Phase phase = Phase::Start;
-    std::string name;     // "Saving", "Opening", "Pasting"...
+    std::string name;  // "Saving", "Opening", "Pasting"...
     SampleCount position = 0;
     SampleCount range = 0;  // the operation runs from 0 to range
 };
 
 class AudioEditor {
-public:
+  public:
     virtual ~AudioEditor() = default;
 
     // Selection view, in samples (frames) of the document.
@@ -117,8 +117,8 @@ public:
     virtual void CloseKeepingWorkFile() = 0;
 
     virtual EngineResult Play(int mode = 0) = 0;  // from the cursor
-    virtual EngineResult Record() = 0;  // at the cursor, or over the selection
-    virtual void Stop() = 0;            // harmless when stopped
+    virtual EngineResult Record() = 0;            // at the cursor, or over the selection
+    virtual void Stop() = 0;                      // harmless when stopped
     virtual void Pause() = 0;
     virtual void Continue() = 0;
     [[nodiscard]] virtual int State() const = 0;

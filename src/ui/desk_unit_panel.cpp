@@ -30,7 +30,10 @@ const std::string& buttonAction(const settings::SettingsRecord& s, int number) {
 
 DeskUnitPanel::DeskUnitPanel(devices::SwitchModel& switchModel, const dictation::MainView& view,
                              const settings::SettingsRecord& settings, QWidget* parent)
-    : QGroupBox(tr("Desk unit"), parent), switchModel_(switchModel), view_(view), settings_(settings) {
+    : QGroupBox(tr("Desk unit"), parent),
+      switchModel_(switchModel),
+      view_(view),
+      settings_(settings) {
     setObjectName("deskUnitPanel");
     auto* layout = new QGridLayout(this);
     for (std::size_t i = 0; i < positions_.size(); ++i) {
@@ -39,16 +42,18 @@ DeskUnitPanel::DeskUnitPanel(devices::SwitchModel& switchModel, const dictation:
         // The switch shows where the model stands, which may be no position at all.
         position->setAutoExclusive(false);
         layout->addWidget(position, 0, static_cast<int>(i));
-        connect(position, &QRadioButton::clicked, this,
-                [this, i] { switchModel_.SwitchCommand(kPositionCommands[i]); refresh(); });
+        connect(position, &QRadioButton::clicked, this, [this, i] {
+            switchModel_.SwitchCommand(kPositionCommands[i]);
+            refresh();
+        });
         positions_[i] = position;
     }
     for (int number = 1; number <= 8; ++number) {
         const std::string& action = buttonAction(settings_, number);
-        auto* button = new QPushButton(
-            QStringLiteral("%1: %2").arg(number).arg(
-                QString::fromStdString(devices::buttonDisplayName(action))),
-            this);
+        auto* button =
+            new QPushButton(QStringLiteral("%1: %2").arg(number).arg(
+                                QString::fromStdString(devices::buttonDisplayName(action))),
+                            this);
         button->setObjectName(QStringLiteral("button%1").arg(number));
         layout->addWidget(button, 1 + (number - 1) / 4, (number - 1) % 4);
         connect(button, &QPushButton::pressed, this, [this, number] {

@@ -4,7 +4,6 @@
 // calls the switch model exactly as a desk unit's link does.
 
 #include <QGroupBox>
-
 #include <array>
 
 class QLabel;
@@ -24,7 +23,7 @@ struct SettingsRecord;
 namespace ovd::ui {
 
 class DeskUnitPanel : public QGroupBox {
-public:
+  public:
     DeskUnitPanel(devices::SwitchModel& switchModel, const dictation::MainView& view,
                   const settings::SettingsRecord& settings, QWidget* parent = nullptr);
 
@@ -36,7 +35,7 @@ public:
     static constexpr std::array<const char*, 4> kPositionCommands = {"Record", "LISTEN", "STOP",
                                                                      "STEPBACK"};
 
-private:
+  private:
     devices::SwitchModel& switchModel_;
     const dictation::MainView& view_;
     const settings::SettingsRecord& settings_;

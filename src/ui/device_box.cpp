@@ -93,14 +93,18 @@ DeviceBox::DeviceBox(DeviceChoice& choice, QWidget* parent)
     });
     connect(inputVolumeSlider_, &QSlider::valueChanged, this, [this](int position) {
         choice_.sldrVolumeInp_Change(position);
-        inputVolumeLabel_->setText(QString::fromStdString(volumeLabel("Recording Volume", position)));
+        inputVolumeLabel_->setText(
+            QString::fromStdString(volumeLabel("Recording Volume", position)));
     });
     connect(outputVolumeSlider_, &QSlider::valueChanged, this, [this](int position) {
         choice_.sldrVolumeOut_Change(position);
-        outputVolumeLabel_->setText(QString::fromStdString(volumeLabel("Playing Volume", position)));
+        outputVolumeLabel_->setText(
+            QString::fromStdString(volumeLabel("Playing Volume", position)));
     });
-    connect(inputVolumeSlider_, &QSlider::sliderReleased, this, [this] { choice_.sldrVolumeInp_MouseUp(); });
-    connect(outputVolumeSlider_, &QSlider::sliderReleased, this, [this] { choice_.sldrVolumeOut_MouseUp(); });
+    connect(inputVolumeSlider_, &QSlider::sliderReleased, this,
+            [this] { choice_.sldrVolumeInp_MouseUp(); });
+    connect(outputVolumeSlider_, &QSlider::sliderReleased, this,
+            [this] { choice_.sldrVolumeOut_MouseUp(); });
     // A step of the keyboard or a click beside the handle has no release: store at once.
     connect(inputVolumeSlider_, &QSlider::actionTriggered, this, [this](int action) {
         if (action != QAbstractSlider::SliderMove) choice_.sldrVolumeInp_MouseUp();
@@ -137,8 +141,10 @@ void DeviceBox::showVolumes() {
     }
     inputVolumeSlider_->setEnabled(choice_.inputVolumeAvailable());
     outputVolumeSlider_->setEnabled(choice_.outputVolumeAvailable());
-    inputVolumeLabel_->setText(QString::fromStdString(volumeLabel("Recording Volume", choice_.sldrVolumeInp())));
-    outputVolumeLabel_->setText(QString::fromStdString(volumeLabel("Playing Volume", choice_.sldrVolumeOut())));
+    inputVolumeLabel_->setText(
+        QString::fromStdString(volumeLabel("Recording Volume", choice_.sldrVolumeInp())));
+    outputVolumeLabel_->setText(
+        QString::fromStdString(volumeLabel("Playing Volume", choice_.sldrVolumeOut())));
 }
 
 }  // namespace ovd::ui

@@ -15,7 +15,7 @@ namespace ovd::ui {
 class DeviceChoice;
 
 class DeviceBox : public QGroupBox {
-public:
+  public:
     explicit DeviceBox(DeviceChoice& choice, QWidget* parent = nullptr);
 
     // Fills the lists from the choice, without calling back into it.
@@ -24,19 +24,19 @@ public:
     // so the boxes list what is there and show the device really in use.
     void follow();
 
-private:
+  private:
     void showVolumes();
 
     DeviceChoice& choice_;
     unsigned long shownChanges_ = 0;
-    QComboBox* inputDeviceBox_ = nullptr;  // cmbDevInput
-    QComboBox* inputLineBox_ = nullptr;  // cmbSrcInput
-    QComboBox* outputDeviceBox_ = nullptr;  // cmbDevOutput
-    QComboBox* outputLineBox_ = nullptr;  // cmbSrcOutput
-    QSlider* inputVolumeSlider_ = nullptr;  // sldrVolumeInp
+    QComboBox* inputDeviceBox_ = nullptr;    // cmbDevInput
+    QComboBox* inputLineBox_ = nullptr;      // cmbSrcInput
+    QComboBox* outputDeviceBox_ = nullptr;   // cmbDevOutput
+    QComboBox* outputLineBox_ = nullptr;     // cmbSrcOutput
+    QSlider* inputVolumeSlider_ = nullptr;   // sldrVolumeInp
     QSlider* outputVolumeSlider_ = nullptr;  // sldrVolumeOut
-    QLabel* inputVolumeLabel_ = nullptr;  // lblRecLev
-    QLabel* outputVolumeLabel_ = nullptr;  // Label6
+    QLabel* inputVolumeLabel_ = nullptr;     // lblRecLev
+    QLabel* outputVolumeLabel_ = nullptr;    // Label6
 };
 
 }  // namespace ovd::ui

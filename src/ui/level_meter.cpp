@@ -2,14 +2,13 @@
 
 #include <QPainter>
 #include <QTimer>
-
 #include <algorithm>
 
 namespace ovd::ui {
 
 namespace {
 constexpr int kFallEveryMs = 50;  // 20 pictures a second at most
-constexpr int kFallStep = 4;  // percent per step: about a second from the top to nothing
+constexpr int kFallStep = 4;      // percent per step: about a second from the top to nothing
 }  // namespace
 
 LevelMeter::LevelMeter(QWidget* parent) : QWidget(parent) {
@@ -51,9 +50,10 @@ void LevelMeter::paintEvent(QPaintEvent* /*event*/) {
     const int amberFrom = box.width() * 70 / 100;
     const int redFrom = box.width() * 90 / 100;
     const auto band = [&](int from, int to, QColor colour) {
-        if (width > from) painter.fillRect(QRect(box.left() + from, box.top() + 1, std::min(width, to) - from,
-                                                 box.height() - 1),
-                                           colour);
+        if (width > from)
+            painter.fillRect(QRect(box.left() + from, box.top() + 1, std::min(width, to) - from,
+                                   box.height() - 1),
+                             colour);
     };
     band(0, amberFrom, QColor(40, 190, 60));
     band(amberFrom, redFrom, QColor(230, 170, 20));

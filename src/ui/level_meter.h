@@ -10,7 +10,7 @@ class QTimer;
 namespace ovd::ui {
 
 class LevelMeter : public QWidget {
-public:
+  public:
     explicit LevelMeter(QWidget* parent = nullptr);
 
     // A peak, in percent of full scale. The bar shows the loudest heard in each
@@ -22,10 +22,10 @@ public:
     [[nodiscard]] QSize sizeHint() const override { return {160, 14}; }
     [[nodiscard]] QSize minimumSizeHint() const override { return {60, 10}; }
 
-protected:
+  protected:
     void paintEvent(QPaintEvent* event) override;
 
-private:
+  private:
     // The loudest peak heard since the last step, or the fall.
     void step();
     void fall();

@@ -7,9 +7,7 @@
 
 namespace ovd::ui {
 
-Lamp::Lamp(QWidget* parent) : QWidget(parent) {
-    setFixedSize(sizeHint());
-}
+Lamp::Lamp(QWidget* parent) : QWidget(parent) { setFixedSize(sizeHint()); }
 
 void Lamp::setLit(bool lit) {
     if (lit == lit_) return;
@@ -62,7 +60,8 @@ void OnAirLamps::show(bool leftLit, bool rightLit, const QString& caption, bool 
     if (onAirCaption_->text() != shown) onAirCaption_->setText(shown);
     const bool onAir = caption == QLatin1String("ON AIR");
     // A style sheet set again, even the same, restyles and repaints the caption.
-    const QString colour = onAir ? QStringLiteral("color: #d01010;") : QStringLiteral("color: #a06000;");
+    const QString colour =
+        onAir ? QStringLiteral("color: #d01010;") : QStringLiteral("color: #a06000;");
     if (onAirCaption_->styleSheet() != colour) onAirCaption_->setStyleSheet(colour);
 }
 

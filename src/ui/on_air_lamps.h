@@ -10,30 +10,30 @@ class QLabel;
 namespace ovd::ui {
 
 class Lamp : public QWidget {
-public:
+  public:
     explicit Lamp(QWidget* parent = nullptr);
     void setLit(bool lit);
     [[nodiscard]] bool lit() const { return lit_; }
     [[nodiscard]] QSize sizeHint() const override { return {22, 22}; }
 
-protected:
+  protected:
     void paintEvent(QPaintEvent* event) override;
 
-private:
+  private:
     bool lit_ = false;
 };
 
 class OnAirLamps : public QWidget {
-public:
+  public:
     explicit OnAirLamps(QWidget* parent = nullptr);
     // The lamps (Image5, Image6) and the caption (lblOnAir) as the dictation leaves them.
     void show(bool leftLit, bool rightLit, const QString& caption, bool captionVisible);
 
     [[nodiscard]] QLabel* caption() const { return onAirCaption_; }
 
-private:
-    Lamp* leftLamp_ = nullptr;  // Image5
-    Lamp* rightLamp_ = nullptr;  // Image6
+  private:
+    Lamp* leftLamp_ = nullptr;        // Image5
+    Lamp* rightLamp_ = nullptr;       // Image6
     QLabel* onAirCaption_ = nullptr;  // lblOnAir
 };
 

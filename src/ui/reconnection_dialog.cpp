@@ -47,7 +47,8 @@ void ReconnectionDialogWindow::render() {
     }
     if (mainWindow_ != nullptr) {
         move(mainWindow_->frameGeometry().topLeft() +
-             QPoint(delivery::ReconnectionDialog::kOffsetPixels, delivery::ReconnectionDialog::kOffsetPixels));
+             QPoint(delivery::ReconnectionDialog::kOffsetPixels,
+                    delivery::ReconnectionDialog::kOffsetPixels));
     }
     if (!isVisible()) {
         keepAboveStation(*this, mainWindow_);
@@ -66,7 +67,8 @@ void answerReconnectionHeadless(delivery::PeerLink& link, platform::EventLoop& l
         if (!view.loaded || !view.cmdOKVisible) return;
         // After the routine that opened it has finished, as a click would come.
         loop.postFromAnyThread([&link] {
-            if (link.frmTCPReConnection.loaded && link.frmTCPReConnection.cmdOKVisible) link.cmdOK_Click();
+            if (link.frmTCPReConnection.loaded && link.frmTCPReConnection.cmdOKVisible)
+                link.cmdOK_Click();
         });
     };
 }

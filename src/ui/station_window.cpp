@@ -120,7 +120,8 @@ StationWindow::StationWindow(StationWindowParts parts) : parts_(std::move(parts)
     eventLogWindow_ = new EventLogWindow(parts_.eventLog, this);
     eventLogWindow_->onClosed = [this] { viewLogCheck_->setChecked(false); };
     debugWindow_ = new DebugWindow(
-        parts_.debugTrace, [this] { return snapshotOf(parts_.dictation, parts_.config.record); }, this);
+        parts_.debugTrace, [this] { return snapshotOf(parts_.dictation, parts_.config.record); },
+        this);
     wireEngineEvents();
     parts_.dictation.onViewChanged = [this] { viewAnnounced(); };
     sinceRender_.start();
@@ -215,13 +216,15 @@ QWidget* StationWindow::buildAudioFrame() {
     positionSlider_->setRange(0, 100);
     positionSlider_->setEnabled(false);
     positionSlider_->setToolTip(tr("Position in the file"));
-    connect(positionSlider_, &QSlider::sliderPressed, this, [this, &d] { routed([&d] { d.positionSliderPressed(); }); });
+    connect(positionSlider_, &QSlider::sliderPressed, this,
+            [this, &d] { routed([&d] { d.positionSliderPressed(); }); });
     connect(positionSlider_, &QSlider::valueChanged, this, [this, &d](int value) {
         // Only the hand moves the position; the dictation's own moves are rendered.
         if (positionSlider_->isSliderDown()) d.positionSliderMoved(value);
     });
-    connect(positionSlider_, &QSlider::sliderReleased, this,
-            [this, &d] { routed([this, &d] { d.positionSliderReleased(positionSlider_->value()); }); });
+    connect(positionSlider_, &QSlider::sliderReleased, this, [this, &d] {
+        routed([this, &d] { d.positionSliderReleased(positionSlider_->value()); });
+    });
     // A click beside the handle or a key moves it with no press or release.
     connect(positionSlider_, &QSlider::actionTriggered, this, [this, &d](int action) {
         if (action == QAbstractSlider::SliderMove || positionSlider_->isSliderDown()) return;
@@ -286,9 +289,12 @@ QWidget* StationWindow::buildTransportRow() {
     endOfLetterButton_ = namedButton(rowWidget, "cmdEOL", tr("End of Letter"));
     endOfLetterButton_->setMinimumHeight(40);
     endOfLetterButton_->setToolTip(tr("Close and save the file, and begin the next"));
-    connect(endInsertButton_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.endInsert(); }); });
-    connect(endAppendButton_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.endAppend(); }); });
-    connect(endOfLetterButton_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.finishLetter(); }); });
+    connect(endInsertButton_, &QPushButton::clicked, this,
+            [this, &d] { routed([&d] { d.endInsert(); }); });
+    connect(endAppendButton_, &QPushButton::clicked, this,
+            [this, &d] { routed([&d] { d.endAppend(); }); });
+    connect(endOfLetterButton_, &QPushButton::clicked, this,
+            [this, &d] { routed([&d] { d.finishLetter(); }); });
     row->addWidget(endInsertButton_);
     row->addWidget(endAppendButton_);
     row->addWidget(endOfLetterButton_);
@@ -300,19 +306,27 @@ QWidget* StationWindow::buildEditRow() {
     auto* rowWidget = new QWidget(this);
     auto* row = new QHBoxLayout(rowWidget);
     row->setContentsMargins(0, 0, 0, 0);
-    addToBeginningButton_ = namedButton(rowWidget, "Command1", QStringLiteral("Add Comments To Beginning"));
-    insertButton_ = namedButton(rowWidget, "Command2", QStringLiteral("Insert Audio at Current Position"));
-    overwriteButton_ = namedButton(rowWidget, "cmdOVR", QStringLiteral("Overwrite Audio at Current Position"));
+    addToBeginningButton_ =
+        namedButton(rowWidget, "Command1", QStringLiteral("Add Comments To Beginning"));
+    insertButton_ =
+        namedButton(rowWidget, "Command2", QStringLiteral("Insert Audio at Current Position"));
+    overwriteButton_ =
+        namedButton(rowWidget, "cmdOVR", QStringLiteral("Overwrite Audio at Current Position"));
     lastThreeSecondsButton_ = namedButton(rowWidget, "Command3", QStringLiteral("Test"));
     lastThreeSecondsButton_->setToolTip(tr("Play the last three seconds"));
     auto* lastThree = new QPushButton(tr("Play Last 3 secs"), rowWidget);
     lastThree->setObjectName("lblPlayLast3");
     lastThree->setFlat(true);
-    connect(addToBeginningButton_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.addToBeginning(); }); });
-    connect(insertButton_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.insertAtCursor(); }); });
-    connect(overwriteButton_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.overwriteAtCursor(); }); });
-    connect(lastThreeSecondsButton_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.replayLastThreeSeconds(); }); });
-    connect(lastThree, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.replayLastThreeSeconds(); }); });
+    connect(addToBeginningButton_, &QPushButton::clicked, this,
+            [this, &d] { routed([&d] { d.addToBeginning(); }); });
+    connect(insertButton_, &QPushButton::clicked, this,
+            [this, &d] { routed([&d] { d.insertAtCursor(); }); });
+    connect(overwriteButton_, &QPushButton::clicked, this,
+            [this, &d] { routed([&d] { d.overwriteAtCursor(); }); });
+    connect(lastThreeSecondsButton_, &QPushButton::clicked, this,
+            [this, &d] { routed([&d] { d.replayLastThreeSeconds(); }); });
+    connect(lastThree, &QPushButton::clicked, this,
+            [this, &d] { routed([&d] { d.replayLastThreeSeconds(); }); });
     stepSecondsBox_ = new QLineEdit(rowWidget);
     stepSecondsBox_->setObjectName("txtStepAmt");
     stepSecondsBox_->setValidator(new QIntValidator(0, 3600, stepSecondsBox_));
@@ -343,11 +357,14 @@ QWidget* StationWindow::buildOptionsRow() {
     normalConditionsOption_->setObjectName("Option2");
     otherConditionsOption_ = new QRadioButton(QStringLiteral("Other Conditions"), formatBox);
     otherConditionsOption_->setObjectName("Option3");
-    otherConditionsOption_->setToolTip(QStringLiteral("IE: Conference, Group, Hard-to-hear Audio, Heavy Accent"));
+    otherConditionsOption_->setToolTip(
+        QStringLiteral("IE: Conference, Group, Hard-to-hear Audio, Heavy Accent"));
     formats->addWidget(normalConditionsOption_);
     formats->addWidget(otherConditionsOption_);
-    connect(normalConditionsOption_, &QRadioButton::clicked, this, [this] { chooseRecordingFormat(false); });
-    connect(otherConditionsOption_, &QRadioButton::clicked, this, [this] { chooseRecordingFormat(true); });
+    connect(normalConditionsOption_, &QRadioButton::clicked, this,
+            [this] { chooseRecordingFormat(false); });
+    connect(otherConditionsOption_, &QRadioButton::clicked, this,
+            [this] { chooseRecordingFormat(true); });
     formatBox_ = formatBox;
 
     auto* speakerBox = new QGroupBox(tr("Speaker"), rowWidget);

@@ -11,7 +11,6 @@
 
 #include <QElapsedTimer>
 #include <QMainWindow>
-
 #include <functional>
 #include <memory>
 #include <string>
@@ -72,13 +71,13 @@ struct StationWindowParts {
     engine::AudioEditor& scratchEditor;
     settings::DebugTrace& debugTrace;
     platform::Prompts& prompts;
-    std::string programFolder;  // the shipped help pages
-    std::string soundSystem;    // named in the about box
+    std::string programFolder;                // the shipped help pages
+    std::string soundSystem;                  // named in the about box
     devices::HandsFree* handsFree = nullptr;  // the pedal menus; greyed without
 };
 
 class StationWindow : public QMainWindow {
-public:
+  public:
     explicit StationWindow(StationWindowParts parts);
     ~StationWindow() override;
     StationWindow(const StationWindow&) = delete;
@@ -124,12 +123,12 @@ public:
     [[nodiscard]] WaveformView& waveform() { return *waveform_; }
     [[nodiscard]] LevelMeter& levelMeter() { return *levelMeter_; }
 
-protected:
+  protected:
     void moveEvent(QMoveEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
-private:
+  private:
     // Building, in station_window.cpp.
     QWidget* buildStatusRows();
     QWidget* buildAudioFrame();
@@ -165,41 +164,41 @@ private:
     QWidget* statusRows_ = nullptr;
     QWidget* audioFrame_ = nullptr;  // frameAudio
     QWidget* editRow_ = nullptr;
-    QWidget* formatBox_ = nullptr;  // frRec
+    QWidget* formatBox_ = nullptr;   // frRec
     QWidget* speakerBox_ = nullptr;  // frameSpeaker
     QWidget* optionsRow_ = nullptr;
     DeskUnitPanel* deskUnit_ = nullptr;
     QToolBar* toolIcons_ = nullptr;
     QVBoxLayout* column_ = nullptr;
 
-    OnAirLamps* lamps_ = nullptr;  // Image5, lblOnAir, Image6
-    QLabel* statusLine_ = nullptr;  // Label40
-    QLabel* fileNameLabel_ = nullptr;  // lblReady
-    QLabel* modeLabel_ = nullptr;  // lblMode
-    QLabel* busyLabel_ = nullptr;  // lblBusy
-    QLabel* operationLabel_ = nullptr;  // Label37
-    QLabel* timeElapsed_ = nullptr;  // NCTTimeDisplay21
-    QLabel* timeRemaining_ = nullptr;  // Label24
-    QLabel* fileSize_ = nullptr;  // Label43
-    QLabel* fileNamePanel_ = nullptr;  // StatusBar1 panel 1
-    QLabel* fileSizePanel_ = nullptr;  // StatusBar1 panel 2
+    OnAirLamps* lamps_ = nullptr;        // Image5, lblOnAir, Image6
+    QLabel* statusLine_ = nullptr;       // Label40
+    QLabel* fileNameLabel_ = nullptr;    // lblReady
+    QLabel* modeLabel_ = nullptr;        // lblMode
+    QLabel* busyLabel_ = nullptr;        // lblBusy
+    QLabel* operationLabel_ = nullptr;   // Label37
+    QLabel* timeElapsed_ = nullptr;      // NCTTimeDisplay21
+    QLabel* timeRemaining_ = nullptr;    // Label24
+    QLabel* fileSize_ = nullptr;         // Label43
+    QLabel* fileNamePanel_ = nullptr;    // StatusBar1 panel 1
+    QLabel* fileSizePanel_ = nullptr;    // StatusBar1 panel 2
     QSlider* positionSlider_ = nullptr;  // ctSlide1
-    WaveformView* waveform_ = nullptr;  // AudioEditor1
+    WaveformView* waveform_ = nullptr;   // AudioEditor1
     LevelMeter* levelMeter_ = nullptr;
-    TransportBar* transportBar_ = nullptr;  // MMControl1
-    QPushButton* endOfLetterButton_ = nullptr;  // cmdEOL
-    QPushButton* endInsertButton_ = nullptr;  // ButtonEx1
-    QPushButton* endAppendButton_ = nullptr;  // ButtonEx2
-    QPushButton* addToBeginningButton_ = nullptr;  // Command1
-    QPushButton* insertButton_ = nullptr;  // Command2
-    QPushButton* overwriteButton_ = nullptr;  // cmdOVR
-    QPushButton* lastThreeSecondsButton_ = nullptr;  // Command3
-    QLineEdit* stepSecondsBox_ = nullptr;  // txtStepAmt
+    TransportBar* transportBar_ = nullptr;            // MMControl1
+    QPushButton* endOfLetterButton_ = nullptr;        // cmdEOL
+    QPushButton* endInsertButton_ = nullptr;          // ButtonEx1
+    QPushButton* endAppendButton_ = nullptr;          // ButtonEx2
+    QPushButton* addToBeginningButton_ = nullptr;     // Command1
+    QPushButton* insertButton_ = nullptr;             // Command2
+    QPushButton* overwriteButton_ = nullptr;          // cmdOVR
+    QPushButton* lastThreeSecondsButton_ = nullptr;   // Command3
+    QLineEdit* stepSecondsBox_ = nullptr;             // txtStepAmt
     QRadioButton* normalConditionsOption_ = nullptr;  // Option2
-    QRadioButton* otherConditionsOption_ = nullptr;  // Option3
-    QComboBox* speakerNames_ = nullptr;  // cboName
-    QCheckBox* viewLogCheck_ = nullptr;  // chkViewlOG
-    DeviceBox* deviceBox_ = nullptr;  // frameDevices
+    QRadioButton* otherConditionsOption_ = nullptr;   // Option3
+    QComboBox* speakerNames_ = nullptr;               // cboName
+    QCheckBox* viewLogCheck_ = nullptr;               // chkViewlOG
+    DeviceBox* deviceBox_ = nullptr;                  // frameDevices
     bool busyPointerShown_ = false;
 
     std::unique_ptr<DeviceChoice> deviceChoice_;

@@ -20,8 +20,8 @@
 #include "dictation/dictation.h"
 #include "settings/config_file.h"
 #include "ui/about_box.h"
-#include "ui/device_box.h"
 #include "ui/desk_unit_panel.h"
+#include "ui/device_box.h"
 #include "ui/device_choice.h"
 #include "ui/event_log_window.h"
 #include "ui/help_window.h"
@@ -52,9 +52,12 @@ void showStyle(QWidget* widget, const QString& styleSheet) {
 // The width each face opens at; the height is whatever its controls need.
 int faceWidth(Face face) {
     switch (face) {
-        case Face::Regular: return 860;
-        case Face::Thin: return 700;
-        case Face::SuperThin: return 700;
+        case Face::Regular:
+            return 860;
+        case Face::Thin:
+            return 700;
+        case Face::SuperThin:
+            return 700;
     }
     return 860;
 }
@@ -67,7 +70,8 @@ void StationWindow::render() {
     const dictation::MainView& v = parts_.dictation.view();
     waveform_->refresh();
     deviceBox_->follow();
-    setWindowTitle(v.caption.empty() ? titleFor(parts_.config.record.HandsFreeEdition) : text(v.caption));
+    setWindowTitle(v.caption.empty() ? titleFor(parts_.config.record.HandsFreeEdition)
+                                     : text(v.caption));
     renderStatus(v);
     renderTimes(v);
     renderButtons(v);
@@ -192,7 +196,8 @@ void StationWindow::applyFace() {
         centralWidget()->layout()->activate();
         layout()->activate();
         // Regular opens at its natural height; the thin faces as small as they go.
-        const int height = face_ == Face::Regular ? sizeHint().height() : minimumSizeHint().height();
+        const int height =
+            face_ == Face::Regular ? sizeHint().height() : minimumSizeHint().height();
         resize(faceWidth(face_), height);
     });
 }
@@ -243,7 +248,8 @@ void StationWindow::showEventLog(bool checked) {
         const QSignalBlocker quiet(viewLogCheck_);
         viewLogCheck_->setChecked(checked);
     }
-    if (QAction* entry = menus_->action("mnuViewLog"); entry != nullptr && entry->isChecked() != checked) {
+    if (QAction* entry = menus_->action("mnuViewLog");
+        entry != nullptr && entry->isChecked() != checked) {
         const QSignalBlocker quiet(entry);
         entry->setChecked(checked);
     }
@@ -272,10 +278,11 @@ void StationWindow::showHelp() {
 
 void StationWindow::showAbout() {
     const settings::SettingsRecord& record = parts_.config.record;
-    AboutBox about({titleFor(record.HandsFreeEdition).toStdString(),
-                    QCoreApplication::applicationVersion().toStdString(), parts_.config.dataFolder(),
-                    record.CaptureFilePath.toText(), parts_.soundSystem},
-                   this);
+    AboutBox about(
+        {titleFor(record.HandsFreeEdition).toStdString(),
+         QCoreApplication::applicationVersion().toStdString(), parts_.config.dataFolder(),
+         record.CaptureFilePath.toText(), parts_.soundSystem},
+        this);
     about.exec();
 }
 
@@ -292,8 +299,8 @@ void StationWindow::chooseRecordingFormat(bool otherConditions) {
     record.RecordingFormats = chosen;
     parts_.config.WriteConfig();
     if (d.state().flgfileOpen1) {
-        const std::string reason =
-            std::string(" Calling Image2_Click from ") + (otherConditions ? "Option3_Click" : "Option2_Click");
+        const std::string reason = std::string(" Calling Image2_Click from ") +
+                                   (otherConditions ? "Option3_Click" : "Option2_Click");
         if (!d.state().RecordedOnce) {
             d.CaseStop();
             d.closeFile();
@@ -302,7 +309,8 @@ void StationWindow::chooseRecordingFormat(bool otherConditions) {
             const bool armed = d.state().RecordingstatusPaused;
             if (armed) {
                 parts_.prompts.showMessage(
-                    "Your current recording in progress will be saved now, using your previous settings "
+                    "Your current recording in progress will be saved now, using your previous "
+                    "settings "
                     "--will be followed by opening up the next file number in an unrecorded state",
                     settings::kProductTitle);
             }

@@ -14,7 +14,9 @@ WaveformPeaks::Peak widest(const WaveformPeaks::Peak& a, const WaveformPeaks::Pe
 
 int WaveformPeaks::levelFor(SampleCount length) {
     int level = 0;
-    while ((length + (SampleCount{1} << level) - 1) >> level > static_cast<SampleCount>(kMaxStretches)) ++level;
+    while ((length + (SampleCount{1} << level) - 1) >> level >
+           static_cast<SampleCount>(kMaxStretches))
+        ++level;
     return level;
 }
 
@@ -25,7 +27,8 @@ void WaveformPeaks::clear() {
     stretches_.clear();
 }
 
-void WaveformPeaks::update(SampleCount unchangedUpTo, SampleCount length, int channels, const Reader& read) {
+void WaveformPeaks::update(SampleCount unchangedUpTo, SampleCount length, int channels,
+                           const Reader& read) {
     length = std::max<SampleCount>(length, 0);
     const int wanted = levelFor(length);
     const SampleCount unchanged = std::min({unchangedUpTo, length_, length});
@@ -34,7 +37,8 @@ void WaveformPeaks::update(SampleCount unchangedUpTo, SampleCount length, int ch
         level_ = wanted;
     } else {
         // Only stretches wholly before the first changed frame are still right.
-        stretches_.resize(std::min(stretches_.size(), static_cast<std::size_t>(unchanged >> level_)));
+        stretches_.resize(
+            std::min(stretches_.size(), static_cast<std::size_t>(unchanged >> level_)));
         while (level_ < wanted) mergePairs();
     }
     length_ = length;
@@ -60,7 +64,8 @@ void WaveformPeaks::mergePairs() {
 
 WaveformPeaks::Peak WaveformPeaks::readStretch(std::size_t index, const Reader& read) {
     const SampleCount from = static_cast<SampleCount>(index) << level_;
-    const auto frames = static_cast<std::size_t>(std::min({stretchFrames(), length_ - from, kFramesLookedAt}));
+    const auto frames =
+        static_cast<std::size_t>(std::min({stretchFrames(), length_ - from, kFramesLookedAt}));
     const auto perFrame = static_cast<std::size_t>(std::max(1, channels_));
     buffer_.resize(frames * perFrame);
     const std::size_t got = std::min(read(from, buffer_.data(), frames), frames);

@@ -21,10 +21,11 @@
 namespace ovd::ui {
 
 class WaveformPeaks {
-public:
+  public:
     using SampleCount = engine::SampleCount;
     // Reads frames (all channels interleaved) from a position on; fewer at the end.
-    using Reader = std::function<std::size_t(SampleCount position, std::int16_t* out, std::size_t frames)>;
+    using Reader =
+        std::function<std::size_t(SampleCount position, std::int16_t* out, std::size_t frames)>;
     // (lowest, highest) of a stretch or a column.
     using Peak = std::pair<std::int16_t, std::int16_t>;
 
@@ -44,7 +45,7 @@ public:
     // stretches a column touches make its peak. Empty for an empty document.
     [[nodiscard]] std::vector<Peak> columns(int count) const;
 
-private:
+  private:
     // The level whose stretches keep a document of this length within kMaxStretches.
     [[nodiscard]] static int levelFor(SampleCount length);
     // Neighbouring stretches merge once: the next level up.

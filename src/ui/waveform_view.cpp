@@ -4,7 +4,6 @@
 #include <QPainter>
 #include <QResizeEvent>
 #include <QTimer>
-
 #include <algorithm>
 #include <cstdlib>
 
@@ -44,13 +43,15 @@ bool WaveformView::following() const { return moving_->isActive(); }
 void WaveformView::refresh() {
     lookQueued_ = false;
     const bool hasDocument = editor_.hasDocument();
-    const int state = hasDocument ? editor_.State() : static_cast<int>(engine::EditorState::Stopped);
+    const int state =
+        hasDocument ? editor_.State() : static_cast<int>(engine::EditorState::Stopped);
     if (readDocument()) layOutColumns();
     const bool selection = hasDocument && editor_.SelectionActive();
     const engine::SampleCount start = editor_.SelectionStart();
     const engine::SampleCount end = editor_.SelectionEnd();
     // Ends of a selection not shown (a take moves them along) change nothing drawn.
-    if (selection != selection_ || (selection && (start != selectionStart_ || end != selectionEnd_))) {
+    if (selection != selection_ ||
+        (selection && (start != selectionStart_ || end != selectionEnd_))) {
         pictureStale_ = true;
     }
     selection_ = selection;
@@ -81,7 +82,8 @@ bool WaveformView::readDocument() {
     if (!changed_ && length == peaks_.length()) return false;
     // A take being recorded goes in at the cursor: all before where the cursor
     // stood at the last look is as it was. Anything else is read again whole.
-    const bool recording = hasDocument && editor_.State() == static_cast<int>(engine::EditorState::Recording);
+    const bool recording =
+        hasDocument && editor_.State() == static_cast<int>(engine::EditorState::Recording);
     const engine::SampleCount unchanged = !changed_ && recording ? cursor_ : 0;
     changed_ = false;
     peaks_.update(unchanged, length, std::max(1, editor_.Channels()),
@@ -186,7 +188,8 @@ void WaveformView::drawPicture() {
     if (length > 0 && selection_ && selectionEnd_ > selectionStart_) {
         const int x0 = static_cast<int>(selectionStart_ * (box.width() - 2) / length) + 1;
         const int x1 = static_cast<int>(selectionEnd_ * (box.width() - 2) / length) + 1;
-        painter.fillRect(QRect(x0, box.top(), std::max(1, x1 - x0), box.height()), QColor(60, 70, 130));
+        painter.fillRect(QRect(x0, box.top(), std::max(1, x1 - x0), box.height()),
+                         QColor(60, 70, 130));
     }
     painter.setPen(QColor(90, 220, 120));
     for (std::size_t x = 0; x < columns_.size(); ++x) {
@@ -207,8 +210,9 @@ void WaveformView::drawPicture() {
 void WaveformView::paintEvent(QPaintEvent* event) {
     if (pictureStale_ || picture_.size() != size() * devicePixelRatioF()) drawPicture();
     QPainter painter(this);
-    painter.drawPixmap(event->rect(), picture_, QRectF(QPointF(event->rect().topLeft()) * devicePixelRatioF(),
-                                                      QSizeF(event->rect().size()) * devicePixelRatioF()));
+    painter.drawPixmap(event->rect(), picture_,
+                       QRectF(QPointF(event->rect().topLeft()) * devicePixelRatioF(),
+                              QSizeF(event->rect().size()) * devicePixelRatioF()));
     if (peaks_.length() > 0) {
         // Inside the border, which stays whole.
         const int x = cursorX(cursor_);

@@ -10,7 +10,6 @@
 
 #include <QPixmap>
 #include <QWidget>
-
 #include <cstdint>
 #include <functional>
 #include <vector>
@@ -27,7 +26,7 @@ class WaveEditor;
 namespace ovd::ui {
 
 class WaveformView : public QWidget {
-public:
+  public:
     // How often the view looks at a document that plays or records: enough for
     // the eye, and no more.
     static constexpr int kMovingLookMs = 100;
@@ -49,7 +48,7 @@ public:
     // One pair of (lowest, highest) per column; empty for an empty document.
     [[nodiscard]] const std::vector<WaveformPeaks::Peak>& columns() const { return columns_; }
 
-protected:
+  protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
@@ -57,7 +56,7 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
 
-private:
+  private:
     // Reads what changed of the document; true when the peaks moved.
     bool readDocument();
     void layOutColumns();

@@ -1,6 +1,8 @@
 // The reconnection dialog on the desktop: it follows the link's view of it, asks
 // with both buttons when the peer can't be reached, and hands the buttons back.
 
+#include "ui/reconnection_dialog.h"
+
 #include <gtest/gtest.h>
 
 #include <QLabel>
@@ -10,7 +12,6 @@
 #include "support/scripted_prompts.h"
 #include "support/temp_folder.h"
 #include "ui/qt_event_loop.h"
-#include "ui/reconnection_dialog.h"
 
 namespace ovd::ui {
 namespace {

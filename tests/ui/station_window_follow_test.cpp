@@ -19,7 +19,7 @@ using Button = TransportBar::Button;
 
 // Counts the paints of a widget and everything in it.
 class PaintCounter : public QObject {
-public:
+  public:
     explicit PaintCounter(QWidget& top) {
         top.installEventFilter(this);
         for (QWidget* child : top.findChildren<QWidget*>()) child->installEventFilter(this);
@@ -27,7 +27,7 @@ public:
     int paints = 0;
     QStringList painted;
 
-protected:
+  protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (event->type() == QEvent::Paint) {
             ++paints;
@@ -71,10 +71,12 @@ TEST_F(StationWindowFollowTest, WhatTheDictationAnnouncesIsOnTheScreenOnceTheLoo
     d().newLetter();
     d().recordTake();
     const auto within = [this](const std::function<bool()>& shown) {
-        return runUntil([&] {
-            loop.runPending();
-            return shown();
-        }, std::chrono::seconds(2));
+        return runUntil(
+            [&] {
+                loop.runPending();
+                return shown();
+            },
+            std::chrono::seconds(2));
     };
     run(2000);
     EXPECT_TRUE(within([this] { return textOf("NCTTimeDisplay21") == "00:00:02"; }))
@@ -89,7 +91,8 @@ TEST_F(StationWindowFollowTest, AStationAtRestPaintsNothing) {
     d().newLetter();
     loop.runPending();
     settle(300);
-    ASSERT_FALSE(window().waveform().following()) << "nothing moves: the waveform does not look by itself";
+    ASSERT_FALSE(window().waveform().following())
+        << "nothing moves: the waveform does not look by itself";
 
     PaintCounter counter(window());
     // Three seconds of the dictation's own timers, and the window given time to act on them.

@@ -18,7 +18,7 @@ using SampleCount = WaveformPeaks::SampleCount;
 // A document in memory whose every sample differs from its neighbours, so a
 // stretch taken from the wrong place shows.
 class Document {
-public:
+  public:
     explicit Document(int channels = 1) : channels_(channels) {}
 
     void append(SampleCount frames) { insert(length(), frames); }
@@ -30,21 +30,25 @@ public:
     void remove(SampleCount from, SampleCount to) {
         samples_.erase(samples_.begin() + from * channels_, samples_.begin() + to * channels_);
     }
-    [[nodiscard]] SampleCount length() const { return static_cast<SampleCount>(samples_.size()) / channels_; }
+    [[nodiscard]] SampleCount length() const {
+        return static_cast<SampleCount>(samples_.size()) / channels_;
+    }
     [[nodiscard]] int channels() const { return channels_; }
 
     WaveformPeaks::Reader reader() {
         return [this](SampleCount position, std::int16_t* out, std::size_t frames) {
-            const auto available = static_cast<std::size_t>(std::max<SampleCount>(length() - position, 0));
+            const auto available =
+                static_cast<std::size_t>(std::max<SampleCount>(length() - position, 0));
             const std::size_t got = std::min(frames, available);
-            std::memcpy(out, samples_.data() + position * channels_, got * static_cast<std::size_t>(channels_) * 2);
+            std::memcpy(out, samples_.data() + position * channels_,
+                        got * static_cast<std::size_t>(channels_) * 2);
             framesRead += got;
             return got;
         };
     }
     std::size_t framesRead = 0;
 
-private:
+  private:
     std::int16_t next() {
         seed_ = seed_ * 1103515245u + 12345u;
         return static_cast<std::int16_t>(seed_ >> 16);
@@ -64,7 +68,8 @@ void expectSameAsReadWhole(const WaveformPeaks& followed, Document& document, co
     const WaveformPeaks whole = readWhole(document);
     ASSERT_EQ(followed.length(), whole.length()) << when;
     ASSERT_EQ(followed.stretchFrames(), whole.stretchFrames()) << when;
-    ASSERT_EQ(followed.stretches(), whole.stretches()) << when << " at " << document.length() << " frames";
+    ASSERT_EQ(followed.stretches(), whole.stretches())
+        << when << " at " << document.length() << " frames";
     EXPECT_EQ(followed.columns(558), whole.columns(558)) << when;
 }
 
