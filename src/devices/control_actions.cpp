@@ -10,16 +10,35 @@ constexpr int kStepBackMs = 100;
 constexpr const char* kStepBackStatus = "4 Position Switch STATUS: STEPBACK";
 
 constexpr std::array<std::pair<std::string_view, std::string_view>, 29> kDisplayNames = {{
-    {"Rewind", "Rewind"},         {"FastForward", "F-FWD"},      {"Play", "Play"},
-    {"Pause", "Pause"},           {"StepBack", "Step Back"},     {"StepForward", "Step FWD"},
-    {"Stop", "Stop"},             {"Record", "Record"},          {"New", "New"},
-    {"Open", "Open"},             {"Close", "Close"},            {"Exit", "Exit"},
-    {"3Seconds", "Play 3 LSecs"}, {"AddBeg", "Insert Beg"},      {"RenameFile", "Rename"},
-    {"Previous", "Previous"},     {"Next", "Next"},              {"SendToOne", "Dest 1"},
-    {"SendToTwo", "Dest 2"},      {"SendToThree", "Dest 3"},     {"ToggleEXTINTMic", "Mic:Int/Ext"},
-    {"ToggleMic", "Mic:On/Off"},  {"EraseFile", "Delete"},       {"AudioSRC", "Audio Src"},
-    {"Overwrite", "Overwrite"},   {"Insert", "Insert Mid"},      {"EOL", "EOL"},
-    {"SENDEMAIL", "EMail"},       {"SENDFTP", "FTP"},
+    {"Rewind", "Rewind"},
+    {"FastForward", "F-FWD"},
+    {"Play", "Play"},
+    {"Pause", "Pause"},
+    {"StepBack", "Step Back"},
+    {"StepForward", "Step FWD"},
+    {"Stop", "Stop"},
+    {"Record", "Record"},
+    {"New", "New"},
+    {"Open", "Open"},
+    {"Close", "Close"},
+    {"Exit", "Exit"},
+    {"3Seconds", "Play 3 LSecs"},
+    {"AddBeg", "Insert Beg"},
+    {"RenameFile", "Rename"},
+    {"Previous", "Previous"},
+    {"Next", "Next"},
+    {"SendToOne", "Dest 1"},
+    {"SendToTwo", "Dest 2"},
+    {"SendToThree", "Dest 3"},
+    {"ToggleEXTINTMic", "Mic:Int/Ext"},
+    {"ToggleMic", "Mic:On/Off"},
+    {"EraseFile", "Delete"},
+    {"AudioSRC", "Audio Src"},
+    {"Overwrite", "Overwrite"},
+    {"Insert", "Insert Mid"},
+    {"EOL", "EOL"},
+    {"SENDEMAIL", "EMail"},
+    {"SENDFTP", "FTP"},
 }};
 
 }  // namespace
@@ -29,7 +48,6 @@ std::string buttonDisplayName(std::string_view action) {
         if (name == action) return std::string(display);
     }
     return std::string(action);  // "MSG1".."MSG20" and anything unknown
-
 }
 
 PedalDispatcher::PedalDispatcher(const settings::SettingsRecord& settings,
@@ -87,7 +105,8 @@ const std::string* PedalDispatcher::assignment(PedalDevice device, const std::st
     return nullptr;
 }
 
-void PedalDispatcher::dispatch(PedalDevice device, const std::string& pedal, const std::string& direction) {
+void PedalDispatcher::dispatch(PedalDevice device, const std::string& pedal,
+                               const std::string& direction) {
     const std::string* keyword = assignment(device, pedal);
     if (keyword == nullptr || keyword->empty()) return;
     const bool down = direction == kDown;
@@ -95,7 +114,7 @@ void PedalDispatcher::dispatch(PedalDevice device, const std::string& pedal, con
     // While one-tap recording runs only the record pedal and the end of letter
     // pedal are alive.
     const bool busy = settings_.OneTapRecPause && state_.Recordingstatus;
-    const dictation::TransportBar& bar = view_.MMControl1;
+    const dictation::TransportBar& bar = view_.transportBar;
 
     if (*keyword == "STEPLIST") {
         if (busy) return;
@@ -121,7 +140,7 @@ void PedalDispatcher::dispatch(PedalDevice device, const std::string& pedal, con
         if (down) commands_.SwitchCommand("Record");
     } else if (*keyword == "EOLSTOP") {
         // The end of letter button is asked first, before the busy test.
-        if (!view_.cmdEOL || busy) return;
+        if (!view_.endOfLetterEnabled || busy) return;
         if (down) {
             hits_.HandSetHitNotHit = true;
             commands_.SwitchCommand("EOL");
@@ -140,9 +159,7 @@ void PedalDispatcher::dispatch(PedalDevice device, const std::string& pedal, con
     // Any other keyword is not one of ours: nothing happens.
 }
 
-void PedalDispatcher::UpdateEOLButton() {
-    d_.refreshEndOfLetterButton();
-}
+void PedalDispatcher::UpdateEOLButton() { d_.refreshEndOfLetterButton(); }
 
 void PedalDispatcher::startStepBack(PedalDevice device) {
     switch (device) {

@@ -34,8 +34,8 @@ inline constexpr std::array<PedalKeyword, 6> kPedalKeywords = {{
 // The desk unit's button sets.
 inline constexpr std::array<std::string_view, 8> kStandardButtons = {
     "New", "RenameFile", "Previous", "Next", "AudioSRC", "SendToOne", "SendToTwo", "EraseFile"};
-inline constexpr std::array<std::string_view, 8> kMessageButtons = {
-    "MSG1", "MSG2", "MSG3", "MSG4", "MSG5", "MSG6", "MSG7", "MSG8"};
+inline constexpr std::array<std::string_view, 8> kMessageButtons = {"MSG1", "MSG2", "MSG3", "MSG4",
+                                                                    "MSG5", "MSG6", "MSG7", "MSG8"};
 
 // The name a button action shows on the printed template and in the status line;
 // an action not in the table shows as itself.
@@ -43,7 +43,7 @@ std::string buttonDisplayName(std::string_view action);
 
 // What the dispatcher calls in the transport and the switch model.
 class TransportCommands {
-public:
+  public:
     virtual ~TransportCommands() = default;
     virtual void SwitchCommand(const std::string& command) = 0;
     virtual void StopClick() = 0;  // the bar's Stop, as if clicked
@@ -61,7 +61,7 @@ public:
 enum class PedalDevice { Serial, Usb, Game, DeskUnit };
 
 class PedalDispatcher : public PedalEventSink {
-public:
+  public:
     struct StepBackTimers {
         platform::Timer& timSERStepBACK;
         platform::Timer& timUSBStepBACK;
@@ -90,7 +90,7 @@ public:
     // The USB reader tells whether one of its pedals is down.
     std::function<bool()> usbPedalHeld;
 
-private:
+  private:
     void dispatch(PedalDevice device, const std::string& pedal, const std::string& direction);
     [[nodiscard]] const std::string* assignment(PedalDevice device, const std::string& pedal) const;
     void startStepBack(PedalDevice device);

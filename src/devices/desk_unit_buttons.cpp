@@ -50,7 +50,6 @@ std::optional<std::size_t> messageNumber(std::string_view action) {
     return n;
 }
 
-
 }  // namespace
 
 SendWording sendActionWording(int destination, const std::string& folder,
@@ -65,14 +64,13 @@ SendWording sendActionWording(int destination, const std::string& folder,
             "Destination " + folder + ": File not in deestination"};
 }
 
-
-
 void SwitchModel::Switch1TO8ON(const std::string& action, int buttonNumber) {
     if (buttonNumber >= 1 && buttonNumber <= kButtons) {
         BUTHit_[static_cast<std::size_t>(buttonNumber - 1)] = true;
     }
     if (!settings().QDUDisconnected) {
-        d_.showStatus("Last Button Pressed on QDU Unit was " + std::to_string(buttonNumber) + " : " + buttonDisplayName(action));
+        d_.showStatus("Last Button Pressed on QDU Unit was " + std::to_string(buttonNumber) +
+                      " : " + buttonDisplayName(action));
     }
     if (state_.CheckingKey && action != "ToggleEXTINTMic" && action != "Stop") return;
     if (settings().TCPButtonScreen) {
@@ -103,7 +101,7 @@ void SwitchModel::runButtonAction(const std::string& action, int buttonNumber) {
         if (name == "StepBack") buttonReleased(buttonNumber);
         return;
     }
-    const dictation::TransportBar& bar = view_.MMControl1;
+    const dictation::TransportBar& bar = view_.transportBar;
     if (action == "Rewind") {
         if (!bar.Prev) return;
         hits_.HandSetHitNotHit = true;

@@ -33,7 +33,7 @@ HandsFree::~HandsFree() { dictation_.switchCommand = nullptr; }
 
 void HandsFree::start() {
     usb.start();
-    serial.setMnuSERFootPedalsChecked(config_.record.UserSelectSerial);
+    serial.setSerialPedalsChecked(config_.record.UserSelectSerial);
     if (config_.record.UserSelectSerial) serial.OpenSerialPedals();
 }
 
@@ -50,8 +50,8 @@ bool HandsFree::pedalInputSilenced() const {
 }
 
 void HandsFree::uncheckOtherFootPedalMenus() {
-    usb.menu.mnuUSBFootPedals = false;
-    usb.menu.mnuGAMEFootPedals = false;
+    usb.menu.usbChecked = false;
+    usb.menu.gameChecked = false;
 }
 
 void HandsFree::showConfigSERFootPedals() {
@@ -62,9 +62,7 @@ void HandsFree::endProgram() {
     if (onEndProgram) onEndProgram();
 }
 
-void HandsFree::showStatus(const std::string& text) {
-    dictation_.showStatus(text);
-}
+void HandsFree::showStatus(const std::string& text) { dictation_.showStatus(text); }
 
 void HandsFree::tellSerialPortProblem(const std::string& text) {
     log_.trace(text);
@@ -74,7 +72,7 @@ void HandsFree::tellSerialPortProblem(const std::string& text) {
 void HandsFree::tellSerialPortOpened(const std::string& text) {
     log_.trace(text);
     // The warning goes once the pedal works; a newer status stays.
-    if (dictation_.view().Label40.rfind(kFootPedalPortNotice, 0) == 0) showStatus(text);
+    if (dictation_.view().statusLine.rfind(kFootPedalPortNotice, 0) == 0) showStatus(text);
 }
 
 }  // namespace ovd::devices

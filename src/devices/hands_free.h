@@ -64,7 +64,8 @@ class HandsFree : private SerialPedalsHost {
     [[nodiscard]] bool pedalInputSilenced() const override;
     void uncheckOtherFootPedalMenus() override;
     void showConfigSERFootPedals() override;
-    void clearDeskUnitNotice() override {}  // clearLabel17: a label of the pedal settings window, redrawn when it opens
+    void clearDeskUnitNotice() override {
+    }  // clearLabel17: a label of the pedal settings window, redrawn when it opens
     void endProgram() override;
     void tellSerialPortProblem(const std::string& text) override;
     void tellSerialPortOpened(const std::string& text) override;

@@ -10,8 +10,8 @@ constexpr int kDrainReads = 10;
 
 SerialPedals::SerialPedals(settings::ConfigFile& config, platform::Prompts& prompts,
                            platform::EventLoop& loop, PedalEventSink& sink, PedalHits& hits,
-                           const dictation::DictationState& dictation, platform::Timer& timSERStepBACK,
-                           SerialPedalsHost& host)
+                           const dictation::DictationState& dictation,
+                           platform::Timer& timSERStepBACK, SerialPedalsHost& host)
     : config_(config),
       prompts_(prompts),
       host_(host),
@@ -32,7 +32,7 @@ std::string SerialPedals::programTitle() const {
     return config_.record.HandsFreeEdition ? "Orvane Voice Desk" : "Orvane Station Recorder Desk";
 }
 
-bool SerialPedals::mnuComPortItemChecked(int index) const {
+bool SerialPedals::comPortChecked(int index) const {
     if (index < 0 || index >= kPortCount) return false;
     return portItemChecked_[static_cast<std::size_t>(index)];
 }
@@ -171,7 +171,7 @@ void SerialPedals::ReopenSerialPort(int oldPort) {
     if (auto error = openAndReset()) reportPortError(*error, oldPort);
 }
 
-void SerialPedals::mnuComPortItem(int index) {
+void SerialPedals::chooseComPort(int index) {
     if (index < 0 || index >= kPortCount) return;
     if (host_.GamePortPedals()) {
         prompts_.showMessage(kGamePortPedalsNeedNoComPort, programTitle());
@@ -199,7 +199,7 @@ void SerialPedals::mnuComPortItem(int index) {
     config_.WriteConfig();
 }
 
-void SerialPedals::mnuSERFootPedals() {
+void SerialPedals::toggleSerialPedals() {
     if (PortINUse_) {
         ReopenSerialPort(config_.record.Port);
         serMenuChecked_ = false;

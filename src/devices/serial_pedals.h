@@ -72,16 +72,16 @@ class SerialPedals {
     void OpenSerialPedals();
     void CloseSerialPedals();
     void ReopenSerialPort(int oldPort);
-    void mnuComPortItem(int index);
-    void mnuSERFootPedals();
+    void chooseComPort(int index);  // mnuComPortItem
+    void toggleSerialPedals();      // mnuSERFootPedals
     // The port's receive event; also run once by hand when the port opens.
     void OnComm();
 
     // The check marks the window renders.
-    [[nodiscard]] bool mnuSERFootPedalsChecked() const { return serMenuChecked_; }
+    [[nodiscard]] bool serialPedalsChecked() const { return serMenuChecked_; }
     // At load from UserSelectSerial, and when another pedal kind is switched on.
-    void setMnuSERFootPedalsChecked(bool checked) { serMenuChecked_ = checked; }
-    [[nodiscard]] bool mnuComPortItemChecked(int index) const;
+    void setSerialPedalsChecked(bool checked) { serMenuChecked_ = checked; }
+    [[nodiscard]] bool comPortChecked(int index) const;
 
     [[nodiscard]] bool PortINUse() const { return PortINUse_; }
     [[nodiscard]] bool PortOpen() const { return port_.isOpen(); }

@@ -92,9 +92,7 @@ void SwitchModel::SwitchCommand(const std::string& command) {
     if (letters_.exitRequested()) letters_.startTimClose();
 }
 
-void SwitchModel::pushSwitchPosition(const std::string& status) {
-    d_.pushSwitchPosition(status);
-}
+void SwitchModel::pushSwitchPosition(const std::string& status) { d_.pushSwitchPosition(status); }
 
 void SwitchModel::endTakeAndDisarm() {
     if (state_.Recordingstatus) {
@@ -123,7 +121,7 @@ void SwitchModel::listen() {
     if (state_.SecondSwitchPosition == kSteppedForward && alreadyListening) {
         // Stepped forward while listening: at the end, the file is left at its end.
         if (atTheEnd) {
-            if (!view_.MMControl1.Record) d_.CaseEnd();
+            if (!view_.transportBar.Record) d_.CaseEnd();
             return;
         }
     } else if (alreadyListening) {
@@ -200,12 +198,12 @@ bool SwitchModel::record(bool plainRecord) {
     if (plainRecord) {
         // With the automatic modes, the record command inserts or overwrites
         // wherever the buttons for it are on.
-        if (view_.cmdOVR && s.AutoOverwrite) d_.armOverwrite();
+        if (view_.overwriteEnabled && s.AutoOverwrite) d_.armOverwrite();
         if (state_.HitTwice) {
             d_.disarmInsertOverwrite();
             HandSetSwitchs3("OVERWRITE");
         }
-        if (view_.Command2 && s.AutoInsert) d_.armInsert();
+        if (view_.insertEnabled && s.AutoInsert) d_.armInsert();
         if (state_.HitOnce) {
             d_.disarmInsertOverwrite();
             HandSetSwitchs3("INSERT");
@@ -238,7 +236,7 @@ void SwitchModel::stepForward() {
 void SwitchModel::arm(bool overwrite) {
     // Arming needs both buttons: either one alone means the position or the
     // file allows no take in the middle.
-    if (!view_.Command2 || !view_.cmdOVR) {
+    if (!view_.insertEnabled || !view_.overwriteEnabled) {
         hits_.HandSetHitNotHit = false;
         return;
     }
@@ -272,7 +270,7 @@ void SwitchModel::endOfLetterCommand() {
 void SwitchModel::SwitchAction(const std::string& word) {
     d_.noteSwitchWord(word);
     if (state_.CheckingKey || word == "Trigger") return;
-    const dictation::TransportBar& bar = view_.MMControl1;
+    const dictation::TransportBar& bar = view_.transportBar;
     const bool scratchTake =
         state_.DoingAppending || state_.DoingInsertUpdate || state_.OverWriteFile;
     if (word == "STEPBACK") {
@@ -311,30 +309,30 @@ void SwitchModel::HandSetSwitchs3(const std::string& word) {
     }
     if (state_.CheckingKey) return;
     d_.forgetDiscardedFile();
-    const dictation::TransportBar& bar = view_.MMControl1;
+    const dictation::TransportBar& bar = view_.transportBar;
     if (word == "INSERT") {
-        if (!view_.Command2) return;
-        if (view_.Lbl4Pos != kSwitchDictate)
+        if (!view_.insertEnabled) return;
+        if (view_.switchPosition != kSwitchDictate)
             askToMoveSwitch(dictation::kMoveSwitchToRecord, "DICTATE");
         d_.insertAtCursor();
     } else if (word == "OVERWRITE") {
-        if (!view_.cmdOVR) {
+        if (!view_.overwriteEnabled) {
             hits_.HandSetHitNotHit = false;
             d_.disarmInsertOverwrite();
             return;
         }
-        if (view_.Lbl4Pos != kSwitchDictate)
+        if (view_.switchPosition != kSwitchDictate)
             askToMoveSwitch(dictation::kMoveSwitchToRecord, "DICTATE");
         d_.overwriteAtCursor();
     } else if (word == "GOTOEND") {
-        if (view_.Lbl4Pos != kSwitchListen) askToMoveSwitch(kMoveSwitchToListen, "LISTEN");
+        if (view_.switchPosition != kSwitchListen) askToMoveSwitch(kMoveSwitchToListen, "LISTEN");
         if (bar.Next) d_.goToEnd();
     } else if (word == "STEPFOWARD") {
         if (!bar.Step) {
             hits_.HandSetHitNotHit = false;
             return;
         }
-        if (view_.Lbl4Pos != kSwitchStop && view_.Lbl4Pos != kSwitchListen) {
+        if (view_.switchPosition != kSwitchStop && view_.switchPosition != kSwitchListen) {
             askToMoveSwitch(kMoveSwitchToListenOrStop, kSteppedForward);
         }
         d_.CaseStepForward();
@@ -345,13 +343,9 @@ void SwitchModel::askToMoveSwitch(const char* message, const char* waitingFor) {
     d_.askToMoveSwitch(message, waitingFor);
 }
 
-void SwitchModel::UpdateEOLButton() {
-    d_.refreshEndOfLetterButton();
-}
+void SwitchModel::UpdateEOLButton() { d_.refreshEndOfLetterButton(); }
 
-void SwitchModel::rereadPosition() {
-    d_.rereadCursorSecond();
-}
+void SwitchModel::rereadPosition() { d_.rereadCursorSecond(); }
 
 bool SwitchModel::engineIdle() const {
     // A paused playback is as still as a stopped file: either may start playing.
@@ -363,6 +357,5 @@ bool SwitchModel::engineIdle() const {
 void SwitchModel::StopClick() { d_.stop(); }
 void SwitchModel::CaseStop() { d_.CaseStop(); }
 void SwitchModel::CaseEnd() { d_.CaseEnd(); }
-
 
 }  // namespace ovd::devices

@@ -8,13 +8,13 @@ namespace {
 
 // Clears the decoder's guard on every way out of a decode.
 class DecodingGuard {
-public:
+  public:
     explicit DecodingGuard(bool& flag) : flag_(flag) { flag_ = true; }
     ~DecodingGuard() { flag_ = false; }
     DecodingGuard(const DecodingGuard&) = delete;
     DecodingGuard& operator=(const DecodingGuard&) = delete;
 
-private:
+  private:
     bool& flag_;
 };
 
@@ -50,8 +50,7 @@ UsbPedalDecoder::UsbPedalDecoder(PedalEventSink& sink, PedalHits& hits,
                                  const dictation::DictationState& state)
     : sink_(sink), hits_(hits), settings_(settings), state_(state) {}
 
-void UsbPedalDecoder::useHIDBatch(std::span<const std::uint8_t, kHIDBatchBytes> buffer,
-                                  int count) {
+void UsbPedalDecoder::useHIDBatch(std::span<const std::uint8_t, kHIDBatchBytes> buffer, int count) {
     if (count <= 0) return;
     if (count > kHIDBatchBytes) count = kHIDBatchBytes;
     if (HIDReportSize < 2) {
@@ -77,9 +76,7 @@ void UsbPedalDecoder::useHIDBatch(std::span<const std::uint8_t, kHIDBatchBytes> 
 
 void UsbPedalDecoder::UseHIDData(std::span<const std::uint8_t> report) { decode(report, false); }
 
-void UsbPedalDecoder::UseHIDDataNew(std::span<const std::uint8_t> report) {
-    decode(report, true);
-}
+void UsbPedalDecoder::UseHIDDataNew(std::span<const std::uint8_t> report) { decode(report, true); }
 
 void UsbPedalDecoder::ShowRawHIDButtons(std::span<const std::uint8_t> report) {
     const std::uint8_t bits = report.size() > 1 ? report[1] : 0;
@@ -109,7 +106,7 @@ void UsbPedalDecoder::decode(std::span<const std::uint8_t> report, bool showRaw)
             if (i > 0) raw += ' ';
             raw += HexPad(report[i], 2);
         }
-        view.LblRawHIDFootPedal = raw;
+        view.rawReport = raw;
     }
     if (report.size() < 2 || report[0] != 0) return;
     const std::uint8_t bits = report[1];

@@ -32,7 +32,7 @@ inline constexpr const char* kRawButtonsPrefix = "Buttons: ";
 struct UsbRawView {
     enum class Indicator { ButtonFace, Green };
     // The last pedal state, three blanks and the report in hexadecimal.
-    std::string LblRawHIDFootPedal;
+    std::string rawReport;
     // "Buttons: " and the pedal bits in two hexadecimal digits.
     std::string buttonsText;
     // One lamp per pedal bit: green while the bit is set.
@@ -41,9 +41,8 @@ struct UsbRawView {
 };
 
 class UsbPedalDecoder {
-public:
-    UsbPedalDecoder(PedalEventSink& sink, PedalHits& hits,
-                    const settings::SettingsRecord& settings,
+  public:
+    UsbPedalDecoder(PedalEventSink& sink, PedalHits& hits, const settings::SettingsRecord& settings,
                     const dictation::DictationState& state);
 
     // The stream driver: steps 3 to 5 of a read, given the read's buffer and count.
@@ -79,7 +78,7 @@ public:
     // Called after an accepted middle pedal press, for the support trace.
     std::function<void()> onMiddleDown;
 
-private:
+  private:
     void decode(std::span<const std::uint8_t> report, bool showRaw);
     [[nodiscard]] bool otherDeviceHeld() const;
     [[nodiscard]] bool anyUsbHit() const;

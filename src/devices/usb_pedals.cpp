@@ -40,10 +40,10 @@ UsbPedals::UsbPedals(settings::ConfigFile& config, platform::Prompts& prompts,
 }
 
 void UsbPedals::start() {
-    menu.mnuUSBFootPedals = config_.record.UserSelectUSB;
-    menu.mnuSERFootPedals = config_.record.UserSelectSerial;
-    menu.mnuGAMEFootPedals = config_.record.UserSelectGame;
-    menu.mn30VEC = config_.record.Use30VEC;
+    menu.usbChecked = config_.record.UserSelectUSB;
+    menu.serialChecked = config_.record.UserSelectSerial;
+    menu.gameChecked = config_.record.UserSelectGame;
+    menu.vec30Checked = config_.record.Use30VEC;
     if (config_.record.UserSelectUSB) OpenUSBPedals();
 }
 
@@ -91,8 +91,8 @@ void UsbPedals::ConnectPIE() {
     const std::string description =
         "PID: " + HexPad(static_cast<std::uint32_t>(list[0]), 3) +
         ", Usg: " + HexPad(static_cast<std::uint32_t>(list[1]), 3) +
-        ", UP: " + HexPad(static_cast<std::uint32_t>(kPieUsagePage), 3) +
-        " -- splat device # " + std::to_string(list[3]);
+        ", UP: " + HexPad(static_cast<std::uint32_t>(kPieUsagePage), 3) + " -- splat device # " +
+        std::to_string(list[3]);
     // The handle is read back out of the description on purpose: the description
     // exists for this step only.
     PIEHandle = numberAfterHash(description);
@@ -161,27 +161,27 @@ void UsbPedals::traceMiddleDown() {
     if (trace == nullptr || !trace->DebugOn) return;
     std::error_code error;
     const auto size = std::filesystem::file_size(state_.Filename, error);
-    trace->DebugPrint(state_.Filename + "  MIDDLE DOWN " + "File Size = " +
-                      std::to_string(error ? 0 : size));
+    trace->DebugPrint(state_.Filename + "  MIDDLE DOWN " +
+                      "File Size = " + std::to_string(error ? 0 : size));
 }
 
-void UsbPedals::mnuUSBFootPedals_Click() {
-    if (!menu.mnuUSBFootPedals) {
-        menu.mnuUSBFootPedals = true;
-        menu.mnuGAMEFootPedals = false;
-        menu.mnuSERFootPedals = false;
+void UsbPedals::toggleUsbPedals() {
+    if (!menu.usbChecked) {
+        menu.usbChecked = true;
+        menu.gameChecked = false;
+        menu.serialChecked = false;
         config_.record.UserSelectUSB = true;
         if (showConfigDialog) showConfigDialog();
         OpenUSBPedals();
     } else {
-        menu.mnuUSBFootPedals = false;
+        menu.usbChecked = false;
         config_.record.UserSelectUSB = false;
         CloseUSBPedals();
     }
     config_.WriteConfig();
 }
 
-void UsbPedals::mn30VEC_Click() {
+void UsbPedals::toggleVec30Pedal() {
     if (state_.flgfileOpen1) {
         prompts_.showMessage(kCloseFileFirstMessage);
         return;
@@ -191,7 +191,7 @@ void UsbPedals::mn30VEC_Click() {
         return;
     }
     config_.record.Use30VEC = !config_.record.Use30VEC;
-    menu.mn30VEC = config_.record.Use30VEC;
+    menu.vec30Checked = config_.record.Use30VEC;
     config_.WriteConfig();
     if (endProgram) endProgram();
 }

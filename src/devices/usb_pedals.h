@@ -38,14 +38,14 @@ inline constexpr int kStepBackMs = 100;
 
 // The check marks of the pedal menu entries, for the window to show.
 struct PedalMenuChecks {
-    bool mnuUSBFootPedals = false;
-    bool mnuSERFootPedals = false;
-    bool mnuGAMEFootPedals = false;
-    bool mn30VEC = false;
+    bool usbChecked = false;
+    bool serialChecked = false;
+    bool gameChecked = false;
+    bool vec30Checked = false;
 };
 
 class UsbPedals {
-public:
+  public:
     UsbPedals(settings::ConfigFile& config, platform::Prompts& prompts, platform::EventLoop& loop,
               PedalEventSink& sink, PedalHits& hits, const dictation::DictationState& state,
               platform::Timer& timUSBStepBACK, HidrawRoots roots = {});
@@ -62,8 +62,8 @@ public:
     // When the station unloads.
     void unload();
 
-    void mnuUSBFootPedals_Click();
-    void mn30VEC_Click();
+    void toggleUsbPedals();   // mnuUSBFootPedals_Click
+    void toggleVec30Pedal();  // mn30VEC_Click
 
     platform::Timer TmrHIDRead;
     platform::Timer TmrHIDReadNew;
@@ -89,7 +89,7 @@ public:
     // The support trace; a middle pedal press is noted there while it is switched on.
     settings::DebugTrace* trace = nullptr;
 
-private:
+  private:
     void closeHIDWatch();
     void traceMiddleDown();
     [[nodiscard]] bool busy() const { return PedalsBusy && PedalsBusy(); }

@@ -19,6 +19,9 @@ AnnouncedView::AnnouncedView(platform::EventLoop& loop)
 AnnouncedView::~AnnouncedView() = default;
 
 MainView& AnnouncedView::edit() {
+    // A window that looks at the revision sees the write at once, even before
+    // the loop turns and the change is announced.
+    ++view_.revision;
     if (!checkPosted_) {
         checkPosted_ = true;
         loop_.postFromAnyThread([weak = std::weak_ptr<AnnouncedView*>(self_)] {
@@ -31,7 +34,6 @@ MainView& AnnouncedView::edit() {
 void AnnouncedView::announceIfChanged() {
     checkPosted_ = false;
     if (sameScreen(view_, announced_)) return;
-    ++view_.revision;
     announced_ = view_;
     ++announcements_;
     if (onChanged) onChanged();

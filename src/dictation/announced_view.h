@@ -1,8 +1,8 @@
 #pragma once
 // The view model as the window sees it, with one door for writing: edit(). Every
-// write marks the view, and once per loop turn a marked view is compared with
-// the one last announced; when it differs the revision moves on and onChanged
-// fires. The window redraws on that signal alone, so a write that went round it
+// write marks the view and moves its revision on, and once per loop turn a
+// marked view is compared with the one last announced; when it differs,
+// onChanged fires. The window redraws on that signal alone, so a write that went round it
 // would leave a stale screen: there is no other way to write.
 
 #include <functional>
@@ -14,7 +14,7 @@
 namespace ovd::dictation {
 
 class AnnouncedView {
-public:
+  public:
     explicit AnnouncedView(platform::EventLoop& loop);
     ~AnnouncedView();
     AnnouncedView(const AnnouncedView&) = delete;
@@ -31,7 +31,7 @@ public:
     // A write waits for its announcement (the loop has not turned since).
     [[nodiscard]] bool announcementDue() const { return checkPosted_; }
 
-private:
+  private:
     void announceIfChanged();
 
     platform::EventLoop& loop_;

@@ -8,7 +8,7 @@
 namespace ovd::dictation {
 
 std::vector<const platform::Timer*> Dictation::timers() const {
-    return {&timCurPos, &timRecord, &timLight, &timSave, &timLastThreeSecondsCon,
+    return {&timCurPos, &timRecord, &timLight,  &timSave,          &timLastThreeSecondsCon,
             &timsync,   &Reader,    &tmCommand, &handOffLookTimer, &handOffWaitTimer};
 }
 
@@ -33,12 +33,12 @@ void Dictation::beforePedalsStart() {
 }
 
 void Dictation::showDeskUnitMissing() {
-    screen().Label40 = kDeskUnitMissing;
+    screen().statusLine = kDeskUnitMissing;
     tmCommand.setEnabled(true);
 }
 
 void Dictation::finishLoad(bool handsFreeEdition) {
-    screen().cmdEOL = false;
+    screen().endOfLetterEnabled = false;
     screen().caption = applicationTitle(handsFreeEdition);
     state_.OnLoad = false;
 }
@@ -64,7 +64,8 @@ void Dictation::lookForHandOff() { handOffLookTimer.setEnabled(true); }
 void Dictation::holdTimers() {
     if (timersHeld_) return;
     timersHeld_ = true;
-    platform::Timer* held[] = {&timCurPos, &timRecord, &timLight, &timSave, &timLastThreeSecondsCon};
+    platform::Timer* held[] = {&timCurPos, &timRecord, &timLight, &timSave,
+                               &timLastThreeSecondsCon};
     for (std::size_t i = 0; i < heldTimersWere_.size(); ++i) {
         heldTimersWere_[i] = held[i]->Enabled();
         held[i]->setEnabled(false);
@@ -74,8 +75,10 @@ void Dictation::holdTimers() {
 void Dictation::releaseTimers() {
     if (!timersHeld_) return;
     timersHeld_ = false;
-    platform::Timer* held[] = {&timCurPos, &timRecord, &timLight, &timSave, &timLastThreeSecondsCon};
-    for (std::size_t i = 0; i < heldTimersWere_.size(); ++i) held[i]->setEnabled(heldTimersWere_[i]);
+    platform::Timer* held[] = {&timCurPos, &timRecord, &timLight, &timSave,
+                               &timLastThreeSecondsCon};
+    for (std::size_t i = 0; i < heldTimersWere_.size(); ++i)
+        held[i]->setEnabled(heldTimersWere_[i]);
 }
 
 // ---- The desk unit's switch and the pedals ----
@@ -92,9 +95,9 @@ void Dictation::replaceNewestSwitchPosition(const std::string& status) {
     state_.FirstSwitchPosition = status;
 }
 
-void Dictation::showSwitchPosition(const std::string& label) { screen().Lbl4Pos = label; }
+void Dictation::showSwitchPosition(const std::string& label) { screen().switchPosition = label; }
 
-void Dictation::rememberSwitchLabel() { state_.RememberLastSwitchLabel = view().Lbl4Pos; }
+void Dictation::rememberSwitchLabel() { state_.RememberLastSwitchLabel = view().switchPosition; }
 
 void Dictation::showMode(const std::string& text) { screen().lblMode = text; }
 
@@ -127,22 +130,25 @@ void Dictation::withdrawSwitchRequest() { state_.StatusMessage.clear(); }
 
 void Dictation::forgetDiscardedFile() { state_.FileKilled = false; }
 
-void Dictation::rereadCursorSecond() { state_.iCurSecond = secondsOf(AudioEditor1.CursorPosition()); }
+void Dictation::rereadCursorSecond() {
+    state_.iCurSecond = secondsOf(AudioEditor1.CursorPosition());
+}
 
 void Dictation::refreshEndOfLetterButton() {
-    const bool on = cmdEOLAfter(view().MMControl1, state_.RecordedOnce, view().cmdEOL);
-    if (on != view().cmdEOL) screen().cmdEOL = on;
+    const bool on =
+        cmdEOLAfter(view().transportBar, state_.RecordedOnce, view().endOfLetterEnabled);
+    if (on != view().endOfLetterEnabled) screen().endOfLetterEnabled = on;
 }
 
 void Dictation::rememberRecentStep(int step) { state_.PreviousNextFile = step; }
 
 // ---- What the end of letter and the devices show and ask ----
 
-void Dictation::showStatus(const std::string& text) { screen().Label40 = text; }
+void Dictation::showStatus(const std::string& text) { screen().statusLine = text; }
 
 void Dictation::showFileLabel(const std::string& text) { screen().lblReady = text; }
 
-void Dictation::showTitlePicture(const std::string& path) { screen().MyPicture = path; }
+void Dictation::showTitlePicture(const std::string& path) { screen().titlePicture = path; }
 
 void Dictation::saveOnRequest() {
     state_.SaveRequested = true;

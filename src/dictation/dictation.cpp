@@ -13,18 +13,25 @@ std::optional<int> saveIntervalFor(std::int16_t SAVEEVERY) {
     // station's timers ever had, and it stays that way.
     constexpr double kLongest = 64767.0;
     switch (SAVEEVERY) {
-        case 0: return 0;
-        case 15: return static_cast<int>(std::lround(kLongest / 4));
-        case 30: return static_cast<int>(std::lround(kLongest / 2));
-        case 45: return static_cast<int>(std::lround(kLongest * 3 / 4));
-        case 60: return static_cast<int>(kLongest);
-        default: return std::nullopt;
+        case 0:
+            return 0;
+        case 15:
+            return static_cast<int>(std::lround(kLongest / 4));
+        case 30:
+            return static_cast<int>(std::lround(kLongest / 2));
+        case 45:
+            return static_cast<int>(std::lround(kLongest * 3 / 4));
+        case 60:
+            return static_cast<int>(kLongest);
+        default:
+            return std::nullopt;
     }
 }
 
 Dictation::Dictation(DictationParts parts)
     : view_(parts.loop),
-      naming(state_, view_, parts.config, parts.log, parts.prompts, parts.loop, parts.speakers, *this),
+      naming(state_, view_, parts.config, parts.log, parts.prompts, parts.loop, parts.speakers,
+             *this),
       recent(parts.dataFolder),
       timCurPos(parts.loop, "timCurPos", 25),
       timRecord(parts.loop, "timRecord", 25),
@@ -63,7 +70,7 @@ Dictation::Dictation(DictationParts parts)
     view_.onChanged = [this] {
         if (onViewChanged) onViewChanged();
     };
-    screen().Lbl4Pos = kSwitchPlain;
+    screen().switchPosition = kSwitchPlain;
 }
 
 Dictation::~Dictation() {
@@ -86,8 +93,8 @@ void Dictation::loadScreen() {
     screen().lblOnAirVisible = false;
     setBar(BarAfter::ProgramStart);
     setRecordButtons(false);
-    screen().cmdEOL = false;
-    screen().ctSlide1Enabled = false;
+    screen().endOfLetterEnabled = false;
+    screen().positionSliderEnabled = false;
     changed();
 }
 
@@ -106,12 +113,14 @@ void Dictation::takeSettings() {
 void Dictation::trace(const std::string& line) { log_.trace(line); }
 
 void Dictation::waitTraced(double seconds, const std::string& tag) {
-    platform::pauseWithTrace(loop_, [this](const std::string& line) { trace(line); }, seconds, tag);
+    platform::pauseWithTrace(
+        loop_, [this](const std::string& line) { trace(line); }, seconds, tag);
 }
 
 bool Dictation::refusedWhileRecording(const std::string& tag) {
     if (!state_.Recordingstatus) return false;
-    prompts_.showMessage(refusalText(tag), settings::kProductTitle, platform::Severity::Information);
+    prompts_.showMessage(refusalText(tag), settings::kProductTitle,
+                         platform::Severity::Information);
     return true;
 }
 
@@ -158,7 +167,8 @@ void Dictation::prepareFormat(const engine::FormatGroup& group) {
     state_.CurrentFormatType = choice.CurrentFormatType;
     state_.TrueSpeech = choice.TrueSpeech;
     AudioEditor1.setTempFileName(temporaryFolder());
-    if (auto made = AudioEditor1.New(choice.recording.sampleRate, choice.recording.channels); !made) {
+    if (auto made = AudioEditor1.New(choice.recording.sampleRate, choice.recording.channels);
+        !made) {
         trace("New file could not be prepared: " + made.error());
     }
     AudioEditor1.chooseFormat(choice.target);
@@ -169,7 +179,8 @@ void Dictation::startSaveTimer() { timSave.setEnabled(true); }
 
 std::optional<std::string> Dictation::ChooseFileName(int mode) {
     platform::FileRequest request;
-    request.mode = mode == 1 ? platform::FileRequest::Mode::Open : platform::FileRequest::Mode::Save;
+    request.mode =
+        mode == 1 ? platform::FileRequest::Mode::Open : platform::FileRequest::Mode::Save;
     request.title = mode == 2 ? "Save as ..." : "New ... ";
     request.initialFolder = config_.record.CaptureFilePath.toText();
     // "Wav Files (*.wav)|*.wav": the description, then the pattern.
@@ -191,8 +202,6 @@ std::string Dictation::sendLoaded(const std::string& baseName) {
     return "TCP CONNECTION ERROR";
 }
 
-void Dictation::tellPeerNewFileRefused() {
-    notifyPeer("UserClose_", " -74");
-}
+void Dictation::tellPeerNewFileRefused() { notifyPeer("UserClose_", " -74"); }
 
 }  // namespace ovd::dictation

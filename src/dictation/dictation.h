@@ -86,7 +86,7 @@ class Dictation : private NamingHooks {
     AnnouncedView view_;
     PedalHits hits_;
 
-public:
+  public:
     explicit Dictation(DictationParts parts);
     ~Dictation() override;
     Dictation(const Dictation&) = delete;
@@ -232,14 +232,14 @@ public:
     void markLetterFinished();
 
     // ---- Routes: what the window's controls and the devices call ----
-    void play();  // MMControl1_PlayClick
-    void recordTake();  // MMControl1_RecordClick
-    void stop();  // MMControl1_StopClick
-    void pause();  // MMControl1_PauseClick
-    void goToBeginning();  // MMControl1_PrevClick
-    void goToEnd();  // MMControl1_NextClick
-    void stepBack();  // MMControl1_BackClick
-    void stepForward();  // MMControl1_StepClick
+    void play();                   // MMControl1_PlayClick
+    void recordTake();             // MMControl1_RecordClick
+    void stop();                   // MMControl1_StopClick
+    void pause();                  // MMControl1_PauseClick
+    void goToBeginning();          // MMControl1_PrevClick
+    void goToEnd();                // MMControl1_NextClick
+    void stepBack();               // MMControl1_BackClick
+    void stepForward();            // MMControl1_StepClick
     void newLetter();              // Image2_Click
     void openLetter();             // Image3_Click
     void saveNow();                // Image4_Click
@@ -248,22 +248,22 @@ public:
     // The last save found no room, and the take waits in its work file.
     [[nodiscard]] bool takeWaitsInTemp() const { return takeWaitsInTemp_; }
     void CLOSEME();
-    void closeFromMenu();  // mnclose_Click
-    void saveAs();  // mnuSaveAs_Click
-    void addToBeginning();          // Command1_Click: add comments to the beginning
-    void insertAtCursor();          // Command2_Click
-    void overwriteAtCursor();       // cmdOVR_Click
-    void replayLastThreeSeconds();  // Command3_Click
-    void endInsert();               // ButtonEx1_Click
-    void endAppend();               // ButtonEx2_Click
-    void finishLetter();  // cmdEOL_Click: the end of letter button
+    void closeFromMenu();                        // mnclose_Click
+    void saveAs();                               // mnuSaveAs_Click
+    void addToBeginning();                       // Command1_Click: add comments to the beginning
+    void insertAtCursor();                       // Command2_Click
+    void overwriteAtCursor();                    // cmdOVR_Click
+    void replayLastThreeSeconds();               // Command3_Click
+    void endInsert();                            // ButtonEx1_Click
+    void endAppend();                            // ButtonEx2_Click
+    void finishLetter();                         // cmdEOL_Click: the end of letter button
     void toolbarButton(const std::string& key);  // Toolbar1_ButtonClick
     // The form's right-click menu.
-    void insertAtBeginningFromMenu();         // mnuInsertBeginning_Click
-    void appendAtEnd();                       // mnuAppendEnd_Click
-    void lastThreeSecondsContinueFromMenu();  // mnuLastThreeContinue_Click
-    void openRecentFile(const std::string& path);  // OpenMyList
-    void clearRecentFiles();  // Clear_Click: File > Reopen > Clear
+    void insertAtBeginningFromMenu();                 // mnuInsertBeginning_Click
+    void appendAtEnd();                               // mnuAppendEnd_Click
+    void lastThreeSecondsContinueFromMenu();          // mnuLastThreeContinue_Click
+    void openRecentFile(const std::string& path);     // OpenMyList
+    void clearRecentFiles();                          // Clear_Click: File > Reopen > Clear
     void stepAmountChanged(const std::string& text);  // txtStepAmt_Change
 
     // ---- Position and recording ----
@@ -272,7 +272,7 @@ public:
     void LastThreeSecondsContinue();
     void OverWriteFileOK(const std::string& from);
     void ActuallyInsert();
-    void positionSliderPressed();           // ctSlide1_MouseDown
+    void positionSliderPressed();            // ctSlide1_MouseDown
     void positionSliderMoved(int value);     // ctSlide1_Change
     void positionSliderReleased(int value);  // ctSlide1_MouseUp
     // Rescales the times to the engine's figures when nothing else moves them.
@@ -311,7 +311,7 @@ public:
     // The samples of one second of the document (its length over its seconds).
     [[nodiscard]] double samplesPerSecond() const;
 
-private:
+  private:
     friend class DictationProbe;  // tests arrange states no command reaches
 
     // The one door through which the dictation writes its screen.
@@ -324,10 +324,12 @@ private:
     platform::Timer timSave;
     platform::Timer timLastThreeSecondsCon;
     platform::Timer timsync;
-    platform::Timer Reader;  // where a desk unit link polls; no tick of its own
+    platform::Timer Reader;     // where a desk unit link polls; no tick of its own
     platform::Timer tmCommand;  // one shot: the first file of the run
-    platform::Timer handOffLookTimer;  // Timer28: one shot: looks for a hand-off after a named letter
-    platform::Timer handOffWaitTimer;  // Timer34: waits until no file is open, then takes the hand-off
+    platform::Timer
+        handOffLookTimer;  // Timer28: one shot: looks for a hand-off after a named letter
+    platform::Timer
+        handOffWaitTimer;  // Timer34: waits until no file is open, then takes the hand-off
     // The screen follows a playback that ends by itself while the position timer rests.
     platform::Timer playbackWatch;
     // What holdTimers found running.

@@ -15,7 +15,6 @@ namespace {
 // No new action: only the position and labels are refreshed.
 constexpr const char* kFromTimer = "From timCurPos Timer";
 
-
 }  // namespace
 
 std::string applicationTitle(bool handsFreeEdition) {
@@ -52,8 +51,8 @@ void Dictation::totalSecondsFromEngine() {
         // take began, plus the take.
         const int rate21 = AudioEditor21.SamplesPerSecond();
         const std::int32_t take =
-            rate21 > 0 ? static_cast<std::int32_t>(std::nearbyint(
-                             static_cast<double>(AudioEditor21.Length()) / rate21))
+            rate21 > 0 ? static_cast<std::int32_t>(
+                             std::nearbyint(static_cast<double>(AudioEditor21.Length()) / rate21))
                        : 0;
         state_.iTotalSecFile = secondsOf(state_.SaveCurrentPosition) + take;
     } else {
@@ -71,7 +70,7 @@ void Dictation::refreshSeconds() {
         state_.percentrun = 0;  // an empty file: no division
     }
     if (AudioEditor1.State() != static_cast<int>(engine::EditorState::Recording)) {
-        screen().ctSlide1 = state_.percentrun;
+        screen().positionPercent = state_.percentrun;
     }
 }
 
@@ -86,7 +85,8 @@ std::string Dictation::sizeText() const {
     if (!bytes) return "";
     char text[48];
     if (*bytes >= 1024 * 1024) {
-        std::snprintf(text, sizeof text, "%.2f MB", static_cast<double>(*bytes) / (1024.0 * 1024.0));
+        std::snprintf(text, sizeof text, "%.2f MB",
+                      static_cast<double>(*bytes) / (1024.0 * 1024.0));
     } else {
         std::snprintf(text, sizeof text, "%.1f KB", static_cast<double>(*bytes) / 1024.0);
     }
@@ -95,8 +95,8 @@ std::string Dictation::sizeText() const {
 
 void Dictation::etprocess(const std::string& /*from*/) {
     screen().timeElapsed = clockText(state_.iCurSecond);
-    screen().Label43 = sizeText();
-    screen().Label24 = clockText(state_.iTotalSecFile - state_.iCurSecond);
+    screen().fileSizeText = sizeText();
+    screen().timeRemaining = clockText(state_.iTotalSecFile - state_.iCurSecond);
     changed();
 }
 
@@ -105,7 +105,7 @@ void Dictation::AdjustNCTTimeDisplay() {
         state_.iCurSecond = 0;
         state_.iTotalSecFile = 0;
         state_.percentrun = 0;
-        screen().ctSlide1 = 0;
+        screen().positionPercent = 0;
     } else if (!state_.Recordingstatus) {
         totalSecondsFromEngine();
         refreshSeconds();
@@ -125,13 +125,13 @@ void Dictation::showFileName() {
 
 void Dictation::showFileJustOpened() {
     // The slider was held only while the file loaded.
-    const bool sliderFree = !screen().lblBusyVisible && !screen().ctSlide1Enabled;
+    const bool sliderFree = !screen().lblBusyVisible && !screen().positionSliderEnabled;
     // After a save the file label may offer to create or load a file; while the
     // file is still loaded it names the file.
     const bool named = view().statusPanel1 == state_.Filename &&
                        view().lblReady == platform::withoutFolder(state_.Filename);
     if (named && !sliderFree) return;
-    if (sliderFree) screen().ctSlide1Enabled = true;
+    if (sliderFree) screen().positionSliderEnabled = true;
     showFileName();
     changed();
 }
@@ -139,12 +139,12 @@ void Dictation::showFileJustOpened() {
 void Dictation::showNoTakeRunning() {
     // The status line tells of a take only while one runs: a line left reading
     // "Recording" would show a take while nothing records.
-    if (view().Label40 == "Recording") screen().Label40.clear();
+    if (view().statusLine == "Recording") screen().statusLine.clear();
 }
 
 void Dictation::setLamps(bool on) {
-    screen().Image5 = on;
-    screen().Image6 = on;
+    screen().onAirLamp1 = on;
+    screen().onAirLamp2 = on;
 }
 
 void Dictation::SetParam(const std::string& action) {
@@ -164,13 +164,14 @@ void Dictation::SetParam(const std::string& action) {
         const bool paused = word == "Pause";
         caption(paused ? "File is Paused" : "File is Playing");
         if (!paused) playbackWatch.setEnabled(true);
-        screen().Command1 = screen().Command2 = screen().cmdOVR = paused;
+        screen().addToBeginningEnabled = screen().insertEnabled = screen().overwriteEnabled =
+            paused;
         showFileName();
     } else if (word == "New") {
         caption("File Is Ready to be Recorded-Please hit the Record Icon");
         showFileName();
-        screen().Label40 = "File Is Ready to be Recorded";
-        screen().Label40Warning = false;
+        screen().statusLine = "File Is Ready to be Recorded";
+        screen().statusLineWarning = false;
         screen().lblOnAir = "STAND BY";
         screen().lblOnAirVisible = true;
     } else if (word == "Record") {
@@ -205,7 +206,8 @@ void Dictation::SetParam(const std::string& action) {
     if (!state_.RecordingstatusPaused && !state_.Recordingstatus) totalSecondsFromEngine();
     refreshSeconds();
     if (state_.Recordingstatus) {
-        const auto take = std::chrono::duration_cast<std::chrono::seconds>(state_.EndTime - state_.StartTime);
+        const auto take =
+            std::chrono::duration_cast<std::chrono::seconds>(state_.EndTime - state_.StartTime);
         state_.iCurSecond = state_.iTotalSecFile = static_cast<std::int32_t>(take.count());
     }
     screen().timeElapsed = clockText(state_.iCurSecond);
@@ -230,18 +232,20 @@ void Dictation::SetParam(const std::string& action) {
 void Dictation::setBar(BarAfter after) {
     const TransportBar bar = transportBarAfter(after);
     // The end-of-letter rule looks at the bar as set, before its last button.
-    screen().cmdEOL = cmdEOLAfter(bar, state_.RecordedOnce, screen().cmdEOL);
-    screen().MMControl1 = bar;
+    screen().endOfLetterEnabled =
+        cmdEOLAfter(bar, state_.RecordedOnce, screen().endOfLetterEnabled);
+    screen().transportBar = bar;
     changed();
 }
 
 void Dictation::applyEOLRule() {
-    screen().cmdEOL = cmdEOLAfter(screen().MMControl1, state_.RecordedOnce, screen().cmdEOL);
+    screen().endOfLetterEnabled =
+        cmdEOLAfter(screen().transportBar, state_.RecordedOnce, screen().endOfLetterEnabled);
     changed();
 }
 
 void Dictation::setRecordButtons(bool enabled) {
-    screen().Command1 = screen().Command2 = screen().cmdOVR = enabled;
+    screen().addToBeginningEnabled = screen().insertEnabled = screen().overwriteEnabled = enabled;
 }
 
 void Dictation::barByPosition() {
@@ -274,9 +278,9 @@ void Dictation::changed() {
     if (!state_.flgfileOpen1) {
         // With no file no transport button can act, so none looks as if it could,
         // whatever the last command left on the bar.
-        screen().MMControl1 = transportBarAfter(BarAfter::ProgramStart);
+        screen().transportBar = transportBarAfter(BarAfter::ProgramStart);
         setRecordButtons(false);
-        screen().ctSlide1Enabled = false;
+        screen().positionSliderEnabled = false;
     }
 }
 

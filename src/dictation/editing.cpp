@@ -86,8 +86,9 @@ void Dictation::CaseSave() {
 void Dictation::CaseSaveAs() {
     trace("File Save As: " + state_.Filename);
     if (AudioEditor1.State() == static_cast<int>(engine::EditorState::Playing)) {
-        prompts_.showMessage("Please Stop Play before trying to save the file in a different format",
-                             settings::kProductTitle);
+        prompts_.showMessage(
+            "Please Stop Play before trying to save the file in a different format",
+            settings::kProductTitle);
         return;
     }
     if (!state_.flgfileOpen1) {

@@ -19,7 +19,6 @@ std::string localText(platform::WallClock::time_point when, const char* format) 
     return std::string(buffer, length);
 }
 
-
 // Where the extension starts in the file's own name (a dot in a folder name
 // does not count); npos without one.
 std::size_t extensionDot(const std::string& path) {
@@ -30,7 +29,6 @@ std::size_t extensionDot(const std::string& path) {
     }
     return dot;
 }
-
 
 // A counter that does not read as a number counts from 0 rather than stopping
 // the new file.
@@ -218,11 +216,10 @@ void FileNaming::announce() {
     log_.trace("LOADED New File: " + state_.Filename + " Procedure - CREATEFILENAME");
     if (config_.record.TCP) {
         log_.trace(" -58 Sending Message in CreateFileName");
-        view_.edit().Label40 = hooks_.sendLoaded(platform::withoutFolder(state_.Filename));
+        view_.edit().statusLine = hooks_.sendLoaded(platform::withoutFolder(state_.Filename));
     }
     state_.FileSaveError = false;
-    log_.trace(std::string("CaseNew-FileSaveError =: ") +
-               platform::boolText(state_.FileSaveError));
+    log_.trace(std::string("CaseNew-FileSaveError =: ") + platform::boolText(state_.FileSaveError));
     log_.trace("LOADED New File: " + state_.Filename + " Procedure - CreateFileName");
 }
 
@@ -246,7 +243,7 @@ void FileNaming::askBeforeOverwriting() {
     state_.UserSelectedNo = true;
     state_.WhichBut.clear();
     if (config_.record.TCP) hooks_.tellPeerNewFileRefused();
-    view_.edit().Label40.clear();
+    view_.edit().statusLine.clear();
     log_.trace("User Selected NO to overwrite file");
 }
 

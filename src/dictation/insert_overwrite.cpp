@@ -16,7 +16,8 @@ enum class ScratchKind { Beginning, Insert, Overwrite };
 }  // namespace
 
 bool Dictation::deskUnitAllowsTake() {
-    if (view().Label40 == kDeskUnitMissing || view().Lbl4Pos == kSwitchDictate) return true;
+    if (view().statusLine == kDeskUnitMissing || view().switchPosition == kSwitchDictate)
+        return true;
     // The author is asked (on the unit's display) to move the switch; the
     // message is cleared as soon as it is set.
     state_.StatusMessage = kMoveSwitchToRecord;
@@ -31,7 +32,7 @@ void Dictation::addToBeginning() {
     // A second press while a take runs would leave that take recording unseen.
     if (AudioEditor1.State() == kRecording || scratchTakeRuns()) return;
     if (!deskUnitAllowsTake()) return;
-    if (view().ctSlide1 != 0) {
+    if (view().positionPercent != 0) {
         if (refusedWhileRecording("Command1")) return;
         CaseBeginning();
     } else if (state_.flgfileOpen1) {
@@ -54,7 +55,7 @@ void Dictation::insertAtCursor() {
         state_.DoingInsertUpdate = false;
         return;
     }
-    screen().Lbl4Pos = kSwitchDictate;
+    screen().switchPosition = kSwitchDictate;
     hits_.HandSetHitNotHit = true;
     state_.HitOnce = true;
     state_.HitTwice = false;
@@ -76,7 +77,7 @@ void Dictation::insertAtCursor() {
 void Dictation::overwriteAtCursor() {
     trace("Overwrite Audio at Current Position: " + state_.Filename);
     if (AudioEditor1.State() == kRecording || scratchTakeRuns()) return;
-    screen().Lbl4Pos = kSwitchDictate;
+    screen().switchPosition = kSwitchDictate;
     if (!deskUnitAllowsTake()) return;
     if (!positionAllowsScratchTake()) {
         state_.OverWriteFile = false;
@@ -99,14 +100,14 @@ void Dictation::overwriteAtCursor() {
 bool Dictation::positionAllowsScratchTake() const {
     // Inserting at either end is no insert: the bar's own record does that.
     const auto cursor = AudioEditor1.CursorPosition();
-    return cursor != 0 && cursor != AudioEditor1.Length() && view().ctSlide1 != 100;
+    return cursor != 0 && cursor != AudioEditor1.Length() && view().positionPercent != 100;
 }
 
 bool Dictation::scratchTakeRuns() const { return AudioEditor21.State() == kRecording; }
 
 void Dictation::beginScratchTake(engine::SampleCount at, bool showEndButton) {
     timLight.setEnabled(true);
-    screen().ButtonEx1Visible = showEndButton;
+    screen().endInsertVisible = showEndButton;
     state_.FileChanged = true;
     AudioEditor1.Stop();
     // A playback in progress ends here: the screen shows the take instead.
@@ -121,7 +122,8 @@ void Dictation::beginScratchTake(engine::SampleCount at, bool showEndButton) {
     // The scratch take is made exactly like the file: same wave format, same
     // devices, same file format.
     AudioEditor21.Close();
-    if (auto made = AudioEditor21.New(AudioEditor1.SamplesPerSecond(), AudioEditor1.Channels()); !made) {
+    if (auto made = AudioEditor21.New(AudioEditor1.SamplesPerSecond(), AudioEditor1.Channels());
+        !made) {
         trace("Scratch take could not start: " + made.error());
     }
     AudioEditor21.chooseFormat(AudioEditor1.chosenFormat());
@@ -134,7 +136,7 @@ void Dictation::beginScratchTake(engine::SampleCount at, bool showEndButton) {
     timLight.setEnabled(true);
     timCurPos.setEnabled(false);
     applyEOLRule();
-    screen().ctSlide1Enabled = false;
+    screen().positionSliderEnabled = false;
     changed();
 }
 
@@ -153,10 +155,10 @@ void Dictation::closeScratchTake(const std::string& waitTag) {
     waitTraced(1, waitTag);
     AudioEditor21.Stop();
     AudioEditor21.Close();
-    screen().ButtonEx1Visible = false;
+    screen().endInsertVisible = false;
     screen().lblMode.clear();  // the insert or overwrite is over
     applyEOLRule();
-    screen().ctSlide1Enabled = true;
+    screen().positionSliderEnabled = true;
     timCurPos.setEnabled(true);
     timSave.setEnabled(true);
     timLight.setEnabled(false);
@@ -221,7 +223,7 @@ void Dictation::endAppend() {
     AudioEditor1.setSelectionActive(false);
     AudioEditor1.setSelectionStart(0);
     CaseStop();
-    screen().ButtonEx2Visible = false;
+    screen().endAppendVisible = false;
     state_.DoingAppending = false;
     timCurPos.setEnabled(true);
     timSave.setEnabled(true);
@@ -232,7 +234,7 @@ void Dictation::appendAtEnd() {
     if (!state_.flgfileOpen1 || refusedWhileRecording("CaseInsertAppend")) return;
     // An append is a take at the end, ended by its own button.
     state_.DoingAppending = true;
-    screen().ButtonEx2Visible = true;
+    screen().endAppendVisible = true;
     CaseEnd();
     CaseRecord();
 }

@@ -13,31 +13,32 @@ namespace ovd::dictation {
 struct MainView {
     // The window's caption: the title, " - " and the state text.
     std::string caption;
-    std::string Label40;   // the status line ("File Is Ready to be Recorded"...)
-    std::string lblReady;  // the file label: the file's name without folder
+    std::string statusLine;  // Label40: "File Is Ready to be Recorded"...
+    std::string lblReady;    // the file label: the file's name without folder
     std::string lblMode;
-    std::string Lbl4Pos;   // the desk unit's switch position
+    std::string switchPosition;  // Lbl4Pos: the desk unit's switch
     std::string lblOnAir = "STAND BY";
     bool lblOnAirVisible = false;
-    bool Label40Warning = false;  // the disk-full warning shows in red
-    std::string Label43;  // the file's size
-    std::string Label24;  // "Time Remaining"
-    std::string Label37;   // name of a long operation
-    std::string MyPicture;  // the title's icon, from the program's folder; empty: the usual one
+    bool statusLineWarning = false;  // the disk-full warning shows in red
+    std::string fileSizeText;        // Label43
+    std::string timeRemaining;       // Label24: "Time Remaining"
+    std::string operationName;       // Label37: the long operation under way
+    std::string titlePicture;  // MyPicture: the title's icon, from the program's folder; empty: the
+                               // usual one
     std::string statusPanel1;  // the full file name
     std::string statusPanel2;  // the file's size
 
-    TransportBar MMControl1;
-    bool cmdEOL = false;
-    bool Command1 = false;
-    bool Command2 = false;
-    bool cmdOVR = false;
-    bool Command3 = true;
-    bool Image5 = false;  // lamps
-    bool Image6 = false;
+    TransportBar transportBar;            // MMControl1
+    bool endOfLetterEnabled = false;      // cmdEOL
+    bool addToBeginningEnabled = false;   // Command1
+    bool insertEnabled = false;           // Command2
+    bool overwriteEnabled = false;        // cmdOVR
+    bool lastThreeSecondsEnabled = true;  // Command3
+    bool onAirLamp1 = false;              // Image5
+    bool onAirLamp2 = false;              // Image6
 
-    int ctSlide1 = 0;  // 0 to 100
-    bool ctSlide1Enabled = true;
+    int positionPercent = 0;  // ctSlide1: 0 to 100
+    bool positionSliderEnabled = true;
     // "Time Elapsed": the hours, minutes and seconds captions.
     std::string timeElapsed = "00:00:00";
     bool formatOptionsEnabled = true;  // Option2 and Option3 are locked during a take
@@ -46,8 +47,8 @@ struct MainView {
     bool audioFrameVisible = true;
     bool lblBusyVisible = false;
     bool transportLabelsVisible = false;  // "Play", "Stop"... under the bar
-    bool ButtonEx1Visible = false;  // ends an insert
-    bool ButtonEx2Visible = false;  // ends an append
+    bool endInsertVisible = false;        // ButtonEx1: ends an insert
+    bool endAppendVisible = false;        // ButtonEx2: ends an append
     bool mnuScanConvertEnabled = true;
     // The files of File > Reopen, newest first; none shows the one entry "None", greyed.
     std::vector<std::string> Reopen;

@@ -23,7 +23,7 @@ class RecentFiles {
     // The entries, newest first, whose files exist (what the Reopen menu shows).
     [[nodiscard]] std::vector<std::string> DisplayMRU() const;
     // Empties MRU.dat.
-    void clearRecentFiles();
+    void clearRecentFiles();  // Clear_Click
     [[nodiscard]] const std::string& filePath() const { return filePath_; }
 
   private:

@@ -28,8 +28,7 @@ void Dictation::timCurPos_Timer() {
     state_.SaveCurrentPosition = AudioEditor1.CursorPosition();
     // The engine stops by itself when playback reaches the end; that end still
     // counts as the end of the playback below.
-    const bool playedToEnd =
-        state_.flgPlay && state_.SaveCurrentPosition >= AudioEditor1.Length();
+    const bool playedToEnd = state_.flgPlay && state_.SaveCurrentPosition >= AudioEditor1.Length();
     const int engineState = AudioEditor1.State();
     // A playback the engine ended short of the end (its device went, say).
     const bool playbackBrokenOff = engineState == kStopped && state_.flgPlay && !playedToEnd;
@@ -47,7 +46,8 @@ void Dictation::timCurPos_Timer() {
     }
     if (!state_.RecordingstatusPaused && !state_.Recordingstatus) totalSecondsFromEngine();
     refreshSeconds();
-    if (engineState == kRecording) screen().ctSlide1 = state_.percentrun;  // the slider stays put
+    if (engineState == kRecording)
+        screen().positionPercent = state_.percentrun;  // the slider stays put
     if ((state_.flgPlay || playedToEnd) && AudioEditor1.CursorPosition() >= AudioEditor1.Length()) {
         state_.flgPlay = false;
         state_.PlayedOnce = false;
@@ -59,7 +59,8 @@ void Dictation::timCurPos_Timer() {
         state_.WhichBut = "Stop";
         SetParam(state_.WhichBut);
         barByPosition();
-    } else if (engineState == kStopped && (state_.WhichBut == "Play" || state_.WhichBut == "Continue")) {
+    } else if (engineState == kStopped &&
+               (state_.WhichBut == "Play" || state_.WhichBut == "Continue")) {
         SetParam(state_.WhichBut);  // a playback over before the screen heard of it
     }
     screen().timeElapsed = clockText(state_.iCurSecond);
@@ -105,7 +106,7 @@ void Dictation::timRecord_Timer() {
     }
     screen().timeElapsed = clockText(state_.iCurSecond);
     setRecordButtons(false);
-    screen().ctSlide1Enabled = false;
+    screen().positionSliderEnabled = false;
     etprocess("timRecord_Timer");
 
     // The disk check: the take must keep room for three times what the work
@@ -114,14 +115,14 @@ void Dictation::timRecord_Timer() {
     const std::uint64_t free = platform::freeDiskBytes(recordings).value_or(0);
     const std::uint64_t workBytes = platform::folderBytes(temporaryFolder());
     if (workBytes * 3 < free) {
-        screen().Label40 = "Recording";
-        screen().Label40Warning = false;
+        screen().statusLine = "Recording";
+        screen().statusLineWarning = false;
         lastDiskWarning_.reset();
         changed();
         return;
     }
-    screen().Label40 = "Warning -- Number of Free Bytes : " + std::to_string(free);
-    screen().Label40Warning = true;
+    screen().statusLine = "Warning -- Number of Free Bytes : " + std::to_string(free);
+    screen().statusLineWarning = true;
     changed();
     // The label follows every tick; the log and the peer hear a warning that
     // stays true once per wait of the link, as if each notice still held the
@@ -137,9 +138,9 @@ void Dictation::timRecord_Timer() {
 
 void Dictation::timLight_Timer() {
     // The lamps take turns, so the take shows from across the room.
-    const bool first = !screen().Image5;
-    screen().Image5 = first;
-    screen().Image6 = !first;
+    const bool first = !screen().onAirLamp1;
+    screen().onAirLamp1 = first;
+    screen().onAirLamp2 = !first;
     screen().lblOnAir = "ON AIR";
     screen().lblOnAirVisible = true;
     changed();
@@ -192,7 +193,7 @@ void Dictation::positionSliderPressed() {
 }
 
 void Dictation::positionSliderMoved(int value) {
-    screen().ctSlide1 = value;
+    screen().positionPercent = value;
     state_.iCurSecond = static_cast<std::int32_t>(value / 100.0 * state_.iTotalSecFile);
     state_.Positionfromslide = state_.iCurSecond;
     etprocess("ctSlide1_Change");
@@ -203,14 +204,14 @@ void Dictation::positionSliderReleased(int value) {
     state_.ManuallyMovedctSlide = true;
     const int engineState = AudioEditor1.State();
     if (state_.JustOpened && state_.flgfileOpen1) {
-        AudioEditor1.setCursorPosition(
-            static_cast<engine::SampleCount>(static_cast<double>(AudioEditor1.Length()) / 100.0 * value));
+        AudioEditor1.setCursorPosition(static_cast<engine::SampleCount>(
+            static_cast<double>(AudioEditor1.Length()) / 100.0 * value));
         if (engineState == kPlaying) (void)AudioEditor1.Play();
         if (engineState == kPaused) AudioEditor1.Pause();
     }
     if (AudioEditor1.State() == kStopped && value == 100) {
-        screen().Command2 = false;
-        screen().cmdOVR = false;
+        screen().insertEnabled = false;
+        screen().overwriteEnabled = false;
         AudioEditor1.setCursorPosition(AudioEditor1.Length());
     }
     timCurPos.setEnabled(true);
@@ -270,7 +271,8 @@ void Dictation::CaseThreeSeconds() {
     timRecord.setEnabled(false);
     timSave.setEnabled(false);
     // Under three seconds the start falls before 0; the engine takes it as it comes.
-    const auto start = static_cast<engine::SampleCount>((state_.iTotalSecFile - 3) * samplesPerSecond());
+    const auto start =
+        static_cast<engine::SampleCount>((state_.iTotalSecFile - 3) * samplesPerSecond());
     AudioEditor1.setSelectionActive(false);
     AudioEditor1.setSelectionStart(0);
     AudioEditor1.setCursorPosition(start);
@@ -304,8 +306,8 @@ void Dictation::LastThreeSecondsContinue() {
     waitTraced(1, " -55");
     if (state_.flgfileOpen1) {
         totalSecondsFromEngine();
-        const auto start = AudioEditor1.Length() -
-                           static_cast<engine::SampleCount>(3 * samplesPerSecond());
+        const auto start =
+            AudioEditor1.Length() - static_cast<engine::SampleCount>(3 * samplesPerSecond());
         AudioEditor1.setSelectionActive(false);
         AudioEditor1.setCursorPosition(start);
         AudioEditor1.Stop();

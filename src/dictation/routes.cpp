@@ -15,9 +15,9 @@ constexpr int kRecording = static_cast<int>(engine::EditorState::Recording);
 }  // namespace
 
 void Dictation::play() {
-    if (view().Label40 == kDeskUnitMissing) screen().Lbl4Pos = kSwitchListen;
-    if (view().Lbl4Pos != kSwitchListen) {
-        state_.RememberLastSwitchLabel = view().Lbl4Pos;
+    if (view().statusLine == kDeskUnitMissing) screen().switchPosition = kSwitchListen;
+    if (view().switchPosition != kSwitchListen) {
+        state_.RememberLastSwitchLabel = view().switchPosition;
         hits_.HandSetHitNotHit = true;
     }
     CasePlay("MMControl1_PlayClick");
@@ -28,7 +28,7 @@ void Dictation::play() {
 void Dictation::recordTake() {
     if (AudioEditor1.State() == kRecording) return;
     hits_.HandSetHitNotHit = true;
-    state_.RememberLastSwitchLabel = view().Lbl4Pos;
+    state_.RememberLastSwitchLabel = view().switchPosition;
     CaseRecord();
     applyEOLRule();
 }
@@ -82,13 +82,15 @@ void Dictation::goToEnd() {
 void Dictation::stepBack() {
     CaseStepBackward();
     barByPosition();
-    if (view().caption.find("File is Playing") != std::string::npos) CasePlay("MMControl1_BackClick");
+    if (view().caption.find("File is Playing") != std::string::npos)
+        CasePlay("MMControl1_BackClick");
 }
 
 void Dictation::stepForward() {
     CaseStepForward();
     barByPosition();
-    if (view().caption.find("File is Playing") != std::string::npos) CasePlay("MMControl1_StepClick");
+    if (view().caption.find("File is Playing") != std::string::npos)
+        CasePlay("MMControl1_StepClick");
 }
 
 void Dictation::newLetter() {
@@ -137,7 +139,7 @@ void Dictation::replayLastThreeSeconds() {
 void Dictation::finishLetter() {
     hits_.HandSetHitNotHit = true;
     if (switchCommand) switchCommand("EOL");
-    screen().cmdEOL = false;
+    screen().endOfLetterEnabled = false;
     changed();
 }
 

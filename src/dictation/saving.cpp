@@ -79,7 +79,8 @@ void Dictation::SaveFile() {
         trace(line);
         timSave.setEnabled(true);
         screen().lblReady = kReadyAfterSave;
-        screen().caption = applicationTitle(config_.record.HandsFreeEdition) + " - " + kSaveErrorText;
+        screen().caption =
+            applicationTitle(config_.record.HandsFreeEdition) + " - " + kSaveErrorText;
         if (!superThin) screen().lblReady = kSaveErrorText;
         notifyPeer("FileSaveErr_" + platform::withoutFolder(state_.Filename), waitTag);
         screen().transportLabelsVisible = true;
@@ -95,7 +96,8 @@ void Dictation::SaveFile() {
     }
     trace("Save-NO ERROR(2) : ");
     if (*state_.NewTempFileLength < kMinimumRecordedBytes) {
-        saveFailed(state_.Filename + "  File Length is :" + std::to_string(*state_.NewTempFileLength) +
+        saveFailed(state_.Filename +
+                       "  File Length is :" + std::to_string(*state_.NewTempFileLength) +
                        " and is < 30311 - File Save ERROR",
                    " -71");
         return;
@@ -108,8 +110,8 @@ void Dictation::SaveFile() {
     if (!makeRoomToSave()) {
         // Nobody made room: the file is not written half way, and the take stays
         // whole in its work file under Temp, where a close leaves it too.
-        screen().Label40 = kTakeKeptInTemp;
-        screen().Label40Warning = true;
+        screen().statusLine = kTakeKeptInTemp;
+        screen().statusLineWarning = true;
         saveFailed(
             state_.Filename + " File Save ERROR: " + kTakeKeptInTemp + " " + temporaryFolder(),
             " -71");
@@ -181,17 +183,20 @@ bool Dictation::makeRoomToSave() {
         if (state_.Imclosing) return giveUpSaveForRoom();
         const bool move = prompts_.askYesNo(kDiskSpaceQuestion, title, platform::Answer::No);
         if (!move) {
-            trace("Disk Full Warning --- User Selected to save file in the default location .. "
-                  "User Response: 7");
+            trace(
+                "Disk Full Warning --- User Selected to save file in the default location .. "
+                "User Response: 7");
         } else {
-            trace("Disk Full Warning --- User Selected to Change file location in order to have "
-                  "enough disk space to continue working.. User Resonse: 6");
-            const auto folder = prompts_.chooseFolder({"Choose a folder with room for the recordings",
-                                                       config_.record.CaptureFilePath.toText()});
+            trace(
+                "Disk Full Warning --- User Selected to Change file location in order to have "
+                "enough disk space to continue working.. User Resonse: 6");
+            const auto folder =
+                prompts_.chooseFolder({"Choose a folder with room for the recordings",
+                                       config_.record.CaptureFilePath.toText()});
             if (folder && !folder->empty()) {
                 config_.record.CaptureFilePath = *folder;
-                state_.Filename = platform::joinPath(*folder, state_.Filename.substr(
-                                                                  state_.Filename.find_last_of('/') + 1));
+                state_.Filename = platform::joinPath(
+                    *folder, state_.Filename.substr(state_.Filename.find_last_of('/') + 1));
             }
         }
         config_.WriteConfig();
@@ -261,9 +266,10 @@ void Dictation::OpenFile() {
         return;
     }
     if (*bytes < static_cast<std::uintmax_t>(kMinimumOpenBytes)) {
-        prompts_.showMessage("It appears because of the file size, that this file has not been "
-                             "recorded on.  File will not be opened.",
-                             settings::kProductTitle);
+        prompts_.showMessage(
+            "It appears because of the file size, that this file has not been "
+            "recorded on.  File will not be opened.",
+            settings::kProductTitle);
         state_.Filename.clear();
         return;
     }
@@ -276,7 +282,8 @@ void Dictation::OpenFile() {
     AudioEditor1.setTempFileName(temporaryFolder());
     if (auto opened = AudioEditor1.Open(state_.Filename); !opened) {
         state_.FileOpenError = true;
-        prompts_.showMessage("The file could not be opened: " + opened.error(), settings::kProductTitle);
+        prompts_.showMessage("The file could not be opened: " + opened.error(),
+                             settings::kProductTitle);
         return;
     }
     // Later saves keep the file's own format, at its own rate and channels.
@@ -284,7 +291,8 @@ void Dictation::OpenFile() {
     const auto dot = state_.Filename.find_last_of('.');
     if (dot != std::string::npos) {
         std::string extension = state_.Filename.substr(dot + 1);
-        for (char& c : extension) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+        for (char& c : extension)
+            c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
         if (const auto word = engine::parseFormatWord(extension)) target.word = *word;
     }
     target.sampleRate = AudioEditor1.SamplesPerSecond();
@@ -342,7 +350,7 @@ void Dictation::CaseClose() {
     state_.WhichBut = "Close";
     state_.CommandFileName.clear();
     state_.NextString.clear();
-    screen().Label43.clear();
+    screen().fileSizeText.clear();
     for (std::string& workFile : state_.LastThreeNCTTmps) {
         if (!workFile.empty() && workFile != keptWorkFile_ && platform::fileExists(workFile)) {
             std::remove(workFile.c_str());
@@ -355,9 +363,9 @@ void Dictation::CaseClose() {
     screen().transportLabelsVisible = false;
     applyEOLRule();
     setRecordButtons(false);
-    screen().ctSlide1Enabled = false;
+    screen().positionSliderEnabled = false;
     state_.RecordedOnce = false;
-    screen().cmdEOL = false;
+    screen().endOfLetterEnabled = false;
     changed();
 }
 
@@ -376,8 +384,8 @@ void Dictation::keepUnsavedTake() {
 }
 
 void Dictation::closeFile() {
-    closeByUserOrPeer(state_.TCPClose ? " Closing because TCP sent Msg" : " User Hit Icon to Close File",
-                      " -63");
+    closeByUserOrPeer(
+        state_.TCPClose ? " Closing because TCP sent Msg" : " User Hit Icon to Close File", " -63");
 }
 
 void Dictation::closeFromMenu() { closeByUserOrPeer(" User selected File Menu Close", " -65"); }
@@ -389,7 +397,8 @@ void Dictation::closeByUserOrPeer(const std::string& logLine, const std::string&
     }
     trace(logLine);
     // The peer hears which file the author closed; a close it ordered itself is not told back.
-    if (!state_.TCPClose) notifyPeer("UserClose_" + platform::withoutFolder(state_.Filename), waitTag);
+    if (!state_.TCPClose)
+        notifyPeer("UserClose_" + platform::withoutFolder(state_.Filename), waitTag);
     TempFileNameFileLength();
     if (state_.NewTempFileLength && *state_.NewTempFileLength < kMinimumRecordedBytes &&
         !state_.RecordedOnce) {

@@ -117,8 +117,10 @@ void Dictation::CaseNewFileName() {
     normalise(state_);
     SetParam(state_.WhichBut);
     setBar(BarAfter::CaseNew);
-    if (view().Label40 == kDeskUnitMissing || view().Lbl4Pos.empty()) screen().Lbl4Pos = kSwitchPlain;
-    if (view().Lbl4Pos == kSwitchDictate || view().Lbl4Pos == kSwitchPlain) PlayPrompt("beep2.wav");
+    if (view().statusLine == kDeskUnitMissing || view().switchPosition.empty())
+        screen().switchPosition = kSwitchPlain;
+    if (view().switchPosition == kSwitchDictate || view().switchPosition == kSwitchPlain)
+        PlayPrompt("beep2.wav");
     const auto sinceStart =
         std::chrono::duration_cast<std::chrono::seconds>(loop_.now() - startedAt_).count();
     trace(" Ready To record in " + std::to_string(sinceStart) + " Seconds");
@@ -140,7 +142,7 @@ void Dictation::CaseOpen() {
     state_.JustOpened = true;
     screen().lblBusyVisible = true;
     screen().audioFrameVisible = false;
-    screen().ctSlide1Enabled = false;
+    screen().positionSliderEnabled = false;
     OpenFile();
     if (!state_.Filename.empty()) {
         state_.FromCurrentList = false;
@@ -202,7 +204,7 @@ void Dictation::CaseRecord() {
     SetParam(state_.WhichBut);
     setBar(BarAfter::CaseRecord);
     setRecordButtons(false);
-    screen().ctSlide1Enabled = false;
+    screen().positionSliderEnabled = false;
     state_.RecordedOnce = true;
     changed();
 }
@@ -228,7 +230,7 @@ void Dictation::CaseStop() {
         // An append ended by any stop (a pedal, the switch) is over: its own
         // button has nothing left to end, and the station no longer appends.
         state_.DoingAppending = false;
-        screen().ButtonEx2Visible = false;
+        screen().endAppendVisible = false;
     }
     Manip_Files();
     finishPendingInsertOrAppend();
@@ -246,7 +248,7 @@ void Dictation::CaseStop() {
     AudioEditor1.setSelectionEnd(AudioEditor1.Length());
     setBar(BarAfter::CaseStop);
     setRecordButtons(true);
-    screen().ctSlide1Enabled = true;
+    screen().positionSliderEnabled = true;
     AdjustNCTTimeDisplay();
     screen().audioFrameEnabled = true;
     screen().frameSpeakerEnabled = true;
@@ -269,7 +271,8 @@ void Dictation::CasePlay(const std::string& from) {
     state_.flgPlay = true;
     state_.WhichBut = "Play";
     AdjustNCTTimeDisplay();
-    if (auto playing = AudioEditor1.Play(engine::kPlayToEnd); !playing) trace("Play: " + playing.error());
+    if (auto playing = AudioEditor1.Play(engine::kPlayToEnd); !playing)
+        trace("Play: " + playing.error());
     if (AudioEditor1.State() != static_cast<int>(engine::EditorState::Playing)) {
         // Nothing to play from here (an empty file, the cursor at its end): the
         // screen must not say the file plays.
@@ -353,8 +356,8 @@ void Dictation::CaseBeginning() {
     state_.WhichBut = "BEG";
     SetParam(state_.WhichBut);
     setBar(BarAfter::CaseBeginning);
-    screen().Command2 = false;
-    screen().cmdOVR = false;
+    screen().insertEnabled = false;
+    screen().overwriteEnabled = false;
     changed();
 }
 
@@ -365,14 +368,14 @@ void Dictation::CaseEnd() {
     AudioEditor1.setSelectionActive(false);
     AudioEditor1.setCursorPosition(AudioEditor1.Length());
     AudioEditor1.setSelectionEnd(AudioEditor1.Length());
-    screen().ctSlide1 = 100;
+    screen().positionPercent = 100;
     normalise(state_);
     SetParam(state_.WhichBut);
     if (!state_.Recordingstatus) {
         setBar(BarAfter::CaseEnd);
-        screen().Command2 = false;
-        screen().cmdOVR = false;
-        if (state_.iCurSecond == state_.iTotalSecFile) screen().cmdEOL = true;
+        screen().insertEnabled = false;
+        screen().overwriteEnabled = false;
+        if (state_.iCurSecond == state_.iTotalSecFile) screen().endOfLetterEnabled = true;
     }
     changed();
 }

@@ -71,11 +71,11 @@ DeskUnitPanel::DeskUnitPanel(devices::SwitchModel& switchModel, const dictation:
 }
 
 void DeskUnitPanel::refresh() {
-    const QString position = QString::fromStdString(view_.Lbl4Pos);
+    const QString position = QString::fromStdString(view_.switchPosition);
     if (status_->text() != position) status_->setText(position);
     for (std::size_t i = 0; i < positions_.size(); ++i) {
         const QSignalBlocker quiet(positions_[i]);
-        positions_[i]->setChecked(view_.Lbl4Pos == kPositionTexts[i]);
+        positions_[i]->setChecked(view_.switchPosition == kPositionTexts[i]);
     }
 }
 

@@ -148,14 +148,14 @@ void StationMenus::buildPedals() {
         entry->setCheckable(true);
     };
     pedalEntry("mnuUSBFootPedals", QObject::tr("USB Foot Pedals"),
-               [](devices::HandsFree& h) { h.usb.mnuUSBFootPedals_Click(); });
+               [](devices::HandsFree& h) { h.usb.toggleUsbPedals(); });
     pedalEntry("mnuSERFootPedals", QObject::tr("Serial Foot Pedals"),
-               [](devices::HandsFree& h) { h.serial.mnuSERFootPedals(); });
+               [](devices::HandsFree& h) { h.serial.toggleSerialPedals(); });
     addGreyed(pedals, "mnuGAMEFootPedals", QObject::tr("Game Port Foot Pedals"))
         ->setCheckable(true);
     pedals->addSeparator();
     pedalEntry("mn30VEC", QObject::tr("Use 3.0 Infinity Foot Pedal Controller"),
-               [](devices::HandsFree& h) { h.usb.mn30VEC_Click(); });
+               [](devices::HandsFree& h) { h.usb.toggleVec30Pedal(); });
     QMenu* ports = pedals->addMenu(QObject::tr("COM &Port"));
     ports->setObjectName("mnuComPort");
     for (int index = 0; index < devices::SerialPedals::kPortCount; ++index) {
@@ -163,7 +163,7 @@ void StationMenus::buildPedals() {
         const QString text = QStringLiteral("COM%1").arg(index + 1);
         QAction* entry = handsFree != nullptr
                              ? add(ports, name, text,
-                                   [handsFree, index] { handsFree->serial.mnuComPortItem(index); })
+                                   [handsFree, index] { handsFree->serial.chooseComPort(index); })
                              : addGreyed(ports, name, text);
         entry->setCheckable(true);
     }
@@ -239,13 +239,13 @@ void StationMenus::refreshPedals() {
         return;
     }
     const devices::HandsFree& h = *parts_.handsFree;
-    action("mnuUSBFootPedals")->setChecked(h.usb.menu.mnuUSBFootPedals);
-    action("mnuSERFootPedals")->setChecked(h.serial.mnuSERFootPedalsChecked());
-    action("mnuGAMEFootPedals")->setChecked(h.usb.menu.mnuGAMEFootPedals);
+    action("mnuUSBFootPedals")->setChecked(h.usb.menu.usbChecked);
+    action("mnuSERFootPedals")->setChecked(h.serial.serialPedalsChecked());
+    action("mnuGAMEFootPedals")->setChecked(h.usb.menu.gameChecked);
     action("mn30VEC")->setChecked(record.Use30VEC);
     for (int index = 0; index < devices::SerialPedals::kPortCount; ++index) {
         action("mnuComPortItem" + std::to_string(index))
-            ->setChecked(h.serial.mnuComPortItemChecked(index));
+            ->setChecked(h.serial.comPortChecked(index));
     }
 }
 

@@ -89,42 +89,42 @@ void StationWindow::render() {
 }
 
 void StationWindow::renderStatus(const dictation::MainView& v) {
-    showText(statusLine_, text(v.Label40));
-    showStyle(statusLine_, v.Label40Warning ? QStringLiteral("color: #ff0000;") : QString());
+    showText(statusLine_, text(v.statusLine));
+    showStyle(statusLine_, v.statusLineWarning ? QStringLiteral("color: #ff0000;") : QString());
     showText(fileNameLabel_, text(v.lblReady));
     showText(modeLabel_, text(v.lblMode));
-    showText(operationLabel_, text(v.Label37));
+    showText(operationLabel_, text(v.operationName));
     busyLabel_->setVisible(v.lblBusyVisible);
     showText(fileNamePanel_, text(v.statusPanel1));
     showText(fileSizePanel_, text(v.statusPanel2));
 }
 
 void StationWindow::renderTimes(const dictation::MainView& v) {
-    lamps_->show(v.Image5, v.Image6, text(v.lblOnAir), v.lblOnAirVisible);
+    lamps_->show(v.onAirLamp1, v.onAirLamp2, text(v.lblOnAir), v.lblOnAirVisible);
     // Before the first position is known the displays show nothing measured yet.
     const auto orBlank = [](const std::string& value, const char* blank) {
         return value.empty() ? QString::fromLatin1(blank) : text(value);
     };
     showText(timeElapsed_, orBlank(v.timeElapsed, "00:00:00"));
-    showText(timeRemaining_, orBlank(v.Label24, "00:00:00"));
-    showText(fileSize_, orBlank(v.Label43, "-"));
+    showText(timeRemaining_, orBlank(v.timeRemaining, "00:00:00"));
+    showText(fileSize_, orBlank(v.fileSizeText, "-"));
     if (!positionSlider_->isSliderDown()) {
         const QSignalBlocker quiet(positionSlider_);
-        positionSlider_->setValue(v.ctSlide1);
+        positionSlider_->setValue(v.positionPercent);
     }
-    positionSlider_->setEnabled(v.ctSlide1Enabled);
+    positionSlider_->setEnabled(v.positionSliderEnabled);
 }
 
 void StationWindow::renderButtons(const dictation::MainView& v) {
-    transportBar_->render(v.MMControl1, v.transportLabelsVisible);
+    transportBar_->render(v.transportBar, v.transportLabelsVisible);
     transportBar_->showNoFile(!parts_.dictation.state().flgfileOpen1);
-    endOfLetterButton_->setEnabled(v.cmdEOL);
-    addToBeginningButton_->setEnabled(v.Command1);
-    insertButton_->setEnabled(v.Command2);
-    overwriteButton_->setEnabled(v.cmdOVR);
-    lastThreeSecondsButton_->setEnabled(v.Command3);
-    endInsertButton_->setVisible(v.ButtonEx1Visible);
-    endAppendButton_->setVisible(v.ButtonEx2Visible);
+    endOfLetterButton_->setEnabled(v.endOfLetterEnabled);
+    addToBeginningButton_->setEnabled(v.addToBeginningEnabled);
+    insertButton_->setEnabled(v.insertEnabled);
+    overwriteButton_->setEnabled(v.overwriteEnabled);
+    lastThreeSecondsButton_->setEnabled(v.lastThreeSecondsEnabled);
+    endInsertButton_->setVisible(v.endInsertVisible);
+    endAppendButton_->setVisible(v.endAppendVisible);
     // While a file loads the frame stays in place, greyed, rather than leaving a
     // hole the window would close up around.
     audioFrame_->setEnabled(v.audioFrameEnabled && v.audioFrameVisible);

@@ -1,12 +1,13 @@
 // The dispatcher: what each pedal keyword does on each edge, the busy rule, the
 // end-of-letter button, and the step-back repeat of a held listen pedal.
 
+#include "devices/control_actions.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-#include "devices/control_actions.h"
 #include "dictation/dictation_fixture.h"
 
 namespace ovd::devices {
@@ -15,18 +16,22 @@ namespace {
 using platform::Milliseconds;
 
 class RecordingCommands : public TransportCommands {
-public:
-    void SwitchCommand(const std::string& command) override { calls.push_back("Switch:" + command); }
+  public:
+    void SwitchCommand(const std::string& command) override {
+        calls.push_back("Switch:" + command);
+    }
     void StopClick() override { calls.push_back("StopClick"); }
     void CaseStop() override { calls.push_back("CaseStop"); }
     void CaseEnd() override { calls.push_back("CaseEnd"); }
-    void pushSwitchPosition(const std::string& status) override { calls.push_back("Position:" + status); }
+    void pushSwitchPosition(const std::string& status) override {
+        calls.push_back("Position:" + status);
+    }
     void SwitchAction(const std::string& action) override { calls.push_back("Action:" + action); }
     std::vector<std::string> calls;
 };
 
 class PedalDispatcherTest : public dictation::testing::DictationTest {
-protected:
+  protected:
     PedalDispatcherTest() {
         settings.LEFTSERPEDAL = "STEPLIST";
         settings.MIDSERPEDAL = "RECSTOP";
@@ -35,7 +40,8 @@ protected:
         settings.MIDUSBPEDAL = "OVRAUDIO";
         settings.RIGHTUSBPEDAL = "";
     }
-    std::vector<std::string> edge(const std::string& pedal, const std::string& direction, bool fromUsb = false) {
+    std::vector<std::string> edge(const std::string& pedal, const std::string& direction,
+                                  bool fromUsb = false) {
         commands.calls.clear();
         if (fromUsb) {
             dispatcher.PedalEventUSB(pedal, direction);
@@ -51,7 +57,8 @@ protected:
     dictation::MainView& view = arrangeView();
     PedalHits& hits = d().pedalPresses();
     RecordingCommands commands;
-    platform::Timer ser{loop, "timSERStepBACK"}, usb{loop, "timUSBStepBACK"}, game{loop, "timGAMEStepBACK"};
+    platform::Timer ser{loop, "timSERStepBACK"}, usb{loop, "timUSBStepBACK"},
+        game{loop, "timGAMEStepBACK"};
     PedalDispatcher dispatcher{settings, d(), commands, {ser, usb, game}};
 };
 
@@ -62,7 +69,7 @@ TEST_F(PedalDispatcherTest, EachKeywordActsOnItsEdgesAsTheTableSays) {
     EXPECT_EQ(edge(kLeft, kDown), Calls{"Switch:STOP"}) << "listen pedal while playing stops";
     EXPECT_EQ(edge(kLeft, kUp), Calls{});
 
-    view.MMControl1.Stop = true;  // hold to record
+    view.transportBar.Stop = true;  // hold to record
     EXPECT_EQ(edge(kMiddle, kDown), Calls{"Switch:Record"});
     EXPECT_EQ(edge(kMiddle, kUp), Calls{"StopClick"});
 
@@ -72,18 +79,18 @@ TEST_F(PedalDispatcherTest, EachKeywordActsOnItsEdgesAsTheTableSays) {
     EXPECT_EQ(edge(kMiddle, kUp), Calls{}) << "the release never stops a one-tap take";
     EXPECT_EQ(edge(kMiddle, kDown), Calls{"StopClick"});
     EXPECT_EQ(edge(kLeft, kDown), Calls{}) << "busy: the listen pedal is dead";
-    view.cmdEOL = true;
+    view.endOfLetterEnabled = true;
     EXPECT_EQ(edge(kRight, kDown), Calls{}) << "busy: even end of letter waits";
 
     settings.OneTapRecPause = false;
     state.Recordingstatus = false;
-    view.cmdEOL = false;
+    view.endOfLetterEnabled = false;
     EXPECT_EQ(edge(kRight, kDown), Calls{}) << "end of letter needs its button on";
-    view.cmdEOL = true;
+    view.endOfLetterEnabled = true;
     EXPECT_EQ(edge(kRight, kDown), Calls{"Switch:EOL"});
     EXPECT_TRUE(hits.HandSetHitNotHit);
 
-    view.MMControl1.Stop = false;
+    view.transportBar.Stop = false;
     EXPECT_EQ(edge(kLeft, kUp, true), Calls{}) << "insert released with nothing to stop";
     EXPECT_EQ(edge(kLeft, kDown, true), Calls{"Switch:Ins"});
     EXPECT_EQ(edge(kMiddle, kDown, true), Calls{"Switch:OVR"});
@@ -92,7 +99,7 @@ TEST_F(PedalDispatcherTest, EachKeywordActsOnItsEdgesAsTheTableSays) {
 }
 
 TEST_F(PedalDispatcherTest, AHeldListenPedalStepsBackEveryTenthOfASecondUntilReleased) {
-    view.MMControl1.Back = true;
+    view.transportBar.Back = true;
     hits.LEFTSERPEDALHit = true;
     EXPECT_EQ(edge(kLeft, kDown), Calls{}) << "nothing moves before the first tick";
     loop.advance(Milliseconds(99));
@@ -102,7 +109,7 @@ TEST_F(PedalDispatcherTest, AHeldListenPedalStepsBackEveryTenthOfASecondUntilRel
               (Calls{"Position:4 Position Switch STATUS: STEPBACK", "Action:STEPBACK",
                      "Position:4 Position Switch STATUS: STEPBACK", "Action:STEPBACK",
                      "Position:4 Position Switch STATUS: STEPBACK", "Action:STEPBACK"}));
-    EXPECT_EQ(view.Lbl4Pos, "4 Position Switch STATUS: STEPBACK");
+    EXPECT_EQ(view.switchPosition, "4 Position Switch STATUS: STEPBACK");
 
     hits.LEFTSERPEDALHit = false;
     commands.calls.clear();
@@ -124,17 +131,18 @@ TEST_F(PedalDispatcherTest, TheEndOfLetterButtonFollowsRecordAndStop) {
         bool record, stop, recordedOnce, before, after;
     };
     const std::vector<Case> cases = {
-        {false, true, true, true, false},  {true, false, true, false, true},
+        {false, true, true, true, false},   {true, false, true, false, true},
         {true, false, false, false, false}, {false, false, true, true, false},
         {true, true, true, true, true},
     };
     for (const Case& c : cases) {
-        view.MMControl1.Record = c.record;
-        view.MMControl1.Stop = c.stop;
+        view.transportBar.Record = c.record;
+        view.transportBar.Stop = c.stop;
         state.RecordedOnce = c.recordedOnce;
-        view.cmdEOL = c.before;
+        view.endOfLetterEnabled = c.before;
         dispatcher.UpdateEOLButton();
-        EXPECT_EQ(view.cmdEOL, c.after) << c.record << c.stop << c.recordedOnce << c.before;
+        EXPECT_EQ(view.endOfLetterEnabled, c.after)
+            << c.record << c.stop << c.recordedOnce << c.before;
     }
     EXPECT_EQ(buttonDisplayName("FastForward"), "F-FWD");
     EXPECT_EQ(buttonDisplayName("AudioSRC"), "Audio Src");

@@ -1,9 +1,9 @@
 // The end of letter on a real dictation: the letter is closed and saved, handed
 // to delivery, and the next file opens; an empty letter is not delivered.
 
-#include <stdexcept>
-
 #include "devices/end_of_letter.h"
+
+#include <stdexcept>
 
 #include "delivery_log.h"
 #include "dictation/dictation_fixture.h"
@@ -14,7 +14,7 @@ namespace {
 using testing::DeliveryLog;
 
 class EndOfLetterTest : public dictation::testing::DictationTest {
-protected:
+  protected:
     DeliveryLog delivery;
     EndOfLetter eol{d(), config, log, loop, voice, delivery};
 };

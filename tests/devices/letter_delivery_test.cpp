@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 
 // Scripted prompts that let the test act while a box is up.
 class ReactingPrompts : public ::ovd::testing::ScriptedPrompts {
-public:
+  public:
     std::function<void()> whileAsking;
     platform::Answer message(const platform::MessageRequest& request) override {
         if (whileAsking) whileAsking();
@@ -34,7 +34,7 @@ struct CompanionSeam : delivery::CompanionSender {
 };
 
 class LetterDeliveryTest : public dictation::testing::DictationTest {
-protected:
+  protected:
     LetterDeliveryTest() {
         auto& r = config.record;
         r.AutoSend1 = r.AutoSend2 = true;
@@ -50,7 +50,8 @@ protected:
     CompanionSeam companion;
     delivery::AutoSendMenu menu{loop, config.record, companion};
     ViewStatusLines screen{d()};
-    delivery::AutoSend pipeline{{loop, config, log, boxes, link, voice, menu, companion, screen, ""}};
+    delivery::AutoSend pipeline{
+        {loop, config, log, boxes, link, voice, menu, companion, screen, ""}};
     PipelineDelivery delivery{pipeline};
     EndOfLetter eol{d(), config, log, loop, voice, delivery};
 };
@@ -68,7 +69,7 @@ TEST_F(LetterDeliveryTest, TheLetterReachesBothFoldersAndTheStagingAndTheNextFil
     EXPECT_EQ(platform::fileSize(recordings + "/EmailTemp/" + name), size);
     EXPECT_EQ(companion.starts, 1);
     EXPECT_NE(state().Filename, letter) << "the next letter is open";
-    EXPECT_EQ(view().MyPicture, "Match.ico");
+    EXPECT_EQ(view().titlePicture, "Match.ico");
     EXPECT_TRUE(boxes.transcript().empty()) << "a clean delivery shows nothing";
 }
 
@@ -85,12 +86,13 @@ TEST_F(LetterDeliveryTest, ASecondTriggerDuringTheTenSecondWaitDoesNotRestartThe
     EXPECT_TRUE(logged("EOL is Executing - DoingEOL = True"));
     // One question, the not-sent box after No and the pop-up; destination two
     // still has the letter.
-    EXPECT_EQ(boxes.texts(), (std::vector<std::string>{
-                                 "File has been sending to Destination 1 for 10 Seconds. Would you like "
-                                 "to keep trying to send?",
-                                 "File may have not been sent to Destination 1",
-                                 "OVQDUDR Sending Status :       Destination " + config.record.SendToOne +
-                                     ": User Canceled-Bypassing step"}));
+    EXPECT_EQ(boxes.texts(),
+              (std::vector<std::string>{
+                  "File has been sending to Destination 1 for 10 Seconds. Would you like "
+                  "to keep trying to send?",
+                  "File may have not been sent to Destination 1",
+                  "OVQDUDR Sending Status :       Destination " + config.record.SendToOne +
+                      ": User Canceled-Bypassing step"}));
     EXPECT_TRUE(platform::fileExists(config.record.SendToTwo + "/" + name));
     EXPECT_TRUE(platform::fileExists(recordings + "/EmailTemp/" + name));
     EXPECT_FALSE(eol.DoingEOL);

@@ -5,11 +5,11 @@
 
 #include <optional>
 
+#include "delivery_log.h"
 #include "devices/control_actions.h"
 #include "devices/end_of_letter.h"
 #include "devices/pedal_events.h"
 #include "devices/switch_model.h"
-#include "delivery_log.h"
 #include "dictation/dictation_fixture.h"
 
 namespace ovd::devices {
@@ -19,7 +19,6 @@ using dictation::testing::kRate;
 using platform::Milliseconds;
 
 constexpr int kRecording = static_cast<int>(engine::EditorState::Recording);
-
 
 struct Timing {
     int tcpDelaySeconds;
@@ -80,9 +79,9 @@ class RecordAroundEndOfLetterTest : public dictation::testing::DictationTest,
                 stopRecording(2000);
             }
             if (!records && takeStarted && !takeEnded) takeEnded = loop.now();
-            const bool lit = view().Image5 || view().Image6 ||
+            const bool lit = view().onAirLamp1 || view().onAirLamp2 ||
                              (view().lblOnAirVisible && view().lblOnAir == "ON AIR");
-            if ((records && (!state().Recordingstatus || !view().MMControl1.Stop)) ||
+            if ((records && (!state().Recordingstatus || !view().transportBar.Stop)) ||
                 (lit && !records)) {
                 ++disagreements;
             }
@@ -134,7 +133,7 @@ TEST_P(RecordAroundEndOfLetterTest,
             recordBetween(10, 2010);
             run(2500);
             ASSERT_FALSE(state().Recordingstatus);
-            ASSERT_TRUE(view().cmdEOL);
+            ASSERT_TRUE(view().endOfLetterEnabled);
             const std::string first = state().Filename;
 
             watch();

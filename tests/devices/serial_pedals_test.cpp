@@ -72,7 +72,7 @@ struct Station {
     [[nodiscard]] int checkedPortItem() const {
         int checked = -1;
         for (int i = 0; i < SerialPedals::kPortCount; ++i) {
-            if (pedals.mnuComPortItemChecked(i)) checked = checked < 0 ? i : 99;
+            if (pedals.comPortChecked(i)) checked = checked < 0 ? i : 99;
         }
         return checked;
     }
@@ -147,7 +147,7 @@ TEST(SerialPedalsTest, MissingDeviceInThePortMenuRestoresTheOldPort) {
     station.namePorts("COM2=" + station.folder.file("no-such-tty") + "\r\n");
     station.config.record.Port = 1;
     station.prompts.answerNext(Answer::Cancel);
-    station.pedals.mnuComPortItem(1);
+    station.pedals.chooseComPort(1);
 
     const auto& shown = station.prompts.transcript();
     ASSERT_EQ(shown.size(), 2U);
@@ -172,7 +172,7 @@ TEST(SerialPedalsTest, PortChangeAcceptedEndsTheProgramWithTheEditionsWords) {
         station.config.record.Port = 1;
         station.prompts.answerNext(Answer::Ok);
         const int writesBefore = station.config.writeCount();
-        station.pedals.mnuComPortItem(4);
+        station.pedals.chooseComPort(4);
         ASSERT_EQ(station.prompts.transcript().size(), 1U);
         const auto& asked = station.prompts.transcript()[0];
         EXPECT_EQ(asked.title, handsFree ? "Orvane Voice Desk Settngs"
@@ -192,7 +192,7 @@ TEST(SerialPedalsTest, SamePortAsksNothingAndReopens) {
     Station station;
     station.namePorts("COM2=" + pty.slavePath() + "\r\n");
     station.config.record.Port = 2;
-    station.pedals.mnuComPortItem(1);
+    station.pedals.chooseComPort(1);
     EXPECT_TRUE(station.prompts.transcript().empty());
     EXPECT_TRUE(station.pedals.PortOpen());
     EXPECT_EQ(station.host.label17Cleared, 1);
@@ -210,7 +210,7 @@ TEST(SerialPedalsTest, PortHeldByAnotherStationIsInUse) {
     Station second;
     second.namePorts("COM1=" + pty.slavePath() + "\r\n");
     second.config.record.Port = 1;
-    second.pedals.mnuComPortItem(0);
+    second.pedals.chooseComPort(0);
     ASSERT_EQ(second.prompts.texts(), std::vector<std::string>{kComPortInUseMessage});
     EXPECT_EQ(second.prompts.transcript()[0].title, "Orvane Voice Desk");
     EXPECT_EQ(second.config.writeCount(), 1);
@@ -220,11 +220,11 @@ TEST(SerialPedalsTest, PortHeldByAnotherStationIsInUse) {
     EXPECT_TRUE(second.pedals.PortINUse());
     EXPECT_EQ(second.prompts.transcript().size(), 1U);
     first.pedals.CloseSerialPedals();
-    second.pedals.setMnuSERFootPedalsChecked(true);
-    second.pedals.mnuSERFootPedals();
+    second.pedals.setSerialPedalsChecked(true);
+    second.pedals.toggleSerialPedals();
     EXPECT_FALSE(second.pedals.PortINUse());
     EXPECT_TRUE(second.pedals.PortOpen());
-    EXPECT_FALSE(second.pedals.mnuSERFootPedalsChecked());
+    EXPECT_FALSE(second.pedals.serialPedalsChecked());
 }
 
 TEST(SerialPedalsTest, OtherPedalKindsNeedNoComPort) {
@@ -239,7 +239,7 @@ TEST(SerialPedalsTest, OtherPedalKindsNeedNoComPort) {
         station.host.usb = c.usb;
         station.host.game = c.game;
         station.config.record.Port = 1;
-        station.pedals.mnuComPortItem(3);
+        station.pedals.chooseComPort(3);
         EXPECT_EQ(station.prompts.texts(), std::vector<std::string>{c.text});
         EXPECT_EQ(station.config.record.Port, 1);
         EXPECT_EQ(station.config.writeCount(), 0);
@@ -252,16 +252,16 @@ TEST(SerialPedalsTest, FootPedalMenuSwitchesSerialPedalsOnAndOff) {
     station.namePorts("COM1=" + pty.slavePath() + "\r\n");
     station.config.record.Port = 1;
 
-    station.pedals.mnuSERFootPedals();
-    EXPECT_TRUE(station.pedals.mnuSERFootPedalsChecked());
+    station.pedals.toggleSerialPedals();
+    EXPECT_TRUE(station.pedals.serialPedalsChecked());
     EXPECT_TRUE(station.config.record.UserSelectSerial);
     EXPECT_EQ(station.host.othersUnchecked, 1);
     EXPECT_EQ(station.host.configShown, 1);
     EXPECT_TRUE(station.pedals.PortOpen());
     EXPECT_EQ(station.config.writeCount(), 1);
 
-    station.pedals.mnuSERFootPedals();
-    EXPECT_FALSE(station.pedals.mnuSERFootPedalsChecked());
+    station.pedals.toggleSerialPedals();
+    EXPECT_FALSE(station.pedals.serialPedalsChecked());
     EXPECT_FALSE(station.config.record.UserSelectSerial);
     EXPECT_FALSE(station.pedals.PortOpen());
     EXPECT_EQ(station.config.writeCount(), 2);

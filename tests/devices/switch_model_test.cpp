@@ -56,7 +56,7 @@ class SwitchModelTest : public dictation::testing::DictationTest {
         d().openRecentFile(dictation::testing::writeRampWave(recordings + "/letter.wav", 4));
         editor1.setCursorPosition(kRate);
         d().timCurPos_Timer();
-        ASSERT_TRUE(view().Command2 && view().cmdOVR);
+        ASSERT_TRUE(view().insertEnabled && view().overwriteEnabled);
     }
 
     ButtonMessages messages;
@@ -113,14 +113,14 @@ TEST_F(SwitchModelTest, RecordDuringATakeChangesNothingAndLeavesTheExitForLater)
 
 TEST_F(SwitchModelTest, InsertArmsOnlyWithBothRecordButtonsOn) {
     openLetterAtSecondOne();
-    arrangeView().cmdOVR = false;
+    arrangeView().overwriteEnabled = false;
     d().pedalPresses().HandSetHitNotHit = true;
     say("Ins");
     EXPECT_FALSE(state().HitOnce);
     EXPECT_FALSE(state().DoingInsertUpdate);
     EXPECT_FALSE(d().hits().HandSetHitNotHit);
 
-    arrangeView().cmdOVR = true;
+    arrangeView().overwriteEnabled = true;
     say("Ins");
     EXPECT_TRUE(state().DoingInsertUpdate);
     EXPECT_EQ(view().lblMode, "Insert Mode");
@@ -196,10 +196,10 @@ TEST_F(SwitchModelTest, ButtonsWithNothingToDoChangeOnlyTheLastButtonLine) {
         const dictation::MainView viewBefore = view();
         const History historyBefore = history();
         press(c.action, c.button);
-        EXPECT_EQ(view().Label40, "Last Button Pressed on QDU Unit was " +
-                                      std::to_string(c.button) + " : " + c.shown);
-        EXPECT_EQ(view().Lbl4Pos, viewBefore.Lbl4Pos);
-        EXPECT_EQ(view().MMControl1, viewBefore.MMControl1);
+        EXPECT_EQ(view().statusLine, "Last Button Pressed on QDU Unit was " +
+                                         std::to_string(c.button) + " : " + c.shown);
+        EXPECT_EQ(view().switchPosition, viewBefore.switchPosition);
+        EXPECT_EQ(view().transportBar, viewBefore.transportBar);
         EXPECT_EQ(history(), historyBefore);
         EXPECT_EQ(editor1.State(), 0);
         EXPECT_TRUE(model->BUTHit(c.button));
@@ -210,9 +210,9 @@ TEST_F(SwitchModelTest, ButtonsWithNothingToDoChangeOnlyTheLastButtonLine) {
     EXPECT_TRUE(prompts.transcript().empty());
 
     config.record.QDUDisconnected = true;
-    arrangeView().Label40 = dictation::kDeskUnitMissing;
+    arrangeView().statusLine = dictation::kDeskUnitMissing;
     press("AudioSRC", 5);
-    EXPECT_EQ(view().Label40, dictation::kDeskUnitMissing);
+    EXPECT_EQ(view().statusLine, dictation::kDeskUnitMissing);
 }
 
 TEST_F(SwitchModelTest, SendButtonsRefuseWithTheirOwnWordsAndKeepTheFileOpen) {
@@ -245,7 +245,7 @@ TEST_F(SwitchModelTest, SendButtonsRefuseWithTheirOwnWordsAndKeepTheFileOpen) {
         press(c.action, 6);
         EXPECT_EQ(letters.calls, c.calls);
         if (!c.label40.empty()) {
-            EXPECT_EQ(view().Label40, c.label40);
+            EXPECT_EQ(view().statusLine, c.label40);
         }
         EXPECT_EQ(state().Filename, file);
     }
@@ -254,7 +254,7 @@ TEST_F(SwitchModelTest, SendButtonsRefuseWithTheirOwnWordsAndKeepTheFileOpen) {
     r.AutoEmailName = "typist@example.org";
     d().closeFile();
     press("SENDEMAIL", 6);
-    EXPECT_EQ(view().Label40, "There is not a file to Auto Send.");
+    EXPECT_EQ(view().statusLine, "There is not a file to Auto Send.");
 }
 
 TEST_F(SwitchModelTest, SendToOneClosesTheLetterAndHandsItToDelivery) {
@@ -281,11 +281,11 @@ TEST_F(SwitchModelTest, MessageButtonsSendToThePeerAndShowAFailure) {
     press("MSG3", 4);
     ASSERT_FALSE(peer.messages.empty());
     EXPECT_EQ(peer.messages.back(), "BTN4_AB0002 Ready for typing");
-    EXPECT_EQ(view().Label40, "Last Button Pressed on QDU Unit was 4 : MSG3");
+    EXPECT_EQ(view().statusLine, "Last Button Pressed on QDU Unit was 4 : MSG3");
 
     peer.reachable = false;
     press("MSG3", 4);
-    EXPECT_EQ(view().Label40, kPeerConnectionError);
+    EXPECT_EQ(view().statusLine, kPeerConnectionError);
     EXPECT_TRUE(logged("  MSG NOT SENT  "));
 
     press("New", 1);
@@ -323,7 +323,7 @@ TEST_F(SwitchModelTest, DeleteButtonMovesTheLetterToBackWithoutOverwritingAnOlde
     say("STOP");
 
     press("EraseFile", 8);
-    EXPECT_EQ(view().Label40, "Last Button Pressed on QDU Unit was 8 : Delete");
+    EXPECT_EQ(view().statusLine, "Last Button Pressed on QDU Unit was 8 : Delete");
     EXPECT_TRUE(state().Filename.empty()) << "the letter is closed";
     EXPECT_FALSE(platform::fileExists(letter)) << "gone from the recordings";
     EXPECT_EQ(platform::readWholeFile(recordings + "/BACK/" + name).value_or(""),

@@ -1,6 +1,8 @@
 // USB pedal reports to edges: one pedal at a time, the reports that change
 // nothing, the guard, both drivers' entries and the stream's report size.
 
+#include "devices/usb_pedal_decoder.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -10,8 +12,6 @@
 #include <tuple>
 #include <vector>
 
-#include "devices/usb_pedal_decoder.h"
-
 namespace ovd::devices {
 namespace {
 
@@ -19,7 +19,7 @@ using Report = std::vector<std::uint8_t>;
 
 // Notes each edge with the pedal state the decoder shows while the edge is handed on.
 class EdgeLog : public PedalEventSink {
-public:
+  public:
     const UsbPedalDecoder* decoder = nullptr;
     std::function<void()> duringEdge;
     std::vector<std::string> edges;
@@ -29,7 +29,9 @@ public:
         if (duringEdge) duringEdge();
     }
     void PedalEventSER(const std::string&, const std::string&) override { edges.push_back("SER"); }
-    void PedalEventGAME(const std::string&, const std::string&) override { edges.push_back("GAME"); }
+    void PedalEventGAME(const std::string&, const std::string&) override {
+        edges.push_back("GAME");
+    }
 };
 
 struct Fixture {
@@ -83,16 +85,26 @@ TEST(UsbPedalDecoderTest, ReportsBecomeEdgesOnePedalAtATime) {
          5},
         {"not polled", [](Fixture& f) { f.decoder.USBPedals = false; }, {{0, 1}}, {}, 0},
         {"serial pedal held", [](Fixture& f) { f.hits.MIDSERPEDALHit = true; }, {{0, 1}}, {}, 0},
-        {"desk unit pedal held", [](Fixture& f) { f.hits.RIGHTQDUPEDALHit = true; }, {{0, 1}}, {}, 0},
-        {"game pedal held does not block", [](Fixture& f) { f.hits.LEFTGAMEPEDALHit = true; },
-         {{0, 1}}, {"LEFT DOWN 1"}, 1},
+        {"desk unit pedal held",
+         [](Fixture& f) { f.hits.RIGHTQDUPEDALHit = true; },
+         {{0, 1}},
+         {},
+         0},
+        {"game pedal held does not block",
+         [](Fixture& f) { f.hits.LEFTGAMEPEDALHit = true; },
+         {{0, 1}},
+         {"LEFT DOWN 1"},
+         1},
         {"insert under hold-to-record loses the press and its release",
          [](Fixture& f) { f.state.DoingInsertUpdate = true; },
          {{0, 1}, {0, 0}},
          {},
          0},
-        {"overwrite under hold-to-record", [](Fixture& f) { f.state.OverWriteFile = true; },
-         {{0, 4}}, {}, 0},
+        {"overwrite under hold-to-record",
+         [](Fixture& f) { f.state.OverWriteFile = true; },
+         {{0, 4}},
+         {},
+         0},
         {"insert under one-tap counts",
          [](Fixture& f) {
              f.state.DoingInsertUpdate = true;
@@ -116,9 +128,9 @@ TEST(UsbPedalDecoderTest, ReportsBecomeEdgesOnePedalAtATime) {
             EXPECT_EQ(f.sink.edges, c.edges) << c.name << (newDriver ? " (new)" : "");
             EXPECT_EQ(f.decoder.MSLastUSB, c.lastUsb) << c.name;
             EXPECT_FALSE(f.decoder.HIDDecoding) << c.name;
-            const auto ups = std::count_if(c.edges.begin(), c.edges.end(), [](const std::string& e) {
-                return e.find(" UP ") != std::string::npos;
-            });
+            const auto ups = std::count_if(
+                c.edges.begin(), c.edges.end(),
+                [](const std::string& e) { return e.find(" UP ") != std::string::npos; });
             EXPECT_EQ(f.stepBackStops, ups) << c.name << ": every release stops the step-back";
             EXPECT_EQ(f.hits.HandSetHitNotHit, c.edges.size() > 0) << c.name;
         }
@@ -198,11 +210,11 @@ TEST(UsbPedalDecoderTest, RawDisplayAndHexPad) {
     EXPECT_EQ(f.decoder.view.indicators,
               (std::array{Indicator::Green, Indicator::ButtonFace, Indicator::Green}));
     // The raw line shows the state before this report was decoded.
-    EXPECT_EQ(f.decoder.view.LblRawHIDFootPedal, "0   00 05 00");
+    EXPECT_EQ(f.decoder.view.rawReport, "0   00 05 00");
     f.decoder.UseHIDDataNew(std::array<std::uint8_t, 3>{9, 0, 0});
-    EXPECT_EQ(f.decoder.view.LblRawHIDFootPedal, "1   09 00 00") << "shown though ignored";
+    EXPECT_EQ(f.decoder.view.rawReport, "1   09 00 00") << "shown though ignored";
     f.decoder.UseHIDData(std::array<std::uint8_t, 3>{0, 0, 0});
-    EXPECT_EQ(f.decoder.view.LblRawHIDFootPedal, "1   09 00 00") << "the stream driver shows nothing";
+    EXPECT_EQ(f.decoder.view.rawReport, "1   09 00 00") << "the stream driver shows nothing";
     f.decoder.ShowRawHIDButtons(std::array<std::uint8_t, 3>{0, 2, 0});
     EXPECT_EQ(f.decoder.view.indicators,
               (std::array{Indicator::ButtonFace, Indicator::Green, Indicator::ButtonFace}));

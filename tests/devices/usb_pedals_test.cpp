@@ -2,8 +2,10 @@
 // standing in for /dev/hidrawN, read on the virtual loop under both drivers; no
 // device, a pulled device, the step-back repeat and the two menu entries.
 
-#include <gtest/gtest.h>
+#include "devices/usb_pedals.h"
+
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -12,7 +14,6 @@
 #include <string>
 #include <vector>
 
-#include "devices/usb_pedals.h"
 #include "support/scripted_prompts.h"
 #include "support/temp_folder.h"
 #include "support/virtual_event_loop.h"
@@ -25,15 +26,15 @@ using platform::Milliseconds;
 // Consumer page, usage 3; three pedal bits padded to a byte, and a spare byte:
 // two input bytes, no report numbers.
 const std::vector<std::uint8_t> kPedalDescriptor = {
-    0x05, 0x0C, 0x09, 0x03, 0xA1, 0x01, 0x15, 0x00, 0x25, 0x01, 0x75, 0x01, 0x95, 0x03,
-    0x81, 0x02, 0x75, 0x05, 0x95, 0x01, 0x81, 0x03, 0x75, 0x08, 0x95, 0x01, 0x81, 0x03, 0xC0};
+    0x05, 0x0C, 0x09, 0x03, 0xA1, 0x01, 0x15, 0x00, 0x25, 0x01, 0x75, 0x01, 0x95, 0x03, 0x81,
+    0x02, 0x75, 0x05, 0x95, 0x01, 0x81, 0x03, 0x75, 0x08, 0x95, 0x01, 0x81, 0x03, 0xC0};
 // A keyboard-like function of the same maker: generic desktop page, with report numbers.
 const std::vector<std::uint8_t> kOtherDescriptor = {0x05, 0x01, 0x09, 0x06, 0xA1, 0x01, 0x85,
                                                     0x02, 0x75, 0x08, 0x95, 0x04, 0x81, 0x00,
                                                     0x85, 0x03, 0x95, 0x09, 0x81, 0x00, 0xC0};
 
 class EdgeLog : public PedalEventSink {
-public:
+  public:
     std::vector<std::string> edges;
     void PedalEventUSB(const std::string& pedal, const std::string& direction) override {
         edges.push_back(pedal + " " + direction);
@@ -43,7 +44,7 @@ public:
 };
 
 class UsbPedalsTest : public ::testing::Test {
-protected:
+  protected:
     testing::TempFolder folder;
     testing::VirtualEventLoop loop;
     testing::ScriptedPrompts prompts;
@@ -64,8 +65,8 @@ protected:
         const std::filesystem::path device = std::filesystem::path(roots.sysfs) / "class/hidraw" /
                                              ("hidraw" + std::to_string(number)) / "device";
         std::filesystem::create_directories(device);
-        std::ofstream(device / "uevent") << "DRIVER=hid-generic\nHID_ID=" << hidId
-                                         << "\nHID_NAME=Foot Pedal\n";
+        std::ofstream(device / "uevent")
+            << "DRIVER=hid-generic\nHID_ID=" << hidId << "\nHID_NAME=Foot Pedal\n";
         std::ofstream(device / "report_descriptor", std::ios::binary)
             .write(reinterpret_cast<const char*>(descriptor.data()),
                    static_cast<std::streamsize>(descriptor.size()));
@@ -118,7 +119,7 @@ TEST_F(UsbPedalsTest, BothDriversReadThePedalOnTheLoop) {
         pedals.start();
         ASSERT_TRUE(pedals.decoder.USBPedals);
         EXPECT_FALSE(pedals.NoUSBPedalConnected);
-        EXPECT_TRUE(pedals.menu.mnuUSBFootPedals);
+        EXPECT_TRUE(pedals.menu.usbChecked);
         EXPECT_EQ(pedals.TmrHIDReadNew.Enabled(), use30Vec);
         EXPECT_EQ(pedals.TmrHIDRead.Enabled(), !use30Vec);
 
@@ -232,18 +233,18 @@ TEST_F(UsbPedalsTest, TheUsbPedalMenuSwitchesThePedalAndWritesTheSettings) {
     int dialogs = 0;
     pedals.showConfigDialog = [&] { ++dialogs; };
     pedals.start();
-    EXPECT_TRUE(pedals.menu.mnuSERFootPedals);
+    EXPECT_TRUE(pedals.menu.serialChecked);
 
-    pedals.mnuUSBFootPedals_Click();
-    EXPECT_TRUE(pedals.menu.mnuUSBFootPedals);
-    EXPECT_FALSE(pedals.menu.mnuSERFootPedals);
+    pedals.toggleUsbPedals();
+    EXPECT_TRUE(pedals.menu.usbChecked);
+    EXPECT_FALSE(pedals.menu.serialChecked);
     EXPECT_TRUE(config.record.UserSelectUSB);
     EXPECT_EQ(dialogs, 1);
     EXPECT_TRUE(pedals.reader.isOpen());
     EXPECT_EQ(config.writeCount(), 1);
 
-    pedals.mnuUSBFootPedals_Click();
-    EXPECT_FALSE(pedals.menu.mnuUSBFootPedals);
+    pedals.toggleUsbPedals();
+    EXPECT_FALSE(pedals.menu.usbChecked);
     EXPECT_FALSE(config.record.UserSelectUSB);
     EXPECT_FALSE(pedals.reader.isOpen());
     EXPECT_EQ(config.writeCount(), 2);
@@ -260,17 +261,17 @@ TEST_F(UsbPedalsTest, TheDriverMenuAsksAndEndsTheProgram) {
     pedals.endProgram = [&] { ++ends; };
 
     state.flgfileOpen1 = true;
-    pedals.mn30VEC_Click();
+    pedals.toggleVec30Pedal();
     state.flgfileOpen1 = false;
     prompts.answerNext(platform::Answer::No);
-    pedals.mn30VEC_Click();
+    pedals.toggleVec30Pedal();
     EXPECT_FALSE(config.record.Use30VEC);
     EXPECT_EQ(config.writeCount(), 0);
 
     prompts.answerNext(platform::Answer::Yes);
-    pedals.mn30VEC_Click();
+    pedals.toggleVec30Pedal();
     EXPECT_TRUE(config.record.Use30VEC);
-    EXPECT_TRUE(pedals.menu.mn30VEC);
+    EXPECT_TRUE(pedals.menu.vec30Checked);
     EXPECT_EQ(config.writeCount(), 1);
     EXPECT_EQ(ends, 1);
     EXPECT_EQ(prompts.texts(), (std::vector<std::string>{

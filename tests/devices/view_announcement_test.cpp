@@ -17,7 +17,7 @@ namespace {
 using dictation::MainView;
 
 class NoLetters : public LetterActions {
-public:
+  public:
     void beep() override {}
     void startEndOfLetter() override {}
     void endOfLetter() override {}
@@ -30,7 +30,7 @@ public:
 };
 
 class ViewAnnouncementTest : public dictation::testing::DictationTest {
-protected:
+  protected:
     ViewAnnouncementTest() {
         config.record.LEFTSERPEDAL = "STEPLIST";
         config.record.MIDSERPEDAL = "RECSTOP";
@@ -64,7 +64,8 @@ protected:
     NoLetters letters;
     std::unique_ptr<SwitchModel> model = std::make_unique<SwitchModel>(
         SwitchModelParts{d(), editor1, config, log, prompts, peer, messages, letters});
-    platform::Timer ser{loop, "timSERStepBACK"}, usb{loop, "timUSBStepBACK"}, game{loop, "timGAMEStepBACK"};
+    platform::Timer ser{loop, "timSERStepBACK"}, usb{loop, "timUSBStepBACK"},
+        game{loop, "timGAMEStepBACK"};
     PedalDispatcher dispatcher{config.record, d(), *model, {ser, usb, game}};
 };
 
@@ -89,11 +90,11 @@ TEST_F(ViewAnnouncementTest, EveryKindOfActionIsAnnouncedAndShowsWhatTheWindowRe
     expectAnnounced("the pedal let go");
 
     model->SwitchCommand("LISTEN");
-    EXPECT_EQ(view().Lbl4Pos, dictation::kSwitchListen);
+    EXPECT_EQ(view().switchPosition, dictation::kSwitchListen);
     expectAnnounced("a switch word");
 
     model->Switch1TO8ON("AudioSRC", 5);
-    EXPECT_EQ(view().Label40, "Last Button Pressed on QDU Unit was 5 : Audio Src");
+    EXPECT_EQ(view().statusLine, "Last Button Pressed on QDU Unit was 5 : Audio Src");
     expectAnnounced("a desk unit button");
 
     d().closeFile();
@@ -111,8 +112,8 @@ TEST_F(ViewAnnouncementTest, ChangesOfOneTurnAreAnnouncedOnceAndAnUnchangedScree
     loop.runPending();
     EXPECT_EQ(signals, 1);
     EXPECT_EQ(d().viewAnnouncements(), announced + 1);
-    EXPECT_GT(view().revision, revision) << "the revision moves with each announcement";
-    EXPECT_EQ(drawn.Label40, "two");
+    EXPECT_GT(view().revision, revision) << "the revision moves with every change";
+    EXPECT_EQ(drawn.statusLine, "two");
 
     // Written again as it already stands: nothing to redraw.
     d().showStatus("two");

@@ -25,7 +25,8 @@ TEST_F(DictationTest, ANamedFileThatExistsIsOpenedToListenAndNoNewFileIsMade) {
     EXPECT_TRUE(state().flgfileOpen1);
     EXPECT_TRUE(state().PRERECORDED);
     EXPECT_TRUE(state().commandLine.DIDDOCOMMANDLINE);
-    EXPECT_EQ(config.record.FileNameIncrementStartingNum.toNumber(), number) << "no number was used";
+    EXPECT_EQ(config.record.FileNameIncrementStartingNum.toNumber(), number)
+        << "no number was used";
     EXPECT_NEAR(static_cast<double>(editor1.Length()), 3.0 * kRate, kRate * 0.01);
 }
 

@@ -12,12 +12,12 @@
 #include <string>
 #include <vector>
 
-#include "support/letter_names.h"
 #include "dictation/dictation.h"
 #include "dictation/dictation_probe.h"
 #include "engine/virtual_backend.h"
 #include "engine/wave_editor.h"
 #include "platform/files.h"
+#include "support/letter_names.h"
 #include "support/scripted_prompts.h"
 #include "support/temp_folder.h"
 #include "support/virtual_event_loop.h"
@@ -32,7 +32,8 @@ inline constexpr int kRate = 16000;
 inline std::int16_t rampAt(engine::SampleCount i) { return static_cast<std::int16_t>(i / 8); }
 
 // A mono 16-bit WAV file at kRate of the given samples.
-inline std::string writeMonoWave(const std::string& path, const std::vector<std::int16_t>& samples) {
+inline std::string writeMonoWave(const std::string& path,
+                                 const std::vector<std::int16_t>& samples) {
     const auto frames = static_cast<std::uint32_t>(samples.size());
     std::string bytes(44 + frames * 2, '\0');
     const auto put32 = [&](std::size_t at, std::uint32_t v) { std::memcpy(&bytes[at], &v, 4); };
@@ -56,12 +57,13 @@ inline std::string writeMonoWave(const std::string& path, const std::vector<std:
 
 inline std::string writeRampWave(const std::string& path, int seconds) {
     std::vector<std::int16_t> samples(static_cast<std::size_t>(seconds * kRate));
-    for (std::size_t i = 0; i < samples.size(); ++i) samples[i] = rampAt(static_cast<engine::SampleCount>(i));
+    for (std::size_t i = 0; i < samples.size(); ++i)
+        samples[i] = rampAt(static_cast<engine::SampleCount>(i));
     return writeMonoWave(path, samples);
 }
 
 class RecordingPeer : public PeerNotices {
-public:
+  public:
     [[nodiscard]] bool linkOn() const override { return on; }
     bool send(const std::string& message, const std::string& waitTag) override {
         messages.push_back(message);
@@ -76,7 +78,7 @@ public:
 };
 
 class DictationTest : public ::testing::Test {
-protected:
+  protected:
     DictationTest() {
         auto& r = config.record;
         ovd::testing::nameLettersAB(r, recordings, 1);
@@ -109,7 +111,9 @@ protected:
     // For arranging a situation no command leads to.
     DictationState& arrangeState() { return DictationProbe::state(*dictation); }
     MainView& arrangeView() { return DictationProbe::view(*dictation); }
-    const platform::Timer& timer(const std::string& name) const { return timerNamed(*dictation, name); }
+    const platform::Timer& timer(const std::string& name) const {
+        return timerNamed(*dictation, name);
+    }
 
     void run(int milliseconds) { loop.advance(Milliseconds(milliseconds)); }
 
@@ -122,7 +126,8 @@ protected:
     }
 
     std::vector<std::int16_t> frames(engine::SampleCount from, engine::SampleCount count) const {
-        std::vector<std::int16_t> out(static_cast<std::size_t>(std::max<engine::SampleCount>(count, 0)));
+        std::vector<std::int16_t> out(
+            static_cast<std::size_t>(std::max<engine::SampleCount>(count, 0)));
         out.resize(editor1.readFrames(from, out.data(), out.size()));
         return out;
     }

@@ -11,7 +11,7 @@
 namespace ovd::dictation {
 
 class DictationProbe {
-public:
+  public:
     static DictationState& state(Dictation& d) { return d.state_; }
     static MainView& view(Dictation& d) { return d.screen(); }
 };

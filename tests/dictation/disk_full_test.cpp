@@ -3,9 +3,9 @@
 
 #include <sys/mount.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <algorithm>
 #include <filesystem>
 
 #include "dictation_fixture.h"
@@ -14,7 +14,7 @@ namespace ovd::dictation::testing {
 namespace {
 
 class DiskFullTest : public DictationTest {
-protected:
+  protected:
     void SetUp() override {
         platform::createFolder(smallDisk);
         if (::mount("tmpfs", smallDisk.c_str(), "tmpfs", 0, "size=1m") != 0) {
@@ -41,14 +41,15 @@ TEST_F(DiskFullTest, TheWarningComesWhileRecordingAndTheTakeGoesOn) {
     d().newLetter();
     d().recordTake();
     run(2000);
-    EXPECT_EQ(view().Label40, "Recording");
-    EXPECT_FALSE(view().Label40Warning);
+    EXPECT_EQ(view().statusLine, "Recording");
+    EXPECT_FALSE(view().statusLineWarning);
 
     // A megabyte holds about thirty seconds; the warning keeps room for three
     // times what the work file holds.
     run(9000);
-    EXPECT_EQ(view().Label40.rfind("Warning -- Number of Free Bytes : ", 0), 0u) << view().Label40;
-    EXPECT_TRUE(view().Label40Warning);
+    EXPECT_EQ(view().statusLine.rfind("Warning -- Number of Free Bytes : ", 0), 0u)
+        << view().statusLine;
+    EXPECT_TRUE(view().statusLineWarning);
     EXPECT_TRUE(logged(state().Filename + " Disk Full Warning during Recording"));
     EXPECT_TRUE(state().Recordingstatus) << "without the stop setting the take goes on";
     EXPECT_EQ(editor1.State(), 2);
@@ -89,16 +90,19 @@ TEST_F(DiskFullTest, ASaveWithoutRoomAsksUntilTheAuthorMovesTheFile) {
     d().stop();
 
     const std::vector<std::string> texts = prompts.texts();
-    EXPECT_EQ(std::count(texts.begin(), texts.end(), std::string(kDiskSpaceQuestion)), 2) << texts.size();
-    EXPECT_TRUE(logged("Disk Full Warning --- User Selected to save file in the default location .. "
-                       "User Response: 7"));
+    EXPECT_EQ(std::count(texts.begin(), texts.end(), std::string(kDiskSpaceQuestion)), 2)
+        << texts.size();
+    EXPECT_TRUE(
+        logged("Disk Full Warning --- User Selected to save file in the default location .. "
+               "User Response: 7"));
     EXPECT_TRUE(logged("enough disk space to continue working.. User Resonse: 6"));
     EXPECT_EQ(state().Filename, roomy + "/" + name);
     EXPECT_GT(platform::fileSize(roomy + "/" + name).value_or(0), 300000u);
     EXPECT_FALSE(platform::fileExists(smallDisk + "/" + name));
     settings::ConfigFile stored(folder.path());
     stored.ReadConfig();
-    EXPECT_EQ(stored.record.CaptureFilePath.toText(), roomy) << "the next files go where there is room";
+    EXPECT_EQ(stored.record.CaptureFilePath.toText(), roomy)
+        << "the next files go where there is room";
 }
 
 TEST_F(DiskFullTest, AWarningThatStaysTrueIsLoggedAndSentEveryTwoSecondsNotEveryTick) {
@@ -106,7 +110,7 @@ TEST_F(DiskFullTest, AWarningThatStaysTrueIsLoggedAndSentEveryTwoSecondsNotEvery
     d().newLetter();
     d().recordTake();
     run(20000);
-    ASSERT_TRUE(view().Label40Warning)
+    ASSERT_TRUE(view().statusLineWarning)
         << "the disk is short of room for the last ten seconds or so";
 
     std::size_t warnings = 0;

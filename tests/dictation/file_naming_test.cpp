@@ -4,7 +4,6 @@
 #include "dictation/file_naming.h"
 
 #include <gtest/gtest.h>
-
 #include <sys/mount.h>
 
 #include <cerrno>
@@ -234,7 +233,7 @@ TEST_F(FileNamingTest, TheNameIsAnnouncedUnlessTakenUpAndAHandedOverNameReplaces
     EXPECT_TRUE(prompts.transcript().empty());
     // The peer is told the file's name with its extension.
     EXPECT_EQ(hooks.calls, Calls{"LOADED_Handed.MP3"});
-    EXPECT_EQ(view.Label40, "Connection refused");
+    EXPECT_EQ(view.statusLine, "Connection refused");
     for (const char* line :
          {" Procedure - CREATEFILENAME", " -58 Sending Message in CreateFileName",
           "CaseNew-FileSaveError =: False", " Procedure - CreateFileName"}) {

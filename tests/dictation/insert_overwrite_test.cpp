@@ -7,18 +7,19 @@ namespace ovd::dictation::testing {
 namespace {
 
 class InsertOverwriteTest : public DictationTest {
-protected:
+  protected:
     // A four-second take, the cursor put back to second one.
     void takeAndStandAtSecondOne() {
         dictate(4000);
         ASSERT_EQ(editor1.Length(), 4 * kRate);
         editor1.setCursorPosition(kRate);
         d().timCurPos_Timer();
-        ASSERT_EQ(view().ctSlide1, 25);
+        ASSERT_EQ(view().positionPercent, 25);
     }
     // The first value of each stretch tells which take it came from: the ramp
     // starts again at every take.
-    void expectStretch(engine::SampleCount at, engine::SampleCount count, engine::SampleCount rampFrom) {
+    void expectStretch(engine::SampleCount at, engine::SampleCount count,
+                       engine::SampleCount rampFrom) {
         const auto got = frames(at, count);
         ASSERT_EQ(got.size(), static_cast<std::size_t>(count));
         EXPECT_EQ(got.front(), rampAt(rampFrom)) << "at " << at;
@@ -32,14 +33,14 @@ TEST_F(InsertOverwriteTest, AnInsertGoesInAtTheCursorAndKeepsEverythingBehindIt)
     EXPECT_TRUE(state().DoingInsertUpdate);
     EXPECT_TRUE(state().Recordingstatus);
     EXPECT_EQ(view().lblMode, "Insert Mode");
-    EXPECT_TRUE(view().ButtonEx1Visible);
+    EXPECT_TRUE(view().endInsertVisible);
     EXPECT_EQ(editor21.State(), 2) << "the take goes into the scratch editor";
     run(2000);
     d().stop();
 
     EXPECT_FALSE(state().DoingInsertUpdate);
     EXPECT_FALSE(state().Recordingstatus);
-    EXPECT_FALSE(view().ButtonEx1Visible);
+    EXPECT_FALSE(view().endInsertVisible);
     ASSERT_EQ(editor1.Length(), 6 * kRate);
     expectStretch(0, kRate, 0);
     expectStretch(kRate, 2 * kRate, 0);          // the insert
@@ -53,7 +54,7 @@ TEST_F(InsertOverwriteTest, AnOverwriteReplacesAsMuchAsWasSpoken) {
     d().overwriteAtCursor();
     EXPECT_TRUE(state().OverWriteFile);
     EXPECT_EQ(view().lblMode, "Overwrite Mode");
-    EXPECT_FALSE(view().ButtonEx1Visible);
+    EXPECT_FALSE(view().endInsertVisible);
     run(1000);  // the second prompt came after one of these seconds
     d().stop();
 
@@ -77,7 +78,7 @@ TEST_F(InsertOverwriteTest, OverwriteToEndThrowsAwayEverythingBehindItsStart) {
 
 TEST_F(InsertOverwriteTest, CommentsGoInFrontOfTheFile) {
     takeAndStandAtSecondOne();
-    arrangeView().Label40 = kDeskUnitMissing;
+    arrangeView().statusLine = kDeskUnitMissing;
     d().addToBeginning();
     EXPECT_EQ(editor1.CursorPosition(), 0);
     run(1000);
@@ -125,7 +126,7 @@ TEST_F(DictationTest, StepsMoveByTheStepAmountAndTheButtonSaysWhereTheCursorIs) 
     dictate(5000);
     d().stepBack();
     EXPECT_EQ(editor1.CursorPosition(), 3 * kRate);
-    EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::StepBetween));
+    EXPECT_EQ(view().transportBar, transportBarAfter(BarAfter::StepBetween));
     d().stepBack();
     d().stepBack();
     EXPECT_LE(editor1.CursorPosition(), 0);

@@ -25,18 +25,18 @@ class LastThreeSecondsTest : public DictationTest {
         ++ticks;
         const bool engineRecords = editor1.State() == kRecording;
         const bool onAir = view().lblOnAirVisible && view().lblOnAir == "ON AIR";
-        const bool lampsLit = view().Image5 || view().Image6;
+        const bool lampsLit = view().onAirLamp1 || view().onAirLamp2;
         if (engineRecords && !resumedAt) resumedAt = loop.now();
         if (!engineRecords && resumedAt && !stoppedAt) stoppedAt = loop.now();
         if (state().Recordingstatus != engineRecords || (onAir && !engineRecords) ||
-            (lampsLit && !engineRecords) || (engineRecords && !view().MMControl1.Stop)) {
+            (lampsLit && !engineRecords) || (engineRecords && !view().transportBar.Stop)) {
             ++disagreements;
             if (firstDisagreement.empty()) {
                 firstDisagreement =
                     "engine " + std::to_string(editor1.State()) + ", Recordingstatus " +
                     std::to_string(state().Recordingstatus) + ", ON AIR " + std::to_string(onAir) +
                     ", lamps " + std::to_string(lampsLit) + ", Stop " +
-                    std::to_string(view().MMControl1.Stop) + ", caption " + view().caption;
+                    std::to_string(view().transportBar.Stop) + ", caption " + view().caption;
             }
         }
     }
@@ -60,7 +60,7 @@ TEST_F(LastThreeSecondsTest, TheTakeEndsThePlaybackShowsAndTheTakeGoesOnWithNoth
     watchEveryTick();
     d().lastThreeSecondsContinueFromMenu();
     EXPECT_EQ(editor1.State(), static_cast<int>(engine::EditorState::Playing));
-    EXPECT_TRUE(view().MMControl1.Stop) << "the playback can be stopped";
+    EXPECT_TRUE(view().transportBar.Stop) << "the playback can be stopped";
     // The last words play, then the take goes on by itself.
     run(6000);
     ASSERT_TRUE(resumedAt.has_value()) << "recording continues after the last three seconds";

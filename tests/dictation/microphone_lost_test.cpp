@@ -20,10 +20,10 @@ class MicrophoneLostTest : public DictationTest {
         EXPECT_FALSE(state().Recordingstatus);
         EXPECT_EQ(editor1.State(), 0);
         EXPECT_EQ(editor21.State(), 0);
-        EXPECT_FALSE(view().Image5 || view().Image6) << "the lamps are off";
+        EXPECT_FALSE(view().onAirLamp1 || view().onAirLamp2) << "the lamps are off";
         EXPECT_NE(view().lblOnAir, "ON AIR");
         EXPECT_FALSE(timer("timRecord").Enabled());
-        EXPECT_NE(view().Label40, "Recording");
+        EXPECT_NE(view().statusLine, "Recording");
         EXPECT_EQ(view().caption.find("Recorded"), std::string::npos) << view().caption;
     }
 };
@@ -39,7 +39,7 @@ TEST_F(MicrophoneLostTest, ATakeEndsInOrderAndKeepsWhatWasSaid) {
     EXPECT_EQ(editor1.Length(), 3 * kRate) << "every second spoken is in the file";
     EXPECT_EQ(frames(3 * kRate - 1, 1).front(), rampAt(3 * kRate - 1));
     EXPECT_TRUE(state().flgfileOpen1) << "the file stays open for another microphone";
-    EXPECT_TRUE(view().MMControl1.Prev) << "the take can be gone back to and listened to";
+    EXPECT_TRUE(view().transportBar.Prev) << "the take can be gone back to and listened to";
     ASSERT_EQ(messagesNaming("USB Headset").size(), 1U);
     EXPECT_TRUE(logged("Recording device lost: USB Headset"));
 }

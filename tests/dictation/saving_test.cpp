@@ -9,7 +9,7 @@ namespace ovd::dictation::testing {
 namespace {
 
 class SavingTest : public DictationTest {
-protected:
+  protected:
     SavingTest() {
         // Saves only when asked, so each test says when.
         config.record.FileSaveAtStop = false;
@@ -68,7 +68,8 @@ TEST_F(SavingTest, ASaveThatCanNotReadTheTakeIsReportedAndTheStationGoesOn) {
 TEST_F(SavingTest, ClosingAnUnrecordedFileDeletesItAndGivesItsNumberBack) {
     d().newLetter();
     const std::string name = state().Filename;
-    const double numberAfterNew = config.record.FileNameIncrementStartingNum.toNumber().value_or(-1);
+    const double numberAfterNew =
+        config.record.FileNameIncrementStartingNum.toNumber().value_or(-1);
 
     d().closeFile();
     EXPECT_EQ(config.record.FileNameIncrementStartingNum.toNumber(), numberAfterNew - 1);
@@ -83,7 +84,8 @@ TEST_F(SavingTest, ClosingAnUnrecordedFileDeletesItAndGivesItsNumberBack) {
 
 TEST_F(SavingTest, ClosingAShortTakeKeepsItsNumber) {
     dictate(400);  // RecordedOnce, but far below the length worth saving
-    const double numberAfterNew = config.record.FileNameIncrementStartingNum.toNumber().value_or(-1);
+    const double numberAfterNew =
+        config.record.FileNameIncrementStartingNum.toNumber().value_or(-1);
 
     d().closeFile();
     EXPECT_EQ(config.record.FileNameIncrementStartingNum.toNumber(), numberAfterNew);

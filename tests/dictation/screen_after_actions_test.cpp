@@ -28,8 +28,8 @@ TEST_F(ScreenAfterActionsTest, AStopThatSavesKeepsTheFileNamedAndTheTakeNoLonger
 
     EXPECT_EQ(view().lblReady, fileLabel()) << "a loaded file is named, not offered to be created";
     EXPECT_EQ(view().statusPanel1, state().Filename);
-    EXPECT_NE(view().Label40, "Recording") << "nothing records any more";
-    EXPECT_FALSE(view().Label40Warning);
+    EXPECT_NE(view().statusLine, "Recording") << "nothing records any more";
+    EXPECT_FALSE(view().statusLineWarning);
     EXPECT_TRUE(captionSays("File is in Recording Mode but is Stopped"));
 }
 
@@ -60,8 +60,8 @@ TEST_F(ScreenAfterActionsTest, PlaybackTheEngineBrokeOffNoLongerSaysPlaying) {
 
     EXPECT_FALSE(state().flgPlay);
     EXPECT_FALSE(captionSays("Playing")) << view().caption;
-    EXPECT_FALSE(view().MMControl1.Stop) << "there is nothing to stop";
-    EXPECT_TRUE(view().MMControl1.Play) << "it can be played again";
+    EXPECT_FALSE(view().transportBar.Stop) << "there is nothing to stop";
+    EXPECT_TRUE(view().transportBar.Play) << "it can be played again";
 }
 
 TEST_F(ScreenAfterActionsTest, TheModeAndTheTimesFollowTheEndOfAnInsertOrAnOverwrite) {
@@ -86,9 +86,9 @@ TEST_F(ScreenAfterActionsTest, TheModeAndTheTimesFollowTheEndOfAnInsertOrAnOverw
         EXPECT_EQ(view().lblMode, "") << "the take is over";
         const std::int32_t seconds = static_cast<std::int32_t>(editor1.Length() / kRate);
         EXPECT_EQ(state().iTotalSecFile, seconds);
-        EXPECT_EQ(view().Label24, clockText(seconds - state().iCurSecond));
+        EXPECT_EQ(view().timeRemaining, clockText(seconds - state().iCurSecond));
         EXPECT_LE(state().iCurSecond, seconds);
-        EXPECT_NE(view().Label40, "Recording");
+        EXPECT_NE(view().statusLine, "Recording");
     }
 }
 
@@ -98,7 +98,7 @@ TEST_F(ScreenAfterActionsTest, AnOpenedFileCanBeMovedInOnceItHasLoaded) {
     ASSERT_TRUE(state().flgfileOpen1);
     run(100);
     EXPECT_FALSE(view().lblBusyVisible);
-    EXPECT_TRUE(view().ctSlide1Enabled)
+    EXPECT_TRUE(view().positionSliderEnabled)
         << "the position slider was held only while the file loaded";
     EXPECT_EQ(view().lblReady, "Letter.wav");
     d().positionSliderPressed();
@@ -106,14 +106,14 @@ TEST_F(ScreenAfterActionsTest, AnOpenedFileCanBeMovedInOnceItHasLoaded) {
     d().positionSliderReleased(40);
     run(100);
     EXPECT_EQ(editor1.CursorPosition(), 2 * kRate);
-    EXPECT_EQ(view().ctSlide1, 40);
+    EXPECT_EQ(view().positionPercent, 40);
     EXPECT_EQ(view().timeElapsed, "00:00:02");
-    EXPECT_EQ(view().Label24, "00:00:03");
+    EXPECT_EQ(view().timeRemaining, "00:00:03");
 }
 
 TEST_F(ScreenAfterActionsTest, WithNoFileEveryTransportButtonIsGreyed) {
     const TransportBar none = transportBarAfter(BarAfter::ProgramStart);
-    EXPECT_EQ(view().MMControl1, none) << "start of program";
+    EXPECT_EQ(view().transportBar, none) << "start of program";
 
     // Closed after a take, closed at the beginning, closed while playing: each
     // leaves the bar as a start of the program does.
@@ -134,9 +134,10 @@ TEST_F(ScreenAfterActionsTest, WithNoFileEveryTransportButtonIsGreyed) {
         d().closeFile();
         run(100);
         ASSERT_FALSE(state().flgfileOpen1);
-        EXPECT_EQ(view().MMControl1, none);
-        EXPECT_FALSE(view().Command1 || view().Command2 || view().cmdOVR);
-        EXPECT_FALSE(view().ctSlide1Enabled);
+        EXPECT_EQ(view().transportBar, none);
+        EXPECT_FALSE(view().addToBeginningEnabled || view().insertEnabled ||
+                     view().overwriteEnabled);
+        EXPECT_FALSE(view().positionSliderEnabled);
     }
 }
 

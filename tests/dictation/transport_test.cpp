@@ -10,40 +10,42 @@ constexpr const char* kTitle = "Orvane Voice Desk - ";
 
 TEST_F(DictationTest, NewRecordStopPlayPauseContinueToTheEnd) {
     d().newLetter();
-    EXPECT_EQ(view().caption, std::string(kTitle) + "File Is Ready to be Recorded-Please hit the Record Icon");
-    EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CaseNew));
+    EXPECT_EQ(view().caption,
+              std::string(kTitle) + "File Is Ready to be Recorded-Please hit the Record Icon");
+    EXPECT_EQ(view().transportBar, transportBarAfter(BarAfter::CaseNew));
     EXPECT_TRUE(state().flgfileOpen1);
     EXPECT_TRUE(state().RecordingstatusPaused);
     EXPECT_EQ(view().lblReady, "AB0002.WAV");
-    EXPECT_FALSE(view().cmdEOL);
+    EXPECT_FALSE(view().endOfLetterEnabled);
     EXPECT_EQ(backend.promptsPlayed().back().substr(backend.promptsPlayed().back().rfind('/') + 1),
-              "TwoBeeps.wav") << "the new file is announced even with prompts off";
+              "TwoBeeps.wav")
+        << "the new file is announced even with prompts off";
 
     d().recordTake();
     EXPECT_EQ(view().caption, std::string(kTitle) + "File is being Recorded");
-    EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CaseRecord));
+    EXPECT_EQ(view().transportBar, transportBarAfter(BarAfter::CaseRecord));
     EXPECT_FALSE(view().formatOptionsEnabled);
     run(3000);
     EXPECT_EQ(view().timeElapsed, "00:00:03");
-    EXPECT_EQ(view().Label40, "Recording");
+    EXPECT_EQ(view().statusLine, "Recording");
     EXPECT_EQ(view().lblOnAir, "ON AIR");
-    EXPECT_NE(view().Image5, view().Image6) << "the lamps take turns";
+    EXPECT_NE(view().onAirLamp1, view().onAirLamp2) << "the lamps take turns";
 
     d().stop();
     EXPECT_EQ(editor1.Length(), 3 * kRate);
     EXPECT_EQ(view().caption, std::string(kTitle) + "File is in Recording Mode but is Stopped");
-    EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CaseEnd));
-    EXPECT_TRUE(view().cmdEOL) << "a recorded file waits at its end";
+    EXPECT_EQ(view().transportBar, transportBarAfter(BarAfter::CaseEnd));
+    EXPECT_TRUE(view().endOfLetterEnabled) << "a recorded file waits at its end";
     EXPECT_FALSE(state().Recordingstatus);
     EXPECT_TRUE(state().FileChanged) << "without crash protection a Stop saves nothing";
     EXPECT_FALSE(platform::fileExists(state().Filename));
 
     d().goToBeginning();
-    EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CaseBeginning));
+    EXPECT_EQ(view().transportBar, transportBarAfter(BarAfter::CaseBeginning));
     EXPECT_EQ(editor1.CursorPosition(), 0);
     d().play();
     EXPECT_EQ(view().caption, std::string(kTitle) + "File is Playing");
-    EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CasePlayOrOpen));
+    EXPECT_EQ(view().transportBar, transportBarAfter(BarAfter::CasePlayOrOpen));
     run(1000);
     EXPECT_EQ(view().timeElapsed, "00:00:01");
 
@@ -58,7 +60,7 @@ TEST_F(DictationTest, NewRecordStopPlayPauseContinueToTheEnd) {
     run(2500);
     EXPECT_FALSE(state().flgPlay) << "playback ended at the end of the file";
     EXPECT_EQ(editor1.CursorPosition(), editor1.Length());
-    EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CaseEnd));
+    EXPECT_EQ(view().transportBar, transportBarAfter(BarAfter::CaseEnd));
     EXPECT_EQ(backend.playedSamples().size(), static_cast<std::size_t>(3 * kRate));
     EXPECT_EQ(prompts.transcript().size(), 0u);
 }
@@ -76,15 +78,15 @@ TEST_F(DictationTest, StopDuringPlaybackPausesAndASecondStopEnds) {
     d().stop();
     EXPECT_EQ(editor1.State(), 0);
     EXPECT_EQ(editor1.CursorPosition(), editor1.Length());
-    EXPECT_EQ(view().MMControl1, transportBarAfter(BarAfter::CaseEnd));
+    EXPECT_EQ(view().transportBar, transportBarAfter(BarAfter::CaseEnd));
 }
 
 TEST_F(DictationTest, RoutinesThatFindNothingToDoChangeNothing) {
     arrangeView().lblMode = "Insert Mode";
-    const auto before = view().MMControl1;
+    const auto before = view().transportBar;
     d().CaseStop();
     EXPECT_EQ(view().lblMode, "");
-    EXPECT_EQ(view().MMControl1, before);
+    EXPECT_EQ(view().transportBar, before);
     EXPECT_EQ(state().WhichBut, "");
 
     dictate(2000);
@@ -108,8 +110,8 @@ TEST_F(DictationTest, EveryRefusalCarriesItsTag) {
     const auto middle = editor1.Length() / 2;
     const auto atTheMiddle = [&] {
         editor1.setCursorPosition(middle);
-        arrangeView().ctSlide1 = 50;
-        arrangeView().Label40 = kDeskUnitMissing;
+        arrangeView().positionPercent = 50;
+        arrangeView().statusLine = kDeskUnitMissing;
     };
     struct Case {
         const char* tag;
@@ -134,16 +136,28 @@ TEST_F(DictationTest, EveryRefusalCarriesItsTag) {
         {"CaseStepForward", {}, [&] { d().CaseStepForward(); }},
         {"CaseUndo", {}, [&] { d().CaseUndo(); }},
         {"Command1", atTheMiddle, [&] { d().addToBeginning(); }},
-        {"Command1-2", [&] { atTheMiddle(); arrangeView().ctSlide1 = 0; }, [&] { d().addToBeginning(); }},
+        {"Command1-2",
+         [&] {
+             atTheMiddle();
+             arrangeView().positionPercent = 0;
+         },
+         [&] { d().addToBeginning(); }},
         {"Command1-3",
-         [&] { atTheMiddle(); arrangeView().ctSlide1 = 0; arrangeState().flgfileOpen1 = false; },
+         [&] {
+             atTheMiddle();
+             arrangeView().positionPercent = 0;
+             arrangeState().flgfileOpen1 = false;
+         },
          [&] { d().addToBeginning(); }},
         {"Command2", atTheMiddle, [&] { d().insertAtCursor(); }},
         {"Command3", {}, [&] { d().replayLastThreeSeconds(); }},
         {"cmdOVR", atTheMiddle, [&] { d().overwriteAtCursor(); }},
         {"TurnOffTimers", {}, [&] { d().TurnOffTimers(); }},
         {"timLastThreeSecondsCon",
-         [&] { editor1.setCursorPosition(editor1.Length() - kRate); arrangeState().iTotalSecFile = 3; },
+         [&] {
+             editor1.setCursorPosition(editor1.Length() - kRate);
+             arrangeState().iTotalSecFile = 3;
+         },
          [&] { d().timLastThreeSeconds_Timer(); }},
     };
     for (const Case& c : cases) {
@@ -189,7 +203,8 @@ TEST_F(DictationTest, AfterTheFirstStopThePeriodicSaveKeepsTheFileOneIntervalBeh
     EXPECT_EQ(timer("timSave").Interval(), 16192);
     dictate(2000);
     const std::string file = state().Filename;
-    EXPECT_FALSE(platform::fileExists(file)) << "before the save timer, only the work file holds it";
+    EXPECT_FALSE(platform::fileExists(file))
+        << "before the save timer, only the work file holds it";
     d().recordTake();
     run(16192);
     editor1.finishSaving();  // the file takes its name once the save is complete

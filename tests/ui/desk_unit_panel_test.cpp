@@ -50,7 +50,7 @@ TEST_F(DeskUnitPanelTest, AButtonShowsItsActionAndTellsWhichWasPressed) {
     auto* button = find<QPushButton>(panel, "button5");
     EXPECT_EQ(button->text().toStdString(), "5: Audio Src");
     button->pressed();
-    EXPECT_EQ(view().Label40, "Last Button Pressed on QDU Unit was 5 : Audio Src");
+    EXPECT_EQ(view().statusLine, "Last Button Pressed on QDU Unit was 5 : Audio Src");
     EXPECT_TRUE(model.BUTHit(5));
     button->released();
     EXPECT_FALSE(model.BUTHit(5));

@@ -59,13 +59,13 @@ TEST_F(StationWindowFollowTest, WhatTheDictationAnnouncesIsOnTheScreenOnceTheLoo
     d().newLetter();
     oneTurn();
     EXPECT_EQ(textOf("lblReady").toStdString(), view().lblReady);
-    EXPECT_EQ(textOf("Label40").toStdString(), view().Label40);
+    EXPECT_EQ(textOf("Label40").toStdString(), view().statusLine);
     EXPECT_TRUE(bar(Button::Record)->isEnabled()) << "the new file can be recorded into";
 
     d().closeFile();
     oneTurn();
     EXPECT_FALSE(bar(Button::Record)->isEnabled()) << "no file: nothing to record into";
-    EXPECT_EQ(textOf("Label40").toStdString(), view().Label40);
+    EXPECT_EQ(textOf("Label40").toStdString(), view().statusLine);
 
     // During a take the times move on without a click, a few times a second.
     d().newLetter();

@@ -145,7 +145,7 @@ TEST_F(StationWindowTest, DraggingThePositionSliderMovesTheSliderAndTheTimes) {
 
     EXPECT_EQ(editor1.CursorPosition(), 2 * dictation::testing::kRate);
     EXPECT_EQ(slider->value(), 50);
-    EXPECT_EQ(view().ctSlide1, 50);
+    EXPECT_EQ(view().positionPercent, 50);
     EXPECT_EQ(textOf("NCTTimeDisplay21"), "00:00:02");
     EXPECT_EQ(textOf("Label24"), "00:00:02");
 }

@@ -21,25 +21,25 @@ protected:
         SCOPED_TRACE(after);
         const dictation::MainView& v = view();
         EXPECT_EQ(window().windowTitle().toStdString(), v.caption);
-        EXPECT_EQ(textOf("Label40").toStdString(), v.Label40);
+        EXPECT_EQ(textOf("Label40").toStdString(), v.statusLine);
         EXPECT_EQ(textOf("lblReady").toStdString(), v.lblReady);
         EXPECT_EQ(textOf("NCTTimeDisplay21").toStdString(), v.timeElapsed);
-        EXPECT_EQ(textOf("Label24").toStdString(), v.Label24.empty() ? "00:00:00" : v.Label24);
+        EXPECT_EQ(textOf("Label24").toStdString(), v.timeRemaining.empty() ? "00:00:00" : v.timeRemaining);
         EXPECT_EQ(textOf("StatusBar1Panel1").toStdString(), v.statusPanel1);
         EXPECT_EQ(textOf("lblOnAir").toStdString(), v.lblOnAirVisible ? v.lblOnAir : "");
-        const dictation::TransportBar& b = v.MMControl1;
+        const dictation::TransportBar& b = v.transportBar;
         const std::array<bool, TransportBar::kButtons> enabled = {b.Prev, b.Next, b.Play, b.Pause,
                                                                   b.Back, b.Step, b.Stop, b.Record};
         for (int i = 0; i < TransportBar::kButtons; ++i) {
             EXPECT_EQ(bar(static_cast<Button>(i))->isEnabled(), enabled[static_cast<std::size_t>(i)])
                 << bar(static_cast<Button>(i))->objectName().toStdString();
         }
-        EXPECT_EQ(child<QPushButton>("cmdEOL")->isEnabled(), v.cmdEOL);
-        EXPECT_EQ(child<QPushButton>("Command1")->isEnabled(), v.Command1);
-        EXPECT_EQ(child<QPushButton>("Command2")->isEnabled(), v.Command2);
-        EXPECT_EQ(child<QPushButton>("cmdOVR")->isEnabled(), v.cmdOVR);
-        EXPECT_EQ(child<QSlider>("ctSlide1")->isEnabled(), v.ctSlide1Enabled);
-        EXPECT_EQ(child<QSlider>("ctSlide1")->value(), v.ctSlide1);
+        EXPECT_EQ(child<QPushButton>("cmdEOL")->isEnabled(), v.endOfLetterEnabled);
+        EXPECT_EQ(child<QPushButton>("Command1")->isEnabled(), v.addToBeginningEnabled);
+        EXPECT_EQ(child<QPushButton>("Command2")->isEnabled(), v.insertEnabled);
+        EXPECT_EQ(child<QPushButton>("cmdOVR")->isEnabled(), v.overwriteEnabled);
+        EXPECT_EQ(child<QSlider>("ctSlide1")->isEnabled(), v.positionSliderEnabled);
+        EXPECT_EQ(child<QSlider>("ctSlide1")->value(), v.positionPercent);
         EXPECT_EQ(child<QWidget>("frRec")->isEnabled(), v.formatOptionsEnabled);
     }
 };

@@ -176,10 +176,13 @@ std::optional<Violation> WalkChecks::everyChangeAnnounced(WalkStation& station) 
     }
     if (drawn_ == v) return std::nullopt;
     std::string stale;
-    if (drawn_.caption != v.caption) stale += " caption '" + drawn_.caption + "' for '" + v.caption + "'";
-    if (drawn_.Label40 != v.Label40) stale += " status '" + drawn_.Label40 + "' for '" + v.Label40 + "'";
-    if (drawn_.timeElapsed != v.timeElapsed) stale += " time " + drawn_.timeElapsed + " for " + v.timeElapsed;
-    if (!(drawn_.MMControl1 == v.MMControl1)) stale += " the transport bar";
+    if (drawn_.caption != v.caption)
+        stale += " caption '" + drawn_.caption + "' for '" + v.caption + "'";
+    if (drawn_.statusLine != v.statusLine)
+        stale += " status '" + drawn_.statusLine + "' for '" + v.statusLine + "'";
+    if (drawn_.timeElapsed != v.timeElapsed)
+        stale += " time " + drawn_.timeElapsed + " for " + v.timeElapsed;
+    if (!(drawn_.transportBar == v.transportBar)) stale += " the transport bar";
     if (stale.empty()) stale = " some control";
     return Violation{"announced", "the view changed unannounced; the window shows" + stale};
 }
@@ -187,11 +190,12 @@ std::optional<Violation> WalkChecks::everyChangeAnnounced(WalkStation& station) 
 std::optional<Violation> WalkChecks::screenAgreesWithEngine(WalkStation& station,
                                                             const Observation& now) {
     const dictation::MainView& v = station.d().view();
-    const bool onAir = v.Image5 || v.Image6 || (v.lblOnAirVisible && v.lblOnAir == "ON AIR");
+    const bool onAir =
+        v.onAirLamp1 || v.onAirLamp2 || (v.lblOnAirVisible && v.lblOnAir == "ON AIR");
     if (checking("onair") && onAir && !now.engineRecords()) {
-        return Violation{"onair", "the lamps show ON AIR (lamps " + std::to_string(v.Image5) + "/" +
-                                      std::to_string(v.Image6) + ", label '" + v.lblOnAir + "' " +
-                                      (v.lblOnAirVisible ? "shown" : "hidden") +
+        return Violation{"onair", "the lamps show ON AIR (lamps " + std::to_string(v.onAirLamp1) +
+                                      "/" + std::to_string(v.onAirLamp2) + ", label '" +
+                                      v.lblOnAir + "' " + (v.lblOnAirVisible ? "shown" : "hidden") +
                                       ") while no engine records; " + describe(now)};
     }
     if (checking("status") && now.Recordingstatus != now.engineRecords()) {

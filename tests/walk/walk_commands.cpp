@@ -159,33 +159,33 @@ bool controlEnabled(WalkStation& station, Control control) {
         case Control::None:
             return true;
         case Control::Prev:
-            return v.MMControl1.Prev;
+            return v.transportBar.Prev;
         case Control::Next:
-            return v.MMControl1.Next;
+            return v.transportBar.Next;
         case Control::Play:
-            return v.MMControl1.Play;
+            return v.transportBar.Play;
         case Control::Pause:
-            return v.MMControl1.Pause;
+            return v.transportBar.Pause;
         case Control::Back:
-            return v.MMControl1.Back;
+            return v.transportBar.Back;
         case Control::Step:
-            return v.MMControl1.Step;
+            return v.transportBar.Step;
         case Control::Stop:
-            return v.MMControl1.Stop;
+            return v.transportBar.Stop;
         case Control::Record:
-            return v.MMControl1.Record;
+            return v.transportBar.Record;
         case Control::Command1:
-            return v.Command1;
+            return v.addToBeginningEnabled;
         case Control::Command2:
-            return v.Command2;
+            return v.insertEnabled;
         case Control::cmdOVR:
-            return v.cmdOVR;
+            return v.overwriteEnabled;
         case Control::cmdEOL:
-            return v.cmdEOL;
+            return v.endOfLetterEnabled;
         case Control::ButtonEx1:
-            return v.ButtonEx1Visible;
+            return v.endInsertVisible;
         case Control::ButtonEx2:
-            return v.ButtonEx2Visible;
+            return v.endAppendVisible;
     }
     return true;
 }
