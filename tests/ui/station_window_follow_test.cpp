@@ -159,6 +159,7 @@ TEST(LevelMeterPaceTest, TheMeterRepaintsAtTheEyesPaceHoweverFastTheSoundComesIn
 
     // Quiet: the bar falls to nothing and stops moving.
     EXPECT_TRUE(runUntil([&] { return meter.level() == 0; }, std::chrono::seconds(3)));
+    settle(100);  // the picture of the empty bar
     const int afterFall = counter.paints;
     settle(300);
     EXPECT_EQ(counter.paints, afterFall);
