@@ -51,6 +51,9 @@ class DeviceList {
     // station, a microphone plugged in or taken away: whoever shows the list reads
     // it again when this is not what it was. A list that never changes stays at 0.
     [[nodiscard]] virtual unsigned long Changes() const { return 0; }
+    // Called on the loop's thread each time Changes() moves, so whoever shows the
+    // list need not keep looking. Unset, nobody is told.
+    std::function<void()> onChanged;
 };
 
 // A long operation (open, save, paste, undo) starting or moving on.

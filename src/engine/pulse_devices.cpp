@@ -158,8 +158,11 @@ void PulseDevices::refreshLater(platform::EventLoop& loop) {
         const auto self = weak.lock();
         if (!self) return;
         self->refreshQueued_ = false;
+        const unsigned long before = self->changes_;
         // A failed read keeps the list as it was; the next change tries again.
-        if (self->refresh() && self->onRefreshed) self->onRefreshed();
+        if (!self->refresh()) return;
+        if (self->onRefreshed) self->onRefreshed();
+        if (self->changes_ != before && self->onChanged) self->onChanged();
     });
 }
 

@@ -17,12 +17,12 @@ DebugWindow::DebugWindow(settings::DebugTrace& trace,
     setObjectName("frmDebug");
     setWindowTitle(tr("Debug Trace"));
     auto* column = new QVBoxLayout(this);
-    txtDebug_ = new QPlainTextEdit(this);
-    txtDebug_->setObjectName("txtDebug");
-    txtDebug_->setReadOnly(true);
-    txtDebug_->setLineWrapMode(QPlainTextEdit::NoWrap);
-    txtDebug_->setFont(typewriterFont());
-    column->addWidget(txtDebug_);
+    traceText_ = new QPlainTextEdit(this);
+    traceText_->setObjectName("txtDebug");
+    traceText_->setReadOnly(true);
+    traceText_->setLineWrapMode(QPlainTextEdit::NoWrap);
+    traceText_->setFont(typewriterFont());
+    column->addWidget(traceText_);
     auto* buttons = new QHBoxLayout;
     auto* dump = new QPushButton(tr("Dump Globals"), this);
     dump->setObjectName("cmdDump");
@@ -34,7 +34,7 @@ DebugWindow::DebugWindow(settings::DebugTrace& trace,
     buttons->addWidget(hide);
     column->addLayout(buttons);
     connect(dump, &QPushButton::clicked, this, [this] { DumpGlobals(); });
-    connect(clear, &QPushButton::clicked, txtDebug_, &QPlainTextEdit::clear);
+    connect(clear, &QPushButton::clicked, traceText_, &QPlainTextEdit::clear);
     connect(hide, &QPushButton::clicked, this, &QWidget::close);
     resize(560, 480);
     trace_.onShow = [this] {
@@ -48,8 +48,8 @@ DebugWindow::~DebugWindow() { trace_.onShow = nullptr; }
 void DebugWindow::refresh() {
     QStringList lines;
     for (const std::string& line : trace_.lines()) lines << QString::fromStdString(line);
-    txtDebug_->setPlainText(lines.join('\n'));
-    txtDebug_->verticalScrollBar()->setValue(txtDebug_->verticalScrollBar()->maximum());
+    traceText_->setPlainText(lines.join('\n'));
+    traceText_->verticalScrollBar()->setValue(traceText_->verticalScrollBar()->maximum());
 }
 
 void DebugWindow::DumpGlobals() {

@@ -3,7 +3,6 @@
 // support switches the trace on, and the dump of the globals on request.
 
 #include <QWidget>
-
 #include <functional>
 
 #include "settings/debug_trace.h"
@@ -13,7 +12,7 @@ class QPlainTextEdit;
 namespace ovd::ui {
 
 class DebugWindow : public QWidget {
-public:
+  public:
     DebugWindow(settings::DebugTrace& trace, std::function<settings::GlobalsSnapshot()> snapshot,
                 QWidget* parent = nullptr);
     ~DebugWindow() override;
@@ -26,10 +25,10 @@ public:
     // Shows the window; one that was closed opens over the station's window.
     void showOverStation();
 
-private:
+  private:
     settings::DebugTrace& trace_;
     std::function<settings::GlobalsSnapshot()> snapshot_;
-    QPlainTextEdit* txtDebug_ = nullptr;
+    QPlainTextEdit* traceText_ = nullptr;  // txtDebug
 };
 
 }  // namespace ovd::ui

@@ -5,7 +5,6 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSignalBlocker>
-#include <QTimer>
 
 #include "devices/control_actions.h"
 #include "devices/switch_model.h"
@@ -31,7 +30,10 @@ const std::string& buttonAction(const settings::SettingsRecord& s, int number) {
 
 DeskUnitPanel::DeskUnitPanel(devices::SwitchModel& switchModel, const dictation::MainView& view,
                              const settings::SettingsRecord& settings, QWidget* parent)
-    : QGroupBox(tr("Desk unit"), parent), switchModel_(switchModel), view_(view), settings_(settings) {
+    : QGroupBox(tr("Desk unit"), parent),
+      switchModel_(switchModel),
+      view_(view),
+      settings_(settings) {
     setObjectName("deskUnitPanel");
     auto* layout = new QGridLayout(this);
     for (std::size_t i = 0; i < positions_.size(); ++i) {
@@ -40,16 +42,18 @@ DeskUnitPanel::DeskUnitPanel(devices::SwitchModel& switchModel, const dictation:
         // The switch shows where the model stands, which may be no position at all.
         position->setAutoExclusive(false);
         layout->addWidget(position, 0, static_cast<int>(i));
-        connect(position, &QRadioButton::clicked, this,
-                [this, i] { switchModel_.SwitchCommand(kPositionCommands[i]); refresh(); });
+        connect(position, &QRadioButton::clicked, this, [this, i] {
+            switchModel_.SwitchCommand(kPositionCommands[i]);
+            refresh();
+        });
         positions_[i] = position;
     }
     for (int number = 1; number <= 8; ++number) {
         const std::string& action = buttonAction(settings_, number);
-        auto* button = new QPushButton(
-            QStringLiteral("%1: %2").arg(number).arg(
-                QString::fromStdString(devices::buttonDisplayName(action))),
-            this);
+        auto* button =
+            new QPushButton(QStringLiteral("%1: %2").arg(number).arg(
+                                QString::fromStdString(devices::buttonDisplayName(action))),
+                            this);
         button->setObjectName(QStringLiteral("button%1").arg(number));
         layout->addWidget(button, 1 + (number - 1) / 4, (number - 1) % 4);
         connect(button, &QPushButton::pressed, this, [this, number] {
@@ -63,16 +67,12 @@ DeskUnitPanel::DeskUnitPanel(devices::SwitchModel& switchModel, const dictation:
     status_ = new QLabel(this);
     status_->setObjectName("Lbl4Pos");
     layout->addWidget(status_, 3, 0, 1, 4);
-    auto* follow = new QTimer(this);
-    connect(follow, &QTimer::timeout, this, [this] { refresh(); });
-    follow->start(100);
     refresh();
 }
 
 void DeskUnitPanel::refresh() {
-    if (view_.revision == shownRevision_) return;
-    shownRevision_ = view_.revision;
-    status_->setText(QString::fromStdString(view_.switchPosition));
+    const QString position = QString::fromStdString(view_.switchPosition);
+    if (status_->text() != position) status_->setText(position);
     for (std::size_t i = 0; i < positions_.size(); ++i) {
         const QSignalBlocker quiet(positions_[i]);
         positions_[i]->setChecked(view_.switchPosition == kPositionTexts[i]);

@@ -4,7 +4,6 @@
 // calls the switch model exactly as a desk unit's link does.
 
 #include <QGroupBox>
-
 #include <array>
 
 class QLabel;
@@ -24,25 +23,25 @@ struct SettingsRecord;
 namespace ovd::ui {
 
 class DeskUnitPanel : public QGroupBox {
-public:
+  public:
     DeskUnitPanel(devices::SwitchModel& switchModel, const dictation::MainView& view,
                   const settings::SettingsRecord& settings, QWidget* parent = nullptr);
 
-    // The switch and the labels follow the dictation (a pedal moves the switch too).
+    // The switch and the labels follow the dictation (a pedal moves the switch
+    // too); the station window calls this whenever the dictation's view changed.
     void refresh();
 
     // The words the positions send, in the order the switch shows them.
     static constexpr std::array<const char*, 4> kPositionCommands = {"Record", "LISTEN", "STOP",
                                                                      "STEPBACK"};
 
-private:
+  private:
     devices::SwitchModel& switchModel_;
     const dictation::MainView& view_;
     const settings::SettingsRecord& settings_;
     std::array<QRadioButton*, 4> positions_{};
     std::array<QPushButton*, 8> buttons_{};
     QLabel* status_ = nullptr;
-    unsigned long shownRevision_ = ~0UL;
 };
 
 }  // namespace ovd::ui

@@ -35,77 +35,81 @@ DeviceBox::DeviceBox(station::DeviceChoice& choice, QWidget* parent)
     : QGroupBox(tr("Sound"), parent), choice_(choice) {
     setObjectName("frameDevices");
     auto* grid = new QGridLayout(this);
-    cmbDevInput_ = new QComboBox(this);
-    cmbDevInput_->setObjectName("cmbDevInput");
-    cmbSrcInput_ = new QComboBox(this);
-    cmbSrcInput_->setObjectName("cmbSrcInput");
-    cmbDevOutput_ = new QComboBox(this);
-    cmbDevOutput_->setObjectName("cmbDevOutput");
-    cmbSrcOutput_ = new QComboBox(this);
-    cmbSrcOutput_->setObjectName("cmbSrcOutput");
-    for (QComboBox* box : {cmbDevInput_, cmbSrcInput_, cmbDevOutput_, cmbSrcOutput_}) {
+    inputDeviceBox_ = new QComboBox(this);
+    inputDeviceBox_->setObjectName("cmbDevInput");
+    inputLineBox_ = new QComboBox(this);
+    inputLineBox_->setObjectName("cmbSrcInput");
+    outputDeviceBox_ = new QComboBox(this);
+    outputDeviceBox_->setObjectName("cmbDevOutput");
+    outputLineBox_ = new QComboBox(this);
+    outputLineBox_->setObjectName("cmbSrcOutput");
+    for (QComboBox* box : {inputDeviceBox_, inputLineBox_, outputDeviceBox_, outputLineBox_}) {
         box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
         box->setMinimumContentsLength(18);
     }
-    sldrVolumeInp_ = volumeSlider(this, "sldrVolumeInp");
-    sldrVolumeOut_ = volumeSlider(this, "sldrVolumeOut");
-    lblRecLev_ = new QLabel(this);
-    lblRecLev_->setObjectName("lblRecLev");
-    Label6_ = new QLabel(this);
-    Label6_->setObjectName("Label6");
-    auto* cmdAdvancedInput = new QPushButton(tr("Advanced..."), this);
-    cmdAdvancedInput->setObjectName("cmdAdvancedInput");
-    auto* cmdAdvancedOutput = new QPushButton(tr("Advanced..."), this);
-    cmdAdvancedOutput->setObjectName("cmdAdvancedOutput");
-    for (QPushButton* advanced : {cmdAdvancedInput, cmdAdvancedOutput}) {
+    inputVolumeSlider_ = volumeSlider(this, "sldrVolumeInp");
+    outputVolumeSlider_ = volumeSlider(this, "sldrVolumeOut");
+    inputVolumeLabel_ = new QLabel(this);
+    inputVolumeLabel_->setObjectName("lblRecLev");
+    outputVolumeLabel_ = new QLabel(this);
+    outputVolumeLabel_->setObjectName("Label6");
+    auto* advancedInput = new QPushButton(tr("Advanced..."), this);
+    advancedInput->setObjectName("cmdAdvancedInput");
+    auto* advancedOutput = new QPushButton(tr("Advanced..."), this);
+    advancedOutput->setObjectName("cmdAdvancedOutput");
+    for (QPushButton* advanced : {advancedInput, advancedOutput}) {
         advanced->setEnabled(false);
         advanced->setToolTip(tr("The advanced sound settings are not available yet"));
     }
 
     grid->addWidget(new QLabel(tr("Record from"), this), 0, 0);
-    grid->addWidget(cmbDevInput_, 0, 1);
-    grid->addWidget(cmbSrcInput_, 0, 2);
-    grid->addWidget(cmdAdvancedInput, 0, 3);
-    grid->addWidget(lblRecLev_, 1, 0);
-    grid->addWidget(sldrVolumeInp_, 1, 1, 1, 3);
+    grid->addWidget(inputDeviceBox_, 0, 1);
+    grid->addWidget(inputLineBox_, 0, 2);
+    grid->addWidget(advancedInput, 0, 3);
+    grid->addWidget(inputVolumeLabel_, 1, 0);
+    grid->addWidget(inputVolumeSlider_, 1, 1, 1, 3);
     grid->addWidget(new QLabel(tr("Play to"), this), 2, 0);
-    grid->addWidget(cmbDevOutput_, 2, 1);
-    grid->addWidget(cmbSrcOutput_, 2, 2);
-    grid->addWidget(cmdAdvancedOutput, 2, 3);
-    grid->addWidget(Label6_, 3, 0);
-    grid->addWidget(sldrVolumeOut_, 3, 1, 1, 3);
+    grid->addWidget(outputDeviceBox_, 2, 1);
+    grid->addWidget(outputLineBox_, 2, 2);
+    grid->addWidget(advancedOutput, 2, 3);
+    grid->addWidget(outputVolumeLabel_, 3, 0);
+    grid->addWidget(outputVolumeSlider_, 3, 1, 1, 3);
 
-    connect(cmbDevInput_, &QComboBox::activated, this, [this](int index) {
+    connect(inputDeviceBox_, &QComboBox::activated, this, [this](int index) {
         choice_.cmbDevInput_Click(index);
         fill();
     });
-    connect(cmbSrcInput_, &QComboBox::activated, this, [this](int index) {
+    connect(inputLineBox_, &QComboBox::activated, this, [this](int index) {
         choice_.cmbSrcInput_Click(index);
         showVolumes();
     });
-    connect(cmbDevOutput_, &QComboBox::activated, this, [this](int index) {
+    connect(outputDeviceBox_, &QComboBox::activated, this, [this](int index) {
         choice_.cmbDevOutput_Click(index);
         fill();
     });
-    connect(cmbSrcOutput_, &QComboBox::activated, this, [this](int index) {
+    connect(outputLineBox_, &QComboBox::activated, this, [this](int index) {
         choice_.cmbSrcOutput_Click(index);
         showVolumes();
     });
-    connect(sldrVolumeInp_, &QSlider::valueChanged, this, [this](int position) {
+    connect(inputVolumeSlider_, &QSlider::valueChanged, this, [this](int position) {
         choice_.sldrVolumeInp_Change(position);
-        lblRecLev_->setText(QString::fromStdString(station::volumeLabel("Recording Volume", position)));
+        inputVolumeLabel_->setText(
+            QString::fromStdString(station::volumeLabel("Recording Volume", position)));
     });
-    connect(sldrVolumeOut_, &QSlider::valueChanged, this, [this](int position) {
+    connect(outputVolumeSlider_, &QSlider::valueChanged, this, [this](int position) {
         choice_.sldrVolumeOut_Change(position);
-        Label6_->setText(QString::fromStdString(station::volumeLabel("Playing Volume", position)));
+        outputVolumeLabel_->setText(
+            QString::fromStdString(station::volumeLabel("Playing Volume", position)));
     });
-    connect(sldrVolumeInp_, &QSlider::sliderReleased, this, [this] { choice_.sldrVolumeInp_MouseUp(); });
-    connect(sldrVolumeOut_, &QSlider::sliderReleased, this, [this] { choice_.sldrVolumeOut_MouseUp(); });
+    connect(inputVolumeSlider_, &QSlider::sliderReleased, this,
+            [this] { choice_.sldrVolumeInp_MouseUp(); });
+    connect(outputVolumeSlider_, &QSlider::sliderReleased, this,
+            [this] { choice_.sldrVolumeOut_MouseUp(); });
     // A step of the keyboard or a click beside the handle has no release: store at once.
-    connect(sldrVolumeInp_, &QSlider::actionTriggered, this, [this](int action) {
+    connect(inputVolumeSlider_, &QSlider::actionTriggered, this, [this](int action) {
         if (action != QAbstractSlider::SliderMove) choice_.sldrVolumeInp_MouseUp();
     });
-    connect(sldrVolumeOut_, &QSlider::actionTriggered, this, [this](int action) {
+    connect(outputVolumeSlider_, &QSlider::actionTriggered, this, [this](int action) {
         if (action != QAbstractSlider::SliderMove) choice_.sldrVolumeOut_MouseUp();
     });
     fill();
@@ -121,24 +125,26 @@ void DeviceBox::follow() {
 
 void DeviceBox::fill() {
     shownChanges_ = choice_.listChanges();
-    fillBox(cmbDevInput_, choice_.inputDevices(), choice_.inputDevice());
-    fillBox(cmbSrcInput_, choice_.inputSources(), choice_.inputSource());
-    fillBox(cmbDevOutput_, choice_.outputDevices(), choice_.outputDevice());
-    fillBox(cmbSrcOutput_, choice_.outputSources(), choice_.outputSource());
+    fillBox(inputDeviceBox_, choice_.inputDevices(), choice_.inputDevice());
+    fillBox(inputLineBox_, choice_.inputSources(), choice_.inputSource());
+    fillBox(outputDeviceBox_, choice_.outputDevices(), choice_.outputDevice());
+    fillBox(outputLineBox_, choice_.outputSources(), choice_.outputSource());
     showVolumes();
 }
 
 void DeviceBox::showVolumes() {
     {
-        const QSignalBlocker quietIn(sldrVolumeInp_);
-        const QSignalBlocker quietOut(sldrVolumeOut_);
-        sldrVolumeInp_->setValue(choice_.sldrVolumeInp());
-        sldrVolumeOut_->setValue(choice_.sldrVolumeOut());
+        const QSignalBlocker quietIn(inputVolumeSlider_);
+        const QSignalBlocker quietOut(outputVolumeSlider_);
+        inputVolumeSlider_->setValue(choice_.sldrVolumeInp());
+        outputVolumeSlider_->setValue(choice_.sldrVolumeOut());
     }
-    sldrVolumeInp_->setEnabled(choice_.inputVolumeAvailable());
-    sldrVolumeOut_->setEnabled(choice_.outputVolumeAvailable());
-    lblRecLev_->setText(QString::fromStdString(station::volumeLabel("Recording Volume", choice_.sldrVolumeInp())));
-    Label6_->setText(QString::fromStdString(station::volumeLabel("Playing Volume", choice_.sldrVolumeOut())));
+    inputVolumeSlider_->setEnabled(choice_.inputVolumeAvailable());
+    outputVolumeSlider_->setEnabled(choice_.outputVolumeAvailable());
+    inputVolumeLabel_->setText(
+        QString::fromStdString(station::volumeLabel("Recording Volume", choice_.sldrVolumeInp())));
+    outputVolumeLabel_->setText(
+        QString::fromStdString(station::volumeLabel("Playing Volume", choice_.sldrVolumeOut())));
 }
 
 }  // namespace ovd::ui

@@ -17,7 +17,7 @@ namespace ovd::ui {
 
 
 class DeviceBox : public QGroupBox {
-public:
+  public:
     explicit DeviceBox(station::DeviceChoice& choice, QWidget* parent = nullptr);
 
     // Fills the lists from the choice, without calling back into it.
@@ -26,19 +26,19 @@ public:
     // so the boxes list what is there and show the device really in use.
     void follow();
 
-private:
+  private:
     void showVolumes();
 
     station::DeviceChoice& choice_;
     unsigned long shownChanges_ = 0;
-    QComboBox* cmbDevInput_ = nullptr;
-    QComboBox* cmbSrcInput_ = nullptr;
-    QComboBox* cmbDevOutput_ = nullptr;
-    QComboBox* cmbSrcOutput_ = nullptr;
-    QSlider* sldrVolumeInp_ = nullptr;
-    QSlider* sldrVolumeOut_ = nullptr;
-    QLabel* lblRecLev_ = nullptr;
-    QLabel* Label6_ = nullptr;
+    QComboBox* inputDeviceBox_ = nullptr;    // cmbDevInput
+    QComboBox* inputLineBox_ = nullptr;      // cmbSrcInput
+    QComboBox* outputDeviceBox_ = nullptr;   // cmbDevOutput
+    QComboBox* outputLineBox_ = nullptr;     // cmbSrcOutput
+    QSlider* inputVolumeSlider_ = nullptr;   // sldrVolumeInp
+    QSlider* outputVolumeSlider_ = nullptr;  // sldrVolumeOut
+    QLabel* inputVolumeLabel_ = nullptr;     // lblRecLev
+    QLabel* outputVolumeLabel_ = nullptr;    // Label6
 };
 
 }  // namespace ovd::ui

@@ -27,12 +27,12 @@ EventLogWindow::EventLogWindow(const settings::EventLog& eventLog, QWidget* pare
     QAction* exit = file->addAction(tr("E&xit"), this, [this] { close(); });
     exit->setObjectName("id_Exit");
     column->setMenuBar(menus);
-    Text1_ = new QPlainTextEdit(this);
-    Text1_->setObjectName("Text1");
-    Text1_->setReadOnly(true);
-    Text1_->setLineWrapMode(QPlainTextEdit::NoWrap);
-    Text1_->setFont(typewriterFont());
-    column->addWidget(Text1_);
+    logText_ = new QPlainTextEdit(this);
+    logText_->setObjectName("Text1");
+    logText_->setReadOnly(true);
+    logText_->setLineWrapMode(QPlainTextEdit::NoWrap);
+    logText_->setFont(typewriterFont());
+    column->addWidget(logText_);
     setFixedSize(720, 420);
 
     follow_ = new QTimer(this);
@@ -57,7 +57,7 @@ void EventLogWindow::refresh() {
     const std::string& text = eventLog_.text();
     if (text.size() == shownBytes_) return;
     if (text.size() < shownBytes_) {
-        Text1_->clear();
+        logText_->clear();
         shownBytes_ = 0;
     }
     // Only what is new is added, so a long day's log costs nothing to follow.
@@ -65,18 +65,18 @@ void EventLogWindow::refresh() {
                                            static_cast<qsizetype>(text.size() - shownBytes_));
     added.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     if (added.endsWith('\n')) added.chop(1);
-    Text1_->appendPlainText(added);
+    logText_->appendPlainText(added);
     shownBytes_ = text.size();
     // The caret goes to the start of the newest line: the view shows the last
     // lines from their beginning, not scrolled along to where the longest ends.
-    Text1_->moveCursor(QTextCursor::End);
-    Text1_->moveCursor(QTextCursor::StartOfBlock);
+    logText_->moveCursor(QTextCursor::End);
+    logText_->moveCursor(QTextCursor::StartOfBlock);
     showNewestLines();
 }
 
 void EventLogWindow::showNewestLines() {
-    Text1_->horizontalScrollBar()->setValue(0);
-    Text1_->verticalScrollBar()->setValue(Text1_->verticalScrollBar()->maximum());
+    logText_->horizontalScrollBar()->setValue(0);
+    logText_->verticalScrollBar()->setValue(logText_->verticalScrollBar()->maximum());
 }
 
 }  // namespace ovd::ui

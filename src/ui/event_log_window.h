@@ -3,7 +3,6 @@
 // a fixed size. chkViewlOG on the main window shows and hides it.
 
 #include <QWidget>
-
 #include <functional>
 
 class QPlainTextEdit;
@@ -16,26 +15,26 @@ class EventLog;
 namespace ovd::ui {
 
 class EventLogWindow : public QWidget {
-public:
+  public:
     explicit EventLogWindow(const settings::EventLog& eventLog, QWidget* parent = nullptr);
 
     // Takes up what the log gained since the last look.
     void refresh();
-    [[nodiscard]] QPlainTextEdit* Text1() const { return Text1_; }
+    [[nodiscard]] QPlainTextEdit* logText() const { return logText_; }  // Text1
 
     // The window was closed from its own menu or frame: chkViewlOG unticks.
     std::function<void()> onClosed;
 
-protected:
+  protected:
     void closeEvent(QCloseEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
-private:
+  private:
     // The last lines in sight, from the start of each.
     void showNewestLines();
 
     const settings::EventLog& eventLog_;
-    QPlainTextEdit* Text1_ = nullptr;
+    QPlainTextEdit* logText_ = nullptr;
     QTimer* follow_ = nullptr;
     std::size_t shownBytes_ = 0;
 };

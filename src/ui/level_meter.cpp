@@ -2,14 +2,13 @@
 
 #include <QPainter>
 #include <QTimer>
-
 #include <algorithm>
 
 namespace ovd::ui {
 
 namespace {
-constexpr int kFallEveryMs = 50;
-constexpr int kFallStep = 4;  // percent per step: about a second from the top to nothing
+constexpr int kFallEveryMs = 50;  // 20 pictures a second at most
+constexpr int kFallStep = 4;      // percent per step: about a second from the top to nothing
 }  // namespace
 
 LevelMeter::LevelMeter(QWidget* parent) : QWidget(parent) {
@@ -21,17 +20,26 @@ LevelMeter::LevelMeter(QWidget* parent) : QWidget(parent) {
 }
 
 void LevelMeter::setLevel(int peakPercent) {
-    const int level = std::clamp(peakPercent, 0, 100);
-    if (level < shown_) return;  // the bar falls by itself
+    heard_ = std::max(heard_, std::clamp(peakPercent, 0, 100));
+    // The sound comes in blocks many times a second; the bar moves at the pace of
+    // its own fall, which is enough for the eye. After a quiet spell it jumps at once.
+    if (!fall_->isActive() && heard_ > shown_) {
+        step();
+        fall_->start();
+    }
+}
+
+void LevelMeter::step() {
+    const int level = std::max({heard_, shown_ - kFallStep, 0});
+    heard_ = 0;
+    if (level == shown_) return;
     shown_ = level;
-    if (!fall_->isActive()) fall_->start();
     update();
 }
 
 void LevelMeter::fall() {
-    shown_ = std::max(0, shown_ - kFallStep);
+    step();
     if (shown_ == 0) fall_->stop();
-    update();
 }
 
 void LevelMeter::paintEvent(QPaintEvent* /*event*/) {
@@ -42,9 +50,10 @@ void LevelMeter::paintEvent(QPaintEvent* /*event*/) {
     const int amberFrom = box.width() * 70 / 100;
     const int redFrom = box.width() * 90 / 100;
     const auto band = [&](int from, int to, QColor colour) {
-        if (width > from) painter.fillRect(QRect(box.left() + from, box.top() + 1, std::min(width, to) - from,
-                                                 box.height() - 1),
-                                           colour);
+        if (width > from)
+            painter.fillRect(QRect(box.left() + from, box.top() + 1, std::min(width, to) - from,
+                                   box.height() - 1),
+                             colour);
     };
     band(0, amberFrom, QColor(40, 190, 60));
     band(amberFrom, redFrom, QColor(230, 170, 20));

@@ -10,23 +10,28 @@ class QTimer;
 namespace ovd::ui {
 
 class LevelMeter : public QWidget {
-public:
+  public:
     explicit LevelMeter(QWidget* parent = nullptr);
 
-    // A peak, in percent of full scale.
+    // A peak, in percent of full scale. The bar shows the loudest heard in each
+    // step of its fall, so it repaints no more often than that however fast the
+    // sound comes in.
     void setLevel(int peakPercent);
     [[nodiscard]] int level() const { return shown_; }
 
     [[nodiscard]] QSize sizeHint() const override { return {160, 14}; }
     [[nodiscard]] QSize minimumSizeHint() const override { return {60, 10}; }
 
-protected:
+  protected:
     void paintEvent(QPaintEvent* event) override;
 
-private:
+  private:
+    // The loudest peak heard since the last step, or the fall.
+    void step();
     void fall();
 
     int shown_ = 0;
+    int heard_ = 0;
     QTimer* fall_ = nullptr;
 };
 

@@ -7,9 +7,7 @@
 
 namespace ovd::ui {
 
-Lamp::Lamp(QWidget* parent) : QWidget(parent) {
-    setFixedSize(sizeHint());
-}
+Lamp::Lamp(QWidget* parent) : QWidget(parent) { setFixedSize(sizeHint()); }
 
 void Lamp::setLit(bool lit) {
     if (lit == lit_) return;
@@ -37,31 +35,34 @@ void Lamp::paintEvent(QPaintEvent* /*event*/) {
 OnAirLamps::OnAirLamps(QWidget* parent) : QWidget(parent) {
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
-    Image5_ = new Lamp(this);
-    Image5_->setObjectName("Image5");
-    Image6_ = new Lamp(this);
-    Image6_->setObjectName("Image6");
-    lblOnAir_ = new QLabel(this);
-    lblOnAir_->setObjectName("lblOnAir");
-    lblOnAir_->setAlignment(Qt::AlignCenter);
-    lblOnAir_->setMinimumWidth(90);
-    QFont bold = lblOnAir_->font();
+    leftLamp_ = new Lamp(this);
+    leftLamp_->setObjectName("Image5");
+    rightLamp_ = new Lamp(this);
+    rightLamp_->setObjectName("Image6");
+    onAirCaption_ = new QLabel(this);
+    onAirCaption_->setObjectName("lblOnAir");
+    onAirCaption_->setAlignment(Qt::AlignCenter);
+    onAirCaption_->setMinimumWidth(90);
+    QFont bold = onAirCaption_->font();
     bold.setBold(true);
     bold.setPointSizeF(bold.pointSizeF() * 1.3);
-    lblOnAir_->setFont(bold);
-    row->addWidget(Image5_);
-    row->addWidget(lblOnAir_);
-    row->addWidget(Image6_);
+    onAirCaption_->setFont(bold);
+    row->addWidget(leftLamp_);
+    row->addWidget(onAirCaption_);
+    row->addWidget(rightLamp_);
 }
 
-void OnAirLamps::show(bool Image5, bool Image6, const QString& lblOnAir, bool lblOnAirVisible) {
-    Image5_->setLit(Image5);
-    Image6_->setLit(Image6);
+void OnAirLamps::show(bool leftLit, bool rightLit, const QString& caption, bool captionVisible) {
+    leftLamp_->setLit(leftLit);
+    rightLamp_->setLit(rightLit);
     // Hidden, the caption keeps its room so the window does not jump at each take.
-    lblOnAir_->setText(lblOnAirVisible ? lblOnAir : QString());
-    const bool onAir = lblOnAir == QLatin1String("ON AIR");
-    lblOnAir_->setStyleSheet(onAir ? QStringLiteral("color: #d01010;")
-                                   : QStringLiteral("color: #a06000;"));
+    const QString shown = captionVisible ? caption : QString();
+    if (onAirCaption_->text() != shown) onAirCaption_->setText(shown);
+    const bool onAir = caption == QLatin1String("ON AIR");
+    // A style sheet set again, even the same, restyles and repaints the caption.
+    const QString colour =
+        onAir ? QStringLiteral("color: #d01010;") : QStringLiteral("color: #a06000;");
+    if (onAirCaption_->styleSheet() != colour) onAirCaption_->setStyleSheet(colour);
 }
 
 }  // namespace ovd::ui

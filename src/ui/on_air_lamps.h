@@ -10,31 +10,31 @@ class QLabel;
 namespace ovd::ui {
 
 class Lamp : public QWidget {
-public:
+  public:
     explicit Lamp(QWidget* parent = nullptr);
     void setLit(bool lit);
     [[nodiscard]] bool lit() const { return lit_; }
     [[nodiscard]] QSize sizeHint() const override { return {22, 22}; }
 
-protected:
+  protected:
     void paintEvent(QPaintEvent* event) override;
 
-private:
+  private:
     bool lit_ = false;
 };
 
 class OnAirLamps : public QWidget {
-public:
+  public:
     explicit OnAirLamps(QWidget* parent = nullptr);
-    // Image5, Image6 and lblOnAir as the dictation leaves them.
-    void show(bool Image5, bool Image6, const QString& lblOnAir, bool lblOnAirVisible);
+    // The lamps (Image5, Image6) and the caption (lblOnAir) as the dictation leaves them.
+    void show(bool leftLit, bool rightLit, const QString& caption, bool captionVisible);
 
-    [[nodiscard]] QLabel* caption() const { return lblOnAir_; }
+    [[nodiscard]] QLabel* caption() const { return onAirCaption_; }
 
-private:
-    Lamp* Image5_ = nullptr;
-    Lamp* Image6_ = nullptr;
-    QLabel* lblOnAir_ = nullptr;
+  private:
+    Lamp* leftLamp_ = nullptr;        // Image5
+    Lamp* rightLamp_ = nullptr;       // Image6
+    QLabel* onAirCaption_ = nullptr;  // lblOnAir
 };
 
 }  // namespace ovd::ui

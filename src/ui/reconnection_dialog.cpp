@@ -13,20 +13,20 @@ ReconnectionDialogWindow::ReconnectionDialogWindow(delivery::PeerLink& link, QWi
     : QDialog(mainWindow), link_(link), mainWindow_(mainWindow) {
     setWindowTitle(delivery::ReconnectionDialog::Caption);
     auto* column = new QVBoxLayout(this);
-    lblWait_ = new QLabel;
-    lblWait_->setTextFormat(Qt::PlainText);
-    lblWait_->setAlignment(Qt::AlignCenter);
-    column->addWidget(lblWait_);
+    waitText_ = new QLabel;
+    waitText_->setTextFormat(Qt::PlainText);
+    waitText_->setAlignment(Qt::AlignCenter);
+    column->addWidget(waitText_);
     auto* row = new QHBoxLayout;
-    cmdOK_ = new QPushButton("OK");
-    cmdConnect_ = new QPushButton("Connect");
+    okButton_ = new QPushButton("OK");
+    connectButton_ = new QPushButton("Connect");
     row->addStretch();
-    row->addWidget(cmdOK_);
-    row->addWidget(cmdConnect_);
+    row->addWidget(okButton_);
+    row->addWidget(connectButton_);
     column->addLayout(row);
-    cmdOK_->setDefault(true);
-    connect(cmdOK_, &QPushButton::clicked, this, [this] { link_.okClicked(); });
-    connect(cmdConnect_, &QPushButton::clicked, this, [this] { link_.connectClicked(); });
+    okButton_->setDefault(true);
+    connect(okButton_, &QPushButton::clicked, this, [this] { link_.okClicked(); });
+    connect(connectButton_, &QPushButton::clicked, this, [this] { link_.connectClicked(); });
     setMinimumWidth(360);
 }
 
@@ -36,9 +36,9 @@ void ReconnectionDialogWindow::render() {
         hide();
         return;
     }
-    lblWait_->setText(QString::fromStdString(view.lblWait));
-    cmdOK_->setVisible(view.cmdOKVisible);
-    cmdConnect_->setVisible(view.cmdConnectVisible);
+    waitText_->setText(QString::fromStdString(view.lblWait));
+    okButton_->setVisible(view.cmdOKVisible);
+    connectButton_->setVisible(view.cmdConnectVisible);
     const Qt::WindowModality modality = view.modal ? Qt::ApplicationModal : Qt::NonModal;
     if (windowModality() != modality) {
         // Modality is taken when the window is shown.
@@ -47,7 +47,8 @@ void ReconnectionDialogWindow::render() {
     }
     if (mainWindow_ != nullptr) {
         move(mainWindow_->frameGeometry().topLeft() +
-             QPoint(delivery::ReconnectionDialog::kOffsetPixels, delivery::ReconnectionDialog::kOffsetPixels));
+             QPoint(delivery::ReconnectionDialog::kOffsetPixels,
+                    delivery::ReconnectionDialog::kOffsetPixels));
     }
     if (!isVisible()) {
         keepAboveStation(*this, mainWindow_);
@@ -66,7 +67,8 @@ void answerReconnectionHeadless(delivery::PeerLink& link, platform::EventLoop& l
         if (!view.loaded || !view.cmdOKVisible) return;
         // After the routine that opened it has finished, as a click would come.
         loop.postFromAnyThread([&link] {
-            if (link.frmTCPReConnection.loaded && link.frmTCPReConnection.cmdOKVisible) link.okClicked();
+            if (link.frmTCPReConnection.loaded && link.frmTCPReConnection.cmdOKVisible)
+                link.okClicked();
         });
     };
 }

@@ -15,26 +15,26 @@ class QPushButton;
 namespace ovd::ui {
 
 class ReconnectionDialogWindow : public QDialog {
-public:
+  public:
     ReconnectionDialogWindow(delivery::PeerLink& link, QWidget* mainWindow);
 
     // Shows, redraws or hides the dialog as the link's view now says.
     void render();
 
-    QLabel* lblWait() const { return lblWait_; }
-    QPushButton* cmdOK() const { return cmdOK_; }
-    QPushButton* cmdConnect() const { return cmdConnect_; }
+    QLabel* waitText() const { return waitText_; }                 // lblWait
+    QPushButton* okButton() const { return okButton_; }            // cmdOK
+    QPushButton* connectButton() const { return connectButton_; }  // cmdConnect
 
-protected:
+  protected:
     // The window's close box is the OK button, and only while the buttons show.
     void reject() override;
 
-private:
+  private:
     delivery::PeerLink& link_;
     QPointer<QWidget> mainWindow_;
-    QLabel* lblWait_;
-    QPushButton* cmdOK_;
-    QPushButton* cmdConnect_;
+    QLabel* waitText_;
+    QPushButton* okButton_;
+    QPushButton* connectButton_;
 };
 
 // Without a window nobody can choose: the dialog's default, OK, is taken as soon

@@ -56,10 +56,15 @@ void StationMenus::buildFile() {
     dictation::Dictation& d = parts_.dictation;
     QMenu* file = window_.menuBar()->addMenu(QObject::tr("&File"));
     file->setObjectName("mnuFile");
-    add(file, "mnuNew", QObject::tr("&New"), [&d] { d.newLetter(); })->setShortcut(QKeySequence::New);
-    add(file, "mnuOpen", QObject::tr("&Open..."), [&d] { d.openLetter(); })
-        ->setShortcut(QKeySequence::Open);
-    add(file, "mnuSave", QObject::tr("&Save"), [&d] { d.saveNow(); })->setShortcut(QKeySequence::Save);
+    add(file, "mnuNew", QObject::tr("&New"), [&d] {
+        d.newLetter();
+    })->setShortcut(QKeySequence::New);
+    add(file, "mnuOpen", QObject::tr("&Open..."), [&d] {
+        d.openLetter();
+    })->setShortcut(QKeySequence::Open);
+    add(file, "mnuSave", QObject::tr("&Save"), [&d] {
+        d.saveNow();
+    })->setShortcut(QKeySequence::Save);
     add(file, "mnuSaveAs", QObject::tr("Save &As..."), [&d] { d.saveAs(); });
     add(file, "mnclose", QObject::tr("&Close"), [&d] { d.closeFromMenu(); });
     file->addSeparator();
@@ -105,8 +110,10 @@ void StationMenus::buildView() {
     QObject::connect(onTop, &QAction::toggled, &window_, [this](bool on) { window_.setOnTop(on); });
     QAction* log = add(view, "mnuViewLog", QObject::tr("&Event Log"), [] {});
     log->setCheckable(true);
-    QObject::connect(log, &QAction::toggled, &window_, [this](bool on) { window_.chkViewlOG_Click(on); });
-    QObject::connect(view, &QMenu::aboutToShow, &window_, [this] { refresh(parts_.dictation.view()); });
+    QObject::connect(log, &QAction::toggled, &window_,
+                     [this](bool on) { window_.showEventLog(on); });
+    QObject::connect(view, &QMenu::aboutToShow, &window_,
+                     [this] { refresh(parts_.dictation.view()); });
 }
 
 void StationMenus::buildConfiguration() {
@@ -115,9 +122,11 @@ void StationMenus::buildConfiguration() {
     configuration->setObjectName("mnuConfiguration");
     addGreyed(configuration, "mnuFileSaves", QObject::tr("File Names, Folders and Delivery..."));
     addGreyed(configuration, "mnuRecordingFormats", QObject::tr("Recording Formats..."));
-    add(configuration, "CaseDefaults", QObject::tr("Factory Recording Formats"), [&d] { d.restoreFactoryFormats(); });
+    add(configuration, "CaseDefaults", QObject::tr("Factory Recording Formats"),
+        [&d] { d.restoreFactoryFormats(); });
     configuration->addSeparator();
-    addGreyed(configuration, "mnuQDUCon", QObject::tr("Quadrant Desk Unit Connected"))->setCheckable(true);
+    addGreyed(configuration, "mnuQDUCon", QObject::tr("Quadrant Desk Unit Connected"))
+        ->setCheckable(true);
     addGreyed(configuration, "mnuButtons", QObject::tr("Desk Unit Buttons..."));
     addGreyed(configuration, "mnuHotKeys", QObject::tr("Hot Keys..."));
     addGreyed(configuration, "mnuSpeakers", QObject::tr("Speakers..."));
@@ -143,16 +152,17 @@ void StationMenus::buildPedals() {
     devices::HandsFree* handsFree = parts_.handsFree;
     const auto pedalEntry = [&](const std::string& name, const QString& text,
                                 const std::function<void(devices::HandsFree&)>& routine) {
-        QAction* entry = handsFree != nullptr
-                             ? add(pedals, name, text, [handsFree, routine] { routine(*handsFree); })
-                             : addGreyed(pedals, name, text);
+        QAction* entry = handsFree != nullptr ? add(pedals, name, text,
+                                                    [handsFree, routine] { routine(*handsFree); })
+                                              : addGreyed(pedals, name, text);
         entry->setCheckable(true);
     };
     pedalEntry("mnuUSBFootPedals", QObject::tr("USB Foot Pedals"),
                [](devices::HandsFree& h) { h.usb.toggleUsbPedals(); });
     pedalEntry("mnuSERFootPedals", QObject::tr("Serial Foot Pedals"),
                [](devices::HandsFree& h) { h.serial.toggleSerialPedals(); });
-    addGreyed(pedals, "mnuGAMEFootPedals", QObject::tr("Game Port Foot Pedals"))->setCheckable(true);
+    addGreyed(pedals, "mnuGAMEFootPedals", QObject::tr("Game Port Foot Pedals"))
+        ->setCheckable(true);
     pedals->addSeparator();
     pedalEntry("mn30VEC", QObject::tr("Use 3.0 Infinity Foot Pedal Controller"),
                [](devices::HandsFree& h) { h.usb.toggleVec30Pedal(); });
@@ -162,7 +172,8 @@ void StationMenus::buildPedals() {
         const std::string name = "mnuComPortItem" + std::to_string(index);
         const QString text = QStringLiteral("COM%1").arg(index + 1);
         QAction* entry = handsFree != nullptr
-                             ? add(ports, name, text, [handsFree, index] { handsFree->serial.chooseComPort(index); })
+                             ? add(ports, name, text,
+                                   [handsFree, index] { handsFree->serial.chooseComPort(index); })
                              : addGreyed(ports, name, text);
         entry->setCheckable(true);
     }
@@ -187,14 +198,16 @@ void StationMenus::buildTools() {
         parts_.debugTrace.DebugOn = true;
         if (parts_.debugTrace.onShow) parts_.debugTrace.onShow();
     });
-    QObject::connect(tools, &QMenu::aboutToShow, &window_, [this] { refresh(parts_.dictation.view()); });
+    QObject::connect(tools, &QMenu::aboutToShow, &window_,
+                     [this] { refresh(parts_.dictation.view()); });
 }
 
 void StationMenus::buildHelp() {
     QMenu* help = window_.menuBar()->addMenu(QObject::tr("&Help"));
     help->setObjectName("mnuHelp");
-    add(help, "mnuHelpTopics", QObject::tr("Help &Topics"), [this] { window_.showHelp(); })
-        ->setShortcut(QKeySequence::HelpContents);
+    add(help, "mnuHelpTopics", QObject::tr("Help &Topics"), [this] {
+        window_.showHelp();
+    })->setShortcut(QKeySequence::HelpContents);
     add(help, "mnuAbout", QObject::tr("&About"), [this] { window_.showAbout(); });
 }
 
@@ -204,17 +217,21 @@ void StationMenus::buildContextMenu() {
     contextMenu_->setObjectName("mnuPopUp");
     add(contextMenu_, "mnuInsertBeginning", QStringLiteral("Insert Beginning of File"),
         [&d] { d.insertAtBeginningFromMenu(); });
-    add(contextMenu_, "mnuAppendEnd", QStringLiteral("Append End of File"), [&d] { d.appendAtEnd(); });
-    add(contextMenu_, "mnuLastThreeContinue", QStringLiteral("Play Last Three Seconds Continue Recording"),
+    add(contextMenu_, "mnuAppendEnd", QStringLiteral("Append End of File"),
+        [&d] { d.appendAtEnd(); });
+    add(contextMenu_, "mnuLastThreeContinue",
+        QStringLiteral("Play Last Three Seconds Continue Recording"),
         [&d] { d.lastThreeSecondsContinueFromMenu(); });
 }
 
 void StationMenus::refresh(const dictation::MainView& view) {
     refreshReopen(view);
-    action("mnuScanConvert")->setEnabled(view.mnuScanConvertEnabled && window_.onScanConvert != nullptr);
+    action("mnuScanConvert")
+        ->setEnabled(view.mnuScanConvertEnabled && window_.onScanConvert != nullptr);
     QAction* autoSend = action("mnAutoSend");
     autoSend->setEnabled(window_.onAutoSend != nullptr);
-    if (window_.autoSendCaption) autoSend->setText(QString::fromStdString(window_.autoSendCaption()));
+    if (window_.autoSendCaption)
+        autoSend->setText(QString::fromStdString(window_.autoSendCaption()));
     action(std::string("mnu") + faceSetting(window_.face()) + "Face")->setChecked(true);
     QAction* onTop = action("mnuOnTop");
     const QSignalBlocker quiet(onTop);
@@ -237,7 +254,8 @@ void StationMenus::refreshPedals() {
     action("mnuGAMEFootPedals")->setChecked(h.usb.menu.gameChecked);
     action("mn30VEC")->setChecked(record.Use30VEC);
     for (int index = 0; index < devices::SerialPedals::kPortCount; ++index) {
-        action("mnuComPortItem" + std::to_string(index))->setChecked(h.serial.comPortChecked(index));
+        action("mnuComPortItem" + std::to_string(index))
+            ->setChecked(h.serial.comPortChecked(index));
     }
 }
 
@@ -252,7 +270,8 @@ void StationMenus::refreshReopen(const dictation::MainView& view) {
     }
     int number = 1;
     for (const std::string& path : view.Reopen) {
-        const QString text = QStringLiteral("&%1 %2").arg(number++).arg(QString::fromStdString(path));
+        const QString text =
+            QStringLiteral("&%1 %2").arg(number++).arg(QString::fromStdString(path));
         QObject::connect(reopen_->addAction(text), &QAction::triggered, &window_,
                          [&d, path] { d.openRecentFile(path); });
     }

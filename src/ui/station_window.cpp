@@ -29,6 +29,7 @@
 #include "settings/debug_trace.h"
 #include "settings/event_log.h"
 #include "ui/debug_window.h"
+#include "ui/desk_unit_panel.h"
 #include "ui/device_box.h"
 #include "station/device_choice.h"
 #include "ui/event_log_window.h"
@@ -45,9 +46,9 @@ namespace ovd::ui {
 
 namespace {
 
-// The screen follows the dictation this often; the dictation's own display
-// timers run at 25 to 250 ms, so nothing it shows is missed for long.
-constexpr int kFollowMs = 40;
+// While a take records or a file plays, the times and the size move many times
+// a second; the eye needs them no more often than this.
+constexpr qint64 kMovingRenderMs = 100;
 
 QLabel* named(QLabel* label, const char* name) {
     label->setObjectName(QString::fromLatin1(name));
@@ -88,8 +89,8 @@ StationWindow::StationWindow(StationWindowParts parts) : parts_(std::move(parts)
     setWindowTitle(titleFor(parts_.config.record.HandsFreeEdition));
     setWindowIcon(QIcon::fromTheme(QStringLiteral("orvane-voice-desk")));
 
-    deviceChoice_ = std::make_unique<station::DeviceChoice>(parts_.AudioEditor1.RecordingDevices(),
-                                                   parts_.AudioEditor1.PlaybackDevices(),
+    deviceChoice_ = std::make_unique<station::DeviceChoice>(parts_.recordingEditor.RecordingDevices(),
+                                                   parts_.recordingEditor.PlaybackDevices(),
                                                    parts_.config, parts_.prompts);
     deviceChoice_->onRestartNeeded = [this] {
         if (onRestartNeeded) onRestartNeeded();
@@ -103,7 +104,7 @@ StationWindow::StationWindow(StationWindowParts parts) : parts_(std::move(parts)
     column_->addWidget(statusRows_);
     audioFrame_ = buildAudioFrame();
     column_->addWidget(audioFrame_, 1);
-    column_->addWidget(ctSlide1_);
+    column_->addWidget(positionSlider_);
     column_->addWidget(buildTimesRow());
     column_->addWidget(buildTransportRow());
     editRow_ = buildEditRow();
@@ -117,29 +118,34 @@ StationWindow::StationWindow(StationWindowParts parts) : parts_(std::move(parts)
 
     menus_ = std::make_unique<StationMenus>(*this, parts_);
     eventLogWindow_ = new EventLogWindow(parts_.eventLog, this);
-    eventLogWindow_->onClosed = [this] { chkViewlOG_->setChecked(false); };
+    eventLogWindow_->onClosed = [this] { viewLogCheck_->setChecked(false); };
     debugWindow_ = new DebugWindow(
-        parts_.debugTrace, [this] { return dictation::snapshotOf(parts_.dictation, parts_.config.record); }, this);
+        parts_.debugTrace, [this] { return dictation::snapshotOf(parts_.dictation, parts_.config.record); },
+        this);
     wireEngineEvents();
-
-    follow_ = new QTimer(this);
-    connect(follow_, &QTimer::timeout, this, [this] { render(); });
-    follow_->start(kFollowMs);
+    parts_.dictation.onViewChanged = [this] { viewAnnounced(); };
+    sinceRender_.start();
     render();
 }
 
 StationWindow::~StationWindow() {
-    parts_.AudioEditor1.onLevel = nullptr;
-    parts_.AudioEditor21.onLevel = nullptr;
-    parts_.AudioEditor1.onViewChange = nullptr;
+    parts_.dictation.onViewChanged = nullptr;
+    parts_.recordingEditor.onLevel = nullptr;
+    parts_.scratchEditor.onLevel = nullptr;
+    parts_.recordingEditor.onViewChange = nullptr;
+    parts_.recordingEditor.RecordingDevices().onChanged = nullptr;
+    parts_.recordingEditor.PlaybackDevices().onChanged = nullptr;
 }
 
 void StationWindow::wireEngineEvents() {
     // The meter shows whichever editor is taking: the file, or the scratch take of
     // an insert or overwrite.
-    parts_.AudioEditor1.onLevel = [this](int peak) { levelMeter_->setLevel(peak); };
-    parts_.AudioEditor21.onLevel = [this](int peak) { levelMeter_->setLevel(peak); };
-    parts_.AudioEditor1.onViewChange = [this] { waveform_->markChanged(); };
+    parts_.recordingEditor.onLevel = [this](int peak) { levelMeter_->setLevel(peak); };
+    parts_.scratchEditor.onLevel = [this](int peak) { levelMeter_->setLevel(peak); };
+    parts_.recordingEditor.onViewChange = [this] { waveform_->markChanged(); };
+    // A device plugged in or taken away shows in the boxes.
+    parts_.recordingEditor.RecordingDevices().onChanged = [this] { deviceBox_->follow(); };
+    parts_.recordingEditor.PlaybackDevices().onChanged = [this] { deviceBox_->follow(); };
 }
 
 void StationWindow::buildToolIcons() {
@@ -174,24 +180,24 @@ QWidget* StationWindow::buildStatusRows() {
     auto* rows = new QWidget(this);
     auto* grid = new QGridLayout(rows);
     grid->setContentsMargins(0, 0, 0, 0);
-    Label40_ = named(new QLabel(rows), "Label40");
-    QFont strong = Label40_->font();
+    statusLine_ = named(new QLabel(rows), "Label40");
+    QFont strong = statusLine_->font();
     strong.setBold(true);
     strong.setPointSizeF(strong.pointSizeF() * 1.15);
-    Label40_->setFont(strong);
-    lblBusy_ = named(new QLabel(tr("Busy..."), rows), "lblBusy");
-    lblBusy_->setStyleSheet(QStringLiteral("color: #a06000; font-weight: bold;"));
-    lblReady_ = named(new QLabel(rows), "lblReady");
-    lblReady_->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    lblMode_ = named(new QLabel(rows), "lblMode");
-    lblMode_->setStyleSheet(QStringLiteral("color: #1040a0; font-weight: bold;"));
-    Label37_ = named(new QLabel(rows), "Label37");
-    grid->addWidget(Label40_, 0, 0, 1, 2);
-    grid->addWidget(lblBusy_, 0, 2, Qt::AlignRight);
+    statusLine_->setFont(strong);
+    busyLabel_ = named(new QLabel(tr("Busy..."), rows), "lblBusy");
+    busyLabel_->setStyleSheet(QStringLiteral("color: #a06000; font-weight: bold;"));
+    fileNameLabel_ = named(new QLabel(rows), "lblReady");
+    fileNameLabel_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    modeLabel_ = named(new QLabel(rows), "lblMode");
+    modeLabel_->setStyleSheet(QStringLiteral("color: #1040a0; font-weight: bold;"));
+    operationLabel_ = named(new QLabel(rows), "Label37");
+    grid->addWidget(statusLine_, 0, 0, 1, 2);
+    grid->addWidget(busyLabel_, 0, 2, Qt::AlignRight);
     grid->addWidget(new QLabel(tr("File Name:"), rows), 1, 0);
-    grid->addWidget(lblReady_, 1, 1);
-    grid->addWidget(lblMode_, 1, 2, Qt::AlignRight);
-    grid->addWidget(Label37_, 2, 1);
+    grid->addWidget(fileNameLabel_, 1, 1);
+    grid->addWidget(modeLabel_, 1, 2, Qt::AlignRight);
+    grid->addWidget(operationLabel_, 2, 1);
     grid->setColumnStretch(1, 1);
     return rows;
 }
@@ -202,29 +208,31 @@ QWidget* StationWindow::buildAudioFrame() {
     frame->setObjectName("frameAudio");
     auto* column = new QVBoxLayout(frame);
     column->setContentsMargins(0, 0, 0, 0);
-    waveform_ = new WaveformView(parts_.AudioEditor1, frame);
+    waveform_ = new WaveformView(parts_.recordingEditor, frame);
     column->addWidget(waveform_, 1);
     // The slider stays usable while the frame is greyed during playback.
-    ctSlide1_ = new QSlider(Qt::Horizontal, this);
-    ctSlide1_->setObjectName("ctSlide1");
-    ctSlide1_->setRange(0, 100);
-    ctSlide1_->setEnabled(false);
-    ctSlide1_->setToolTip(tr("Position in the file"));
-    connect(ctSlide1_, &QSlider::sliderPressed, this, [this, &d] { routed([&d] { d.positionSliderPressed(); }); });
-    connect(ctSlide1_, &QSlider::valueChanged, this, [this, &d](int value) {
+    positionSlider_ = new QSlider(Qt::Horizontal, this);
+    positionSlider_->setObjectName("ctSlide1");
+    positionSlider_->setRange(0, 100);
+    positionSlider_->setEnabled(false);
+    positionSlider_->setToolTip(tr("Position in the file"));
+    connect(positionSlider_, &QSlider::sliderPressed, this,
+            [this, &d] { routed([&d] { d.positionSliderPressed(); }); });
+    connect(positionSlider_, &QSlider::valueChanged, this, [this, &d](int value) {
         // Only the hand moves the position; the dictation's own moves are rendered.
-        if (ctSlide1_->isSliderDown()) d.positionSliderMoved(value);
+        if (positionSlider_->isSliderDown()) d.positionSliderMoved(value);
     });
-    connect(ctSlide1_, &QSlider::sliderReleased, this,
-            [this, &d] { routed([this, &d] { d.positionSliderReleased(ctSlide1_->value()); }); });
+    connect(positionSlider_, &QSlider::sliderReleased, this, [this, &d] {
+        routed([this, &d] { d.positionSliderReleased(positionSlider_->value()); });
+    });
     // A click beside the handle or a key moves it with no press or release.
-    connect(ctSlide1_, &QSlider::actionTriggered, this, [this, &d](int action) {
-        if (action == QAbstractSlider::SliderMove || ctSlide1_->isSliderDown()) return;
+    connect(positionSlider_, &QSlider::actionTriggered, this, [this, &d](int action) {
+        if (action == QAbstractSlider::SliderMove || positionSlider_->isSliderDown()) return;
         QTimer::singleShot(0, this, [this, &d] {
             routed([this, &d] {
                 d.positionSliderPressed();
-                d.positionSliderMoved(ctSlide1_->value());
-                d.positionSliderReleased(ctSlide1_->value());
+                d.positionSliderMoved(positionSlider_->value());
+                d.positionSliderReleased(positionSlider_->value());
             });
         });
     });
@@ -242,18 +250,18 @@ QWidget* StationWindow::buildTimesRow() {
     clock.setBold(true);
     clock.setPointSizeF(timeElapsed_->font().pointSizeF() * 1.6);
     timeElapsed_->setFont(clock);
-    Label24_ = named(new QLabel(QStringLiteral("00:00:00"), times), "Label24");
+    timeRemaining_ = named(new QLabel(QStringLiteral("00:00:00"), times), "Label24");
     QFont remaining = clock;
     remaining.setPointSizeF(clock.pointSizeF() * 0.7);
-    Label24_->setFont(remaining);
-    Label43_ = named(new QLabel(times), "Label43");
-    Label43_->setMinimumWidth(70);
+    timeRemaining_->setFont(remaining);
+    fileSize_ = named(new QLabel(times), "Label43");
+    fileSize_->setMinimumWidth(70);
     levelMeter_ = new LevelMeter(times);
     row->addWidget(lamps_);
     row->addSpacing(8);
     row->addWidget(captioned(times, tr("Time Elapsed"), timeElapsed_));
-    row->addWidget(captioned(times, tr("Time Remaining"), Label24_));
-    row->addWidget(captioned(times, tr("File Size"), Label43_));
+    row->addWidget(captioned(times, tr("Time Remaining"), timeRemaining_));
+    row->addWidget(captioned(times, tr("File Size"), fileSize_));
     row->addWidget(levelMeter_, 1, Qt::AlignVCenter);
     return times;
 }
@@ -263,8 +271,8 @@ QWidget* StationWindow::buildTransportRow() {
     auto* rowWidget = new QWidget(this);
     auto* row = new QHBoxLayout(rowWidget);
     row->setContentsMargins(0, 0, 0, 0);
-    MMControl1_ = new TransportBar(rowWidget);
-    MMControl1_->onClick = {
+    transportBar_ = new TransportBar(rowWidget);
+    transportBar_->onClick = {
         [this, &d] { routed([&d] { d.goToBeginning(); }); },
         [this, &d] { routed([&d] { d.goToEnd(); }); },
         [this, &d] { routed([&d] { d.play(); }); },
@@ -274,19 +282,22 @@ QWidget* StationWindow::buildTransportRow() {
         [this, &d] { routed([&d] { d.stop(); }); },
         [this, &d] { routed([&d] { d.recordTake(); }); },
     };
-    row->addWidget(MMControl1_);
+    row->addWidget(transportBar_);
     row->addStretch();
-    ButtonEx1_ = namedButton(rowWidget, "ButtonEx1", tr("End Insert"));
-    ButtonEx2_ = namedButton(rowWidget, "ButtonEx2", tr("End Append"));
-    cmdEOL_ = namedButton(rowWidget, "cmdEOL", tr("End of Letter"));
-    cmdEOL_->setMinimumHeight(40);
-    cmdEOL_->setToolTip(tr("Close and save the file, and begin the next"));
-    connect(ButtonEx1_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.endInsert(); }); });
-    connect(ButtonEx2_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.endAppend(); }); });
-    connect(cmdEOL_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.finishLetter(); }); });
-    row->addWidget(ButtonEx1_);
-    row->addWidget(ButtonEx2_);
-    row->addWidget(cmdEOL_);
+    endInsertButton_ = namedButton(rowWidget, "ButtonEx1", tr("End Insert"));
+    endAppendButton_ = namedButton(rowWidget, "ButtonEx2", tr("End Append"));
+    endOfLetterButton_ = namedButton(rowWidget, "cmdEOL", tr("End of Letter"));
+    endOfLetterButton_->setMinimumHeight(40);
+    endOfLetterButton_->setToolTip(tr("Close and save the file, and begin the next"));
+    connect(endInsertButton_, &QPushButton::clicked, this,
+            [this, &d] { routed([&d] { d.endInsert(); }); });
+    connect(endAppendButton_, &QPushButton::clicked, this,
+            [this, &d] { routed([&d] { d.endAppend(); }); });
+    connect(endOfLetterButton_, &QPushButton::clicked, this,
+            [this, &d] { routed([&d] { d.finishLetter(); }); });
+    row->addWidget(endInsertButton_);
+    row->addWidget(endAppendButton_);
+    row->addWidget(endOfLetterButton_);
     return rowWidget;
 }
 
@@ -295,35 +306,43 @@ QWidget* StationWindow::buildEditRow() {
     auto* rowWidget = new QWidget(this);
     auto* row = new QHBoxLayout(rowWidget);
     row->setContentsMargins(0, 0, 0, 0);
-    Command1_ = namedButton(rowWidget, "Command1", QStringLiteral("Add Comments To Beginning"));
-    Command2_ = namedButton(rowWidget, "Command2", QStringLiteral("Insert Audio at Current Position"));
-    cmdOVR_ = namedButton(rowWidget, "cmdOVR", QStringLiteral("Overwrite Audio at Current Position"));
-    Command3_ = namedButton(rowWidget, "Command3", QStringLiteral("Test"));
-    Command3_->setToolTip(tr("Play the last three seconds"));
+    addToBeginningButton_ =
+        namedButton(rowWidget, "Command1", QStringLiteral("Add Comments To Beginning"));
+    insertButton_ =
+        namedButton(rowWidget, "Command2", QStringLiteral("Insert Audio at Current Position"));
+    overwriteButton_ =
+        namedButton(rowWidget, "cmdOVR", QStringLiteral("Overwrite Audio at Current Position"));
+    lastThreeSecondsButton_ = namedButton(rowWidget, "Command3", QStringLiteral("Test"));
+    lastThreeSecondsButton_->setToolTip(tr("Play the last three seconds"));
     auto* lastThree = new QPushButton(tr("Play Last 3 secs"), rowWidget);
     lastThree->setObjectName("lblPlayLast3");
     lastThree->setFlat(true);
-    connect(Command1_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.addToBeginning(); }); });
-    connect(Command2_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.insertAtCursor(); }); });
-    connect(cmdOVR_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.overwriteAtCursor(); }); });
-    connect(Command3_, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.replayLastThreeSeconds(); }); });
-    connect(lastThree, &QPushButton::clicked, this, [this, &d] { routed([&d] { d.replayLastThreeSeconds(); }); });
-    txtStepAmt_ = new QLineEdit(rowWidget);
-    txtStepAmt_->setObjectName("txtStepAmt");
-    txtStepAmt_->setValidator(new QIntValidator(0, 3600, txtStepAmt_));
-    txtStepAmt_->setMaximumWidth(50);
-    txtStepAmt_->setToolTip(tr("Seconds of one step back or forward"));
-    connect(txtStepAmt_, &QLineEdit::textEdited, this, [this, &d](const QString& text) {
+    connect(addToBeginningButton_, &QPushButton::clicked, this,
+            [this, &d] { routed([&d] { d.addToBeginning(); }); });
+    connect(insertButton_, &QPushButton::clicked, this,
+            [this, &d] { routed([&d] { d.insertAtCursor(); }); });
+    connect(overwriteButton_, &QPushButton::clicked, this,
+            [this, &d] { routed([&d] { d.overwriteAtCursor(); }); });
+    connect(lastThreeSecondsButton_, &QPushButton::clicked, this,
+            [this, &d] { routed([&d] { d.replayLastThreeSeconds(); }); });
+    connect(lastThree, &QPushButton::clicked, this,
+            [this, &d] { routed([&d] { d.replayLastThreeSeconds(); }); });
+    stepSecondsBox_ = new QLineEdit(rowWidget);
+    stepSecondsBox_->setObjectName("txtStepAmt");
+    stepSecondsBox_->setValidator(new QIntValidator(0, 3600, stepSecondsBox_));
+    stepSecondsBox_->setMaximumWidth(50);
+    stepSecondsBox_->setToolTip(tr("Seconds of one step back or forward"));
+    connect(stepSecondsBox_, &QLineEdit::textEdited, this, [this, &d](const QString& text) {
         routed([&d, text] { d.stepAmountChanged(text.toStdString()); });
     });
-    row->addWidget(Command1_);
-    row->addWidget(Command2_);
-    row->addWidget(cmdOVR_);
+    row->addWidget(addToBeginningButton_);
+    row->addWidget(insertButton_);
+    row->addWidget(overwriteButton_);
     row->addStretch();
-    row->addWidget(Command3_);
+    row->addWidget(lastThreeSecondsButton_);
     row->addWidget(lastThree);
     row->addWidget(new QLabel(tr("Step (secs)"), rowWidget));
-    row->addWidget(txtStepAmt_);
+    row->addWidget(stepSecondsBox_);
     return rowWidget;
 }
 
@@ -331,53 +350,56 @@ QWidget* StationWindow::buildOptionsRow() {
     auto* rowWidget = new QWidget(this);
     auto* row = new QHBoxLayout(rowWidget);
     row->setContentsMargins(0, 0, 0, 0);
-    auto* frRec = new QGroupBox(QStringLiteral("Recording Format"), rowWidget);
-    frRec->setObjectName("frRec");
-    auto* formats = new QHBoxLayout(frRec);
-    Option2_ = new QRadioButton(QStringLiteral("Normal Conditions"), frRec);
-    Option2_->setObjectName("Option2");
-    Option3_ = new QRadioButton(QStringLiteral("Other Conditions"), frRec);
-    Option3_->setObjectName("Option3");
-    Option3_->setToolTip(QStringLiteral("IE: Conference, Group, Hard-to-hear Audio, Heavy Accent"));
-    formats->addWidget(Option2_);
-    formats->addWidget(Option3_);
-    connect(Option2_, &QRadioButton::clicked, this, [this] { Option_Click(false); });
-    connect(Option3_, &QRadioButton::clicked, this, [this] { Option_Click(true); });
-    formatBox_ = frRec;
+    auto* formatBox = new QGroupBox(QStringLiteral("Recording Format"), rowWidget);
+    formatBox->setObjectName("frRec");
+    auto* formats = new QHBoxLayout(formatBox);
+    normalConditionsOption_ = new QRadioButton(QStringLiteral("Normal Conditions"), formatBox);
+    normalConditionsOption_->setObjectName("Option2");
+    otherConditionsOption_ = new QRadioButton(QStringLiteral("Other Conditions"), formatBox);
+    otherConditionsOption_->setObjectName("Option3");
+    otherConditionsOption_->setToolTip(
+        QStringLiteral("IE: Conference, Group, Hard-to-hear Audio, Heavy Accent"));
+    formats->addWidget(normalConditionsOption_);
+    formats->addWidget(otherConditionsOption_);
+    connect(normalConditionsOption_, &QRadioButton::clicked, this,
+            [this] { chooseRecordingFormat(false); });
+    connect(otherConditionsOption_, &QRadioButton::clicked, this,
+            [this] { chooseRecordingFormat(true); });
+    formatBox_ = formatBox;
 
-    auto* frameSpeaker = new QGroupBox(tr("Speaker"), rowWidget);
-    frameSpeaker->setObjectName("frameSpeaker");
-    auto* speakerRow = new QHBoxLayout(frameSpeaker);
-    cboName_ = new QComboBox(frameSpeaker);
-    cboName_->setObjectName("cboName");
-    cboName_->setMinimumContentsLength(16);
-    speakerRow->addWidget(cboName_);
-    connect(cboName_, &QComboBox::activated, this, [this](int index) {
-        const std::string name = cboName_->itemText(index).toStdString();
+    auto* speakerBox = new QGroupBox(tr("Speaker"), rowWidget);
+    speakerBox->setObjectName("frameSpeaker");
+    auto* speakerRow = new QHBoxLayout(speakerBox);
+    speakerNames_ = new QComboBox(speakerBox);
+    speakerNames_->setObjectName("cboName");
+    speakerNames_->setMinimumContentsLength(16);
+    speakerRow->addWidget(speakerNames_);
+    connect(speakerNames_, &QComboBox::activated, this, [this](int index) {
+        const std::string name = speakerNames_->itemText(index).toStdString();
         routed([this, name] { parts_.dictation.naming.pickDictator(name); });
     });
-    speakerBox_ = frameSpeaker;
+    speakerBox_ = speakerBox;
 
-    chkViewlOG_ = new QCheckBox(tr("View Event Log"), rowWidget);
-    chkViewlOG_->setObjectName("chkViewlOG");
-    connect(chkViewlOG_, &QCheckBox::toggled, this, [this](bool on) { chkViewlOG_Click(on); });
-    row->addWidget(frRec);
-    row->addWidget(frameSpeaker);
+    viewLogCheck_ = new QCheckBox(tr("View Event Log"), rowWidget);
+    viewLogCheck_->setObjectName("chkViewlOG");
+    connect(viewLogCheck_, &QCheckBox::toggled, this, [this](bool on) { showEventLog(on); });
+    row->addWidget(formatBox);
+    row->addWidget(speakerBox);
     row->addStretch();
-    row->addWidget(chkViewlOG_);
+    row->addWidget(viewLogCheck_);
     return rowWidget;
 }
 
 void StationWindow::buildStatusBar() {
-    statusPanel1_ = named(new QLabel(this), "StatusBar1Panel1");
-    statusPanel2_ = named(new QLabel(this), "StatusBar1Panel2");
-    auto* lblDebugPrint = named(new QLabel(QStringLiteral(" "), this), "lblDebugPrint");
-    lblDebugPrint->setMinimumWidth(16);
-    lblDebugPrint->setToolTip(tr("Double click: support trace"));
-    lblDebugPrint->installEventFilter(this);
-    statusBar()->addWidget(statusPanel1_, 1);
-    statusBar()->addPermanentWidget(statusPanel2_);
-    statusBar()->addPermanentWidget(lblDebugPrint);
+    fileNamePanel_ = named(new QLabel(this), "StatusBar1Panel1");
+    fileSizePanel_ = named(new QLabel(this), "StatusBar1Panel2");
+    auto* traceCorner = named(new QLabel(QStringLiteral(" "), this), "lblDebugPrint");
+    traceCorner->setMinimumWidth(16);
+    traceCorner->setToolTip(tr("Double click: support trace"));
+    traceCorner->installEventFilter(this);
+    statusBar()->addWidget(fileNamePanel_, 1);
+    statusBar()->addPermanentWidget(fileSizePanel_);
+    statusBar()->addPermanentWidget(traceCorner);
 }
 
 bool StationWindow::eventFilter(QObject* watched, QEvent* event) {
@@ -391,7 +413,7 @@ bool StationWindow::eventFilter(QObject* watched, QEvent* event) {
     return QMainWindow::eventFilter(watched, event);
 }
 
-void StationWindow::addDeskUnit(QWidget* panel) {
+void StationWindow::addDeskUnit(DeskUnitPanel* panel) {
     panel->setParent(centralWidget());
     deskUnit_ = panel;
     column_->addWidget(panel);
@@ -405,6 +427,31 @@ void StationWindow::contextMenuEvent(QContextMenuEvent* event) {
 void StationWindow::routed(const std::function<void()>& entry) {
     entry();
     render();
+}
+
+bool StationWindow::somethingMoves() const {
+    const auto moving = [](const engine::AudioEditor& editor) {
+        const int state = editor.State();
+        return state == static_cast<int>(engine::EditorState::Playing) ||
+               state == static_cast<int>(engine::EditorState::Recording);
+    };
+    return moving(parts_.recordingEditor) || moving(parts_.scratchEditor);
+}
+
+void StationWindow::viewAnnounced() {
+    // The dictation announces at most once a loop turn, after the commands of the
+    // turn are done: the screen follows at once. While something moves, no more
+    // often than the eye needs.
+    const qint64 wait = somethingMoves() ? kMovingRenderMs - sinceRender_.elapsed() : 0;
+    if (wait <= 0) {
+        render();
+        return;
+    }
+    if (renderQueued_) return;
+    renderQueued_ = true;
+    QTimer::singleShot(static_cast<int>(wait), this, [this] {
+        if (renderQueued_) render();
+    });
 }
 
 }  // namespace ovd::ui

@@ -9,8 +9,8 @@
 // The widgets carry the names of the controls they stand for (objectName), so a
 // test or a support session can find "Command2" or "MMControl1Record".
 
+#include <QElapsedTimer>
 #include <QMainWindow>
-
 #include <functional>
 #include <memory>
 #include <string>
@@ -33,7 +33,8 @@ class HandsFree;
 }
 namespace ovd::dictation {
 class Dictation;
-}
+struct MainView;
+}  // namespace ovd::dictation
 namespace ovd::engine {
 class AudioEditor;
 class WaveEditor;
@@ -53,6 +54,7 @@ class DeviceChoice;
 namespace ovd::ui {
 
 class DebugWindow;
+class DeskUnitPanel;
 class DeviceBox;
 class EventLogWindow;
 class LevelMeter;
@@ -65,17 +67,19 @@ struct StationWindowParts {
     settings::ConfigFile& config;
     settings::EventLog& eventLog;
     dictation::Dictation& dictation;
-    engine::WaveEditor& AudioEditor1;    // the waveform, the devices, the level
-    engine::AudioEditor& AudioEditor21;  // the level during an insert or overwrite
+    // AudioEditor1: the file under dictation; the waveform, the devices, the level.
+    engine::WaveEditor& recordingEditor;
+    // AudioEditor21: the scratch take; the level during an insert or overwrite.
+    engine::AudioEditor& scratchEditor;
     settings::DebugTrace& debugTrace;
     platform::Prompts& prompts;
-    std::string programFolder;  // the shipped help pages
-    std::string soundSystem;    // named in the about box
+    std::string programFolder;                // the shipped help pages
+    std::string soundSystem;                  // named in the about box
     devices::HandsFree* handsFree = nullptr;  // the pedal menus; greyed without
 };
 
 class StationWindow : public QMainWindow {
-public:
+  public:
     explicit StationWindow(StationWindowParts parts);
     ~StationWindow() override;
     StationWindow(const StationWindow&) = delete;
@@ -85,21 +89,23 @@ public:
     static QString titleFor(bool handsFreeEdition);
 
     // The desk unit on screen goes below the controls; the window owns it from then on.
-    void addDeskUnit(QWidget* panel);
+    void addDeskUnit(DeskUnitPanel* panel);
 
     // Once the station has read its settings: the devices and volumes, the event log
     // box, the face, the window's place, always-on-top; then the window shows.
     void Form_Load();
 
-    // Brings every control in line with MainView when it changed since the last look.
+    // Brings every control in line with MainView. The window renders by itself
+    // whenever the dictation says its view changed; a control is touched only
+    // when what it shows is different, so nothing repaints that did not change.
     void render();
     // Switches the face and stores it.
     void setFace(Face face);
     [[nodiscard]] Face face() const { return face_; }
     // Always-on-top, stored in Ontopcheck.
     void setOnTop(bool onTop);
-    // chkViewlOG: the event log window shown or hidden.
-    void chkViewlOG_Click(bool checked);
+    // The event log window shown or hidden, with the check box and the menu entry.
+    void showEventLog(bool checked);  // chkViewlOG_Click
     void showHelp();
     void showAbout();
 
@@ -119,12 +125,12 @@ public:
     [[nodiscard]] WaveformView& waveform() { return *waveform_; }
     [[nodiscard]] LevelMeter& levelMeter() { return *levelMeter_; }
 
-protected:
+  protected:
     void moveEvent(QMoveEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
-private:
+  private:
     // Building, in station_window.cpp.
     QWidget* buildStatusRows();
     QWidget* buildAudioFrame();
@@ -138,54 +144,64 @@ private:
     void wireEngineEvents();
     void placeWindow();
     void applyFace();
-    // After a click: the screen follows at once rather than at the next tick.
+    // After a click: the screen follows at once rather than when the loop is free.
     void routed(const std::function<void()>& entry);
-    void Option_Click(bool otherConditions);
+    // The dictation's view changed: a render now, or, while a take records or a
+    // file plays, no sooner than kMovingRenderMs after the last.
+    void viewAnnounced();
+    [[nodiscard]] bool somethingMoves() const;
+    void renderStatus(const dictation::MainView& v);
+    void renderTimes(const dictation::MainView& v);
+    void renderButtons(const dictation::MainView& v);
+    void renderOptions(const dictation::MainView& v);
+    // The next file's recording format, normal or other conditions.
+    void chooseRecordingFormat(bool otherConditions);  // Option2_Click, Option3_Click
 
     StationWindowParts parts_;
     Face face_ = Face::Regular;
     bool placed_ = false;
-    unsigned long shownRevision_ = ~0UL;
+    bool renderQueued_ = false;
+    QElapsedTimer sinceRender_;
 
     QWidget* statusRows_ = nullptr;
-    QWidget* audioFrame_ = nullptr;
+    QWidget* audioFrame_ = nullptr;  // frameAudio
     QWidget* editRow_ = nullptr;
-    QWidget* formatBox_ = nullptr;
-    QWidget* speakerBox_ = nullptr;
+    QWidget* formatBox_ = nullptr;   // frRec
+    QWidget* speakerBox_ = nullptr;  // frameSpeaker
     QWidget* optionsRow_ = nullptr;
-    QWidget* deskUnit_ = nullptr;
+    DeskUnitPanel* deskUnit_ = nullptr;
     QToolBar* toolIcons_ = nullptr;
     QVBoxLayout* column_ = nullptr;
 
-    OnAirLamps* lamps_ = nullptr;
-    QLabel* Label40_ = nullptr;
-    QLabel* lblReady_ = nullptr;
-    QLabel* lblMode_ = nullptr;
-    QLabel* lblBusy_ = nullptr;
-    QLabel* Label37_ = nullptr;
-    QLabel* timeElapsed_ = nullptr;
-    QLabel* Label24_ = nullptr;
-    QLabel* Label43_ = nullptr;
-    QLabel* statusPanel1_ = nullptr;
-    QLabel* statusPanel2_ = nullptr;
-    QSlider* ctSlide1_ = nullptr;
-    WaveformView* waveform_ = nullptr;
+    OnAirLamps* lamps_ = nullptr;        // Image5, lblOnAir, Image6
+    QLabel* statusLine_ = nullptr;       // Label40
+    QLabel* fileNameLabel_ = nullptr;    // lblReady
+    QLabel* modeLabel_ = nullptr;        // lblMode
+    QLabel* busyLabel_ = nullptr;        // lblBusy
+    QLabel* operationLabel_ = nullptr;   // Label37
+    QLabel* timeElapsed_ = nullptr;      // NCTTimeDisplay21
+    QLabel* timeRemaining_ = nullptr;    // Label24
+    QLabel* fileSize_ = nullptr;         // Label43
+    QLabel* fileNamePanel_ = nullptr;    // StatusBar1 panel 1
+    QLabel* fileSizePanel_ = nullptr;    // StatusBar1 panel 2
+    QSlider* positionSlider_ = nullptr;  // ctSlide1
+    WaveformView* waveform_ = nullptr;   // AudioEditor1
     LevelMeter* levelMeter_ = nullptr;
-    TransportBar* MMControl1_ = nullptr;
-    QPushButton* cmdEOL_ = nullptr;
-    QPushButton* ButtonEx1_ = nullptr;
-    QPushButton* ButtonEx2_ = nullptr;
-    QPushButton* Command1_ = nullptr;
-    QPushButton* Command2_ = nullptr;
-    QPushButton* cmdOVR_ = nullptr;
-    QPushButton* Command3_ = nullptr;
-    QLineEdit* txtStepAmt_ = nullptr;
-    QRadioButton* Option2_ = nullptr;
-    QRadioButton* Option3_ = nullptr;
-    QComboBox* cboName_ = nullptr;
-    QCheckBox* chkViewlOG_ = nullptr;
-    DeviceBox* deviceBox_ = nullptr;
-    QTimer* follow_ = nullptr;
+    TransportBar* transportBar_ = nullptr;            // MMControl1
+    QPushButton* endOfLetterButton_ = nullptr;        // cmdEOL
+    QPushButton* endInsertButton_ = nullptr;          // ButtonEx1
+    QPushButton* endAppendButton_ = nullptr;          // ButtonEx2
+    QPushButton* addToBeginningButton_ = nullptr;     // Command1
+    QPushButton* insertButton_ = nullptr;             // Command2
+    QPushButton* overwriteButton_ = nullptr;          // cmdOVR
+    QPushButton* lastThreeSecondsButton_ = nullptr;   // Command3
+    QLineEdit* stepSecondsBox_ = nullptr;             // txtStepAmt
+    QRadioButton* normalConditionsOption_ = nullptr;  // Option2
+    QRadioButton* otherConditionsOption_ = nullptr;   // Option3
+    QComboBox* speakerNames_ = nullptr;               // cboName
+    QCheckBox* viewLogCheck_ = nullptr;               // chkViewlOG
+    DeviceBox* deviceBox_ = nullptr;                  // frameDevices
+    bool busyPointerShown_ = false;
 
     std::unique_ptr<station::DeviceChoice> deviceChoice_;
     std::unique_ptr<StationMenus> menus_;

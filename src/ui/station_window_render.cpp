@@ -20,6 +20,7 @@
 #include "dictation/dictation.h"
 #include "settings/config_file.h"
 #include "ui/about_box.h"
+#include "ui/desk_unit_panel.h"
 #include "ui/device_box.h"
 #include "station/device_choice.h"
 #include "ui/event_log_window.h"
@@ -37,12 +38,26 @@ namespace {
 
 QString text(const std::string& value) { return QString::fromStdString(value); }
 
+// Some widgets repaint on every setText or style sheet, even the same one: they
+// are told only what changed.
+template <typename Widget>
+void showText(Widget* widget, const QString& value) {
+    if (widget->text() != value) widget->setText(value);
+}
+
+void showStyle(QWidget* widget, const QString& styleSheet) {
+    if (widget->styleSheet() != styleSheet) widget->setStyleSheet(styleSheet);
+}
+
 // The width each face opens at; the height is whatever its controls need.
 int faceWidth(Face face) {
     switch (face) {
-        case Face::Regular: return 860;
-        case Face::Thin: return 700;
-        case Face::SuperThin: return 700;
+        case Face::Regular:
+            return 860;
+        case Face::Thin:
+            return 700;
+        case Face::SuperThin:
+            return 700;
     }
     return 860;
 }
@@ -50,79 +65,94 @@ int faceWidth(Face face) {
 }  // namespace
 
 void StationWindow::render() {
+    renderQueued_ = false;
+    sinceRender_.restart();
     const dictation::MainView& v = parts_.dictation.view();
     waveform_->refresh();
     deviceBox_->follow();
-    if (v.revision == shownRevision_) return;
-    shownRevision_ = v.revision;
-    const settings::SettingsRecord& record = parts_.config.record;
+    setWindowTitle(v.caption.empty() ? titleFor(parts_.config.record.HandsFreeEdition)
+                                     : text(v.caption));
+    renderStatus(v);
+    renderTimes(v);
+    renderButtons(v);
+    renderOptions(v);
+    if (v.busyPointer != busyPointerShown_) {
+        busyPointerShown_ = v.busyPointer;
+        if (v.busyPointer) {
+            setCursor(Qt::WaitCursor);
+        } else {
+            unsetCursor();
+        }
+    }
+    if (deskUnit_ != nullptr) deskUnit_->refresh();
+    menus_->refresh(v);
+}
 
-    setWindowTitle(v.caption.empty() ? titleFor(record.HandsFreeEdition) : text(v.caption));
-    Label40_->setText(text(v.statusLine));
-    Label40_->setStyleSheet(v.statusLineWarning ? QStringLiteral("color: #ff0000;") : QString());
-    lblReady_->setText(text(v.lblReady));
-    lblMode_->setText(text(v.lblMode));
-    Label37_->setText(text(v.operationName));
-    lblBusy_->setVisible(v.lblBusyVisible);
+void StationWindow::renderStatus(const dictation::MainView& v) {
+    showText(statusLine_, text(v.statusLine));
+    showStyle(statusLine_, v.statusLineWarning ? QStringLiteral("color: #ff0000;") : QString());
+    showText(fileNameLabel_, text(v.lblReady));
+    showText(modeLabel_, text(v.lblMode));
+    showText(operationLabel_, text(v.operationName));
+    busyLabel_->setVisible(v.lblBusyVisible);
+    showText(fileNamePanel_, text(v.statusPanel1));
+    showText(fileSizePanel_, text(v.statusPanel2));
+}
+
+void StationWindow::renderTimes(const dictation::MainView& v) {
     lamps_->show(v.onAirLamp1, v.onAirLamp2, text(v.lblOnAir), v.lblOnAirVisible);
-
     // Before the first position is known the displays show nothing measured yet.
     const auto orBlank = [](const std::string& value, const char* blank) {
         return value.empty() ? QString::fromLatin1(blank) : text(value);
     };
-    timeElapsed_->setText(orBlank(v.timeElapsed, "00:00:00"));
-    Label24_->setText(orBlank(v.timeRemaining, "00:00:00"));
-    Label43_->setText(orBlank(v.fileSizeText, "-"));
-    statusPanel1_->setText(text(v.statusPanel1));
-    statusPanel2_->setText(text(v.statusPanel2));
-
-    MMControl1_->render(v.transportBar, v.transportLabelsVisible);
-    MMControl1_->showNoFile(!parts_.dictation.state().flgfileOpen1);
-    cmdEOL_->setEnabled(v.endOfLetterEnabled);
-    Command1_->setEnabled(v.addToBeginningEnabled);
-    Command2_->setEnabled(v.insertEnabled);
-    cmdOVR_->setEnabled(v.overwriteEnabled);
-    Command3_->setEnabled(v.lastThreeSecondsEnabled);
-    ButtonEx1_->setVisible(v.endInsertVisible);
-    ButtonEx2_->setVisible(v.endAppendVisible);
-
-    if (!ctSlide1_->isSliderDown()) {
-        const QSignalBlocker quiet(ctSlide1_);
-        ctSlide1_->setValue(v.positionPercent);
+    showText(timeElapsed_, orBlank(v.timeElapsed, "00:00:00"));
+    showText(timeRemaining_, orBlank(v.timeRemaining, "00:00:00"));
+    showText(fileSize_, orBlank(v.fileSizeText, "-"));
+    if (!positionSlider_->isSliderDown()) {
+        const QSignalBlocker quiet(positionSlider_);
+        positionSlider_->setValue(v.positionPercent);
     }
-    ctSlide1_->setEnabled(v.positionSliderEnabled);
+    positionSlider_->setEnabled(v.positionSliderEnabled);
+}
+
+void StationWindow::renderButtons(const dictation::MainView& v) {
+    transportBar_->render(v.transportBar, v.transportLabelsVisible);
+    transportBar_->showNoFile(!parts_.dictation.state().flgfileOpen1);
+    endOfLetterButton_->setEnabled(v.endOfLetterEnabled);
+    addToBeginningButton_->setEnabled(v.addToBeginningEnabled);
+    insertButton_->setEnabled(v.insertEnabled);
+    overwriteButton_->setEnabled(v.overwriteEnabled);
+    lastThreeSecondsButton_->setEnabled(v.lastThreeSecondsEnabled);
+    endInsertButton_->setVisible(v.endInsertVisible);
+    endAppendButton_->setVisible(v.endAppendVisible);
     // While a file loads the frame stays in place, greyed, rather than leaving a
     // hole the window would close up around.
     audioFrame_->setEnabled(v.audioFrameEnabled && v.audioFrameVisible);
-    if (!txtStepAmt_->hasFocus()) txtStepAmt_->setText(text(v.txtStepAmt));
+    if (!stepSecondsBox_->hasFocus()) showText(stepSecondsBox_, text(v.txtStepAmt));
+}
 
+void StationWindow::renderOptions(const dictation::MainView& v) {
     formatBox_->setEnabled(v.formatOptionsEnabled);
     {
-        const QSignalBlocker quiet2(Option2_);
-        const QSignalBlocker quiet3(Option3_);
-        const bool other = record.RecordingFormats == "OPT3";
-        Option2_->setChecked(!other);
-        Option3_->setChecked(other);
+        const QSignalBlocker quiet2(normalConditionsOption_);
+        const QSignalBlocker quiet3(otherConditionsOption_);
+        const bool other = parts_.config.record.RecordingFormats == "OPT3";
+        normalConditionsOption_->setChecked(!other);
+        otherConditionsOption_->setChecked(other);
     }
     speakerBox_->setEnabled(v.frameSpeakerEnabled);
     const auto& names = parts_.dictation.naming.dictatorNames();
-    if (cboName_->count() != static_cast<int>(names.size()) ||
-        (cboName_->count() > 0 && cboName_->itemText(0) != text(names.front()))) {
-        const QSignalBlocker quiet(cboName_);
-        cboName_->clear();
-        for (const std::string& name : names) cboName_->addItem(text(name));
+    if (speakerNames_->count() != static_cast<int>(names.size()) ||
+        (speakerNames_->count() > 0 && speakerNames_->itemText(0) != text(names.front()))) {
+        const QSignalBlocker quiet(speakerNames_);
+        speakerNames_->clear();
+        for (const std::string& name : names) speakerNames_->addItem(text(name));
     }
-    {
-        const QSignalBlocker quiet(cboName_);
-        cboName_->setCurrentIndex(cboName_->findText(text(v.cboName)));
+    const int speaker = speakerNames_->findText(text(v.cboName));
+    if (speakerNames_->currentIndex() != speaker) {
+        const QSignalBlocker quiet(speakerNames_);
+        speakerNames_->setCurrentIndex(speaker);
     }
-
-    if (v.busyPointer) {
-        setCursor(Qt::WaitCursor);
-    } else {
-        unsetCursor();
-    }
-    menus_->refresh(v);
 }
 
 void StationWindow::Form_Load() {
@@ -130,13 +160,12 @@ void StationWindow::Form_Load() {
     deviceChoice_->load();
     deviceBox_->fill();
     // With logging off there is no log to look at.
-    chkViewlOG_->setChecked(false);
-    chkViewlOG_->setEnabled(!record.NoLogging);
-    chkViewlOG_->setToolTip(record.NoLogging ? tr("Logging is switched off") : QString());
+    viewLogCheck_->setChecked(false);
+    viewLogCheck_->setEnabled(!record.NoLogging);
+    viewLogCheck_->setToolTip(record.NoLogging ? tr("Logging is switched off") : QString());
     face_ = faceFromSetting(record.ScreenSize);
     applyFace();
     setOnTop(record.Ontopcheck.toNumber().value_or(0) == 1);
-    shownRevision_ = ~0UL;
     render();
     placeWindow();
     show();
@@ -154,7 +183,7 @@ void StationWindow::applyFace() {
     toolIcons_->setVisible(parts.toolIcons);
     statusRows_->setVisible(parts.statusLine);
     audioFrame_->setVisible(parts.waveform);
-    ctSlide1_->setVisible(parts.positionSlider);
+    positionSlider_->setVisible(parts.positionSlider);
     editRow_->setVisible(parts.editButtons);
     formatBox_->setVisible(parts.formatBox);
     speakerBox_->setVisible(parts.speakerBox && parts_.config.record.AddNameToFile);
@@ -167,7 +196,8 @@ void StationWindow::applyFace() {
         centralWidget()->layout()->activate();
         layout()->activate();
         // Regular opens at its natural height; the thin faces as small as they go.
-        const int height = face_ == Face::Regular ? sizeHint().height() : minimumSizeHint().height();
+        const int height =
+            face_ == Face::Regular ? sizeHint().height() : minimumSizeHint().height();
         resize(faceWidth(face_), height);
     });
 }
@@ -213,12 +243,13 @@ void StationWindow::moveEvent(QMoveEvent* event) {
     parts_.config.record.MainWindowTop = geometry().y();
 }
 
-void StationWindow::chkViewlOG_Click(bool checked) {
-    if (chkViewlOG_->isChecked() != checked) {
-        const QSignalBlocker quiet(chkViewlOG_);
-        chkViewlOG_->setChecked(checked);
+void StationWindow::showEventLog(bool checked) {
+    if (viewLogCheck_->isChecked() != checked) {
+        const QSignalBlocker quiet(viewLogCheck_);
+        viewLogCheck_->setChecked(checked);
     }
-    if (QAction* entry = menus_->action("mnuViewLog"); entry != nullptr && entry->isChecked() != checked) {
+    if (QAction* entry = menus_->action("mnuViewLog");
+        entry != nullptr && entry->isChecked() != checked) {
         const QSignalBlocker quiet(entry);
         entry->setChecked(checked);
     }
@@ -247,20 +278,20 @@ void StationWindow::showHelp() {
 
 void StationWindow::showAbout() {
     const settings::SettingsRecord& record = parts_.config.record;
-    AboutBox about({titleFor(record.HandsFreeEdition).toStdString(),
-                    QCoreApplication::applicationVersion().toStdString(), parts_.config.dataFolder(),
-                    record.CaptureFilePath.toText(), parts_.soundSystem},
-                   this);
+    AboutBox about(
+        {titleFor(record.HandsFreeEdition).toStdString(),
+         QCoreApplication::applicationVersion().toStdString(), parts_.config.dataFolder(),
+         record.CaptureFilePath.toText(), parts_.soundSystem},
+        this);
     about.exec();
 }
 
-void StationWindow::Option_Click(bool otherConditions) {
+void StationWindow::chooseRecordingFormat(bool otherConditions) {
     dictation::Dictation& d = parts_.dictation;
     settings::SettingsRecord& record = parts_.config.record;
     const std::string chosen = otherConditions ? "OPT3" : "OPT2";
     // During a take the options do nothing; the render puts the mark back.
     if (d.state().Recordingstatus || record.RecordingFormats == chosen) {
-        shownRevision_ = ~0UL;
         render();
         return;
     }
@@ -268,8 +299,8 @@ void StationWindow::Option_Click(bool otherConditions) {
     record.RecordingFormats = chosen;
     parts_.config.WriteConfig();
     if (d.state().flgfileOpen1) {
-        const std::string reason =
-            std::string(" Calling Image2_Click from ") + (otherConditions ? "Option3_Click" : "Option2_Click");
+        const std::string reason = std::string(" Calling Image2_Click from ") +
+                                   (otherConditions ? "Option3_Click" : "Option2_Click");
         if (!d.state().RecordedOnce) {
             d.CaseStop();
             d.closeFile();
@@ -278,7 +309,8 @@ void StationWindow::Option_Click(bool otherConditions) {
             const bool armed = d.state().RecordingstatusPaused;
             if (armed) {
                 parts_.prompts.showMessage(
-                    "Your current recording in progress will be saved now, using your previous settings "
+                    "Your current recording in progress will be saved now, using your previous "
+                    "settings "
                     "--will be followed by opening up the next file number in an unrecorded state",
                     settings::kProductTitle);
             }
@@ -288,7 +320,6 @@ void StationWindow::Option_Click(bool otherConditions) {
         }
         d.newLetter();
     }
-    shownRevision_ = ~0UL;
     render();
 }
 

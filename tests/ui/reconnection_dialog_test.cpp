@@ -1,6 +1,8 @@
 // The reconnection dialog on the desktop: it follows the link's view of it, asks
 // with both buttons when the peer can't be reached, and hands the buttons back.
 
+#include "ui/reconnection_dialog.h"
+
 #include <gtest/gtest.h>
 
 #include <QLabel>
@@ -10,7 +12,6 @@
 #include "support/scripted_prompts.h"
 #include "support/temp_folder.h"
 #include "ui/qt_event_loop.h"
-#include "ui/reconnection_dialog.h"
 
 namespace ovd::ui {
 namespace {
@@ -37,11 +38,11 @@ TEST(ReconnectionDialogTest, AsksWithBothButtonsAndOkClosesItKeepingTheQueue) {
     ASSERT_TRUE(dialog->isVisible());
     EXPECT_EQ(dialog->windowTitle(), "TCP ReConnection");
     EXPECT_EQ(dialog->windowModality(), Qt::ApplicationModal);
-    EXPECT_EQ(dialog->lblWait()->text(), "** CAN NOT CONNECT TO SERVER **");
-    EXPECT_TRUE(dialog->cmdOK()->isVisible());
-    EXPECT_TRUE(dialog->cmdConnect()->isVisible());
+    EXPECT_EQ(dialog->waitText()->text(), "** CAN NOT CONNECT TO SERVER **");
+    EXPECT_TRUE(dialog->okButton()->isVisible());
+    EXPECT_TRUE(dialog->connectButton()->isVisible());
 
-    dialog->cmdOK()->click();
+    dialog->okButton()->click();
     EXPECT_FALSE(dialog->isVisible());
     EXPECT_EQ(link.queued(), std::vector<std::string>{"LOADED_AB0001.WAV"});
 }

@@ -3,11 +3,11 @@
 
 #include <QApplication>
 #include <QCheckBox>
-#include <QPlainTextEdit>
-#include <QScreen>
-#include <QRadioButton>
-#include <QStatusBar>
 #include <QMouseEvent>
+#include <QPlainTextEdit>
+#include <QRadioButton>
+#include <QScreen>
+#include <QStatusBar>
 #include <QToolBar>
 
 #include "ui/event_log_window.h"
@@ -53,8 +53,8 @@ TEST_F(StationWindowTest, NeverPlacedItIsCentredAndThatPlaceIsKept) {
     window().Form_Load();
     ASSERT_TRUE(config.record.MainWindowLeft.toNumber().has_value());
     const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-    EXPECT_NEAR(*config.record.MainWindowLeft.toNumber() + window().width() / 2.0, screen.center().x(),
-                window().width() / 2.0);
+    EXPECT_NEAR(*config.record.MainWindowLeft.toNumber() + window().width() / 2.0,
+                screen.center().x(), window().width() / 2.0);
 
     window().move(40, 60);
     // The corner kept is the one inside the frame.
@@ -129,10 +129,10 @@ TEST_F(StationWindowTest, TheLogBoxShowsTheDaysLogAndClosingTheWindowUnticksIt) 
     box->click();
     EventLogWindow& logWindow = window().eventLogWindow();
     EXPECT_TRUE(logWindow.isVisible());
-    EXPECT_NE(logWindow.Text1()->toPlainText().indexOf("File Record: letter one"), -1);
+    EXPECT_NE(logWindow.logText()->toPlainText().indexOf("File Record: letter one"), -1);
     log.trace("File Play: letter one");
     logWindow.refresh();
-    EXPECT_NE(logWindow.Text1()->toPlainText().indexOf("File Play: letter one"), -1)
+    EXPECT_NE(logWindow.logText()->toPlainText().indexOf("File Play: letter one"), -1)
         << "the window follows the log";
     logWindow.close();
     EXPECT_FALSE(box->isChecked());
@@ -148,8 +148,9 @@ TEST_F(StationWindowTest, ADoubleClickOnTheSupportMarkDumpsTheGlobals) {
     window().Form_Load();
     d().newLetter();
     QWidget* mark = child("lblDebugPrint");
-    QMouseEvent doubleClick(QEvent::MouseButtonDblClick, QPointF(2, 2), mark->mapToGlobal(QPointF(2, 2)),
-                            Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QMouseEvent doubleClick(QEvent::MouseButtonDblClick, QPointF(2, 2),
+                            mark->mapToGlobal(QPointF(2, 2)), Qt::LeftButton, Qt::LeftButton,
+                            Qt::NoModifier);
     QApplication::sendEvent(mark, &doubleClick);
     EXPECT_EQ(prompts.texts().back(), "Button clicked!");
     EXPECT_TRUE(trace.DebugOn);

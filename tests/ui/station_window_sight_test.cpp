@@ -67,7 +67,7 @@ TEST_F(StationWindowTest, TheLogHelpAndTraceWindowsOpenOverTheStation) {
             << opened->frameGeometry().y();
         EXPECT_TRUE(staysOnTop(*opened)) << name << " stays above the station";
     };
-    window().chkViewlOG_Click(true);
+    window().showEventLog(true);
     expectOver(&window().eventLogWindow(), "event log");
     window().showHelp();
     expectOver(window().findChild<QWidget*>("frmHelp"), "help");
@@ -86,7 +86,7 @@ TEST_F(StationWindowTest, TheEventLogOpensAtTheStartOfItsLongLines) {
             std::string(200, '-') + " line " + std::to_string(i));
     }
     window().Form_Load();
-    window().chkViewlOG_Click(true);
+    window().showEventLog(true);
     auto* text = window().eventLogWindow().findChild<QPlainTextEdit*>("Text1");
     ASSERT_NE(text, nullptr);
     ASSERT_TRUE(
