@@ -12,9 +12,9 @@
 #include "engine/virtual_backend.h"
 #include "engine/wave_editor.h"
 #include "platform/files.h"
+#include "support/scripted_prompts.h"
 #include "support/temp_folder.h"
 #include "support/virtual_event_loop.h"
-#include "support/scripted_prompts.h"
 
 namespace {
 
@@ -22,7 +22,7 @@ using namespace ovd;
 using Clock = std::chrono::steady_clock;
 
 class SilentPeer : public dictation::PeerNotices {
-public:
+  public:
     [[nodiscard]] bool linkOn() const override { return false; }
     bool send(const std::string&, const std::string&) override { return false; }
 };
@@ -43,7 +43,8 @@ int main() {
     platform::createFolder(temp);
     // A Temp folder as a busy station leaves it: a thousand work files.
     for (int i = 0; i < 1000; ++i) {
-        platform::writeWholeFile(temp + "/old" + std::to_string(i) + ".tmp", std::string(4096, 'x'));
+        platform::writeWholeFile(temp + "/old" + std::to_string(i) + ".tmp",
+                                 std::string(4096, 'x'));
     }
 
     testing::VirtualEventLoop loop;
@@ -72,8 +73,8 @@ int main() {
     engine::PromptPlayer voice(backend, folder.path());
     settings::SpeakersTable speakers(folder.path());
     SilentPeer peer;
-    dictation::Dictation d({loop, config, log, prompts, editor1, editor21, voice, speakers, peer,
-                            folder.path()});
+    dictation::Dictation d(
+        {loop, config, log, prompts, editor1, editor21, voice, speakers, peer, folder.path()});
     d.start();
 
     // A minute's take, then the file stands open at its end.
@@ -84,8 +85,9 @@ int main() {
     d.stop();
     const double curPosTick = microsecondsPerTick(20000, [&] { d.timCurPos_Timer(); });
 
-    std::printf("file open: %s, %s shown as %s, position %s of %d s\n", d.state().flgfileOpen1 ? "yes" : "no",
-                d.state().Filename.c_str(), d.view().statusPanel2.c_str(), d.view().timeElapsed.c_str(),
+    std::printf("file open: %s, %s shown as %s, position %s of %d s\n",
+                d.state().flgfileOpen1 ? "yes" : "no", d.state().Filename.c_str(),
+                d.view().statusPanel2.c_str(), d.view().timeElapsed.c_str(),
                 d.state().iTotalSecFile);
     std::printf("timCurPos tick, a minute's file open:               %8.2f us (target < 100 us)\n",
                 curPosTick);

@@ -15,7 +15,7 @@
 namespace {
 
 class NoSink : public ovd::devices::PedalEventSink {
-public:
+  public:
     void PedalEventSER(const std::string&, const std::string&) override {}
     void PedalEventUSB(const std::string&, const std::string&) override {}
     void PedalEventGAME(const std::string&, const std::string&) override {}
@@ -56,8 +56,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             decoder.useHIDBatch(buffer, count);
             at += take;
         }
-        const int held = int{hits.LEFTUSBPEDALHit} + int{hits.MIDUSBPEDALHit} +
-                         int{hits.RIGHTUSBPEDALHit};
+        const int held =
+            int{hits.LEFTUSBPEDALHit} + int{hits.MIDUSBPEDALHit} + int{hits.RIGHTUSBPEDALHit};
         if (held > 1 || decoder.HIDDecoding || decoder.MSLastUSB < 0 || decoder.MSLastUSB > 5) {
             __builtin_trap();
         }

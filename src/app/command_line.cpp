@@ -39,7 +39,8 @@ StationOptions parseCommandLine(const std::vector<std::string>& arguments) {
             std::string port;
             takeValue(port);
             const int number = std::atoi(port.c_str());
-            if (options.error.empty() && (number < 1 || number > 65535 || std::to_string(number) != port)) {
+            if (options.error.empty() &&
+                (number < 1 || number > 65535 || std::to_string(number) != port)) {
                 options.error = "--order-port takes a port number from 1 to 65535";
             }
             options.orderPort = number;
@@ -77,7 +78,8 @@ StationOptions parseCommandLine(const std::vector<std::string>& arguments) {
 }
 
 std::string usageText(const std::string& program) {
-    return "Usage: " + program + " [options] [file]\n"
+    return "Usage: " + program +
+           " [options] [file]\n"
            "Orvane Voice Desk: a hands-free digital dictation station.\n\n"
            "  --data-folder DIR  settings, databases and event logs (default\n"
            "                     $XDG_DATA_HOME/orvane-voice-desk)\n"

@@ -11,8 +11,8 @@ struct StationOptions {
     bool showHelp = false;
     bool showVersion = false;
     bool headless = false;
-    std::string dataFolder;   // empty: the default data folder
-    std::string answersFile;  // headless answers to message boxes
+    std::string dataFolder;      // empty: the default data folder
+    std::string answersFile;     // headless answers to message boxes
     std::string audio = "auto";  // "auto", "pulse" or "virtual"
     std::string virtualInput;    // a WAV file for the virtual microphone
     int orderPort = 2013;        // where the peer's orders are heard
@@ -22,8 +22,8 @@ struct StationOptions {
     std::string keyText;
     bool keyTextGiven = false;
     std::string outputFile;
-    std::string fileName;     // the file named on the command line, quotes removed
-    std::string error;        // set when the command line can't be used
+    std::string fileName;  // the file named on the command line, quotes removed
+    std::string error;     // set when the command line can't be used
 };
 
 StationOptions parseCommandLine(const std::vector<std::string>& arguments);

@@ -27,8 +27,8 @@
 #include "ui/desk_unit_panel.h"
 #include "ui/qt_event_loop.h"
 #include "ui/qt_prompts.h"
-#include "ui/records_windows.h"
 #include "ui/reconnection_dialog.h"
+#include "ui/records_windows.h"
 #include "ui/scan_convert_window.h"
 #include "ui/station_window.h"
 #include "ui/window_placement.h"
@@ -208,7 +208,8 @@ int main(int argc, char** argv) {
         static_cast<ovd::ui::QtPrompts&>(*prompts).setMainWindow(window.get());
         const auto setup = [&window, &config, &prompts, dataFolder](ovd::ui::RecordsWindow which) {
             return [&window, &config, &prompts, dataFolder, which] {
-                ovd::ui::showRecordsWindow(which, window.get(), dataFolder, *prompts, config.record);
+                ovd::ui::showRecordsWindow(which, window.get(), dataFolder, *prompts,
+                                           config.record);
             };
         };
         station.setupWindows.emailSetup = setup(ovd::ui::RecordsWindow::EmailReceivers);

@@ -13,11 +13,12 @@ ButtonMessages parseButtonFile(std::string_view content) {
     for (const std::string& line : platform::splitLines(content)) {
         if (index == kButtonMessages) break;
         const std::size_t first = line.find(',');
-        const std::size_t second = first == std::string::npos ? std::string::npos : line.find(',', first + 1);
+        const std::size_t second =
+            first == std::string::npos ? std::string::npos : line.find(',', first + 1);
         messages.firstLabels[index] = line.substr(0, first);
         if (first != std::string::npos) {
-            messages.secondLabels[index] =
-                line.substr(first + 1, second == std::string::npos ? std::string::npos : second - first - 1);
+            messages.secondLabels[index] = line.substr(
+                first + 1, second == std::string::npos ? std::string::npos : second - first - 1);
         }
         if (second != std::string::npos) {
             messages.texts[index] = line.substr(second + 1, kButtonMessageLength);

@@ -16,7 +16,7 @@ inline constexpr const char* kDown = "DOWN";
 inline constexpr const char* kUp = "UP";
 
 class PedalEventSink {
-public:
+  public:
     virtual ~PedalEventSink() = default;
     virtual void PedalEventSER(const std::string& pedal, const std::string& direction) = 0;
     virtual void PedalEventUSB(const std::string& pedal, const std::string& direction) = 0;

@@ -36,8 +36,7 @@ std::optional<int> hidrawNumber(const std::string& name) {
 }
 
 // "HID_ID=0003:000005F3:000000FF" gives vendor and product.
-bool readHidId(const std::filesystem::path& uevent, std::uint32_t& vendor,
-               std::uint32_t& product) {
+bool readHidId(const std::filesystem::path& uevent, std::uint32_t& vendor, std::uint32_t& product) {
     std::ifstream in(uevent);
     std::string line;
     while (std::getline(in, line)) {
@@ -103,8 +102,8 @@ bool UsbPedalReader::open(int number, const HidDescriptorFacts& facts) {
     gone_ = false;
     reports_.clear();
     numberedReports_ = facts.reportIds;
-    readBytes_ = facts.inputBytes > 0 ? facts.inputBytes + (facts.reportIds ? 1 : 0)
-                                      : kFallbackReportBytes;
+    readBytes_ =
+        facts.inputBytes > 0 ? facts.inputBytes + (facts.reportIds ? 1 : 0) : kFallbackReportBytes;
     watch_ = loop_.watchFd(fd_, platform::FdEvent::Readable, [this] { readReady(); });
     watching_ = true;
     return true;

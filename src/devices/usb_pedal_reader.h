@@ -49,7 +49,7 @@ struct HidrawDevice {
 using PieList = std::array<std::int32_t, 101>;
 
 class UsbPedalReader {
-public:
+  public:
     explicit UsbPedalReader(platform::EventLoop& loop, HidrawRoots roots = {});
     ~UsbPedalReader();
     UsbPedalReader(const UsbPedalReader&) = delete;
@@ -76,7 +76,7 @@ public:
 
     [[nodiscard]] bool isOpen() const { return fd_ >= 0; }
 
-private:
+  private:
     bool open(int number, const HidDescriptorFacts& facts);
     void close();
     void readReady();

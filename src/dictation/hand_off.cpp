@@ -14,8 +14,8 @@ std::string handOffPath(const std::string& dataFolder) {
 bool writeHandOff(const std::string& dataFolder, const HandOff& handOff) {
     deleteHandOff(dataFolder);
     // The line grammar of the settings file: the name quoted, the number plain.
-    return platform::writeWholeFile(handOffPath(dataFolder),
-                                    "\"" + handOff.NextString + "\"," + handOff.MyInstance + "\r\n");
+    return platform::writeWholeFile(
+        handOffPath(dataFolder), "\"" + handOff.NextString + "\"," + handOff.MyInstance + "\r\n");
 }
 
 std::optional<HandOff> readHandOff(const std::string& dataFolder) {
@@ -27,9 +27,7 @@ std::optional<HandOff> readHandOff(const std::string& dataFolder) {
     return handOff;
 }
 
-void deleteHandOff(const std::string& dataFolder) {
-    std::remove(handOffPath(dataFolder).c_str());
-}
+void deleteHandOff(const std::string& dataFolder) { std::remove(handOffPath(dataFolder).c_str()); }
 
 std::string commandLineName(const std::string& text) {
     if (!text.empty() && text.back() == '"') {

@@ -9,7 +9,7 @@
 namespace ovd::dictation {
 
 class PeerNotices {
-public:
+  public:
     virtual ~PeerNotices() = default;
 
     // The link is switched on in the settings.

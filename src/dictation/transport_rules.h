@@ -54,12 +54,10 @@ std::string refusalText(std::string_view tag);
 
 // Every tag a refusal can carry; the numbered ones mark another path of a routine.
 inline constexpr std::array<std::string_view, 25> kRefusalTags = {
-    "CaseBeginning", "CaseCopy",         "CaseCut",       "CaseInsertAppend",
-    "CaseInsSilence", "CaseNew",         "CaseNew-2",     "CaseOpen",
-    "CasePaste",     "CasePlay",         "CasePlayLooped", "CasePlayToEnd",
-    "CaseRecord",    "CaseRedo",         "CaseStepBackward", "CaseStepForward",
-    "CaseUndo",      "Command1",         "Command1-2",    "Command1-3",
-    "Command2",      "Command3",         "cmdOVR",        "TurnOffTimers",
-    "timLastThreeSecondsCon"};
+    "CaseBeginning",   "CaseCopy",      "CaseCut",    "CaseInsertAppend", "CaseInsSilence",
+    "CaseNew",         "CaseNew-2",     "CaseOpen",   "CasePaste",        "CasePlay",
+    "CasePlayLooped",  "CasePlayToEnd", "CaseRecord", "CaseRedo",         "CaseStepBackward",
+    "CaseStepForward", "CaseUndo",      "Command1",   "Command1-2",       "Command1-3",
+    "Command2",        "Command3",      "cmdOVR",     "TurnOffTimers",    "timLastThreeSecondsCon"};
 
 }  // namespace ovd::dictation

@@ -16,13 +16,16 @@ std::size_t readPieces(const PieceList& pieces, std::size_t& index, SampleCount&
             offset = 0;
             continue;
         }
-        const std::size_t want = std::min<std::size_t>(frameCount - done, static_cast<std::size_t>(left));
-        const std::size_t got = piece.file->read(piece.start + offset, out + done * static_cast<std::size_t>(channels), want);
+        const std::size_t want =
+            std::min<std::size_t>(frameCount - done, static_cast<std::size_t>(left));
+        const std::size_t got = piece.file->read(
+            piece.start + offset, out + done * static_cast<std::size_t>(channels), want);
         done += got;
         offset += static_cast<SampleCount>(got);
         if (got < want) {
             // A work file shorter than its piece (a failed write): silence keeps the timing.
-            std::fill_n(out + done * static_cast<std::size_t>(channels), (want - got) * static_cast<std::size_t>(channels), 0);
+            std::fill_n(out + done * static_cast<std::size_t>(channels),
+                        (want - got) * static_cast<std::size_t>(channels), 0);
             done += want - got;
             offset += static_cast<SampleCount>(want - got);
         }
@@ -115,7 +118,8 @@ PieceList AudioDocument::slice(SampleCount from, SampleCount to) const {
 std::size_t AudioDocument::insert(SampleCount at, const PieceList& pieces) {
     at = std::clamp<SampleCount>(at, 0, length_);
     const std::size_t index = splitAt(at);
-    pieces_.insert(pieces_.begin() + static_cast<std::ptrdiff_t>(index), pieces.begin(), pieces.end());
+    pieces_.insert(pieces_.begin() + static_cast<std::ptrdiff_t>(index), pieces.begin(),
+                   pieces.end());
     recount();
     return index;
 }
@@ -142,7 +146,8 @@ void AudioDocument::replaceAll(PieceList pieces) {
     recount();
 }
 
-std::size_t AudioDocument::read(SampleCount position, std::int16_t* out, std::size_t frameCount) const {
+std::size_t AudioDocument::read(SampleCount position, std::int16_t* out,
+                                std::size_t frameCount) const {
     SampleCount begin = 0;
     for (std::size_t i = 0; i < pieces_.size(); ++i) {
         const SampleCount end = begin + pieces_[i].length;

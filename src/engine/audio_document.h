@@ -31,7 +31,7 @@ std::optional<PieceList> piecesAddedTo(const PieceList& before, const PieceList&
 bool sameAudio(const PieceList& a, const PieceList& b);
 
 class AudioDocument {
-public:
+  public:
     AudioDocument() = default;
     explicit AudioDocument(PcmFormat format) : format_(format) {}
 
@@ -51,7 +51,7 @@ public:
     // Reads frames from position on; fewer at the end.
     std::size_t read(SampleCount position, std::int16_t* out, std::size_t frameCount) const;
 
-private:
+  private:
     // Index of the piece holding position, splitting a piece so that one starts there.
     std::size_t splitAt(SampleCount position);
     void recount();
@@ -63,13 +63,13 @@ private:
 
 // A document read front to back from a snapshot of its pieces, on any thread.
 class DocumentSource : public PcmSource {
-public:
+  public:
     DocumentSource(PcmFormat format, PieceList pieces);
     [[nodiscard]] PcmFormat format() const override { return format_; }
     [[nodiscard]] SampleCount frames() const override { return frames_; }
     std::size_t read(std::int16_t* out, std::size_t frameCount) override;
 
-private:
+  private:
     PcmFormat format_;
     PieceList pieces_;
     SampleCount frames_ = 0;

@@ -34,13 +34,14 @@ bool isHeaderless(FormatWord word) { return word == FormatWord::RAW || word == F
 // Names under which a file always carries a header, whatever format is chosen
 // for saving: such a file is never taken for headerless samples.
 bool hasHeaderedExtension(const std::string& extension) {
-    constexpr std::array<std::string_view, 12> kHeadered = {"wav", "mp3", "mp2", "wma", "asf", "ogg",
-                                                            "flac", "aif", "aiff", "au", "m4a", "tmp"};
+    constexpr std::array<std::string_view, 12> kHeadered = {
+        "wav", "mp3", "mp2", "wma", "asf", "ogg", "flac", "aif", "aiff", "au", "m4a", "tmp"};
     return std::find(kHeadered.begin(), kHeadered.end(), extension) != kHeadered.end();
 }
 
 // Both libraries begin their reasons with the same "can't read <path>: ".
-std::string joinReasons(const std::string& first, const std::string& second, const std::string& path) {
+std::string joinReasons(const std::string& first, const std::string& second,
+                        const std::string& path) {
     const std::string prefix = "can't read " + path + ": ";
     const std::string tail = second.rfind(prefix, 0) == 0 ? second.substr(prefix.size()) : second;
     return first + "; " + tail;
@@ -58,7 +59,8 @@ std::unique_ptr<AudioFileReader> AudioFileReader::open(const std::string& path, 
     const std::string extension = lowerExtension(path);
     if (const auto kind = headerlessKind(extension)) {
         if (!hint) {
-            error = "can't read " + path + ": a " + formatWordText(*kind) + " file needs its rate and channels";
+            error = "can't read " + path + ": a " + formatWordText(*kind) +
+                    " file needs its rate and channels";
             return nullptr;
         }
         return openHeaderless(path, *kind, *hint, error);

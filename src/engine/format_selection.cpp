@@ -10,9 +10,18 @@ namespace ovd::engine {
 namespace {
 
 constexpr std::array<std::pair<std::string_view, int>, 12> kLegacyRates = {{
-    {"FQ_96_KHZ", 96000}, {"FQ_88_KHZ", 88200}, {"FQ_48_KHZ", 48000}, {"FQ_44_KHZ", 44100},
-    {"FQ_32_KHZ", 32000}, {"FQ_24_KHZ", 24000}, {"FQ_22_KHZ", 22050}, {"FQ_16_KHZ", 16000},
-    {"FQ_12_KHZ", 12000}, {"FQ_11_KHZ", 11025}, {"FQ_8_KHZ", 8000},   {"FQ_6_KHZ", 6000},
+    {"FQ_96_KHZ", 96000},
+    {"FQ_88_KHZ", 88200},
+    {"FQ_48_KHZ", 48000},
+    {"FQ_44_KHZ", 44100},
+    {"FQ_32_KHZ", 32000},
+    {"FQ_24_KHZ", 24000},
+    {"FQ_22_KHZ", 22050},
+    {"FQ_16_KHZ", 16000},
+    {"FQ_12_KHZ", 12000},
+    {"FQ_11_KHZ", 11025},
+    {"FQ_8_KHZ", 8000},
+    {"FQ_6_KHZ", 6000},
 }};
 
 // A take with no rate of its own in the settings is recorded at this rate.
@@ -53,7 +62,8 @@ FormatChoice FigureOutFileFormats(const FormatGroup& group, const RawSettings& r
     FormatChoice choice;
     choice.normalised = group;
     const int bits = parseInt(group.FileBit);
-    choice.Bitrate = std::find(kBitRates.begin(), kBitRates.end(), bits) != kBitRates.end() ? bits : 0;
+    choice.Bitrate =
+        std::find(kBitRates.begin(), kBitRates.end(), bits) != kBitRates.end() ? bits : 0;
     const int rate = normaliseFrequency(group.Frequency);
     choice.normalised.Frequency = rate > 0 ? std::to_string(rate) : "";
     if (group.Channel == "MONO") choice.normalised.Channel = "1";

@@ -28,12 +28,12 @@ struct RawSettings {
 };
 
 struct FormatChoice {
-    FormatGroup normalised;       // Frequency as a rate of the list, Channel as a digit
-    int Bitrate = 0;              // FileBit when it is one of the list, else 0
+    FormatGroup normalised;         // Frequency as a rate of the list, Channel as a digit
+    int Bitrate = 0;                // FileBit when it is one of the list, else 0
     std::string CurrentFormatType;  // the word in force, "DSP" read as "WAV"
     bool TrueSpeech = false;
-    PcmFormat recording;          // what New() is given for a take in this choice
-    TargetFormat target;          // what SaveAs writes
+    PcmFormat recording;  // what New() is given for a take in this choice
+    TargetFormat target;  // what SaveAs writes
 };
 
 FormatChoice FigureOutFileFormats(const FormatGroup& group, const RawSettings& raw = {});
@@ -43,8 +43,8 @@ inline constexpr std::array<std::string_view, 7> kFormatNames = {"DSP", "MP2", "
                                                                  "VOX", "WAV", "WMA"};
 inline constexpr std::array<int, 12> kSampleRates = {6000,  8000,  11025, 12000, 16000, 22050,
                                                      24000, 32000, 44100, 48000, 88200, 96000};
-inline constexpr std::array<int, 18> kBitRates = {8,   16,  24,  32,  40,  48,  56,  64,  80,
-                                                  96,  112, 128, 160, 192, 224, 256, 320, 350};
+inline constexpr std::array<int, 18> kBitRates = {8,  16,  24,  32,  40,  48,  56,  64,  80,
+                                                  96, 112, 128, 160, 192, 224, 256, 320, 350};
 
 // The file dialog filter of a format word ("Wav Files (*.wav)|*.wav").
 std::string fileFilterFor(std::string_view formatWord);

@@ -23,7 +23,7 @@ struct Mp3Tally {
 };
 
 class Mp3InfoFrame {
-public:
+  public:
     // Finds the frame in the first bytes of a file (behind its ID3v2 tag); none
     // when the stream has no Info frame with frame and byte counts, a table of
     // contents and the encoder's tag.
@@ -36,7 +36,7 @@ public:
     // The frame as it reads for a stream of the given tally.
     [[nodiscard]] std::vector<std::uint8_t> describing(const Mp3Tally& tally) const;
 
-private:
+  private:
     Mp3InfoFrame(std::uint64_t offset, std::vector<std::uint8_t> frame, std::size_t tag,
                  std::size_t encoderTag)
         : offset_(offset), frame_(std::move(frame)), tag_(tag), encoderTag_(encoderTag) {}

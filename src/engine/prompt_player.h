@@ -9,7 +9,7 @@
 namespace ovd::engine {
 
 class PromptPlayer {
-public:
+  public:
     PromptPlayer(AudioBackend& backend, std::string promptFolder);
 
     // Plays the file (a name in the prompt folder, or a full path) when voicePrompts
@@ -21,7 +21,7 @@ public:
     [[nodiscard]] bool Playing() const { return backend_.promptPlaying(); }
     [[nodiscard]] std::string pathOf(const std::string& name) const;
 
-private:
+  private:
     AudioBackend& backend_;
     std::string folder_;
     std::string last_;

@@ -40,15 +40,15 @@ std::unique_ptr<Resampler> Resampler::create(int inputRate, int outputRate, int 
     av_channel_layout_uninit(&layout);
     if (code >= 0) code = swr_init(state->context);
     if (code < 0) {
-        error = "can't convert " + std::to_string(inputRate) + " Hz to " + std::to_string(outputRate) +
-                " Hz: " + ffmpegErrorText(code);
+        error = "can't convert " + std::to_string(inputRate) + " Hz to " +
+                std::to_string(outputRate) + " Hz: " + ffmpegErrorText(code);
         return nullptr;
     }
     return std::unique_ptr<Resampler>(new Resampler(std::move(state)));
 }
 
-bool Resampler::convert(const std::int16_t* input, std::size_t frameCount, std::vector<std::int16_t>& out,
-                        std::string& error) {
+bool Resampler::convert(const std::int16_t* input, std::size_t frameCount,
+                        std::vector<std::int16_t>& out, std::string& error) {
     const auto channels = static_cast<std::size_t>(state_->channels);
     // Room for what this input gives plus what the converter still held back.
     const int room = swr_get_out_samples(state_->context, static_cast<int>(frameCount)) + 16;
@@ -95,10 +95,12 @@ ConvertingSource::ConvertingSource(PcmSource& source, const PcmFormat& target,
 
 ConvertingSource::~ConvertingSource() = default;
 
-std::unique_ptr<ConvertingSource> ConvertingSource::create(PcmSource& source, const PcmFormat& target,
+std::unique_ptr<ConvertingSource> ConvertingSource::create(PcmSource& source,
+                                                           const PcmFormat& target,
                                                            std::string& error) {
     const PcmFormat from = source.format();
-    if (from.sampleRate <= 0 || from.channels < 1 || target.sampleRate <= 0 || target.channels < 1) {
+    if (from.sampleRate <= 0 || from.channels < 1 || target.sampleRate <= 0 ||
+        target.channels < 1) {
         error = "unusable audio format: " + std::to_string(from.sampleRate) + " Hz, " +
                 std::to_string(from.channels) + " channels";
         return nullptr;
@@ -108,13 +110,15 @@ std::unique_ptr<ConvertingSource> ConvertingSource::create(PcmSource& source, co
         resampler = Resampler::create(from.sampleRate, target.sampleRate, target.channels, error);
         if (!resampler) return nullptr;
     }
-    return std::unique_ptr<ConvertingSource>(new ConvertingSource(source, target, std::move(resampler)));
+    return std::unique_ptr<ConvertingSource>(
+        new ConvertingSource(source, target, std::move(resampler)));
 }
 
 SampleCount ConvertingSource::frames() const {
     const PcmFormat from = source_.format();
     if (from.sampleRate == target_.sampleRate) return source_.frames();
-    const long double scaled = static_cast<long double>(source_.frames()) * target_.sampleRate / from.sampleRate;
+    const long double scaled =
+        static_cast<long double>(source_.frames()) * target_.sampleRate / from.sampleRate;
     return static_cast<SampleCount>(scaled + 0.5L);
 }
 

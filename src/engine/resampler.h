@@ -15,7 +15,7 @@ namespace ovd::engine {
 
 // Rate conversion of interleaved 16-bit frames; the channel count stays.
 class Resampler {
-public:
+  public:
     // Null, with the library's reason in error, when the conversion can't be set up.
     static std::unique_ptr<Resampler> create(int inputRate, int outputRate, int channels,
                                              std::string& error);
@@ -28,7 +28,7 @@ public:
     bool convert(const std::int16_t* input, std::size_t frameCount, std::vector<std::int16_t>& out,
                  std::string& error);
 
-private:
+  private:
     struct State;
     explicit Resampler(std::unique_ptr<State> state);
     std::unique_ptr<State> state_;
@@ -42,7 +42,7 @@ std::size_t remixChannels(const std::int16_t* input, std::size_t frameCount, int
 // A source read at another rate and channel count. It reads the wrapped source on
 // demand, a block at a time, so an hour-long file never sits in memory.
 class ConvertingSource : public PcmSource {
-public:
+  public:
     // Null, with the reason, when the conversion can't be set up.
     static std::unique_ptr<ConvertingSource> create(PcmSource& source, const PcmFormat& target,
                                                     std::string& error);
@@ -57,8 +57,9 @@ public:
     // Set when reading stopped on a conversion failure rather than at the end.
     [[nodiscard]] const std::string& error() const { return error_; }
 
-private:
-    ConvertingSource(PcmSource& source, const PcmFormat& target, std::unique_ptr<Resampler> resampler);
+  private:
+    ConvertingSource(PcmSource& source, const PcmFormat& target,
+                     std::unique_ptr<Resampler> resampler);
     void refill();
 
     PcmSource& source_;

@@ -9,7 +9,7 @@ namespace {
 
 // Writes little-endian fields and chunk tags one after the other.
 class HeaderWriter {
-public:
+  public:
     explicit HeaderWriter(std::vector<std::uint8_t>& out) : at_(out.data()) {}
     void u32(std::uint32_t value) {
         for (int i = 0; i < 4; ++i) *at_++ = static_cast<std::uint8_t>(value >> (8 * i));
@@ -24,7 +24,7 @@ public:
     }
     void tag(const char* name) { bytes(name, 4); }
 
-private:
+  private:
     std::uint8_t* at_;
 };
 
@@ -36,8 +36,8 @@ std::vector<std::uint8_t> pcmWaveHeader(const PcmFormat& format, const std::stri
     // length, the pad counted in the chunk's size, as the sound-file library does.
     const std::size_t commentBytes = comment.empty() ? 0 : (comment.size() + 2) & ~std::size_t{1};
     const std::size_t listBytes = comment.empty() ? 0 : 8 + 4 + 8 + commentBytes;
-    const auto data =
-        static_cast<std::uint32_t>(std::min<std::uint64_t>(dataBytes, 0xFFFFFFFFu - 36 - listBytes));
+    const auto data = static_cast<std::uint32_t>(
+        std::min<std::uint64_t>(dataBytes, 0xFFFFFFFFu - 36 - listBytes));
 
     std::vector<std::uint8_t> out(44 + listBytes, 0);
     HeaderWriter write(out);

@@ -15,7 +15,7 @@ using Milliseconds = std::chrono::milliseconds;
 enum class FdEvent { Readable, Writable };
 
 class EventLoop {
-public:
+  public:
     using Callback = std::function<void()>;
     using Handle = std::uint64_t;
 

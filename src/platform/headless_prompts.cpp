@@ -60,8 +60,8 @@ void HeadlessPrompts::loadRules(const std::string& text) {
         if (line.empty() || line.front() == '#') continue;
         const auto arrow = line.find(kArrow);
         if (arrow == std::string::npos || trim(line.substr(0, arrow)).empty()) {
-            err_ << "answers file line " << lineNumber << " has no \"fragment => answer\": "
-                 << line << '\n';
+            err_ << "answers file line " << lineNumber << " has no \"fragment => answer\": " << line
+                 << '\n';
             continue;
         }
         rules_.push_back({trim(line.substr(0, arrow)), trim(line.substr(arrow + 2))});
@@ -129,8 +129,7 @@ std::optional<std::string> HeadlessPrompts::chooseFolder(const FolderRequest& re
 }
 
 void HeadlessPrompts::notify(const Notification& notification) {
-    tell("[notice] " + notification.title + ": " + notification.heading + " " +
-         notification.body);
+    tell("[notice] " + notification.title + ": " + notification.heading + " " + notification.body);
 }
 
 }  // namespace ovd::platform

@@ -19,7 +19,7 @@
 namespace ovd::platform {
 
 class HeadlessPrompts : public Prompts {
-public:
+  public:
     HeadlessPrompts(EventLineSink eventLog, std::ostream& err);
 
     // Reads rules from text; malformed lines are reported on the error stream and skipped.
@@ -33,7 +33,7 @@ public:
     // The answers are a policy: the same box always gets the same one.
     [[nodiscard]] bool someoneAnswers() const override { return false; }
 
-private:
+  private:
     struct Rule {
         std::string fragment;
         std::string answer;

@@ -61,7 +61,7 @@ struct Notification {
 };
 
 class Prompts {
-public:
+  public:
     virtual ~Prompts() = default;
 
     // Returns the button chosen; closing the box gives the default answer.

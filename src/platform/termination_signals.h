@@ -6,7 +6,7 @@
 namespace ovd::platform {
 
 class TerminationSignals {
-public:
+  public:
     TerminationSignals();
     ~TerminationSignals();
     TerminationSignals(const TerminationSignals&) = delete;
@@ -17,7 +17,7 @@ public:
     // Reads the pending signal; returns its number, or 0 when there was none.
     int take();
 
-private:
+  private:
     int fd_ = -1;
 };
 

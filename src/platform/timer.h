@@ -12,7 +12,7 @@
 namespace ovd::platform {
 
 class Timer {
-public:
+  public:
     Timer(EventLoop& loop, std::string name, int intervalMs = 0);
     ~Timer();
     Timer(const Timer&) = delete;
@@ -28,7 +28,7 @@ public:
     [[nodiscard]] const std::string& name() const { return name_; }
     [[nodiscard]] int ticks() const { return ticks_; }
 
-private:
+  private:
     void arm();
     void disarm();
     void fire();

@@ -26,7 +26,7 @@ enum class RecoveryAtStart {
 };
 
 class ConfigFile {
-public:
+  public:
     explicit ConfigFile(std::string dataFolder);
 
     // The settings in force; every setter changes a field here and calls WriteConfig().
@@ -71,7 +71,7 @@ public:
     // the next write of the record stores it).
     void takeWindowPosition(int left, int top);
 
-private:
+  private:
     void keepDamagedCopy();
     void resolveFolderSettings();
 

@@ -10,11 +10,11 @@
 namespace ovd::settings {
 
 class ConfigVariant {
-public:
+  public:
     ConfigVariant() = default;
-    ConfigVariant(std::string text) : value_(std::move(text)) {}  // NOLINT: held like a value
-    ConfigVariant(const char* text) : value_(std::string(text)) {}  // NOLINT
-    ConfigVariant(double number) : value_(number) {}                // NOLINT
+    ConfigVariant(std::string text) : value_(std::move(text)) {}        // NOLINT: held like a value
+    ConfigVariant(const char* text) : value_(std::string(text)) {}      // NOLINT
+    ConfigVariant(double number) : value_(number) {}                    // NOLINT
     ConfigVariant(int number) : value_(static_cast<double>(number)) {}  // NOLINT
     ConfigVariant(bool flag) : value_(flag) {}                          // NOLINT
 
@@ -35,7 +35,7 @@ public:
 
     bool operator==(const ConfigVariant& other) const = default;
 
-private:
+  private:
     std::variant<std::monostate, std::string, double, bool> value_;
 };
 

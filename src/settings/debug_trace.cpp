@@ -22,8 +22,8 @@ void appendSorted(std::vector<std::string>& out, std::vector<NamedValue> entries
     });
     for (std::size_t i = 0; i < entries.size(); ++i) {
         out.push_back(entries[i].first + " = " + entries[i].second);
-        const bool lastOfLetter = i + 1 == entries.size() ||
-                                  firstLetter(entries[i + 1].first) != firstLetter(entries[i].first);
+        const bool lastOfLetter = i + 1 == entries.size() || firstLetter(entries[i + 1].first) !=
+                                                                 firstLetter(entries[i].first);
         if (blankAfterEachLetter && lastOfLetter) out.emplace_back();
     }
 }

@@ -34,7 +34,7 @@ std::vector<NamedValue> settingsGlobals(const SettingsRecord& record);
 std::vector<NamedValue> timerStates(const std::vector<const platform::Timer*>& timers);
 
 class DebugTrace {
-public:
+  public:
     explicit DebugTrace(platform::EventLoop& loop, std::size_t keptLines = 5000);
 
     // One line "[" + time + "] " + text. While DebugOn is false the line is kept
@@ -51,7 +51,7 @@ public:
 
     [[nodiscard]] const std::deque<std::string>& lines() const { return lines_; }
 
-private:
+  private:
     platform::EventLoop& loop_;
     std::size_t keptLines_;
     std::deque<std::string> lines_;

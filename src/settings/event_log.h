@@ -15,7 +15,7 @@ namespace ovd::settings {
 inline constexpr const char* kEventLogFolder = "Event Logs";
 
 class EventLog {
-public:
+  public:
     EventLog(platform::EventLoop& loop, std::string dataFolder, const SettingsRecord& settings);
 
     // Appends the text and CR LF to the day's text, whatever NoLogging says.
@@ -40,7 +40,7 @@ public:
     // "yyyy-mm-dd hh:mm:ss" of the loop's clock, the stamp every traced line starts with.
     [[nodiscard]] std::string timeStamp() const;
 
-private:
+  private:
     platform::EventLoop& loop_;
     std::string dataFolder_;
     const SettingsRecord& settings_;

@@ -1,7 +1,5 @@
 #include "settings/ini_store.h"
 
-
-
 #include "platform/files.h"
 #include "platform/text.h"
 

@@ -14,9 +14,7 @@ const std::vector<SettingsField>& settingsFields() {
 std::string describeField(const SettingsRecord& record, const SettingsField& field) {
     struct Describe {
         const SettingsRecord& record;
-        std::string operator()(std::string SettingsRecord::*member) const {
-            return record.*member;
-        }
+        std::string operator()(std::string SettingsRecord::*member) const { return record.*member; }
         std::string operator()(std::int16_t SettingsRecord::*member) const {
             return std::to_string(record.*member);
         }

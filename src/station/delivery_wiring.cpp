@@ -2,13 +2,9 @@
 
 namespace ovd::station {
 
-void ViewStatusLines::showStatusText(const std::string& text) {
-    d_.showStatus(text);
-}
+void ViewStatusLines::showStatusText(const std::string& text) { d_.showStatus(text); }
 
-void ViewStatusLines::showLblReady(const std::string& text) {
-    d_.showFileLabel(text);
-}
+void ViewStatusLines::showLblReady(const std::string& text) { d_.showFileLabel(text); }
 
 void DictationTimersHold::hold() { d_.holdTimers(); }
 

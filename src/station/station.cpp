@@ -45,7 +45,9 @@ Station::Station(StationParts parts)
     handsFree_->onEndProgram = exit;
     peerLink_.onExitOrder = [this] { TCPSaysExit(); };
     peerLink_.onCloseOrder = [this] { TCPSaysClose(); };
-    peerLink_.showStatusText = [this](const std::string& text) { statusLines_->showStatusText(text); };
+    peerLink_.showStatusText = [this](const std::string& text) {
+        statusLines_->showStatusText(text);
+    };
     peerLink_.holdTimers = [this] { timersHold_->hold(); };
     peerLink_.releaseTimers = [this] { timersHold_->release(); };
     // A microphone taken away during a take ends the take in order.

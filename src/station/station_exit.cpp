@@ -76,7 +76,8 @@ void Station::Form_Unload() {
 void Station::closeWorkFiles() {
     dictation::Dictation& d = *dictation_;
     d.TempFileNameFileLength();
-    const bool unsavedTake = (d.state().FileSaveError || d.takeWaitsInTemp()) && d.state().NewTempFileLength &&
+    const bool unsavedTake = (d.state().FileSaveError || d.takeWaitsInTemp()) &&
+                             d.state().NewTempFileLength &&
                              *d.state().NewTempFileLength >= dictation::kMinimumRecordedBytes;
     if (unsavedTake) {
         // The take could not be saved: its work file stays for the recovery.

@@ -62,7 +62,8 @@ LoadResult Station::Form_Load() {
     settings::SettingsRecord& record = parts_.config.record;
     settings::EventLog& log = parts_.log;
 
-    log.trace("Loading: program folder " + parts_.programFolder + ", data folder " + parts_.dataFolder);
+    log.trace("Loading: program folder " + parts_.programFolder + ", data folder " +
+              parts_.dataFolder);
     d.beginLoad(parts_.commandFileName);
     d.loadScreen();
     log.trace("Loading: " + std::to_string(d.view().Reopen.size()) + " recent files");
@@ -88,8 +89,8 @@ LoadResult Station::Form_Load() {
     }
     d.SetParam("load");
     d.takeSettings();
-    log.trace("Loading: work files in " + platform::joinPath(recordings, "Temp") + ", saving every " +
-              std::to_string(d.saveInterval()) + " ms, crash protection " +
+    log.trace("Loading: work files in " + platform::joinPath(recordings, "Temp") +
+              ", saving every " + std::to_string(d.saveInterval()) + " ms, crash protection " +
               platform::boolText(record.FileSaveAtStop));
 
     if (parts_.sound.playbackDevices().Count() == 0) {
@@ -130,8 +131,9 @@ void Station::loadPedalsAndDelivery() {
               platform::boolText(record.UserSelectGame) + ", serial " +
               platform::boolText(record.UserSelectSerial));
     createDestinationFolders();
-    settings::checkDeliveryOptions(parts_.config.record, settings::CompanyRecords(parts_.dataFolder),
-                                   parts_.prompts, setupWindows);
+    settings::checkDeliveryOptions(parts_.config.record,
+                                   settings::CompanyRecords(parts_.dataFolder), parts_.prompts,
+                                   setupWindows);
     loadAutoSend();
 
     if (record.QDUDisconnected) d.showDeskUnitMissing();

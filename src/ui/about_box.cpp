@@ -20,11 +20,11 @@ AboutBox::AboutBox(const AboutFacts& facts, QWidget* parent) : QDialog(parent) {
     auto* details = new QLabel(this);
     details->setObjectName("lblDetails");
     details->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    details->setText(tr("A hands-free digital dictation station.\n\n"
-                        "Settings and event logs: %1\nRecordings: %2\nSound: %3\nQt %4")
-                         .arg(QString::fromStdString(facts.dataFolder),
-                              QString::fromStdString(facts.recordings),
-                              QString::fromStdString(facts.soundSystem), QString::fromLatin1(qVersion())));
+    details->setText(
+        tr("A hands-free digital dictation station.\n\n"
+           "Settings and event logs: %1\nRecordings: %2\nSound: %3\nQt %4")
+            .arg(QString::fromStdString(facts.dataFolder), QString::fromStdString(facts.recordings),
+                 QString::fromStdString(facts.soundSystem), QString::fromLatin1(qVersion())));
     column->addWidget(details);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok, this);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);

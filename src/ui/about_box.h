@@ -3,13 +3,12 @@
 // keeps its settings and records, which is what support asks first.
 
 #include <QDialog>
-
 #include <string>
 
 namespace ovd::ui {
 
 struct AboutFacts {
-    std::string title;        // the edition's title
+    std::string title;  // the edition's title
     std::string version;
     std::string dataFolder;
     std::string recordings;   // CaptureFilePath
@@ -17,7 +16,7 @@ struct AboutFacts {
 };
 
 class AboutBox : public QDialog {
-public:
+  public:
     AboutBox(const AboutFacts& facts, QWidget* parent = nullptr);
 };
 

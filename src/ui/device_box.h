@@ -15,7 +15,6 @@ class DeviceChoice;
 }
 namespace ovd::ui {
 
-
 class DeviceBox : public QGroupBox {
   public:
     explicit DeviceBox(station::DeviceChoice& choice, QWidget* parent = nullptr);

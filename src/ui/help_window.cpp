@@ -6,7 +6,6 @@
 #include <QSplitter>
 #include <QTextBrowser>
 #include <QTreeWidget>
-
 #include <map>
 
 #include "platform/files.h"
@@ -23,8 +22,8 @@ settings::HelpIndex loadHelpIndex(const std::string& dataFolder, const std::stri
                                   platform::Prompts& prompts) {
     const settings::CompanyRecords own(dataFolder);
     if (platform::fileExists(own.helpPath())) return settings::readHelpIndex(own, prompts);
-    return settings::readHelpIndex(settings::CompanyRecords(platform::joinPath(programFolder, "help")),
-                                   prompts);
+    return settings::readHelpIndex(
+        settings::CompanyRecords(platform::joinPath(programFolder, "help")), prompts);
 }
 
 HelpWindow::HelpWindow(const settings::HelpIndex& index, std::vector<std::string> folders,
@@ -62,7 +61,8 @@ HelpWindow::HelpWindow(const settings::HelpIndex& index, std::vector<std::string
     }
     for (const auto& [entry, item] : waiting) {
         const auto parentItem = byKey.find(entry->Relative);
-        if (entry->Relative != kTopLevel && parentItem != byKey.end() && parentItem->second != item) {
+        if (entry->Relative != kTopLevel && parentItem != byKey.end() &&
+            parentItem->second != item) {
             parentItem->second->addChild(item);
         } else {
             tree_->addTopLevelItem(item);

@@ -5,7 +5,6 @@
 // it is written.
 
 #include <QWidget>
-
 #include <string>
 
 #include "settings/company_records.h"
@@ -17,7 +16,7 @@ class QTreeWidgetItem;
 namespace ovd::ui {
 
 class HelpWindow : public QWidget {
-public:
+  public:
     // folders: where Help.INI's targets are looked for, in order.
     HelpWindow(const settings::HelpIndex& index, std::vector<std::string> folders,
                QWidget* parent = nullptr);
@@ -25,7 +24,7 @@ public:
     [[nodiscard]] QTreeWidget* tree() const { return tree_; }
     [[nodiscard]] QTextBrowser* page() const { return page_; }
 
-private:
+  private:
     void showTarget(const std::string& target);
 
     std::vector<std::string> folders_;

@@ -1,16 +1,15 @@
 #include "ui/notification_popup.h"
 
 #include <QColor>
-#include <QLinearGradient>
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QLabel>
+#include <QLinearGradient>
 #include <QProcess>
 #include <QScreen>
 #include <QStandardPaths>
 #include <QTimer>
 #include <QVBoxLayout>
-
 #include <algorithm>
 
 namespace ovd::ui {
@@ -38,8 +37,7 @@ void setRoleColor(QPalette& palette, QPalette::ColorRole role, const std::string
 }
 }  // namespace
 
-NotificationPopup::NotificationPopup(const platform::Notification& notification,
-                                     QWidget* parent)
+NotificationPopup::NotificationPopup(const platform::Notification& notification, QWidget* parent)
     : QFrame(parent, Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint),
       soundFile_(QString::fromStdString(notification.soundFile)),
       showMilliseconds_(std::max(0, notification.showMilliseconds)) {
@@ -53,7 +51,8 @@ NotificationPopup::NotificationPopup(const platform::Notification& notification,
     setRoleColor(colours, QPalette::Window, notification.backgroundColor);
     setRoleColor(colours, QPalette::WindowText, notification.textColor);
     const QColor top = QColor::fromString(QString::fromStdString(notification.backgroundColor));
-    const QColor bottom = QColor::fromString(QString::fromStdString(notification.backgroundColorEnd));
+    const QColor bottom =
+        QColor::fromString(QString::fromStdString(notification.backgroundColorEnd));
     if (top.isValid() && bottom.isValid()) {
         QLinearGradient shade(0, 0, 0, 1);
         shade.setCoordinateMode(QGradient::ObjectMode);

@@ -13,7 +13,7 @@ class QLabel;
 namespace ovd::ui {
 
 class NotificationPopup : public QFrame {
-public:
+  public:
     explicit NotificationPopup(const platform::Notification& notification,
                                QWidget* parent = nullptr);
 
@@ -26,10 +26,10 @@ public:
     [[nodiscard]] QString headingText() const;
     [[nodiscard]] QString bodyText() const;
 
-protected:
+  protected:
     void mousePressEvent(QMouseEvent* event) override;
 
-private:
+  private:
     void playSound() const;
 
     QLabel* title_;

@@ -58,11 +58,10 @@ void QtEventLoop::wait(Milliseconds duration) {
     nested.exec();
 }
 
-platform::EventLoop::Handle QtEventLoop::watchFd(int fd, platform::FdEvent event,
-                                                 Callback ready) {
+platform::EventLoop::Handle QtEventLoop::watchFd(int fd, platform::FdEvent event, Callback ready) {
     const Handle handle = nextHandle_++;
-    const auto type = event == platform::FdEvent::Readable ? QSocketNotifier::Read
-                                                           : QSocketNotifier::Write;
+    const auto type =
+        event == platform::FdEvent::Readable ? QSocketNotifier::Read : QSocketNotifier::Write;
     auto* notifier = new QSocketNotifier(static_cast<qintptr>(fd), type, &context_);
     QObject::connect(notifier, &QSocketNotifier::activated, notifier,
                      [call = std::move(ready)] { call(); });

@@ -7,7 +7,6 @@
 // entry except postFromAnyThread must be called from that thread.
 
 #include <QObject>
-
 #include <map>
 
 #include "platform/event_loop.h"
@@ -18,7 +17,7 @@ class QTimer;
 namespace ovd::ui {
 
 class QtEventLoop : public platform::EventLoop {
-public:
+  public:
     QtEventLoop();
     ~QtEventLoop() override;
     QtEventLoop(const QtEventLoop&) = delete;
@@ -42,7 +41,7 @@ public:
     [[nodiscard]] std::size_t activeTimers() const { return timers_.size(); }
     [[nodiscard]] std::size_t activeWatches() const { return watches_.size(); }
 
-private:
+  private:
     // Parent of every timer and notifier, and the receiver of posted calls; when it
     // goes, whatever is still pending for this loop goes with it.
     QObject context_;

@@ -5,7 +5,6 @@
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QMessageBox>
-
 #include <algorithm>
 
 #include "ui/notification_popup.h"

@@ -6,7 +6,6 @@
 #include <QPointer>
 #include <QStringList>
 #include <QWidget>
-
 #include <vector>
 
 #include "platform/prompts.h"
@@ -16,7 +15,7 @@ namespace ovd::ui {
 class NotificationPopup;
 
 class QtPrompts : public platform::Prompts {
-public:
+  public:
     explicit QtPrompts(QWidget* mainWindow = nullptr);
     ~QtPrompts() override;
     QtPrompts(const QtPrompts&) = delete;
@@ -31,7 +30,7 @@ public:
     std::optional<std::string> chooseFolder(const platform::FolderRequest& request) override;
     void notify(const platform::Notification& notification) override;
 
-private:
+  private:
     [[nodiscard]] QWidget* owner() const;
 
     QPointer<QWidget> mainWindow_;

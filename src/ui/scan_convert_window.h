@@ -18,7 +18,7 @@ class QTreeWidget;
 namespace ovd::ui {
 
 class ScanConvertWindow : public QDialog {
-public:
+  public:
     ScanConvertWindow(conversion::ScanConvert& scan, QWidget* parent = nullptr);
     ~ScanConvertWindow() override;
     ScanConvertWindow(const ScanConvertWindow&) = delete;
@@ -27,10 +27,10 @@ public:
     // Draws the view as it stands.
     void render();
 
-protected:
+  protected:
     void closeEvent(QCloseEvent* event) override;
 
-private:
+  private:
     QWidget* folderBox(const QString& title, QLabel*& label, QListWidget*& list);
 
     conversion::ScanConvert& scan_;

@@ -134,16 +134,23 @@ void StationMenus::buildConfiguration() {
     configuration->addSeparator();
     const auto records = [this](RecordsWindow which) {
         return [this, which] {
-            showRecordsWindow(which, &window_, parts_.config.dataFolder(), parts_.prompts, parts_.config.record);
+            showRecordsWindow(which, &window_, parts_.config.dataFolder(), parts_.prompts,
+                              parts_.config.record);
         };
     };
-    add(configuration, "mnCompanyInfo", QObject::tr("Company Information..."), records(RecordsWindow::OurCompany));
-    add(configuration, "mnCompInfo", QObject::tr("Company and Mail Accounts..."), records(RecordsWindow::CompanyAndMail));
-    add(configuration, "mnTranscribers", QObject::tr("Transcribers..."), records(RecordsWindow::Transcribers));
-    add(configuration, "mnemail", QObject::tr("Configure Email..."), records(RecordsWindow::EmailReceivers));
+    add(configuration, "mnCompanyInfo", QObject::tr("Company Information..."),
+        records(RecordsWindow::OurCompany));
+    add(configuration, "mnCompInfo", QObject::tr("Company and Mail Accounts..."),
+        records(RecordsWindow::CompanyAndMail));
+    add(configuration, "mnTranscribers", QObject::tr("Transcribers..."),
+        records(RecordsWindow::Transcribers));
+    add(configuration, "mnemail", QObject::tr("Configure Email..."),
+        records(RecordsWindow::EmailReceivers));
     addGreyed(configuration, "mnFTP", QObject::tr("Configure FTP..."));
-    add(configuration, "mnPasswords", QObject::tr("Decryption Keys..."), records(RecordsWindow::DecryptionKeys));
-    add(configuration, "mnDecrypt", QObject::tr("Decrypt a File..."), records(RecordsWindow::ManualDecrypt));
+    add(configuration, "mnPasswords", QObject::tr("Decryption Keys..."),
+        records(RecordsWindow::DecryptionKeys));
+    add(configuration, "mnDecrypt", QObject::tr("Decrypt a File..."),
+        records(RecordsWindow::ManualDecrypt));
 }
 
 void StationMenus::buildPedals() {

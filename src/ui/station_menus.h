@@ -5,7 +5,6 @@
 // a peer or the desk unit change them behind the window's back.
 
 #include <QObject>
-
 #include <functional>
 #include <map>
 #include <string>
@@ -24,7 +23,7 @@ class StationWindow;
 struct StationWindowParts;
 
 class StationMenus {
-public:
+  public:
     StationMenus(StationWindow& window, StationWindowParts& parts);
 
     // The check marks, the greyed entries and File > Reopen as they now stand.
@@ -34,7 +33,7 @@ public:
     // An entry by the control name it stands for ("mnuScanConvert"); null if none.
     [[nodiscard]] QAction* action(const std::string& name) const;
 
-private:
+  private:
     void buildFile();
     void buildEdit();
     void buildView();

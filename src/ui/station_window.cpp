@@ -24,16 +24,16 @@
 
 #include "devices/hands_free.h"
 #include "dictation/dictation.h"
+#include "dictation/globals_snapshot.h"
 #include "engine/wave_editor.h"
 #include "settings/config_file.h"
 #include "settings/debug_trace.h"
 #include "settings/event_log.h"
+#include "station/device_choice.h"
 #include "ui/debug_window.h"
 #include "ui/desk_unit_panel.h"
 #include "ui/device_box.h"
-#include "station/device_choice.h"
 #include "ui/event_log_window.h"
-#include "dictation/globals_snapshot.h"
 #include "ui/level_meter.h"
 #include "ui/on_air_lamps.h"
 #include "ui/station_menus.h"
@@ -89,9 +89,9 @@ StationWindow::StationWindow(StationWindowParts parts) : parts_(std::move(parts)
     setWindowTitle(titleFor(parts_.config.record.HandsFreeEdition));
     setWindowIcon(QIcon::fromTheme(QStringLiteral("orvane-voice-desk")));
 
-    deviceChoice_ = std::make_unique<station::DeviceChoice>(parts_.recordingEditor.RecordingDevices(),
-                                                   parts_.recordingEditor.PlaybackDevices(),
-                                                   parts_.config, parts_.prompts);
+    deviceChoice_ = std::make_unique<station::DeviceChoice>(
+        parts_.recordingEditor.RecordingDevices(), parts_.recordingEditor.PlaybackDevices(),
+        parts_.config, parts_.prompts);
     deviceChoice_->onRestartNeeded = [this] {
         if (onRestartNeeded) onRestartNeeded();
     };
@@ -120,8 +120,8 @@ StationWindow::StationWindow(StationWindowParts parts) : parts_(std::move(parts)
     eventLogWindow_ = new EventLogWindow(parts_.eventLog, this);
     eventLogWindow_->onClosed = [this] { viewLogCheck_->setChecked(false); };
     debugWindow_ = new DebugWindow(
-        parts_.debugTrace, [this] { return dictation::snapshotOf(parts_.dictation, parts_.config.record); },
-        this);
+        parts_.debugTrace,
+        [this] { return dictation::snapshotOf(parts_.dictation, parts_.config.record); }, this);
     wireEngineEvents();
     parts_.dictation.onViewChanged = [this] { viewAnnounced(); };
     sinceRender_.start();
@@ -404,8 +404,8 @@ void StationWindow::buildStatusBar() {
 
 bool StationWindow::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::MouseButtonDblClick && watched->objectName() == "lblDebugPrint") {
-        parts_.debugTrace.openForSupport(parts_.prompts,
-                                         dictation::snapshotOf(parts_.dictation, parts_.config.record));
+        parts_.debugTrace.openForSupport(
+            parts_.prompts, dictation::snapshotOf(parts_.dictation, parts_.config.record));
         debugWindow_->refresh();
         debugWindow_->showOverStation();
         return true;

@@ -19,10 +19,10 @@
 
 #include "dictation/dictation.h"
 #include "settings/config_file.h"
+#include "station/device_choice.h"
 #include "ui/about_box.h"
 #include "ui/desk_unit_panel.h"
 #include "ui/device_box.h"
-#include "station/device_choice.h"
 #include "ui/event_log_window.h"
 #include "ui/help_window.h"
 #include "ui/on_air_lamps.h"

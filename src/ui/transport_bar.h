@@ -4,7 +4,6 @@
 // under it while the captions are shown.
 
 #include <QWidget>
-
 #include <array>
 #include <functional>
 
@@ -15,7 +14,7 @@ class QToolButton;
 namespace ovd::ui {
 
 class TransportBar : public QWidget {
-public:
+  public:
     enum Button { Prev, Next, Play, Pause, Back, Step, Stop, Record };
     static constexpr int kButtons = 8;
 
@@ -29,7 +28,7 @@ public:
     // What a click on each button calls.
     std::array<std::function<void()>, kButtons> onClick;
 
-private:
+  private:
     std::array<QToolButton*, kButtons> buttons_{};
 };
 

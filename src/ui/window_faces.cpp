@@ -10,9 +10,12 @@ Face faceFromSetting(const std::string& ScreenSize) {
 
 const char* faceSetting(Face face) {
     switch (face) {
-        case Face::Regular: return "Regular";
-        case Face::Thin: return "Thin";
-        case Face::SuperThin: return "SuperThin";
+        case Face::Regular:
+            return "Regular";
+        case Face::Thin:
+            return "Thin";
+        case Face::SuperThin:
+            return "SuperThin";
     }
     return "Regular";
 }
@@ -20,7 +23,8 @@ const char* faceSetting(Face face) {
 FaceParts partsOf(Face face) {
     FaceParts parts;
     switch (face) {
-        case Face::Regular: break;
+        case Face::Regular:
+            break;
         case Face::Thin:
             parts.editButtons = false;
             parts.formatBox = false;

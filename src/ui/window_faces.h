@@ -14,7 +14,7 @@ enum class Face { Regular, Thin, SuperThin };
 // The parts of the window a face can hide.
 struct FaceParts {
     bool toolIcons = true;
-    bool statusLine = true;   // Label40, the file label, the mode
+    bool statusLine = true;  // Label40, the file label, the mode
     bool waveform = true;
     bool positionSlider = true;
     bool editButtons = true;  // Command1, Command2, cmdOVR, Command3, the step

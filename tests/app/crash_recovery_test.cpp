@@ -25,7 +25,8 @@ std::string speechFile(const testing::TempFolder& folder) {
     const std::string command =
         "espeak-ng -w '" + spoken +
         "' 'Dear Sir, further to our letter of the fourth, please find enclosed the report.' && "
-        "sox '" + spoken + "' -r 16000 -c 1 -b 16 '" + speech + "'";
+        "sox '" +
+        spoken + "' -r 16000 -c 1 -b 16 '" + speech + "'";
     return std::system(command.c_str()) == 0 ? speech : std::string();
 }
 
@@ -35,7 +36,8 @@ std::vector<std::string> recoveredFiles(const std::string& folder) {
     std::error_code error;
     for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
         const std::string name = entry.path().filename().string();
-        if (entry.is_regular_file() && std::regex_match(name, recovered)) found.push_back(entry.path().string());
+        if (entry.is_regular_file() && std::regex_match(name, recovered))
+            found.push_back(entry.path().string());
     }
     return found;
 }
@@ -71,7 +73,8 @@ TEST(CrashRecoveryTest, ATakeKilledMidwayIsRecoveredAfterTheSecondStart) {
     // down before it ends in order, as a machine that loses power again would.
     std::size_t from = station.eventLog().size();
     station.start(microphone);
-    ASSERT_TRUE(station.logShows("Loading: work files of an earlier run left for the next start", from))
+    ASSERT_TRUE(
+        station.logShows("Loading: work files of an earlier run left for the next start", from))
         << station.eventLog().substr(from);
     ASSERT_TRUE(station.logShows("Loading: done", from));
     EXPECT_TRUE(recoveredFiles(recordings).empty());
@@ -79,7 +82,8 @@ TEST(CrashRecoveryTest, ATakeKilledMidwayIsRecoveredAfterTheSecondStart) {
 
     from = station.eventLog().size();
     station.start(microphone);
-    ASSERT_TRUE(station.logShows("Loading: recovery done", from)) << station.eventLog().substr(from);
+    ASSERT_TRUE(station.logShows("Loading: recovery done", from))
+        << station.eventLog().substr(from);
     const std::string log = station.eventLog().substr(from);
     EXPECT_NE(log.find("Scan/Convert: Start ConvertToMP3"), std::string::npos) << log;
     EXPECT_NE(log.find("Scan/Convert: Temporary Files RECOVERED"), std::string::npos) << log;

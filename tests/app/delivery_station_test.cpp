@@ -44,7 +44,8 @@ TEST(DeliveryStationTest, EndOfLetterDeliversToThreeFoldersStagesAndThePeerHears
     testing::LoopbackPeer peer;
     const int orderPort = testing::unusedLoopbackPort();
     const std::string recordings = station.folder.file("Rec");
-    const std::vector<std::string> folders = {station.folder.file("Typist One"), station.folder.file("Typist Two"),
+    const std::vector<std::string> folders = {station.folder.file("Typist One"),
+                                              station.folder.file("Typist Two"),
                                               station.folder.file("Typist Three")};
     station.changeSettings([&](settings::SettingsRecord& r) {
         r.CaptureFilePath = recordings;

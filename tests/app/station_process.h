@@ -38,15 +38,16 @@ inline std::size_t occurrences(const std::string& text, const std::string& what)
 
 struct ProcessEnd {
     bool exited = false;
-    int status = -1;  // exit status, or the signal when it did not exit
+    int status = -1;     // exit status, or the signal when it did not exit
     std::string errors;  // what it wrote to standard error
 };
 
 class StationProcess {
-public:
+  public:
     StationProcess() {
-        platform::writeWholeFile(folder.file("DigitalRecorder.cfg"),
-                                 platform::readWholeFile(OVD_TEST_ASSETS "/DigitalRecorder.cfg").value());
+        platform::writeWholeFile(
+            folder.file("DigitalRecorder.cfg"),
+            platform::readWholeFile(OVD_TEST_ASSETS "/DigitalRecorder.cfg").value());
         settings::ConfigFile config(folder.path());
         config.ReadConfig();
         config.record.UserSelectSerial = true;
@@ -108,7 +109,8 @@ public:
     TimedEnd terminateTimed() {
         const auto before = std::chrono::steady_clock::now();
         ProcessEnd end = terminate(SIGTERM);
-        return {end, std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - before)};
+        return {end, std::chrono::duration_cast<std::chrono::milliseconds>(
+                         std::chrono::steady_clock::now() - before)};
     }
 
     // The share of one core the station used over the period, in percent, from
@@ -156,7 +158,7 @@ public:
     PseudoTerminal pty;
     std::string workingDirectory;  // where the station starts; empty: the test's own
 
-private:
+  private:
     // utime + stime of the child, or -1 when it can't be read.
     [[nodiscard]] long long cpuTicks() const {
         const auto stat = platform::readWholeFile("/proc/" + std::to_string(child_) + "/stat");
@@ -185,7 +187,7 @@ private:
             ::unsetenv("DISPLAY");
             ::unsetenv("WAYLAND_DISPLAY");
             std::vector<std::string> words{"orvane-voice-desk", "--headless", "--data-folder",
-                                           folder.path(), "--audio", "virtual"};
+                                           folder.path(),       "--audio",    "virtual"};
             words.insert(words.end(), extra.begin(), extra.end());
             std::vector<char*> argv;
             for (std::string& word : words) argv.push_back(word.data());

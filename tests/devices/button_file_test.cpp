@@ -1,9 +1,9 @@
 // Button.cfg: the split of each line, the twenty-line limit, and the line a
 // message button sends.
 
-#include <gtest/gtest.h>
-
 #include "devices/button_file.h"
+
+#include <gtest/gtest.h>
 
 namespace ovd::devices {
 namespace {
@@ -13,7 +13,8 @@ TEST(ButtonFileTest, LinesSplitAtTheFirstTwoCommasWithinTwentyLinesAndTheLengthL
         "Typist,Urgent,First, then the rest\r\n"
         "only a label\n"
         "label,second only\r\n"
-        ",," + std::string(300, 'x') + "\r\n";
+        ",," +
+        std::string(300, 'x') + "\r\n";
     for (int i = 5; i <= 25; ++i) content += "l,l,message " + std::to_string(i) + "\r\n";
 
     const ButtonMessages messages = parseButtonFile(content);

@@ -1,8 +1,8 @@
 // The bar, the end-of-letter button, the normalising step and the refusal text.
 
-#include <gtest/gtest.h>
-
 #include "dictation/transport_rules.h"
+
+#include <gtest/gtest.h>
 
 namespace ovd::dictation {
 namespace {
@@ -15,11 +15,11 @@ TEST(TransportRulesTest, TheEndOfLetterButtonFollowsTheBarInItsOrder) {
         bool expected;
     };
     const std::vector<Case> cases = {
-        {BarAfter::CaseRecord, true, true, false},    // Stop on, Record off: off
-        {BarAfter::CaseEnd, true, false, true},       // Stop off, Record on, recorded: on
-        {BarAfter::CaseEnd, false, true, true},       // ... not recorded: kept as it was
+        {BarAfter::CaseRecord, true, true, false},  // Stop on, Record off: off
+        {BarAfter::CaseEnd, true, false, true},     // Stop off, Record on, recorded: on
+        {BarAfter::CaseEnd, false, true, true},     // ... not recorded: kept as it was
         {BarAfter::CaseEnd, false, false, false},
-        {BarAfter::CaseStop, true, true, false},      // both off: off
+        {BarAfter::CaseStop, true, true, false},  // both off: off
         {BarAfter::CasePlayOrOpen, true, true, false},
         {BarAfter::StepBetween, true, false, true},
     };
@@ -56,8 +56,9 @@ TEST(TransportRulesTest, NormalisingLeavesARunningTakeAloneUnlessRecordOrStop) {
 }
 
 TEST(TransportRulesTest, TheRefusalNamesTheRoutineBetweenDashes) {
-    EXPECT_EQ(refusalText("CaseNew-2"),
-              "Recording in Progress. Please hit the stop button to stop current recording. -CaseNew-2-");
+    EXPECT_EQ(
+        refusalText("CaseNew-2"),
+        "Recording in Progress. Please hit the stop button to stop current recording. -CaseNew-2-");
     EXPECT_EQ(kRefusalTags.size(), 25u);
 }
 

@@ -1,8 +1,8 @@
 // Format words and the sample/millisecond helpers the positions shown rest on.
 
-#include <gtest/gtest.h>
-
 #include "engine/audio_format.h"
+
+#include <gtest/gtest.h>
 
 namespace ovd::engine {
 namespace {

@@ -1,8 +1,8 @@
 // A settings group becomes the take's format and the saved format.
 
-#include <gtest/gtest.h>
-
 #include "engine/format_selection.h"
+
+#include <gtest/gtest.h>
 
 namespace ovd::engine {
 namespace {
@@ -49,8 +49,8 @@ TEST(FormatSelectionTest, NormalisingKeepsListedValuesAndDspReadsAsWav) {
     EXPECT_EQ(FigureOutFileFormats({"MP3", "fast", "", ""}).normalised.Frequency, "");
     EXPECT_EQ(FigureOutFileFormats({"MP3", "", "", "81"}).Bitrate, 0);
 
-    const FormatChoice unknown = FigureOutFileFormats({"OGG", "16000", "1", "64"},
-                                                      {RawEncoding::ALaw, 2, 8000});
+    const FormatChoice unknown =
+        FigureOutFileFormats({"OGG", "16000", "1", "64"}, {RawEncoding::ALaw, 2, 8000});
     EXPECT_EQ(unknown.target.word, FormatWord::RAW) << "an unknown word falls through to raw";
     EXPECT_EQ(unknown.target.raw, RawEncoding::ALaw);
     EXPECT_EQ(unknown.recording, (PcmFormat{8000, 2}));

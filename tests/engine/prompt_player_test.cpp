@@ -1,8 +1,9 @@
 // Voice prompts: only while switched on, from the shipped prompt folder.
 
+#include "engine/prompt_player.h"
+
 #include <gtest/gtest.h>
 
-#include "engine/prompt_player.h"
 #include "engine/virtual_backend.h"
 #include "platform/files.h"
 #include "support/virtual_event_loop.h"
@@ -20,8 +21,9 @@ TEST(PromptPlayerTest, PlaysOnlyWhileSwitchedOnAndEveryNamedPromptShips) {
     player.PlayPrompt("", true);
     EXPECT_TRUE(backend.promptsPlayed().empty());
 
-    for (const char* name : {"beep2.wav", "Speak.wav", "TwoBeeps.wav", "bloop3.wav", "ding.wav",
-                             "complete.wav", "FileSent1MSG.WAV", "FileSent2MSG.WAV", "FileSent3MSG.WAV"}) {
+    for (const char* name :
+         {"beep2.wav", "Speak.wav", "TwoBeeps.wav", "bloop3.wav", "ding.wav", "complete.wav",
+          "FileSent1MSG.WAV", "FileSent2MSG.WAV", "FileSent3MSG.WAV"}) {
         EXPECT_GT(platform::fileSize(player.pathOf(name)).value_or(0), 44u) << name;
         player.PlayPrompt(name, true);
         EXPECT_EQ(player.LastVoicePrompt(), folder + "/" + name);

@@ -14,23 +14,28 @@
 namespace ovd::engine::testing {
 
 class ToneSource : public PcmSource {
-public:
+  public:
     ToneSource(PcmFormat format, double seconds, double hertz = 440.0)
-        : format_(format), frames_(static_cast<SampleCount>(seconds * format.sampleRate)), hertz_(hertz) {}
+        : format_(format),
+          frames_(static_cast<SampleCount>(seconds * format.sampleRate)),
+          hertz_(hertz) {}
 
     [[nodiscard]] PcmFormat format() const override { return format_; }
     [[nodiscard]] SampleCount frames() const override { return frames_; }
     std::size_t read(std::int16_t* out, std::size_t frameCount) override {
         std::size_t done = 0;
         for (; done < frameCount && position_ < frames_; ++done, ++position_) {
-            const double phase = 2.0 * std::numbers::pi * hertz_ * static_cast<double>(position_) / format_.sampleRate;
+            const double phase = 2.0 * std::numbers::pi * hertz_ * static_cast<double>(position_) /
+                                 format_.sampleRate;
             const auto sample = static_cast<std::int16_t>(std::lround(16000.0 * std::sin(phase)));
-            for (int c = 0; c < format_.channels; ++c) out[done * static_cast<std::size_t>(format_.channels) + static_cast<std::size_t>(c)] = sample;
+            for (int c = 0; c < format_.channels; ++c)
+                out[done * static_cast<std::size_t>(format_.channels) +
+                    static_cast<std::size_t>(c)] = sample;
         }
         return done;
     }
 
-private:
+  private:
     PcmFormat format_;
     SampleCount frames_;
     double hertz_;
@@ -43,7 +48,8 @@ inline std::vector<std::int16_t> readAll(PcmSource& source) {
     std::vector<std::int16_t> all;
     std::vector<std::int16_t> block(4096 * channels);
     while (const std::size_t got = source.read(block.data(), 4096)) {
-        all.insert(all.end(), block.begin(), block.begin() + static_cast<std::ptrdiff_t>(got * channels));
+        all.insert(all.end(), block.begin(),
+                   block.begin() + static_cast<std::ptrdiff_t>(got * channels));
     }
     return all;
 }
@@ -73,7 +79,8 @@ inline std::string commandOutput(const std::string& command) {
     std::string text;
     if (FILE* pipe = ::popen(command.c_str(), "r")) {
         char buffer[512];
-        while (const std::size_t got = std::fread(buffer, 1, sizeof buffer, pipe)) text.append(buffer, got);
+        while (const std::size_t got = std::fread(buffer, 1, sizeof buffer, pipe))
+            text.append(buffer, got);
         ::pclose(pipe);
     }
     return text;

@@ -92,8 +92,7 @@ TEST(VirtualLoopTest, NestedWaitsEachEndAtTheirOwnTimeOrLaterAndTheClockNeverGoe
     outerTimer.setOnTick([&] {
         outerTimer.setEnabled(false);
         loop.waitSeconds(3);  // a wait entered during the test's own wait
-        innerEnds.push_back(
-            std::chrono::duration_cast<Milliseconds>(loop.now() - start).count());
+        innerEnds.push_back(std::chrono::duration_cast<Milliseconds>(loop.now() - start).count());
     });
     outerTimer.setEnabled(true);
 

@@ -1,29 +1,30 @@
 // The headless station's answers: defaults, the answers file, and nothing unseen.
 
+#include "platform/headless_prompts.h"
+
 #include <gtest/gtest.h>
 
 #include <sstream>
-
-#include "platform/headless_prompts.h"
 
 namespace ovd::platform {
 namespace {
 
 class HeadlessPromptsTest : public ::testing::Test {
-protected:
+  protected:
     std::vector<std::string> logged;
     std::ostringstream err;
     HeadlessPrompts prompts{[this](const std::string& line) { logged.push_back(line); }, err};
 };
 
 TEST_F(HeadlessPromptsTest, BoxesTakeTheirDefaultButtonAndAreLoggedAndPrinted) {
-    const Answer answer = prompts.message({"File Needs to be Saved. Would you like to do this?",
-                                           "Orvane Voice Desk", Buttons::YesNo, Answer::No,
-                                           Severity::Question});
+    const Answer answer =
+        prompts.message({"File Needs to be Saved. Would you like to do this?", "Orvane Voice Desk",
+                         Buttons::YesNo, Answer::No, Severity::Question});
     EXPECT_EQ(answer, Answer::No);
     ASSERT_EQ(logged.size(), 1u);
-    EXPECT_EQ(logged[0],
-              "[message] Orvane Voice Desk: File Needs to be Saved. Would you like to do this? -> No");
+    EXPECT_EQ(
+        logged[0],
+        "[message] Orvane Voice Desk: File Needs to be Saved. Would you like to do this? -> No");
     EXPECT_NE(err.str().find("Would you like to do this?"), std::string::npos);
 
     EXPECT_EQ(prompts.input({"Scan the bar code", "Bar Code", "12345"}), "12345");

@@ -1,13 +1,13 @@
 // What the station asks of the machine, against the real machine.
 
-#include <gtest/gtest.h>
+#include "platform/system_queries.h"
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/file.h>
 #include <unistd.h>
 
 #include "platform/files.h"
-#include "platform/system_queries.h"
 #include "support/temp_folder.h"
 
 namespace ovd::platform {

@@ -1,14 +1,14 @@
 // DigitalRecorder.cfg: the positional record, its grammar and the start-up rules.
 
-#include <gtest/gtest.h>
+#include "settings/config_file.h"
 
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <string>
 #include <vector>
 
 #include "platform/files.h"
-#include "settings/config_file.h"
 #include "settings/record_grammar.h"
 #include "support/scripted_prompts.h"
 #include "support/temp_folder.h"
@@ -161,7 +161,7 @@ std::string fullLine() {
 std::string readFile(const std::string& path) { return platform::readWholeFile(path).value_or(""); }
 
 class ConfigFileTest : public ::testing::Test {
-protected:
+  protected:
     void writeRecord(const std::string& text) {
         ASSERT_TRUE(platform::writeWholeFile(folder.file(kConfigFileName), text));
     }
@@ -227,15 +227,14 @@ TEST_F(ConfigFileTest, DamagedFieldsKeepTheirValuesAndTheRestStillLoads) {
         std::string expected;
     };
     const std::vector<Case> cases = {
-        {12, "abc", "4"},         // Places: not a number, stays as it was
-        {12, "70000", "4"},       // too big for the field
-        {12, "2.5", "2"},         // halves go to the even neighbour
-        {12, "#TRUE#", "-1"},     // a yes as a number
-        {7, "maybe", "True"},     // SuppressWarnings: not a yes/no, stays
-        {7, "0", "False"},
-        {7, "\"True\"", "True"},
-        {20, "MP3", "MP3"},       // text without quotes reads to the comma
-        {10, "\"12\"", "12"},     // a variant keeps the form it was written in
+        {12, "abc", "4"},      // Places: not a number, stays as it was
+        {12, "70000", "4"},    // too big for the field
+        {12, "2.5", "2"},      // halves go to the even neighbour
+        {12, "#TRUE#", "-1"},  // a yes as a number
+        {7, "maybe", "True"},  // SuppressWarnings: not a yes/no, stays
+        {7, "0", "False"},    {7, "\"True\"", "True"},
+        {20, "MP3", "MP3"},    // text without quotes reads to the comma
+        {10, "\"12\"", "12"},  // a variant keeps the form it was written in
         {10, "#NULL#", ""},
     };
     for (const Case& c : cases) {
@@ -344,7 +343,8 @@ TEST_F(ConfigFileTest, ResetReturnsToWhatTheFileHoldsAndClearsTheWorkingState) {
 }
 
 TEST(ShippedConfigTest, TheInstalledFirstRecordHasAllFieldsAndSensibleFirstValues) {
-    const auto content = platform::readWholeFile(std::string(OVD_TEST_ASSETS) + "/DigitalRecorder.cfg");
+    const auto content =
+        platform::readWholeFile(std::string(OVD_TEST_ASSETS) + "/DigitalRecorder.cfg");
     ASSERT_TRUE(content.has_value());
     EXPECT_EQ(tokenizeRecord(*content).size(), 113u);
     EXPECT_EQ(content->substr(content->size() - 2), "\r\n");

@@ -1,9 +1,10 @@
 // The support trace and the dump of the globals.
 
+#include "settings/debug_trace.h"
+
 #include <gtest/gtest.h>
 
 #include "platform/timer.h"
-#include "settings/debug_trace.h"
 #include "support/scripted_prompts.h"
 #include "support/virtual_event_loop.h"
 
@@ -16,15 +17,28 @@ TEST(GlobalsDumpTest, GroupsComeFirstAndGlobalsRunAlphabeticallyWithABlankAfterE
     GlobalsSnapshot snapshot;
     snapshot.arrays = {{"LastThreeNCTTmps(1)", "b.tmp"}, {"LastThreeNCTTmps(0)", "a.tmp"}};
     snapshot.timers = {{"timSave.Enabled", "False"}, {"timCurPos.Enabled", "True"}};
-    snapshot.globals = {{"flgPlay", "0"}, {"AutoSend1", "True"}, {"Filename", "x.mp3"},
-                        {"autoThing", "1"}, {"Port", "1"}};
+    snapshot.globals = {{"flgPlay", "0"},
+                        {"AutoSend1", "True"},
+                        {"Filename", "x.mp3"},
+                        {"autoThing", "1"},
+                        {"Port", "1"}};
 
-    const std::vector<std::string> expected = {
-        "Arrays", "LastThreeNCTTmps(0) = a.tmp", "LastThreeNCTTmps(1) = b.tmp", "",
-        "Timmers", "timCurPos.Enabled = True", "timSave.Enabled = False", "",
-        "AutoSend1 = True", "autoThing = 1", "",
-        "Filename = x.mp3", "flgPlay = 0", "",
-        "Port = 1", ""};
+    const std::vector<std::string> expected = {"Arrays",
+                                               "LastThreeNCTTmps(0) = a.tmp",
+                                               "LastThreeNCTTmps(1) = b.tmp",
+                                               "",
+                                               "Timmers",
+                                               "timCurPos.Enabled = True",
+                                               "timSave.Enabled = False",
+                                               "",
+                                               "AutoSend1 = True",
+                                               "autoThing = 1",
+                                               "",
+                                               "Filename = x.mp3",
+                                               "flgPlay = 0",
+                                               "",
+                                               "Port = 1",
+                                               ""};
     EXPECT_EQ(formatGlobalsDump(snapshot), expected);
 }
 

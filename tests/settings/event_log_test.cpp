@@ -1,11 +1,12 @@
 // The day's event log on the virtual clock: write-through, the day's file, and two runs.
 
+#include "settings/event_log.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
 
 #include "platform/files.h"
-#include "settings/event_log.h"
 #include "support/temp_folder.h"
 #include "support/virtual_event_loop.h"
 
@@ -17,10 +18,12 @@ using testing::localTime;
 using testing::TempFolder;
 using testing::VirtualEventLoop;
 
-std::string contentOf(const std::string& path) { return platform::readWholeFile(path).value_or("<none>"); }
+std::string contentOf(const std::string& path) {
+    return platform::readWholeFile(path).value_or("<none>");
+}
 
 class EventLogTest : public ::testing::Test {
-protected:
+  protected:
     std::string logFile(const std::string& day) const {
         return folder.path() + "/Event Logs/" + day + " Event.Log";
     }
@@ -77,8 +80,9 @@ TEST_F(EventLogTest, ASecondRunTheSameDayKeepsTheFirstRunsLinesAheadOfItsOwn) {
     second.AddEventLine("second run");
     loop.advance(Milliseconds(500));
 
-    EXPECT_EQ(contentOf(logFile("20260302")),
-              "first run\r\nedited by hand\r\nsecond run, before the log was loaded\r\nsecond run\r\n");
+    EXPECT_EQ(
+        contentOf(logFile("20260302")),
+        "first run\r\nedited by hand\r\nsecond run, before the log was loaded\r\nsecond run\r\n");
 }
 
 TEST_F(EventLogTest, AfterMidnightTheWholeTextGoesToTheNewDaysFile) {

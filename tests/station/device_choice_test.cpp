@@ -51,7 +51,9 @@ class ListedDevices : public engine::DeviceList {
         return platform::Result<void>::success();
     }
     int Balance(int) const override { return 0; }
-    platform::Result<void> setBalance(int, int) override { return platform::Result<void>::success(); }
+    platform::Result<void> setBalance(int, int) override {
+        return platform::Result<void>::success();
+    }
     bool Mute(int) const override { return false; }
     platform::Result<void> setMute(int, bool) override { return platform::Result<void>::success(); }
 };

@@ -8,7 +8,8 @@
 
 namespace ovd::testing {
 
-inline void nameLettersAB(settings::SettingsRecord& r, const std::string& recordings, int nextNumber) {
+inline void nameLettersAB(settings::SettingsRecord& r, const std::string& recordings,
+                          int nextNumber) {
     r.CaptureFilePath = recordings;
     r.FileLabelActive = true;
     r.FileLabelText = "AB";

@@ -80,7 +80,8 @@ void LoopbackPeer::pump(std::chrono::milliseconds slice) {
     }
 }
 
-std::vector<std::string> LoopbackPeer::receive(std::size_t count, std::chrono::milliseconds timeout) {
+std::vector<std::string> LoopbackPeer::receive(std::size_t count,
+                                               std::chrono::milliseconds timeout) {
     const auto until = std::chrono::steady_clock::now() + timeout;
     const auto messages = [this] {
         std::vector<std::string> out;

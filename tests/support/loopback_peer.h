@@ -13,7 +13,7 @@ namespace ovd::testing {
 int connectToLoopback(int port);
 
 class LoopbackPeer {
-public:
+  public:
     explicit LoopbackPeer(const std::string& address = "127.0.0.1", int port = 0);
     ~LoopbackPeer();
     LoopbackPeer(const LoopbackPeer&) = delete;
@@ -25,12 +25,12 @@ public:
     // Takes every connection waiting and reads what each brings, until `count`
     // messages (connections whose bytes end in CR LF) are in or the time is up.
     // Returns every message received so far, in the order of the connections.
-    std::vector<std::string> receive(std::size_t count,
-                                     std::chrono::milliseconds timeout = std::chrono::milliseconds(2000));
+    std::vector<std::string> receive(
+        std::size_t count, std::chrono::milliseconds timeout = std::chrono::milliseconds(2000));
     // What came in so far without waiting.
     std::vector<std::string> received() { return receive(0, std::chrono::milliseconds(0)); }
 
-private:
+  private:
     void pump(std::chrono::milliseconds slice);
 
     int listenFd_ = -1;

@@ -22,7 +22,7 @@
 namespace ovd::testing {
 
 class PulseDaemon {
-public:
+  public:
     static constexpr const char* kSinkName = "ovd_test_sink";
     static constexpr const char* kSinkLabel = "OvdTestSink";
     static constexpr const char* kMonitorLabel = "Monitor of OvdTestSink";
@@ -46,7 +46,7 @@ public:
     // Ends the daemon now: to its clients, a sound server that went away.
     void stop();
 
-private:
+  private:
     void start();
     bool answers() const;
 

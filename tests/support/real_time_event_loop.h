@@ -15,7 +15,7 @@
 namespace ovd::testing {
 
 class RealTimeEventLoop : public platform::EventLoop {
-public:
+  public:
     RealTimeEventLoop();
     ~RealTimeEventLoop() override;
     RealTimeEventLoop(const RealTimeEventLoop&) = delete;
@@ -34,7 +34,7 @@ public:
     // or the time is up.
     bool runUntil(const std::function<bool()>& done, platform::Milliseconds timeout);
 
-private:
+  private:
     using Steady = std::chrono::steady_clock;
     struct TimerEntry {
         platform::Milliseconds interval;

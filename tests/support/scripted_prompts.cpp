@@ -5,8 +5,8 @@ namespace ovd::testing {
 using platform::Answer;
 
 Answer ScriptedPrompts::message(const platform::MessageRequest& request) {
-    transcript_.push_back({"message", request.title, request.text, request.buttons,
-                           request.defaultAnswer});
+    transcript_.push_back(
+        {"message", request.title, request.text, request.buttons, request.defaultAnswer});
     if (answers_.empty()) return request.defaultAnswer;
     const Answer answer = answers_.front();
     answers_.pop_front();

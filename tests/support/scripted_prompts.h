@@ -13,7 +13,7 @@
 namespace ovd::testing {
 
 class ScriptedPrompts : public platform::Prompts {
-public:
+  public:
     struct Shown {
         std::string kind;  // "message", "input", "file", "folder", "notice"
         std::string title;
@@ -40,7 +40,7 @@ public:
     [[nodiscard]] std::size_t unusedAnswers() const { return answers_.size() + texts_.size(); }
     void clear() { transcript_.clear(); }
 
-private:
+  private:
     std::optional<std::string> nextText(std::optional<std::string> fallback);
 
     std::deque<platform::Answer> answers_;

@@ -25,8 +25,7 @@ VirtualEventLoop::VirtualEventLoop() : VirtualEventLoop(localTime(2026, 3, 2, 9,
 
 VirtualEventLoop::VirtualEventLoop(WallClock::time_point start) : now_(start) {}
 
-platform::EventLoop::Handle VirtualEventLoop::startRepeating(Milliseconds interval,
-                                                              Callback tick) {
+platform::EventLoop::Handle VirtualEventLoop::startRepeating(Milliseconds interval, Callback tick) {
     const Handle handle = nextHandle_++;
     if (interval < Milliseconds(1)) interval = Milliseconds(1);
     timers_[handle] = {interval, now_ + interval, std::move(tick)};
@@ -36,7 +35,7 @@ platform::EventLoop::Handle VirtualEventLoop::startRepeating(Milliseconds interv
 void VirtualEventLoop::stopRepeating(Handle handle) { timers_.erase(handle); }
 
 platform::EventLoop::Handle VirtualEventLoop::watchFd(int fd, platform::FdEvent event,
-                                                       Callback ready) {
+                                                      Callback ready) {
     const Handle handle = nextHandle_++;
     watches_[handle] = {fd, event, std::move(ready)};
     return handle;
@@ -78,7 +77,8 @@ void VirtualEventLoop::advanceTo(WallClock::time_point target) {
 bool VirtualEventLoop::fireNextDueBy(WallClock::time_point limit) {
     auto next = timers_.end();
     for (auto it = timers_.begin(); it != timers_.end(); ++it) {
-        if (it->second.due <= limit && (next == timers_.end() || it->second.due < next->second.due)) {
+        if (it->second.due <= limit &&
+            (next == timers_.end() || it->second.due < next->second.due)) {
             next = it;
         }
     }
@@ -101,10 +101,9 @@ void VirtualEventLoop::pollWatches() {
     if (watches_.empty()) return;
     std::vector<std::pair<Handle, Callback>> ready;
     for (const auto& [handle, watch] : watches_) {
-        pollfd probe{watch.fd, static_cast<short>(watch.event == platform::FdEvent::Readable
-                                                     ? POLLIN
-                                                     : POLLOUT),
-                     0};
+        pollfd probe{
+            watch.fd,
+            static_cast<short>(watch.event == platform::FdEvent::Readable ? POLLIN : POLLOUT), 0};
         if (::poll(&probe, 1, 0) > 0 && probe.revents != 0) ready.emplace_back(handle, watch.ready);
     }
     for (auto& [handle, callback] : ready) {

@@ -14,7 +14,7 @@
 namespace ovd::testing {
 
 class VirtualEventLoop : public platform::EventLoop {
-public:
+  public:
     // Starts at 2026-03-02 09:00:00 local time unless told otherwise.
     VirtualEventLoop();
     explicit VirtualEventLoop(platform::WallClock::time_point start);
@@ -35,7 +35,7 @@ public:
     [[nodiscard]] int nestingDepth() const { return depth_; }
     [[nodiscard]] std::size_t activeTimers() const { return timers_.size(); }
 
-private:
+  private:
     struct TimerEntry {
         platform::Milliseconds interval;
         platform::WallClock::time_point due;

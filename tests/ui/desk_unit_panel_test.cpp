@@ -15,7 +15,7 @@ namespace ovd::ui {
 namespace {
 
 class DeskUnitPanelTest : public dictation::testing::DictationTest {
-protected:
+  protected:
     testing::QuietLetters letters;
     devices::ButtonMessages messages;
     devices::SwitchModel model{{d(), editor1, config, log, prompts, peer, messages, letters}};

@@ -9,13 +9,13 @@
 #include <QComboBox>
 
 #include "engine/pulse_backend.h"
+#include "station/device_choice.h"
 #include "support/pulse_daemon.h"
 #include "support/pulse_modules.h"
 #include "support/real_time_event_loop.h"
 #include "support/scripted_prompts.h"
 #include "support/temp_folder.h"
 #include "ui/device_box.h"
-#include "station/device_choice.h"
 
 namespace ovd::ui {
 namespace {
@@ -36,8 +36,8 @@ class DeviceBoxFollowTest : public ::testing::Test {
         auto connected = engine::PulseBackend::connect(loop_);
         ASSERT_TRUE(connected) << connected.error();
         backend_ = std::move(*connected);
-        choice_ = std::make_unique<station::DeviceChoice>(backend_->recordingDevices(),
-                                                 backend_->playbackDevices(), config_, prompts_);
+        choice_ = std::make_unique<station::DeviceChoice>(
+            backend_->recordingDevices(), backend_->playbackDevices(), config_, prompts_);
         ASSERT_TRUE(choice_->load());
         box_ = std::make_unique<DeviceBox>(*choice_);
         backend_->recordingDevices().onChanged = [this] { box_->follow(); };

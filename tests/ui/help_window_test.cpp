@@ -2,10 +2,10 @@
 
 #include "ui/help_window.h"
 
+#include <gtest/gtest.h>
+
 #include <QTextBrowser>
 #include <QTreeWidget>
-
-#include <gtest/gtest.h>
 
 #include "platform/files.h"
 #include "support/scripted_prompts.h"
@@ -15,17 +15,18 @@ namespace ovd::ui {
 namespace {
 
 class HelpWindowTest : public ::testing::Test {
-protected:
+  protected:
     ::ovd::testing::TempFolder folder;
     ::ovd::testing::ScriptedPrompts prompts;
 };
 
 TEST_F(HelpWindowTest, EntriesHangUnderTheKeyTheirRelativeNames) {
-    platform::writeWholeFile(folder.file("Help.INI"),
-                             "[General]\r\nEntries=3\r\nListWidth=180\r\nForm Title=Station Help\r\n"
-                             "[1]\r\nListItem=Dictating\r\nNode=True\r\nKey=dict\r\nListTarget=dictating.txt\r\n"
-                             "[2]\r\nListItem=Pedals\r\nRelative=dict\r\nKey=ped\r\nListTarget=Left steps back.\r\n"
-                             "[3]\r\nListItem=Faces\r\n");
+    platform::writeWholeFile(
+        folder.file("Help.INI"),
+        "[General]\r\nEntries=3\r\nListWidth=180\r\nForm Title=Station Help\r\n"
+        "[1]\r\nListItem=Dictating\r\nNode=True\r\nKey=dict\r\nListTarget=dictating.txt\r\n"
+        "[2]\r\nListItem=Pedals\r\nRelative=dict\r\nKey=ped\r\nListTarget=Left steps back.\r\n"
+        "[3]\r\nListItem=Faces\r\n");
     platform::writeWholeFile(folder.file("dictating.txt"), "Press Record and speak.");
     HelpWindow help(loadHelpIndex(folder.path(), "/nowhere", prompts), {folder.path()});
     EXPECT_EQ(help.windowTitle(), "Station Help");
@@ -36,7 +37,8 @@ TEST_F(HelpWindowTest, EntriesHangUnderTheKeyTheirRelativeNames) {
     EXPECT_EQ(tree->topLevelItem(0)->child(0)->text(0), "Pedals");
     EXPECT_EQ(help.page()->toPlainText(), "Press Record and speak.") << "the first topic opens";
     tree->setCurrentItem(tree->topLevelItem(0)->child(0));
-    EXPECT_EQ(help.page()->toPlainText(), "Left steps back.") << "a target that is no file is the text";
+    EXPECT_EQ(help.page()->toPlainText(), "Left steps back.")
+        << "a target that is no file is the text";
     tree->setCurrentItem(tree->topLevelItem(1));
     EXPECT_EQ(help.page()->toPlainText(), "There is no help text for this topic.");
 }
@@ -53,7 +55,8 @@ TEST_F(HelpWindowTest, WithoutHelpIniTheProgramsOwnIsRead) {
 }
 
 TEST_F(HelpWindowTest, TheShippedHelpOpensOnAPage) {
-    HelpWindow help(loadHelpIndex(folder.path(), OVD_TEST_ASSETS, prompts), {OVD_TEST_ASSETS "/help"});
+    HelpWindow help(loadHelpIndex(folder.path(), OVD_TEST_ASSETS, prompts),
+                    {OVD_TEST_ASSETS "/help"});
     ASSERT_GT(help.tree()->topLevelItemCount(), 0);
     EXPECT_FALSE(help.page()->toPlainText().isEmpty());
     EXPECT_EQ(help.page()->toPlainText().indexOf("There is no help text"), -1);

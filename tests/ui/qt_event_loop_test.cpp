@@ -2,6 +2,8 @@
 // other threads. Times are asserted loosely: a busy machine may tick less often,
 // but never more often, and a wait never ends before its time.
 
+#include "ui/qt_event_loop.h"
+
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -10,7 +12,6 @@
 #include <thread>
 #include <vector>
 
-#include "ui/qt_event_loop.h"
 #include "ui_test_helpers.h"
 
 namespace ovd::ui {
@@ -28,7 +29,7 @@ long long msSince(Steady::time_point start) {
 
 // Each test gets a loop and a pipe to watch: [0] reads what [1] writes.
 class QtEventLoopTest : public ::testing::Test {
-protected:
+  protected:
     QtEventLoopTest() { EXPECT_EQ(::pipe(pipe_), 0); }
     ~QtEventLoopTest() override {
         ::close(pipe_[0]);

@@ -2,6 +2,8 @@
 // button, a key, text typed into the box, or the box cancelled; and the passive
 // pop-up, which must leave the focus with the dictation and go by itself.
 
+#include "ui/qt_prompts.h"
+
 #include <gtest/gtest.h>
 
 #include <QInputDialog>
@@ -11,7 +13,6 @@
 #include <QPushButton>
 
 #include "ui/notification_popup.h"
-#include "ui/qt_prompts.h"
 #include "ui_test_helpers.h"
 
 namespace ovd::ui {
@@ -25,7 +26,7 @@ using Box = QMessageBox;
 
 // Every box must belong to the main window, so that it stays on top of it.
 class QtPromptsTest : public ::testing::Test {
-protected:
+  protected:
     QtPromptsTest() { mainWindow_.show(); }
     QWidget mainWindow_;
     QtPrompts prompts_{&mainWindow_};

@@ -7,7 +7,6 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QToolButton>
-
 #include <memory>
 
 #include "dictation/dictation_fixture.h"
@@ -18,7 +17,7 @@
 namespace ovd::ui::testing {
 
 class StationWindowTest : public dictation::testing::DictationTest {
-protected:
+  protected:
     StationWindowTest() { config.WriteConfig(); }
 
     StationWindow& window() {

@@ -5,9 +5,8 @@
 #include <QSlider>
 
 #include "ui/level_meter.h"
-#include "ui/waveform_view.h"
-
 #include "ui/station_window_fixture.h"
+#include "ui/waveform_view.h"
 
 namespace ovd::ui::testing {
 namespace {
@@ -15,7 +14,7 @@ namespace {
 using Button = TransportBar::Button;
 
 class TransportTest : public StationWindowTest {
-protected:
+  protected:
     // Every text and enabled state the window shows, against the view model.
     void expectWindowMatchesView(const char* after) {
         SCOPED_TRACE(after);
@@ -24,14 +23,16 @@ protected:
         EXPECT_EQ(textOf("Label40").toStdString(), v.statusLine);
         EXPECT_EQ(textOf("lblReady").toStdString(), v.lblReady);
         EXPECT_EQ(textOf("NCTTimeDisplay21").toStdString(), v.timeElapsed);
-        EXPECT_EQ(textOf("Label24").toStdString(), v.timeRemaining.empty() ? "00:00:00" : v.timeRemaining);
+        EXPECT_EQ(textOf("Label24").toStdString(),
+                  v.timeRemaining.empty() ? "00:00:00" : v.timeRemaining);
         EXPECT_EQ(textOf("StatusBar1Panel1").toStdString(), v.statusPanel1);
         EXPECT_EQ(textOf("lblOnAir").toStdString(), v.lblOnAirVisible ? v.lblOnAir : "");
         const dictation::TransportBar& b = v.transportBar;
         const std::array<bool, TransportBar::kButtons> enabled = {b.Prev, b.Next, b.Play, b.Pause,
                                                                   b.Back, b.Step, b.Stop, b.Record};
         for (int i = 0; i < TransportBar::kButtons; ++i) {
-            EXPECT_EQ(bar(static_cast<Button>(i))->isEnabled(), enabled[static_cast<std::size_t>(i)])
+            EXPECT_EQ(bar(static_cast<Button>(i))->isEnabled(),
+                      enabled[static_cast<std::size_t>(i)])
                 << bar(static_cast<Button>(i))->objectName().toStdString();
         }
         EXPECT_EQ(child<QPushButton>("cmdEOL")->isEnabled(), v.endOfLetterEnabled);
@@ -47,7 +48,8 @@ protected:
 TEST_F(TransportTest, NewRecordStopPlayThroughTheWindow) {
     window().Form_Load();
     expectWindowMatchesView("start");
-    for (int i = 0; i < TransportBar::kButtons; ++i) EXPECT_FALSE(bar(static_cast<Button>(i))->isEnabled());
+    for (int i = 0; i < TransportBar::kButtons; ++i)
+        EXPECT_FALSE(bar(static_cast<Button>(i))->isEnabled());
 
     child<QAction>("Image2")->trigger();  // the New icon
     ASSERT_TRUE(state().flgfileOpen1);
@@ -127,7 +129,9 @@ TEST_F(TransportTest, ReopenListsTheRecentFilesOrANoneGreyed) {
     d().closeFile();  // closed and saved: it joins the recent files
     window().render();
     ASSERT_FALSE(view().Reopen.empty());
-    EXPECT_NE(reopen->actions().front()->text().indexOf(QString::fromStdString(view().Reopen.front())), -1);
+    EXPECT_NE(
+        reopen->actions().front()->text().indexOf(QString::fromStdString(view().Reopen.front())),
+        -1);
     reopen->actions().front()->trigger();
     EXPECT_TRUE(state().flgfileOpen1) << "a pick opens the file";
     EXPECT_EQ(state().Filename, view().Reopen.front());

@@ -6,7 +6,6 @@
 #include <QDialog>
 #include <QEventLoop>
 #include <QTimer>
-
 #include <chrono>
 #include <functional>
 

@@ -135,9 +135,9 @@ WalkStation::WalkStation(const WalkSettings& chosen) : settings(chosen) {
     r.BUT8 = "EraseFile";
     config.WriteConfig();
 
-    station_ = std::make_unique<station::Station>(
-        station::StationParts{loop, config, log, prompts, backend, folder.path(),
-                          OVD_TEST_ASSETS "/prompts", OVD_TEST_ASSETS, folder.file("bin"), "", 0});
+    station_ = std::make_unique<station::Station>(station::StationParts{
+        loop, config, log, prompts, backend, folder.path(), OVD_TEST_ASSETS "/prompts",
+        OVD_TEST_ASSETS, folder.file("bin"), "", 0});
     station_->onExit = [this] { exitAsked_ = true; };
     watchdog_.setOnTick([this] {
         if (loop.now() - stepBegan_ > std::chrono::minutes(2)) {

@@ -12,12 +12,12 @@
 #include <stdexcept>
 #include <string>
 
-#include "station/station.h"
 #include "engine/virtual_backend.h"
 #include "platform/prompts.h"
 #include "platform/timer.h"
 #include "settings/config_file.h"
 #include "settings/event_log.h"
+#include "station/station.h"
 #include "support/temp_folder.h"
 #include "support/virtual_event_loop.h"
 #include "walk/walk_plan.h"

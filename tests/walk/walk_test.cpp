@@ -95,10 +95,12 @@ TEST(RandomWalk, EveryRuleHoldsAfterEveryStep) {
         }
         seen.push_back(replay);
         const std::string lastStep =
-            atExit ? std::string() : stepText(plan.steps[static_cast<std::size_t>(outcome.failedStep)]);
+            atExit ? std::string()
+                   : stepText(plan.steps[static_cast<std::size_t>(outcome.failedStep)]);
         if (!strict && isOpenFinding(v.invariant, v.text, lastStep)) {
             ++openFindingsMet;
-            std::cout << "[walk] OPEN finding (known, not yet fixed):\n" << report.str() << std::flush;
+            std::cout << "[walk] OPEN finding (known, not yet fixed):\n"
+                      << report.str() << std::flush;
             return;
         }
         std::cout << report.str() << std::flush;

@@ -11,11 +11,9 @@
 #include <QPixmap>
 #include <QScreen>
 #include <QThread>
-
 #include <cmath>
 #include <iostream>
 
-#include "ui/quiet_letters.h"
 #include "devices/switch_model.h"
 #include "dictation/dictation_fixture.h"
 #include "engine/virtual_backend.h"
@@ -26,6 +24,7 @@
 #include "support/temp_folder.h"
 #include "support/virtual_event_loop.h"
 #include "ui/desk_unit_panel.h"
+#include "ui/quiet_letters.h"
 #include "ui/station_window.h"
 
 namespace {
@@ -39,7 +38,7 @@ std::string writeSpeech(const std::string& path, int seconds) {
     std::vector<std::int16_t> samples(static_cast<std::size_t>(seconds * kRate));
     for (std::size_t i = 0; i < samples.size(); ++i) {
         const double t = static_cast<double>(i) / kRate;
-        const double word = std::fmod(t, 1.3);                   // a word every 1.3 s
+        const double word = std::fmod(t, 1.3);  // a word every 1.3 s
         const double syllable = std::sin(M_PI * std::fmod(t, 0.22) / 0.22);
         const double loud = word < 0.9 ? syllable * (0.35 + 0.25 * std::sin(t * 2.1)) : 0.0;
         const double voice = std::sin(2 * M_PI * 140 * t) + 0.5 * std::sin(2 * M_PI * 420 * t);
@@ -99,7 +98,8 @@ int main(int argc, char** argv) {
     ovd::testing::TempFolder folder;
     ovd::testing::VirtualEventLoop loop{ovd::testing::localTime(2026, 3, 9, 9, 30, 0)};
     settings::ConfigFile config{folder.path()};
-    platform::writeWholeFile(config.path(), *platform::readWholeFile(OVD_TEST_ASSETS "/DigitalRecorder.cfg"));
+    platform::writeWholeFile(config.path(),
+                             *platform::readWholeFile(OVD_TEST_ASSETS "/DigitalRecorder.cfg"));
     config.ReadConfig();
     config.record.CaptureFilePath = folder.file("Recordings");
     config.record.FormatType = "WAV";
@@ -116,16 +116,17 @@ int main(int argc, char** argv) {
     engine::WaveEditor editor21{loop, backend, clipboard, "AudioEditor21"};
     engine::PromptPlayer voice{backend, OVD_TEST_ASSETS "/prompts"};
     NoPeer peer;
-    dictation::Dictation dictation({loop, config, log, prompts, editor1, editor21, voice, speakers, peer,
-                                    folder.path()});
+    dictation::Dictation dictation(
+        {loop, config, log, prompts, editor1, editor21, voice, speakers, peer, folder.path()});
     dictation.start();
     ui::testing::QuietLetters letters;
     devices::ButtonMessages messages;
-    devices::SwitchModel switchModel({dictation, editor1, config, log, prompts, peer, messages, letters});
+    devices::SwitchModel switchModel(
+        {dictation, editor1, config, log, prompts, peer, messages, letters});
     settings::DebugTrace trace{loop};
 
-    ui::StationWindow window({config, log, dictation, editor1, editor21, trace, prompts, OVD_TEST_ASSETS,
-                              backend.name()});
+    ui::StationWindow window({config, log, dictation, editor1, editor21, trace, prompts,
+                              OVD_TEST_ASSETS, backend.name()});
     window.addDeskUnit(new ui::DeskUnitPanel(switchModel, dictation.view(), config.record));
     window.Form_Load();
     settle(800);
