@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and runs every test: the suite, the suite again
+# Installs what is missing, checks the format of the C++ files, builds, and runs every test: the suite, the suite again
 # under AddressSanitizer and UndefinedBehaviorSanitizer, and each fuzz target for a
 # bounded time (OVD_FUZZ_SECONDS, default 60) from its seed corpus.
 set -euo pipefail
@@ -8,6 +8,9 @@ jobs=${OVD_JOBS:-2}
 fuzz_seconds=${OVD_FUZZ_SECONDS:-60}
 
 ./scripts/install-deps.sh
+
+echo "== Format"
+./scripts/check-format.sh
 
 echo "== Test suite"
 ./scripts/build.sh release
