@@ -224,11 +224,12 @@ platform::Result<void> WaveEditor::saveWhole(const SaveJob& job, const SaveProgr
     std::unique_ptr<StreamEncoder> encoder;
     if (StreamEncoder::supports(job.target)) {
         const int fd = ::open(partial.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-        std::string error;
         // A file that can't be started to grow is written whole below, which says why if it fails
         // too.
-        if (fd >= 0)
-            encoder = StreamEncoder::open(fd, partial, job.target, job.format, job.comment, error);
+        if (fd >= 0) {
+            auto opened = StreamEncoder::open(fd, partial, job.target, job.format, job.comment);
+            if (opened) encoder = std::move(*opened);
+        }
     }
     platform::Result<void> result = platform::Result<void>::success();
     if (encoder) {

@@ -60,10 +60,9 @@ ino_t inodeOf(const std::string& path) {
 // The file as the station's own reader (the sound-file library, which trusts an MP3's Info frame)
 // hears it.
 std::vector<std::int16_t> heard(const std::string& path) {
-    std::string error;
-    auto reader = AudioFileReader::open(path, error);
-    EXPECT_TRUE(reader) << error;
-    return reader ? readAll(*reader) : std::vector<std::int16_t>{};
+    auto reader = AudioFileReader::open(path);
+    EXPECT_TRUE(reader) << reader.error();
+    return reader ? readAll(**reader) : std::vector<std::int16_t>{};
 }
 
 // The same through the codec library's command line, which reads to the end of the file.

@@ -42,10 +42,10 @@ std::int64_t changedNs(const std::string& path) {
 
 // Frames the station's own reader hears in a file.
 SampleCount framesHeard(const std::string& path) {
-    std::string error;
-    auto reader = AudioFileReader::open(path, error);
-    EXPECT_TRUE(reader) << path << ": " << error;
-    if (!reader) return -1;
+    auto opened = AudioFileReader::open(path);
+    EXPECT_TRUE(opened) << opened.error();
+    if (!opened) return -1;
+    auto& reader = *opened;
     return static_cast<SampleCount>(readAll(*reader).size()) / reader->format().channels;
 }
 
