@@ -90,14 +90,15 @@ class GrowingSaveTest : public ::testing::Test {
 
     // Saves and waits the way the dictation does: until the file is free.
     void save(const std::string& path) {
-        ASSERT_TRUE(dictation.SaveAs(path).ok());
+        const auto saved = dictation.SaveAs(path);
+        ASSERT_TRUE(saved.ok());
         EXPECT_FALSE(platform::FileAvailable(path)) << "locked from the moment SaveAs returns";
         while (dictation.saving() || !platform::FileAvailable(path)) {
             loop.runPending();
             ::usleep(1000);
         }
         loop.runPending();
-        EXPECT_TRUE(dictation.lastSaveResult()) << dictation.lastSaveResult().error();
+        EXPECT_TRUE(saved->get()) << saved->get().error();
         EXPECT_FALSE(platform::fileExists(path + ".partial"));
     }
 
