@@ -49,13 +49,14 @@ void record(testing::VirtualEventLoop& loop, engine::WaveEditor& editor, int sec
 double timedSave(testing::VirtualEventLoop& loop, engine::WaveEditor& editor,
                  const std::string& path) {
     const auto start = Clock::now();
-    if (!editor.SaveAs(path).ok()) std::abort();
+    const auto outcome = editor.SaveAs(path);
+    if (!outcome.ok()) std::abort();
     while (editor.saving() || !platform::FileAvailable(path)) {
         loop.runPending();
         ::usleep(1000);
     }
     loop.runPending();
-    if (const auto saved = editor.lastSaveResult(); !saved) {
+    if (const auto& saved = outcome->get(); !saved) {
         std::fprintf(stderr, "save failed: %s\n", saved.error().c_str());
         std::abort();
     }

@@ -42,27 +42,28 @@ void SerialPedals::checkPortItem(int port) {
         portItemChecked_[static_cast<std::size_t>(i)] = (i == port - 1);
 }
 
-std::optional<SerialError> SerialPedals::openDevice() {
-    auto error = port_.open(serialDevicePath(config_.dataFolder(), config_.record.Port));
-    if (error) lastError_ = error;
-    return error;
+platform::Result<void> SerialPedals::openDevice() {
+    platform::Result<void> opened =
+        port_.open(serialDevicePath(config_.dataFolder(), config_.record.Port));
+    if (!opened) lastError_ = SerialError{port_.lastOpenFault(), opened.error()};
+    return opened;
 }
 
-std::optional<SerialError> SerialPedals::openAndReset() {
-    if (auto error = openDevice()) return error;
+platform::Result<void> SerialPedals::openAndReset() {
+    if (platform::Result<void> opened = openDevice(); !opened) return opened;
     port_.resetPedal();
-    return std::nullopt;
+    return platform::Result<void>::success();
 }
 
 void SerialPedals::OpenSerialPedals() {
     if (PortINUse_) return;
     checkPortItem(config_.record.Port);
     if (!port_.isOpen()) {
-        if (auto error = openDevice()) {
+        if (platform::Result<void> opened = openDevice(); !opened) {
             // The foot pedal menu still offers to reopen the port, as after any
             // refused start.
             PortINUse_ = true;
-            retryLater(*error);
+            retryLater(opened.error());
             return;
         }
     }
@@ -78,12 +79,12 @@ void SerialPedals::startPedal() {
     OnComm();
 }
 
-void SerialPedals::retryLater(const SerialError& error) {
+void SerialPedals::retryLater(const std::string& reason) {
     // A pedal that silently does nothing leaves the author talking to no one:
     // say once which port failed and why, then keep trying without a word.
     if (!retryOpen_.Enabled()) {
         host_.tellSerialPortProblem(kFootPedalPortNotice + portName() + " could not be opened (" +
-                                    error.text + "); trying it again every " +
+                                    reason + "); trying it again every " +
                                     std::to_string(kSerialPortRetryMs / 1000) + " seconds");
     }
     retryOpen_.setEnabled(true);
@@ -94,7 +95,7 @@ void SerialPedals::retryOpenTick() {
         stopRetrying();
         return;
     }
-    if (openDevice()) return;
+    if (!openDevice().ok()) return;
     stopRetrying();
     PortINUse_ = false;
     host_.tellSerialPortOpened(kFootPedalPortNotice + portName() + " is open (" +
@@ -109,7 +110,7 @@ void SerialPedals::portLost() {
     lastError_ = gone;
     port_.close();
     PortINUse_ = true;
-    retryLater(gone);
+    retryLater(gone.text);
 }
 
 void SerialPedals::CloseSerialPedals() {
@@ -143,8 +144,8 @@ bool SerialPedals::portChangeEndsProgram(int oldPort, const std::string& title) 
     return true;
 }
 
-void SerialPedals::reportPortError(const SerialError& error, int oldPort) {
-    switch (error.kind) {
+void SerialPedals::reportPortError(SerialFault fault, int oldPort) {
+    switch (fault) {
         case SerialFault::NotAvailable:
             checkPortItem(oldPort);
             prompts_.showMessage(kComPortNotAvailableMessage, kComPortErrorTitle,
@@ -168,7 +169,7 @@ void SerialPedals::ReopenSerialPort(int oldPort) {
                                   ? "Orvane Voice Desk COM Port Settings"
                                   : "Orvane Station Recorder COM Port Settings";
     if (portChangeEndsProgram(oldPort, title)) return;
-    if (auto error = openAndReset()) reportPortError(*error, oldPort);
+    if (!openAndReset().ok()) reportPortError(port_.lastOpenFault(), oldPort);
 }
 
 void SerialPedals::chooseComPort(int index) {
@@ -191,8 +192,8 @@ void SerialPedals::chooseComPort(int index) {
                                   : "Orvane Station Recorder COM Port Settings";
     if (portChangeEndsProgram(oldPort, title)) return;
     // Cancel opens the newly chosen port all the same, and it is kept.
-    if (auto error = openAndReset()) {
-        reportPortError(*error, oldPort);
+    if (!openAndReset().ok()) {
+        reportPortError(port_.lastOpenFault(), oldPort);
         return;
     }
     host_.clearDeskUnitNotice();

@@ -100,21 +100,21 @@ class SerialPedals {
     void startPedal();
     // The port refused at start or lost: the author is told once, and the port is
     // tried again every few seconds until it opens or the user takes over.
-    void retryLater(const SerialError& error);
+    void retryLater(const std::string& reason);
     void retryOpenTick();
     void stopRetrying();
     void portLost();
     [[nodiscard]] std::string portName() const;
     [[nodiscard]] std::string programTitle() const;
     void checkPortItem(int port);
-    // Opens the device of Port; the refusal when it fails.
-    std::optional<SerialError> openDevice();
-    // Opens the device of Port and resets the pedal; the refusal when it fails.
-    std::optional<SerialError> openAndReset();
+    // Opens the device of Port; a refusal is also kept as the last port error.
+    platform::Result<void> openDevice();
+    // Opens the device of Port and resets the pedal.
+    platform::Result<void> openAndReset();
     // The port change question; true when the program is ending.
     bool portChangeEndsProgram(int oldPort, const std::string& title);
     // The answer of the port menus to a refusal of the port.
-    void reportPortError(const SerialError& error, int oldPort);
+    void reportPortError(SerialFault fault, int oldPort);
 
     settings::ConfigFile& config_;
     platform::Prompts& prompts_;

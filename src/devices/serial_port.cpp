@@ -75,27 +75,32 @@ SerialPort::SerialPort(platform::EventLoop& loop) : loop_(loop) {}
 
 SerialPort::~SerialPort() { close(); }
 
-std::optional<SerialError> SerialPort::open(const std::string& devicePath) {
-    if (isOpen()) return SerialError{SerialFault::InUse, devicePath + ": port already open"};
-    if (devicePath.empty()) return SerialError{SerialFault::NotAvailable, "no device for the port"};
+platform::Failure SerialPort::refuse(const SerialError& error) {
+    lastOpenFault_ = error.kind;
+    return platform::failure(error.text);
+}
+
+platform::Result<void> SerialPort::open(const std::string& devicePath) {
+    if (isOpen()) return refuse({SerialFault::InUse, devicePath + ": port already open"});
+    if (devicePath.empty()) return refuse({SerialFault::NotAvailable, "no device for the port"});
 
     const int fd = ::open(devicePath.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    if (fd < 0) return errorFromErrno(errno, devicePath);
+    if (fd < 0) return refuse(errorFromErrno(errno, devicePath));
     if (!::isatty(fd)) {
         ::close(fd);
-        return SerialError{SerialFault::NotAvailable, devicePath + ": not a serial device"};
+        return refuse({SerialFault::NotAvailable, devicePath + ": not a serial device"});
     }
     // A port belongs to one program at a time, as a serial port always has. The
     // lock on a descriptor just opened is refused only because another holds it.
     auto locked = platform::LockedFile::lock(fd);
-    if (!locked) return SerialError{SerialFault::InUse, devicePath + ": " + std::strerror(EBUSY)};
-    if (!configureRaw1200(locked->fd())) return errorFromErrno(errno, devicePath);
+    if (!locked) return refuse({SerialFault::InUse, devicePath + ": " + std::strerror(EBUSY)});
+    if (!configureRaw1200(locked->fd())) return refuse(errorFromErrno(errno, devicePath));
     file_ = std::move(*locked);
     devicePath_ = devicePath;
     buffer_.clear();
     lost_ = false;
     watchLine();
-    return std::nullopt;
+    return platform::Result<void>::success();
 }
 
 void SerialPort::watchLine() {

@@ -18,6 +18,7 @@
 #include "devices/serial_pedal_decoder.h"
 #include "platform/event_loop.h"
 #include "platform/locked_file.h"
+#include "platform/result.h"
 
 namespace ovd::devices {
 
@@ -52,9 +53,12 @@ class SerialPort : public SerialByteSource {
     // The port is still open when this runs; the callback may close it.
     void setOnLost(std::function<void()> onLost) { onLost_ = std::move(onLost); }
 
-    // Opens the device for this process alone. Opening an open port is refused as
-    // in use.
-    [[nodiscard]] std::optional<SerialError> open(const std::string& devicePath);
+    // Opens the device for this process alone; a refusal is the system's words for
+    // the log. Opening an open port is refused as in use.
+    platform::Result<void> open(const std::string& devicePath);
+    // The kind of the last refused open. Only the port menus answer to the kind,
+    // right after the open in this room; the words travel in the Result.
+    [[nodiscard]] SerialFault lastOpenFault() const { return lastOpenFault_; }
     // Nothing happens on a closed port.
     void close();
     [[nodiscard]] bool isOpen() const { return file_.held(); }
@@ -77,6 +81,8 @@ class SerialPort : public SerialByteSource {
     [[nodiscard]] std::size_t waiting() const { return buffer_.size(); }
 
   private:
+    // Remembers the kind of a refused open and hands on its words.
+    platform::Failure refuse(const SerialError& error);
     // Takes what the tty holds into the buffer; true when something new came.
     bool fillBuffer();
     void watchLine();
@@ -87,6 +93,7 @@ class SerialPort : public SerialByteSource {
     std::function<void()> onReceive_;
     std::function<void()> onLost_;
     bool lost_ = false;
+    SerialFault lastOpenFault_ = SerialFault::NotAvailable;
     platform::LockedFile file_;
     std::string devicePath_;
     std::optional<platform::EventLoop::Handle> watch_;

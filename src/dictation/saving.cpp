@@ -131,13 +131,14 @@ void Dictation::SaveFile() {
                 "next start.",
             settings::kProductTitle, platform::Severity::Warning);
     };
-    if (auto saved = AudioEditor1.SaveAs(state_.Filename); !saved) {
+    const auto saved = AudioEditor1.SaveAs(state_.Filename);
+    if (!saved) {
         saveFailed(state_.Filename + " File Save ERROR: " + saved.error(), " -71");
         tellSaveFailed(saved.error());
         return;
     }
     waitUntilFileIsFree();
-    if (const platform::Result<void> written = AudioEditor1.lastSaveResult(); !written) {
+    if (const platform::Result<void>& written = saved->get(); !written) {
         // The work file still holds the take: the next save tries again.
         saveFailed(state_.Filename + " File Save ERROR: " + written.error(), " -71");
         tellSaveFailed(written.error());

@@ -83,9 +83,11 @@ platform::Result<void> AudioConverter::start() {
                            alive = alive_]() mutable {
         platform::Result<void> result = platform::Result<void>::success();
         if (!source) {
-            std::string error;
-            source = AudioFileReader::open(job.sourcePath, error, job.hint ? &*job.hint : nullptr);
-            if (!source) result = platform::failure(error);
+            auto opened = AudioFileReader::open(job.sourcePath, job.hint ? &*job.hint : nullptr);
+            if (opened)
+                source = std::move(*opened);
+            else
+                result = opened.failed();
         }
         if (source) {
             result = encodeIntoLockedFile(

@@ -10,6 +10,7 @@
 // CursorPosition(), is a plain read (they are polled 40 times a second).
 
 #include <functional>
+#include <future>
 #include <string>
 
 #include "engine/audio_format.h"
@@ -105,11 +106,13 @@ class AudioEditor {
     virtual platform::Result<void> Open(const std::string& path) = 0;
     virtual platform::Result<void> New(int samplesPerSecond, int channels) = 0;
     // Writes the document in the chosen format. The encoding runs off the loop's
-    // thread and the file is held locked until it is complete.
-    virtual platform::Result<void> SaveAs(const std::string& path) = 0;
-    // The last save has ended (its file is no longer held) and what became of it.
+    // thread and the file is held locked until it is complete. What became of the
+    // save is in the outcome given back, settled before the file is let go: whoever
+    // waits for the file to be free reads it without waiting any longer.
+    using SaveOutcome = std::shared_future<platform::Result<void>>;
+    virtual platform::Result<SaveOutcome> SaveAs(const std::string& path) = 0;
+    // A save is still running.
     [[nodiscard]] virtual bool saving() const = 0;
-    [[nodiscard]] virtual platform::Result<void> lastSaveResult() const = 0;
     virtual void Close() = 0;  // harmless with nothing loaded
     // Closes the document and leaves its work file in the folder, for the recovery
     // of a take that could not be saved.

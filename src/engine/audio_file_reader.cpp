@@ -49,47 +49,41 @@ std::string joinReasons(const std::string& first, const std::string& second,
 
 }  // namespace
 
-std::unique_ptr<AudioFileReader> AudioFileReader::open(const std::string& path, std::string& error,
-                                                       const TargetFormat* hint) {
+platform::Result<std::unique_ptr<AudioFileReader>> AudioFileReader::open(const std::string& path,
+                                                                         const TargetFormat* hint) {
     std::error_code ec;
-    if (!std::filesystem::is_regular_file(path, ec)) {
-        error = "can't read " + path + ": no such file";
-        return nullptr;
-    }
+    if (!std::filesystem::is_regular_file(path, ec))
+        return platform::failure("can't read " + path + ": no such file");
     const std::string extension = lowerExtension(path);
     if (const auto kind = headerlessKind(extension)) {
         if (!hint) {
-            error = "can't read " + path + ": a " + formatWordText(*kind) +
-                    " file needs its rate and channels";
-            return nullptr;
+            return platform::failure("can't read " + path + ": a " + formatWordText(*kind) +
+                                     " file needs its rate and channels");
         }
-        return openHeaderless(path, *kind, *hint, error);
+        return openHeaderless(path, *kind, *hint);
     }
-    std::string sndfileError;
-    if (auto reader = openWithSndfile(path, sndfileError)) {
+    auto sndfile = openWithSndfile(path);
+    if (sndfile) {
         // The sound-file library counts the pad byte after an odd-sized GSM data
         // chunk as one more block, 40 ms that were never said: the codec library
         // reads those files to the sample.
-        if (reader->formatName() == formatWordText(FormatWord::DSP)) {
-            std::string ignored;
-            if (auto exact = openWithFfmpeg(path, ignored)) return exact;
+        if ((*sndfile)->formatName() == formatWordText(FormatWord::DSP)) {
+            if (auto exact = openWithFfmpeg(path)) return exact;
         }
-        return reader;
+        return sndfile;
     }
     if (hint && isHeaderless(hint->word) && !hasHeaderedExtension(extension)) {
-        return openHeaderless(path, hint->word, *hint, error);
+        return openHeaderless(path, hint->word, *hint);
     }
-    std::string ffmpegError;
-    if (auto reader = openWithFfmpeg(path, ffmpegError)) return reader;
-    error = joinReasons(sndfileError, ffmpegError, path);
-    return nullptr;
+    auto ffmpeg = openWithFfmpeg(path);
+    if (ffmpeg) return ffmpeg;
+    return platform::failure(joinReasons(sndfile.error(), ffmpeg.error(), path));
 }
 
 std::int64_t fileLengthMilliseconds(const std::string& path, const TargetFormat* hint) {
-    std::string error;
-    const auto reader = AudioFileReader::open(path, error, hint);
-    if (!reader || reader->format().sampleRate <= 0) return -1;
-    return reader->frames() * 1000 / reader->format().sampleRate;
+    const auto opened = AudioFileReader::open(path, hint);
+    if (!opened || (*opened)->format().sampleRate <= 0) return -1;
+    return (*opened)->frames() * 1000 / (*opened)->format().sampleRate;
 }
 
 }  // namespace ovd::engine

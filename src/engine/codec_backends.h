@@ -47,26 +47,28 @@ class EncodedStream {
 };
 
 // 16-bit PCM in a wave file with the comment in its LIST chunk.
-std::unique_ptr<EncodedStream> openWaveStream(int fd, const std::string& path,
-                                              const PcmFormat& format, const std::string& comment,
-                                              std::string& error);
+platform::Result<std::unique_ptr<EncodedStream>> openWaveStream(int fd, const std::string& path,
+                                                                const PcmFormat& format,
+                                                                const std::string& comment);
 // MP3 or MP2 through the codec library. An MP3 stream rewrites its Info frame at
 // every sync, so readers that trust it find every frame written so far.
-std::unique_ptr<EncodedStream> openFfmpegStream(int fd, const std::string& path,
-                                                const TargetFormat& target, const PcmFormat& format,
-                                                const std::string& comment, std::string& error);
+platform::Result<std::unique_ptr<EncodedStream>> openFfmpegStream(int fd, const std::string& path,
+                                                                  const TargetFormat& target,
+                                                                  const PcmFormat& format,
+                                                                  const std::string& comment);
 
 // The rate and channels a format is written at, for audio given in `source`:
 // what the user chose, brought to what the codec can carry.
 PcmFormat encodedPcmFormat(const TargetFormat& target, const PcmFormat& source);
 
 // Files with a header the sound-file library knows (WAV, MP3, GSM in WAV...).
-std::unique_ptr<AudioFileReader> openWithSndfile(const std::string& path, std::string& error);
+platform::Result<std::unique_ptr<AudioFileReader>> openWithSndfile(const std::string& path);
 // Headerless files: VOX ADPCM or RAW samples laid out as `layout` says.
-std::unique_ptr<AudioFileReader> openHeaderless(const std::string& path, FormatWord kind,
-                                                const TargetFormat& layout, std::string& error);
+platform::Result<std::unique_ptr<AudioFileReader>> openHeaderless(const std::string& path,
+                                                                  FormatWord kind,
+                                                                  const TargetFormat& layout);
 // Everything the codec library can demultiplex (MP2, WMA...).
-std::unique_ptr<AudioFileReader> openWithFfmpeg(const std::string& path, std::string& error);
+platform::Result<std::unique_ptr<AudioFileReader>> openWithFfmpeg(const std::string& path);
 
 // The codec library's words for one of its error codes.
 std::string ffmpegErrorText(int code);

@@ -90,9 +90,9 @@ platform::Result<void> encodeIntoLockedFile(PcmSource& source, int fd, const std
     if (::ftruncate(fd, 0) != 0 || ::lseek(fd, 0, SEEK_SET) != 0) {
         return giveUp(platform::failure("can't write " + path + ": " + std::strerror(errno)));
     }
-    std::string error;
-    auto pcm = ConvertingSource::create(source, encodedPcmFormat(target, source.format()), error);
-    if (!pcm) return giveUp(platform::failure(error));
+    auto converting = ConvertingSource::create(source, encodedPcmFormat(target, source.format()));
+    if (!converting) return giveUp(converting.failed());
+    std::unique_ptr<ConvertingSource> pcm = std::move(*converting);
 
     const SampleCount total = source.frames();
     const EncodeJob job{*pcm, target, comment, [&] {

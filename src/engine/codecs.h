@@ -30,8 +30,8 @@ class AudioFileReader : public PcmSource {
   public:
     // Opens any file of the recording formats. RAW and VOX files carry no header:
     // their layout is taken from hint (rate, channels, encoding).
-    static std::unique_ptr<AudioFileReader> open(const std::string& path, std::string& error,
-                                                 const TargetFormat* hint = nullptr);
+    static platform::Result<std::unique_ptr<AudioFileReader>> open(
+        const std::string& path, const TargetFormat* hint = nullptr);
     // "WAV", "MP3"... as found in the file.
     [[nodiscard]] virtual std::string formatName() const = 0;
 };

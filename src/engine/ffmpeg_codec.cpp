@@ -392,15 +392,13 @@ platform::Result<void> encodeWithFfmpeg(const EncodeJob& job, int fd, const std:
     return stream.finish();
 }
 
-std::unique_ptr<EncodedStream> openFfmpegStream(int fd, const std::string& path,
-                                                const TargetFormat& target, const PcmFormat& format,
-                                                const std::string& comment, std::string& error) {
+platform::Result<std::unique_ptr<EncodedStream>> openFfmpegStream(int fd, const std::string& path,
+                                                                  const TargetFormat& target,
+                                                                  const PcmFormat& format,
+                                                                  const std::string& comment) {
     auto stream = std::make_unique<FfmpegStream>(fd, path, target, format, comment, true);
-    if (platform::Result<void> opened = stream->open(); !opened) {
-        error = opened.error();
-        return nullptr;
-    }
-    return stream;
+    if (platform::Result<void> opened = stream->open(); !opened) return opened.failed();
+    return std::unique_ptr<EncodedStream>(std::move(stream));
 }
 
 }  // namespace ovd::engine

@@ -226,13 +226,10 @@ class FfmpegReader : public AudioFileReader {
 
 }  // namespace
 
-std::unique_ptr<AudioFileReader> openWithFfmpeg(const std::string& path, std::string& error) {
+platform::Result<std::unique_ptr<AudioFileReader>> openWithFfmpeg(const std::string& path) {
     auto reader = std::make_unique<FfmpegReader>();
-    if (platform::Result<void> opened = reader->open(path); !opened) {
-        error = opened.error();
-        return nullptr;
-    }
-    return reader;
+    if (platform::Result<void> opened = reader->open(path); !opened) return opened.failed();
+    return std::unique_ptr<AudioFileReader>(std::move(reader));
 }
 
 }  // namespace ovd::engine

@@ -45,10 +45,10 @@ DeviceList& PulseBackend::playbackDevices() { return *sinks_; }
 platform::Result<void> PulseBackend::startCapture(const PcmFormat& format,
                                                   CaptureCallback deliver) {
     stopCapture();
-    std::string error;
-    capture_ = PulseCapture::start(connection_, loop_, sources_->streamDevice(), format,
-                                   std::move(deliver), error);
-    if (!capture_) return platform::failure(error);
+    auto started = PulseCapture::start(connection_, loop_, sources_->streamDevice(), format,
+                                       std::move(deliver));
+    if (!started) return started.failed();
+    capture_ = std::move(*started);
     captureDevice_ = sources_->deviceInUse();
     captureLabel_ = sources_->Current() >= 0 ? sources_->Name(sources_->Current()) : std::string();
     return platform::Result<void>::success();

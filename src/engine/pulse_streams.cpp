@@ -94,26 +94,20 @@ void CaptureHandover::deliver() {
     receiver(ready.data(), ready.size() / channels_);
 }
 
-std::unique_ptr<PulseCapture> PulseCapture::start(std::shared_ptr<PulseConnection> connection,
-                                                  platform::EventLoop& loop,
-                                                  const std::string& device,
-                                                  const PcmFormat& format, CaptureCallback deliver,
-                                                  std::string& error) {
+platform::Result<std::unique_ptr<PulseCapture>> PulseCapture::start(
+    std::shared_ptr<PulseConnection> connection, platform::EventLoop& loop,
+    const std::string& device, const PcmFormat& format, CaptureCallback deliver) {
     const pa_sample_spec spec = sampleSpec(format);
-    if (pa_sample_spec_valid(&spec) == 0) {
-        error = "sound server: unusable recording format";
-        return nullptr;
-    }
+    if (pa_sample_spec_valid(&spec) == 0)
+        return platform::failure("sound server: unusable recording format");
     std::unique_ptr<PulseCapture> capture(new PulseCapture(
         connection, std::make_shared<CaptureHandover>(loop, format.channels, std::move(deliver))));
     const PulseConnection::Lock held = connection->lock();
     pa_channel_map map;
     pa_channel_map_init_extend(&map, spec.channels, PA_CHANNEL_MAP_DEFAULT);
     capture->stream_ = pa_stream_new(connection->context(), "Dictation", &spec, &map);
-    if (capture->stream_ == nullptr) {
-        error = connection->failure("opening a recording stream").error();
-        return nullptr;
-    }
+    if (capture->stream_ == nullptr)
+        return connection->failure("opening a recording stream").failed();
     pa_stream_set_state_callback(capture->stream_, &wakeOnState, connection.get());
     pa_stream_set_read_callback(capture->stream_, &PulseCapture::onReadable, capture.get());
     pa_buffer_attr buffer;
@@ -125,11 +119,10 @@ std::unique_ptr<PulseCapture> PulseCapture::start(std::shared_ptr<PulseConnectio
     if (pa_stream_connect_record(capture->stream_, deviceOrDefault(device), &buffer,
                                  PA_STREAM_ADJUST_LATENCY) < 0 ||
         !waitUntilReady(*connection, capture->stream_)) {
-        error = connection
-                    ->failure("recording from " + (device.empty() ? "the default device" : device))
-                    .error();
+        platform::Result<void> refused = connection->failure(
+            "recording from " + (device.empty() ? "the default device" : device));
         releaseStream(capture->stream_);
-        return nullptr;
+        return refused.failed();
     }
     return capture;
 }

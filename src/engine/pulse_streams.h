@@ -47,11 +47,10 @@ class CaptureHandover : public std::enable_shared_from_this<CaptureHandover> {
 class PulseCapture {
   public:
     // Records from device (empty: the server's default) at low latency; frames
-    // reach deliver on the loop's thread. Null, with the reason, on failure.
-    static std::unique_ptr<PulseCapture> start(std::shared_ptr<PulseConnection> connection,
-                                               platform::EventLoop& loop, const std::string& device,
-                                               const PcmFormat& format, CaptureCallback deliver,
-                                               std::string& error);
+    // reach deliver on the loop's thread. The failure says why it can't record.
+    static platform::Result<std::unique_ptr<PulseCapture>> start(
+        std::shared_ptr<PulseConnection> connection, platform::EventLoop& loop,
+        const std::string& device, const PcmFormat& format, CaptureCallback deliver);
     // Ends the stream without delivering what is still on its way.
     ~PulseCapture();
     PulseCapture(const PulseCapture&) = delete;

@@ -27,8 +27,8 @@ struct Resampler::State {
 Resampler::Resampler(std::unique_ptr<State> state) : state_(std::move(state)) {}
 Resampler::~Resampler() = default;
 
-std::unique_ptr<Resampler> Resampler::create(int inputRate, int outputRate, int channels,
-                                             std::string& error) {
+platform::Result<std::unique_ptr<Resampler>> Resampler::create(int inputRate, int outputRate,
+                                                               int channels) {
     auto state = std::make_unique<State>();
     state->inputRate = inputRate;
     state->outputRate = outputRate;
@@ -40,19 +40,18 @@ std::unique_ptr<Resampler> Resampler::create(int inputRate, int outputRate, int 
     av_channel_layout_uninit(&layout);
     if (code >= 0) code = swr_init(state->context);
     if (code < 0) {
-        error = "can't convert " + std::to_string(inputRate) + " Hz to " +
-                std::to_string(outputRate) + " Hz: " + ffmpegErrorText(code);
-        return nullptr;
+        return platform::failure("can't convert " + std::to_string(inputRate) + " Hz to " +
+                                 std::to_string(outputRate) + " Hz: " + ffmpegErrorText(code));
     }
     return std::unique_ptr<Resampler>(new Resampler(std::move(state)));
 }
 
-bool Resampler::convert(const std::int16_t* input, std::size_t frameCount,
-                        std::vector<std::int16_t>& out, std::string& error) {
+platform::Result<void> Resampler::convert(const std::int16_t* input, std::size_t frameCount,
+                                          std::vector<std::int16_t>& out) {
     const auto channels = static_cast<std::size_t>(state_->channels);
     // Room for what this input gives plus what the converter still held back.
     const int room = swr_get_out_samples(state_->context, static_cast<int>(frameCount)) + 16;
-    if (room <= 0) return true;
+    if (room <= 0) return platform::Result<void>::success();
     const std::size_t before = out.size();
     out.resize(before + static_cast<std::size_t>(room) * channels);
     auto* target = reinterpret_cast<std::uint8_t*>(out.data() + before);
@@ -61,11 +60,10 @@ bool Resampler::convert(const std::int16_t* input, std::size_t frameCount,
                                  static_cast<int>(frameCount));
     if (made < 0) {
         out.resize(before);
-        error = "rate conversion failed: " + ffmpegErrorText(made);
-        return false;
+        return platform::failure("rate conversion failed: " + ffmpegErrorText(made));
     }
     out.resize(before + static_cast<std::size_t>(made) * channels);
-    return true;
+    return platform::Result<void>::success();
 }
 
 std::size_t remixChannels(const std::int16_t* input, std::size_t frameCount, int from, int to,
@@ -95,20 +93,19 @@ ConvertingSource::ConvertingSource(PcmSource& source, const PcmFormat& target,
 
 ConvertingSource::~ConvertingSource() = default;
 
-std::unique_ptr<ConvertingSource> ConvertingSource::create(PcmSource& source,
-                                                           const PcmFormat& target,
-                                                           std::string& error) {
+platform::Result<std::unique_ptr<ConvertingSource>> ConvertingSource::create(
+    PcmSource& source, const PcmFormat& target) {
     const PcmFormat from = source.format();
     if (from.sampleRate <= 0 || from.channels < 1 || target.sampleRate <= 0 ||
         target.channels < 1) {
-        error = "unusable audio format: " + std::to_string(from.sampleRate) + " Hz, " +
-                std::to_string(from.channels) + " channels";
-        return nullptr;
+        return platform::failure("unusable audio format: " + std::to_string(from.sampleRate) +
+                                 " Hz, " + std::to_string(from.channels) + " channels");
     }
     std::unique_ptr<Resampler> resampler;
     if (from.sampleRate != target.sampleRate) {
-        resampler = Resampler::create(from.sampleRate, target.sampleRate, target.channels, error);
-        if (!resampler) return nullptr;
+        auto created = Resampler::create(from.sampleRate, target.sampleRate, target.channels);
+        if (!created) return created.failed();
+        resampler = std::move(*created);
     }
     return std::unique_ptr<ConvertingSource>(
         new ConvertingSource(source, target, std::move(resampler)));
@@ -146,7 +143,11 @@ void ConvertingSource::refill() {
             pending_.swap(remixed_);
             continue;
         }
-        if (!resampler_->convert(remixed_.data(), got, pending_, error_)) break;
+        if (platform::Result<void> converted = resampler_->convert(remixed_.data(), got, pending_);
+            !converted) {
+            error_ = converted.error();
+            break;
+        }
         if (sourceEnded_) flushed_ = true;  // the call above gave out the converter's tail
     }
 }

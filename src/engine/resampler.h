@@ -16,17 +16,17 @@ namespace ovd::engine {
 // Rate conversion of interleaved 16-bit frames; the channel count stays.
 class Resampler {
   public:
-    // Null, with the library's reason in error, when the conversion can't be set up.
-    static std::unique_ptr<Resampler> create(int inputRate, int outputRate, int channels,
-                                             std::string& error);
+    // Fails with the library's reason when the conversion can't be set up.
+    static platform::Result<std::unique_ptr<Resampler>> create(int inputRate, int outputRate,
+                                                               int channels);
     ~Resampler();
     Resampler(const Resampler&) = delete;
     Resampler& operator=(const Resampler&) = delete;
 
     // Converts frameCount input frames, appending what is ready to out. With no
     // input (frameCount 0) it gives out what it still holds: the end of the audio.
-    bool convert(const std::int16_t* input, std::size_t frameCount, std::vector<std::int16_t>& out,
-                 std::string& error);
+    platform::Result<void> convert(const std::int16_t* input, std::size_t frameCount,
+                                   std::vector<std::int16_t>& out);
 
   private:
     struct State;
@@ -43,9 +43,9 @@ std::size_t remixChannels(const std::int16_t* input, std::size_t frameCount, int
 // demand, a block at a time, so an hour-long file never sits in memory.
 class ConvertingSource : public PcmSource {
   public:
-    // Null, with the reason, when the conversion can't be set up.
-    static std::unique_ptr<ConvertingSource> create(PcmSource& source, const PcmFormat& target,
-                                                    std::string& error);
+    // Fails with the reason when the conversion can't be set up.
+    static platform::Result<std::unique_ptr<ConvertingSource>> create(PcmSource& source,
+                                                                      const PcmFormat& target);
     ~ConvertingSource() override;
 
     [[nodiscard]] PcmFormat format() const override { return target_; }

@@ -118,18 +118,14 @@ class SndfileReader : public AudioFileReader {
     std::string name_;
 };
 
-std::unique_ptr<AudioFileReader> openReader(const std::string& path, SF_INFO info,
-                                            std::string& error) {
+platform::Result<std::unique_ptr<AudioFileReader>> openReader(const std::string& path,
+                                                              SF_INFO info) {
     SndfileHandle file(sf_open(path.c_str(), SFM_READ, &info));
-    if (!file) {
-        error = "can't read " + path + ": " + sf_strerror(nullptr);
-        return nullptr;
-    }
-    if (info.channels < 1 || info.samplerate <= 0) {
-        error = "can't read " + path + ": no usable audio in it";
-        return nullptr;
-    }
-    return std::make_unique<SndfileReader>(std::move(file), info, formatNameOf(info.format));
+    if (!file) return platform::failure("can't read " + path + ": " + sf_strerror(nullptr));
+    if (info.channels < 1 || info.samplerate <= 0)
+        return platform::failure("can't read " + path + ": no usable audio in it");
+    return std::unique_ptr<AudioFileReader>(
+        std::make_unique<SndfileReader>(std::move(file), info, formatNameOf(info.format)));
 }
 
 platform::Result<void> writeAll(SNDFILE* file, const EncodeJob& job, const std::string& path) {
@@ -175,12 +171,13 @@ platform::Result<void> encodeWithSndfile(const EncodeJob& job, int fd, const std
     return platform::Result<void>::success();
 }
 
-std::unique_ptr<AudioFileReader> openWithSndfile(const std::string& path, std::string& error) {
-    return openReader(path, SF_INFO{}, error);
+platform::Result<std::unique_ptr<AudioFileReader>> openWithSndfile(const std::string& path) {
+    return openReader(path, SF_INFO{});
 }
 
-std::unique_ptr<AudioFileReader> openHeaderless(const std::string& path, FormatWord kind,
-                                                const TargetFormat& layout, std::string& error) {
+platform::Result<std::unique_ptr<AudioFileReader>> openHeaderless(const std::string& path,
+                                                                  FormatWord kind,
+                                                                  const TargetFormat& layout) {
     SF_INFO info{};
     info.samplerate = layout.sampleRate;
     info.channels = kind == FormatWord::VOX ? 1 : layout.channels;
@@ -188,10 +185,10 @@ std::unique_ptr<AudioFileReader> openHeaderless(const std::string& path, FormatW
     asWritten.word = kind;
     info.format = fileFormat(asWritten);
     if (info.samplerate <= 0 || info.channels < 1 || !sf_format_check(&info)) {
-        error = "can't read " + path + ": no usable layout for a " + formatWordText(kind) + " file";
-        return nullptr;
+        return platform::failure("can't read " + path + ": no usable layout for a " +
+                                 formatWordText(kind) + " file");
     }
-    return openReader(path, info, error);
+    return openReader(path, info);
 }
 
 }  // namespace ovd::engine

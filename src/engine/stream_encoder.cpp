@@ -83,15 +83,12 @@ platform::Result<void> EncodedStream::appendCopied(
     return platform::failure("this format can't take frames as they are");
 }
 
-std::unique_ptr<EncodedStream> openWaveStream(int fd, const std::string& path,
-                                              const PcmFormat& format, const std::string& comment,
-                                              std::string& error) {
+platform::Result<std::unique_ptr<EncodedStream>> openWaveStream(int fd, const std::string& path,
+                                                                const PcmFormat& format,
+                                                                const std::string& comment) {
     auto stream = std::make_unique<WaveStream>(fd, path, format, comment);
-    if (platform::Result<void> opened = stream->open(); !opened) {
-        error = opened.error();
-        return nullptr;
-    }
-    return stream;
+    if (platform::Result<void> opened = stream->open(); !opened) return opened.failed();
+    return std::unique_ptr<EncodedStream>(std::move(stream));
 }
 
 bool StreamEncoder::supports(const TargetFormat& target) {
@@ -120,25 +117,27 @@ StreamEncoder::~StreamEncoder() {
     ::close(fd_);
 }
 
-std::unique_ptr<StreamEncoder> StreamEncoder::open(int fd, const std::string& path,
-                                                   const TargetFormat& target,
-                                                   const PcmFormat& source,
-                                                   const std::string& comment, std::string& error) {
+platform::Result<std::unique_ptr<StreamEncoder>> StreamEncoder::open(int fd,
+                                                                     const std::string& path,
+                                                                     const TargetFormat& target,
+                                                                     const PcmFormat& source,
+                                                                     const std::string& comment) {
     const PcmFormat encoded = encodedPcmFormat(target, source);
     std::unique_ptr<StreamEncoder> encoder(new StreamEncoder(fd, source, encoded));
     if (!supports(target) || source.sampleRate <= 0 || source.channels < 1) {
-        error = "a " + formatWordText(target.word) + " file can't be written a stretch at a time";
-        return nullptr;
+        return platform::failure("a " + formatWordText(target.word) +
+                                 " file can't be written a stretch at a time");
     }
     if (source.sampleRate != encoded.sampleRate) {
-        encoder->resampler_ =
-            Resampler::create(source.sampleRate, encoded.sampleRate, encoded.channels, error);
-        if (!encoder->resampler_) return nullptr;
+        auto resampler = Resampler::create(source.sampleRate, encoded.sampleRate, encoded.channels);
+        if (!resampler) return resampler.failed();
+        encoder->resampler_ = std::move(*resampler);
     }
-    encoder->stream_ = target.word == FormatWord::WAV
-                           ? openWaveStream(fd, path, encoded, comment, error)
-                           : openFfmpegStream(fd, path, target, encoded, comment, error);
-    if (!encoder->stream_) return nullptr;
+    auto stream = target.word == FormatWord::WAV
+                      ? openWaveStream(fd, path, encoded, comment)
+                      : openFfmpegStream(fd, path, target, encoded, comment);
+    if (!stream) return stream.failed();
+    encoder->stream_ = std::move(*stream);
     return encoder;
 }
 
@@ -172,9 +171,9 @@ platform::Result<void> StreamEncoder::write(const std::int16_t* frames, std::siz
     }
     if (!resampler_) return writeEncoded(remixed, frameCount);
     converted_.clear();
-    std::string error;
-    if (!resampler_->convert(remixed, frameCount, converted_, error))
-        return platform::failure(error);
+    if (platform::Result<void> converted = resampler_->convert(remixed, frameCount, converted_);
+        !converted)
+        return converted;
     return writeEncoded(converted_.data(),
                         converted_.size() / static_cast<std::size_t>(encoded_.channels));
 }
@@ -198,8 +197,8 @@ platform::Result<void> StreamEncoder::finish() {
     finished_ = true;
     if (resampler_) {
         converted_.clear();
-        std::string error;
-        if (!resampler_->convert(nullptr, 0, converted_, error)) return platform::failure(error);
+        if (platform::Result<void> tail = resampler_->convert(nullptr, 0, converted_); !tail)
+            return tail;
         // A converted take lasts exactly as long as the original: the converter's
         // rounding at the end is cut off or filled with silence.
         const auto width = static_cast<std::size_t>(encoded_.channels);

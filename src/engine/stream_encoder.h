@@ -23,11 +23,12 @@ class StreamEncoder {
     [[nodiscard]] static bool supports(const TargetFormat& target);
     // Starts the file in fd (open for reading and writing, empty); the encoder owns
     // the descriptor from here on, and closes it when it can't start. It never
-    // locks it: the lock the saver holds on the target guards the file. Null, with
-    // the reason, when the file can't be started this way.
-    static std::unique_ptr<StreamEncoder> open(int fd, const std::string& path,
-                                               const TargetFormat& target, const PcmFormat& source,
-                                               const std::string& comment, std::string& error);
+    // locks it: the lock the saver holds on the target guards the file. Fails with
+    // the reason when the file can't be started this way.
+    static platform::Result<std::unique_ptr<StreamEncoder>> open(int fd, const std::string& path,
+                                                                 const TargetFormat& target,
+                                                                 const PcmFormat& source,
+                                                                 const std::string& comment);
     // Closes the descriptor; an unfinished file stays as the last sync left it.
     ~StreamEncoder();
     StreamEncoder(const StreamEncoder&) = delete;

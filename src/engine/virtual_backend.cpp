@@ -125,12 +125,12 @@ platform::Result<void> VirtualBackend::startCapture(const PcmFormat& format,
     inputSamples_.clear();
     inputPosition_ = 0;
     if (!options_.inputFile.empty()) {
-        std::string error;
         TargetFormat hint;
         hint.sampleRate = format.sampleRate;
         hint.channels = format.channels;
-        auto reader = AudioFileReader::open(options_.inputFile, error, &hint);
-        if (!reader) return platform::failure("virtual microphone: " + error);
+        auto opened = AudioFileReader::open(options_.inputFile, &hint);
+        if (!opened) return platform::failure("virtual microphone: " + opened.error());
+        std::unique_ptr<AudioFileReader> reader = std::move(*opened);
         if (!(reader->format() == format)) {
             return platform::failure("virtual microphone: " + options_.inputFile +
                                      " is not at the recording's rate and channels");

@@ -74,7 +74,7 @@ class WaveEditor : public AudioEditor {
 
     platform::Result<void> Open(const std::string& path) override;
     platform::Result<void> New(int samplesPerSecond, int channels) override;
-    platform::Result<void> SaveAs(const std::string& path) override;
+    platform::Result<SaveOutcome> SaveAs(const std::string& path) override;
     void Close() override;
     void CloseKeepingWorkFile() override { dropDocument(false); }
 
@@ -96,8 +96,6 @@ class WaveEditor : public AudioEditor {
     // sample type" choice). The document gets a new work file; undo starts afresh.
     platform::Result<void> ConvertSampleType(int samplesPerSecond, int channels);
 
-    // The outcome of the last save, once it has finished; empty when it worked.
-    [[nodiscard]] platform::Result<void> lastSaveResult() const override;
     [[nodiscard]] bool saving() const override { return saving_.load(); }
     // Waits for a running save to end (the station's exit).
     void finishSaving();
@@ -216,13 +214,12 @@ class WaveEditor : public AudioEditor {
     std::thread saveThread_;
     std::atomic<bool> saving_{false};
     // Written by the save's thread before it lets go of the file.
-    mutable std::mutex saveErrorMutex_;
-    platform::Result<void> lastSave_;
+    mutable std::mutex savedFileMutex_;
     unsigned workFilesMade_ = 0;
     // Touched by the save thread while it runs, by the loop's thread once it is joined.
     std::unique_ptr<SaveSession> session_;
     std::optional<FileOnDisk> onDisk_;     // the loop's thread's
-    std::optional<FileOnDisk> justSaved_;  // under saveErrorMutex_
+    std::optional<FileOnDisk> justSaved_;  // under savedFileMutex_
     bool troubleTold_ = false;             // this take's trouble is in the log
 };
 

@@ -84,9 +84,9 @@ platform::Result<void> WaveEditor::appendSource(PcmSource& source, const char* o
     std::unique_ptr<ConvertingSource> converted;
     PcmSource* input = &source;
     if (!(source.format() == document_.format())) {
-        std::string error;
-        converted = ConvertingSource::create(source, document_.format(), error);
-        if (!converted) return platform::failure(error);
+        auto created = ConvertingSource::create(source, document_.format());
+        if (!created) return created.failed();
+        converted = std::move(*created);
         input = converted.get();
     }
     const SampleCount range = input->frames();
@@ -109,10 +109,10 @@ platform::Result<void> WaveEditor::appendSource(PcmSource& source, const char* o
 
 platform::Result<void> WaveEditor::appendFile(const std::string& path, const char* operation,
                                               PieceList& added) {
-    std::string error;
     TargetFormat hint = chosen_;
-    auto reader = AudioFileReader::open(path, error, &hint);
-    if (!reader) return platform::failure(error);
+    auto opened = AudioFileReader::open(path, &hint);
+    if (!opened) return opened.failed();
+    std::unique_ptr<AudioFileReader> reader = std::move(*opened);
     if (!workFile_) {
         if (platform::Result<void> started = startDocument(reader->format()); !started)
             return started;

@@ -66,18 +66,13 @@ platform::Result<void> writePieces(StreamEncoder& encoder, const PcmFormat& form
 
 }  // namespace
 
-platform::Result<void> WaveEditor::lastSaveResult() const {
-    const std::lock_guard lock(saveErrorMutex_);
-    return lastSave_;
-}
-
 void WaveEditor::finishSaving() {
     if (saveThread_.joinable()) saveThread_.join();
     takeOverSavedFile();
 }
 
 void WaveEditor::takeOverSavedFile() {
-    const std::lock_guard lock(saveErrorMutex_);
+    const std::lock_guard lock(savedFileMutex_);
     if (justSaved_) onDisk_ = std::move(justSaved_);
     justSaved_.reset();
 }
@@ -121,23 +116,21 @@ void WaveEditor::finishSavedFile() {
     // Completed through the encoder's own descriptor: a file renamed since (a
     // letter handed on under another name) is completed all the same, and a file
     // that took its old name is not touched.
-    if (platform::Result<void> finished = session->encoder->finish(); !finished) {
-        session->encoder->rollBack();
-        const std::lock_guard lock(saveErrorMutex_);
-        lastSave_ = finished;
-    }
+    // The save that grew it was told of already; a file that can't be completed
+    // goes back to what its last sync left.
+    if (!session->encoder->finish().ok()) session->encoder->rollBack();
 }
 
-platform::Result<void> WaveEditor::SaveAs(const std::string& path) {
+platform::Result<AudioEditor::SaveOutcome> WaveEditor::SaveAs(const std::string& path) {
     if (!workFile_) return platform::failure("no document to save");
     finishSaving();
     syncTick();
     // Opened to listen, or saved and not touched since: the file already holds
     // this document, and it stays byte for byte as it is.
     if (!session_ && documentIsOnDisk(path)) {
-        const std::lock_guard lock(saveErrorMutex_);
-        lastSave_ = platform::Result<void>::success();
-        return platform::Result<void>::success();
+        std::promise<platform::Result<void>> nothingToWrite;
+        nothingToWrite.set_value(platform::Result<void>::success());
+        return SaveOutcome(nothingToWrite.get_future());
     }
     // An existing file is locked before this call returns, so whoever waits for it
     // to be free waits for this save, not for the one before it. A new file is not
@@ -170,11 +163,10 @@ platform::Result<void> WaveEditor::SaveAs(const std::string& path) {
     const SampleCount range = framesIn(job.added ? *job.added : job.pieces);
     emitBlock(BlockOperationEvent::Phase::Start, kSaving, 0, range);
     saving_ = true;
-    {
-        const std::lock_guard lock(saveErrorMutex_);
-        lastSave_ = platform::Result<void>::success();
-    }
-    saveThread_ = std::thread([this, alive = alive_, job = std::move(job), range]() mutable {
+    std::promise<platform::Result<void>> settled;
+    SaveOutcome outcome = settled.get_future().share();
+    saveThread_ = std::thread([this, alive = alive_, job = std::move(job), range,
+                               settled = std::move(settled)]() mutable {
         const SaveProgress progress = [this, alive, range](SampleCount done) {
             loop_.postFromAnyThread([this, alive, done, range] {
                 if (*alive) emitBlock(BlockOperationEvent::Phase::Progress, kSaving, done, range);
@@ -182,12 +174,12 @@ platform::Result<void> WaveEditor::SaveAs(const std::string& path) {
         };
         platform::Result<void> result =
             job.added ? addToSavedFile(job, progress) : saveWhole(job, progress);
-        {
-            // Known before the file is free: whoever waits for the file reads the outcome.
-            const std::lock_guard lock(saveErrorMutex_);
-            lastSave_ = result;
-            if (result) rememberFileOnDisk(job.path, job.pieces, justSaved_);
+        if (result) {
+            const std::lock_guard lock(savedFileMutex_);
+            rememberFileOnDisk(job.path, job.pieces, justSaved_);
         }
+        // Known before the file is free: whoever waits for the file reads the outcome.
+        settled.set_value(std::move(result));
         job.lock.release();
         loop_.postFromAnyThread([this, alive, range] {
             if (!*alive) return;
@@ -195,7 +187,7 @@ platform::Result<void> WaveEditor::SaveAs(const std::string& path) {
         });
         saving_ = false;
     });
-    return platform::Result<void>::success();
+    return outcome;
 }
 
 platform::Result<void> WaveEditor::addToSavedFile(const SaveJob& job,
@@ -224,11 +216,12 @@ platform::Result<void> WaveEditor::saveWhole(const SaveJob& job, const SaveProgr
     std::unique_ptr<StreamEncoder> encoder;
     if (StreamEncoder::supports(job.target)) {
         const int fd = ::open(partial.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-        std::string error;
         // A file that can't be started to grow is written whole below, which says why if it fails
         // too.
-        if (fd >= 0)
-            encoder = StreamEncoder::open(fd, partial, job.target, job.format, job.comment, error);
+        if (fd >= 0) {
+            auto opened = StreamEncoder::open(fd, partial, job.target, job.format, job.comment);
+            if (opened) encoder = std::move(*opened);
+        }
     }
     platform::Result<void> result = platform::Result<void>::success();
     if (encoder) {

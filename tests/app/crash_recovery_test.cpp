@@ -90,9 +90,9 @@ TEST(CrashRecoveryTest, ATakeKilledMidwayIsRecoveredAfterTheSecondStart) {
 
     const std::vector<std::string> recovered = recoveredFiles(recordings);
     ASSERT_EQ(recovered.size(), 1u) << log;
-    std::string error;
-    const auto reader = engine::AudioFileReader::open(recovered[0], error);
-    ASSERT_TRUE(reader) << error;
+    const auto opened = engine::AudioFileReader::open(recovered[0]);
+    ASSERT_TRUE(opened) << opened.error();
+    const auto& reader = *opened;
     EXPECT_EQ(reader->formatName(), "MP3");
     const auto lengthMs = static_cast<double>(engine::fileLengthMilliseconds(recovered[0]));
     EXPECT_GE(lengthMs, recordedMs - 1000.0) << recovered[0];

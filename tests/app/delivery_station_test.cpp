@@ -21,12 +21,12 @@ namespace fs = std::filesystem;
 
 // The length of a file as it plays back: every frame decoded, over the rate.
 double playedSeconds(const std::string& path) {
-    std::string error;
-    const auto reader = engine::AudioFileReader::open(path, error);
-    if (!reader) {
-        ADD_FAILURE() << path << ": " << error;
+    const auto opened = engine::AudioFileReader::open(path);
+    if (!opened) {
+        ADD_FAILURE() << path << ": " << opened.error();
         return 0;
     }
+    const auto& reader = *opened;
     std::vector<std::int16_t> buffer(4096 * static_cast<std::size_t>(reader->format().channels));
     std::size_t frames = 0;
     while (const std::size_t got = reader->read(buffer.data(), 4096)) frames += got;

@@ -38,9 +38,9 @@ TEST_F(ScanConvertTest, ACrashedTakeBecomesARecordingOfTheFormatInForceAndEmptyF
 
     const std::string made = recordings + "/ovd100-AudioEditor1-1-3.MP3";
     ASSERT_TRUE(platform::fileExists(made)) << log.text();
-    std::string error;
-    const auto reader = engine::AudioFileReader::open(made, error);
-    ASSERT_TRUE(reader) << error;
+    const auto opened = engine::AudioFileReader::open(made);
+    ASSERT_TRUE(opened) << opened.error();
+    const auto& reader = *opened;
     EXPECT_EQ(reader->formatName(), "MP3");
     EXPECT_NEAR(static_cast<double>(engine::fileLengthMilliseconds(made)), 3400.0, 60.0);
     EXPECT_TRUE(platform::fileExists(recordings + "/BACK/ovd100-AudioEditor1-1-3.MP3"));

@@ -67,10 +67,9 @@ TEST_F(EditingSavingTest, CutTakesTheSelectionAndTheCloseSavesIt) {
     EXPECT_TRUE(state().FileChanged) << "the close saves the cut";
 
     d().closeFile();
-    std::string error;
-    auto reader = engine::AudioFileReader::open(name, error);
-    ASSERT_TRUE(reader) << error;
-    EXPECT_EQ(reader->frames(), 4 * kRate);
+    const auto reader = engine::AudioFileReader::open(name);
+    ASSERT_TRUE(reader) << reader.error();
+    EXPECT_EQ((*reader)->frames(), 4 * kRate);
 }
 
 TEST_F(EditingSavingTest, AFileOpenedToListenIsTheSameFileAfterItsClose) {
@@ -81,11 +80,9 @@ TEST_F(EditingSavingTest, AFileOpenedToListenIsTheSameFileAfterItsClose) {
         engine::TargetFormat mp3;
         mp3.word = engine::FormatWord::MP3;
         mp3.bitrateKbps = 16;
-        std::string error;
-        auto spoken =
-            engine::AudioFileReader::open(writeRampWave(folder.file("spoken.wav"), 6), error);
-        ASSERT_TRUE(spoken) << error;
-        ASSERT_TRUE(engine::encodeFile(*spoken, path, mp3, "OVDESK").ok());
+        auto spoken = engine::AudioFileReader::open(writeRampWave(folder.file("spoken.wav"), 6));
+        ASSERT_TRUE(spoken) << spoken.error();
+        ASSERT_TRUE(engine::encodeFile(**spoken, path, mp3, "OVDESK").ok());
         const auto bytes = platform::readWholeFile(path);
 
         d().openRecentFile(path);

@@ -111,9 +111,9 @@ TEST(CodecsTest, EveryFormatKeepsLengthAndPitchAndIsWhatItsWordSays) {
         const platform::Result<void> written = encodeFile(take, path, c.target, kComment);
         ASSERT_TRUE(written.ok()) << written.error();
 
-        std::string error;
-        auto reader = AudioFileReader::open(path, error, &c.target);
-        ASSERT_NE(reader, nullptr) << error;
+        auto opened = AudioFileReader::open(path, &c.target);
+        ASSERT_TRUE(opened) << opened.error();
+        auto& reader = *opened;
         EXPECT_EQ(reader->formatName(), c.readAs);
         EXPECT_EQ(reader->format(), (PcmFormat{c.rate, c.channels}));
         const auto samples = readAll(*reader);
@@ -194,24 +194,24 @@ TEST(CodecsTest, TheTargetIsNeverFreeWhileItIsWritten) {
 
 TEST(CodecsTest, FilesThatCantBeReadSayWhy) {
     ovd::testing::TempFolder folder;
-    std::string error;
-    EXPECT_EQ(AudioFileReader::open(folder.file("missing.wav"), error), nullptr);
-    EXPECT_NE(error.find("missing.wav"), std::string::npos);
+    const auto missing = AudioFileReader::open(folder.file("missing.wav"));
+    EXPECT_FALSE(missing);
+    EXPECT_NE(missing.error().find("missing.wav"), std::string::npos);
     EXPECT_EQ(fileLengthMilliseconds(folder.file("missing.wav")), -1);
 
     const std::string notAudio = folder.file("notes.wav");
     ASSERT_EQ(std::system(("echo 'not a recording' > '" + notAudio + "'").c_str()), 0);
-    error.clear();
-    EXPECT_EQ(AudioFileReader::open(notAudio, error), nullptr);
-    EXPECT_FALSE(error.empty());
+    const auto notRead = AudioFileReader::open(notAudio);
+    EXPECT_FALSE(notRead);
+    EXPECT_FALSE(notRead.error().empty());
 
     // A headerless file can only be read with its layout.
     const std::string raw = folder.file("take.raw");
     ToneSource take(kTake, 1.0);
     ASSERT_TRUE(encodeFile(take, raw, format(FormatWord::RAW, 16000, 1), "").ok());
-    error.clear();
-    EXPECT_EQ(AudioFileReader::open(raw, error), nullptr);
-    EXPECT_NE(error.find("RAW"), std::string::npos) << error;
+    const auto noLayout = AudioFileReader::open(raw);
+    EXPECT_FALSE(noLayout);
+    EXPECT_NE(noLayout.error().find("RAW"), std::string::npos) << noLayout.error();
 }
 
 }  // namespace

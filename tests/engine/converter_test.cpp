@@ -104,10 +104,9 @@ TEST_F(ConverterTest, ASavedWaveBecomesAnMp3AtAnotherRateAndRunsTo100) {
     EXPECT_FALSE(converter_.busy());
     EXPECT_EQ(converter_.error(), "");
     EXPECT_TRUE(platform::FileAvailable(target));
-    std::string error;
-    auto reader = AudioFileReader::open(target, error);
-    ASSERT_NE(reader, nullptr) << error;
-    EXPECT_EQ(reader->format(), (PcmFormat{22050, 1}));
+    const auto reader = AudioFileReader::open(target);
+    ASSERT_TRUE(reader) << reader.error();
+    EXPECT_EQ((*reader)->format(), (PcmFormat{22050, 1}));
     EXPECT_NEAR(static_cast<double>(fileLengthMilliseconds(target)), 4000.0, 40.0);
 }
 

@@ -60,10 +60,9 @@ ino_t inodeOf(const std::string& path) {
 // The file as the station's own reader (the sound-file library, which trusts an MP3's Info frame)
 // hears it.
 std::vector<std::int16_t> heard(const std::string& path) {
-    std::string error;
-    auto reader = AudioFileReader::open(path, error);
-    EXPECT_TRUE(reader) << error;
-    return reader ? readAll(*reader) : std::vector<std::int16_t>{};
+    auto reader = AudioFileReader::open(path);
+    EXPECT_TRUE(reader) << reader.error();
+    return reader ? readAll(**reader) : std::vector<std::int16_t>{};
 }
 
 // The same through the codec library's command line, which reads to the end of the file.
@@ -91,14 +90,15 @@ class GrowingSaveTest : public ::testing::Test {
 
     // Saves and waits the way the dictation does: until the file is free.
     void save(const std::string& path) {
-        ASSERT_TRUE(dictation.SaveAs(path).ok());
+        const auto saved = dictation.SaveAs(path);
+        ASSERT_TRUE(saved.ok());
         EXPECT_FALSE(platform::FileAvailable(path)) << "locked from the moment SaveAs returns";
         while (dictation.saving() || !platform::FileAvailable(path)) {
             loop.runPending();
             ::usleep(1000);
         }
         loop.runPending();
-        EXPECT_TRUE(dictation.lastSaveResult()) << dictation.lastSaveResult().error();
+        EXPECT_TRUE(saved->get()) << saved->get().error();
         EXPECT_FALSE(platform::fileExists(path + ".partial"));
     }
 

@@ -42,10 +42,10 @@ std::int64_t changedNs(const std::string& path) {
 
 // Frames the station's own reader hears in a file.
 SampleCount framesHeard(const std::string& path) {
-    std::string error;
-    auto reader = AudioFileReader::open(path, error);
-    EXPECT_TRUE(reader) << path << ": " << error;
-    if (!reader) return -1;
+    auto opened = AudioFileReader::open(path);
+    EXPECT_TRUE(opened) << opened.error();
+    if (!opened) return -1;
+    auto& reader = *opened;
     return static_cast<SampleCount>(readAll(*reader).size()) / reader->format().channels;
 }
 
@@ -74,13 +74,14 @@ class SaveIntegrityTest : public ::testing::Test {
 
     // Saves and waits as the dictation does: until the save has let go of the file.
     void save(WaveEditor& from, const std::string& path) {
-        ASSERT_TRUE(from.SaveAs(path).ok());
+        const auto saved = from.SaveAs(path);
+        ASSERT_TRUE(saved.ok());
         while (from.saving()) {
             loop.runPending();
             ::usleep(1000);
         }
         loop.runPending();
-        EXPECT_TRUE(from.lastSaveResult()) << from.lastSaveResult().error();
+        EXPECT_TRUE(saved->get()) << saved->get().error();
         EXPECT_FALSE(platform::fileExists(path + ".partial"));
     }
 
@@ -280,7 +281,8 @@ TEST_F(SaveIntegrityTest, TheLettersNameNeverHoldsAnEmptyOrHalfFile) {
     ASSERT_TRUE(editor.New(kRate, 1).ok());
     editor.chooseFormat(format(FormatWord::MP3, 32));
     recordFor(editor, 30000);
-    ASSERT_TRUE(editor.SaveAs(path).ok());
+    const auto saved = editor.SaveAs(path);
+    ASSERT_TRUE(saved.ok());
     // A new file exists under its name only once it is complete: whatever is
     // seen there while the save runs is the finished file.
     std::optional<std::string> seenWhileSaving;
@@ -289,7 +291,7 @@ TEST_F(SaveIntegrityTest, TheLettersNameNeverHoldsAnEmptyOrHalfFile) {
         ::usleep(200);
     }
     loop.runPending();
-    ASSERT_TRUE(editor.lastSaveResult()) << editor.lastSaveResult().error();
+    ASSERT_TRUE(saved->get()) << saved->get().error();
     const auto first = platform::readWholeFile(path);
     ASSERT_TRUE(first.has_value());
     if (seenWhileSaving) {

@@ -234,7 +234,8 @@ TEST_F(WaveEditorTest, SavingHoldsTheFileUntilItIsCompleteAndTheSavedFileOpensAg
         phases.push_back(event.phase);
     };
 
-    ASSERT_TRUE(dictation.SaveAs(path).ok());
+    const auto saved = dictation.SaveAs(path);
+    ASSERT_TRUE(saved.ok());
     EXPECT_FALSE(platform::FileAvailable(path)) << "locked before SaveAs returns";
     while (dictation.saving() || platform::FileAvailable(path) == false) {
         loop.runPending();
@@ -242,7 +243,7 @@ TEST_F(WaveEditorTest, SavingHoldsTheFileUntilItIsCompleteAndTheSavedFileOpensAg
     }
     loop.runPending();
 
-    EXPECT_TRUE(dictation.lastSaveResult()) << dictation.lastSaveResult().error();
+    EXPECT_TRUE(saved->get()) << saved->get().error();
     ASSERT_FALSE(phases.empty());
     EXPECT_EQ(phases.front(), BlockOperationEvent::Phase::Start);
     EXPECT_EQ(phases.back(), BlockOperationEvent::Phase::End);

@@ -58,9 +58,9 @@ std::map<std::string, std::uint64_t> lettersOnDisk(WalkStation& station) {
 
 // Frames of a saved file, read to its end; nothing when it can't be read.
 std::optional<std::pair<engine::SampleCount, int>> decodedFrames(const std::string& path) {
-    std::string error;
-    auto reader = engine::AudioFileReader::open(path, error);
-    if (!reader) return std::nullopt;
+    auto opened = engine::AudioFileReader::open(path);
+    if (!opened) return std::nullopt;
+    auto& reader = *opened;
     const int channels = std::max(reader->format().channels, 1);
     std::vector<std::int16_t> chunk(8192 * static_cast<std::size_t>(channels));
     engine::SampleCount frames = 0;

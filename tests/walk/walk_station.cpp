@@ -47,9 +47,9 @@ struct SeedFolder {
         files.shortWave = folder.file("letter.wav");
         files.rampMp3 = folder.file("letter.mp3");
         writeRampWave(files.shortWave, 16000, 4);
-        std::string error;
-        auto source = engine::AudioFileReader::open(files.shortWave, error);
-        if (!source) throw std::runtime_error("can't read the seed letter: " + error);
+        auto opened = engine::AudioFileReader::open(files.shortWave);
+        if (!opened) throw std::runtime_error("can't read the seed letter: " + opened.error());
+        auto& source = *opened;
         engine::TargetFormat mp3;
         mp3.word = engine::FormatWord::MP3;
         mp3.sampleRate = 16000;
