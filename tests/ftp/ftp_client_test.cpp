@@ -1,7 +1,10 @@
 // Every operation of the FTP client against a real vsftpd on loopback.
 
 #include <gtest/gtest.h>
+#include <pwd.h>
+#include <sys/mount.h>
 
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -238,6 +241,26 @@ TEST_F(FtpClientTest, FailuresCarryTheServersOwnReply) {
     const auto nobody = stranger.connect(settings);
     EXPECT_EQ(nobody.error().rfind("Can NOT Connect to FTP Server error code: 7", 0), 0U)
         << nobody.error();
+}
+
+TEST_F(FtpClientTest, AFullRemoteDiskLeavesNothingUnderTheFinalName) {
+    ASSERT_TRUE(client_.createDirectory("full").ok());
+    const std::string smallDisk = onServer("full");
+    const passwd* ftpUser = ::getpwnam("ftp");
+    ASSERT_NE(ftpUser, nullptr);
+    const std::string options = "size=256k,mode=0755,uid=" + std::to_string(ftpUser->pw_uid) +
+                                ",gid=" + std::to_string(ftpUser->pw_gid);
+    if (::mount("tmpfs", smallDisk.c_str(), "tmpfs", 0, options.c_str()) != 0) {
+        GTEST_SKIP() << "a small tmpfs can't be mounted here (" << std::strerror(errno) << ")";
+    }
+    writeAll(local_.file("big.wav"), pattern(1024 * 1024));
+    const auto sent = client_.upload(local_.file("big.wav"), "full/big.wav", nullptr);
+    EXPECT_FALSE(fs::exists(smallDisk + "/big.wav"));
+    ::umount2(smallDisk.c_str(), MNT_DETACH);
+
+    EXPECT_EQ(sent.error().rfind("InternetWriteFile error code: ", 0), 0U) << sent.error();
+    EXPECT_NE(sent.error().find("Server: 451"), std::string::npos) << sent.error();
+    EXPECT_EQ(fs::file_size(local_.file("big.wav")), 1024U * 1024U);
 }
 
 }  // namespace

@@ -139,6 +139,25 @@ TEST_F(FtpSessionTest, AServerKilledMidUploadLeavesNothingUnderTheFinalName) {
     EXPECT_EQ(fs::file_size(letter), size);
 }
 
+TEST_F(FtpSessionTest, AServerKilledMidDownloadLeavesNoLetterUnderItsName) {
+    VsftpdServer server(kSlowLine);
+    connectTo(server);
+    const std::size_t size = kSlowLine * 16;
+    std::ofstream(server.localPathOf("/incoming/letter.wav"), std::ios::binary) << letterOf(size);
+    const std::string local = local_.file("letter.wav");
+    ASSERT_TRUE(
+        session_->startDownload("letter.wav", local, recordProgress(), recordOutcome()).ok());
+    ASSERT_TRUE(
+        loop_.runUntil([&] { return !reports_.empty() && reports_.back().done > kSlowLine; },
+                       milliseconds(10000)));
+    server.stop();
+    ASSERT_TRUE(loop_.runUntil([&] { return outcome_.has_value(); }, milliseconds(40000)));
+
+    ASSERT_FALSE(outcome_->ok());
+    EXPECT_EQ(outcome_->error().rfind("InternetReadFile error code: ", 0), 0U) << outcome_->error();
+    EXPECT_FALSE(fs::exists(local));
+}
+
 TEST_F(FtpSessionTest, EndingTheSessionMidTransferCancelsItAndReportsNothingMore) {
     connectTo(testing::sharedServer());
     const std::string letter = writeLetter("long.wav", kSlowLine * 8);

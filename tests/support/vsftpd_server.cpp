@@ -44,7 +44,8 @@ int freePort() {
     return port;
 }
 
-std::string configuration(const std::string& folder, int port, int passiveFirst) {
+std::string configuration(const std::string& folder, int port, int passiveFirst,
+                          std::uint64_t maxBytesPerSecond) {
     std::ostringstream text;
     text << "listen=YES\nlisten_ipv6=NO\nlisten_address=127.0.0.1\n"
          << "listen_port=" << port << "\n"
@@ -54,6 +55,7 @@ std::string configuration(const std::string& folder, int port, int passiveFirst)
          << "write_enable=YES\nanon_upload_enable=YES\nanon_mkdir_write_enable=YES\n"
          << "anon_other_write_enable=YES\nanon_world_readable_only=NO\nanon_umask=022\n"
          << "ftp_username=ftp\n"
+         << "anon_max_rate=" << maxBytesPerSecond << "\n"
          << "pasv_enable=YES\npasv_address=127.0.0.1\n"
          << "pasv_min_port=" << passiveFirst << "\n"
          << "pasv_max_port=" << passiveFirst + kPassivePorts << "\n"
@@ -95,11 +97,11 @@ std::vector<pid_t> descendantsOf(pid_t root) {
 
 }  // namespace
 
-VsftpdServer::VsftpdServer() { start(); }
+VsftpdServer::VsftpdServer(std::uint64_t maxBytesPerSecond) { start(maxBytesPerSecond); }
 
 VsftpdServer::~VsftpdServer() { stop(); }
 
-void VsftpdServer::start() {
+void VsftpdServer::start(std::uint64_t maxBytesPerSecond) {
     namespace fs = std::filesystem;
     const passwd* ftpUser = ::getpwnam("ftp");
     if (::access(kProgram, X_OK) != 0 || ftpUser == nullptr) {
@@ -117,7 +119,7 @@ void VsftpdServer::start() {
     // The passive range starts at another free port; vsftpd skips those in use.
     const int passiveFirst = freePort();
     const std::string config = folder_.file("vsftpd.conf");
-    std::ofstream(config) << configuration(folder_.path(), port_, passiveFirst);
+    std::ofstream(config) << configuration(folder_.path(), port_, passiveFirst, maxBytesPerSecond);
     const std::string output = folder_.file("vsftpd.out");
 
     const pid_t child = ::fork();

@@ -16,6 +16,7 @@
 
 #include <sys/types.h>
 
+#include <cstdint>
 #include <string>
 
 #include "support/temp_folder.h"
@@ -28,8 +29,10 @@ class VsftpdServer {
     static constexpr const char* kPassword = "ovd@example.com";
     static constexpr const char* kWritableFolder = "/incoming";
 
-    // Starts the server and waits (up to ten seconds) until it greets.
-    VsftpdServer();
+    // Starts the server and waits (up to ten seconds) until it greets. A server
+    // that sends at most `maxBytesPerSecond` (0: no limit) stands for a slow line
+    // whose data is still on its way when the server goes.
+    explicit VsftpdServer(std::uint64_t maxBytesPerSecond = 0);
     ~VsftpdServer();
     VsftpdServer(const VsftpdServer&) = delete;
     VsftpdServer& operator=(const VsftpdServer&) = delete;
@@ -49,7 +52,7 @@ class VsftpdServer {
     void stop();
 
   private:
-    void start();
+    void start(std::uint64_t maxBytesPerSecond);
     bool greets() const;
 
     TempFolder folder_;
