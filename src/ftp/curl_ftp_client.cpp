@@ -124,11 +124,10 @@ struct CurlFtpClient::State {
         return 0;
     }
 
-    static int onProgress(void* self, curl_off_t downloadTotal, curl_off_t downloaded,
+    static int onProgress(void* self, curl_off_t /*downloadTotal*/, curl_off_t downloaded,
                           curl_off_t /*uploadTotal*/, curl_off_t uploaded) {
         auto& state = *static_cast<State*>(self);
         if (state.cancelRequested.load()) return 1;
-        (void)downloadTotal;
         const auto now = static_cast<std::uint64_t>(downloaded > 0 ? downloaded : uploaded);
         if (now != state.done) {
             state.done = now;
@@ -178,7 +177,6 @@ struct CurlFtpClient::State {
         curl_easy_reset(handle);
         lastReply.clear();
         errorBuffer[0] = '\0';
-        cancelRequested = false;
         progress = nullptr;
         total = 0;
         done = 0;
@@ -446,6 +444,8 @@ Result<void> CurlFtpClient::removeDirectory(const std::string& path) {
 }
 
 void CurlFtpClient::cancel() { state_->cancelRequested = true; }
+
+void CurlFtpClient::clearCancel() { state_->cancelRequested = false; }
 
 std::string temporaryUploadName(const std::string& remoteFile) {
     // A dot name is left out of ordinary listings, and ".part" of every letter pattern.

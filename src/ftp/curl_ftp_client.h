@@ -38,6 +38,7 @@ class CurlFtpClient final : public FtpClient {
     platform::Result<void> removeDirectory(const std::string& path) override;
 
     void cancel() override;
+    void clearCancel() override;
 
   private:
     struct State;

@@ -88,7 +88,9 @@ class FtpClient {
     virtual platform::Result<void> removeDirectory(const std::string& path) = 0;
 
     // Asks a running transfer to stop at its next chunk; safe from any thread.
+    // The request stands, for every transfer, until clearCancel().
     virtual void cancel() = 0;
+    virtual void clearCancel() = 0;
 };
 
 // The temporary remote name a file is uploaded under before it is renamed.

@@ -19,6 +19,13 @@ FtpSession::~FtpSession() {
     if (worker_.joinable()) worker_.join();
 }
 
+FtpClient* FtpSession::client() {
+    if (busy_) return nullptr;
+    // A cancelled transfer's request must not stop the window's next one.
+    client_->clearCancel();
+    return client_.get();
+}
+
 void FtpSession::cancel() {
     if (busy_) client_->cancel();
 }
@@ -28,6 +35,8 @@ Result<void> FtpSession::start(Job job, ProgressCallback progress, DoneCallback 
     // The previous job has posted its end already; its thread is about to finish.
     if (worker_.joinable()) worker_.join();
     busy_ = true;
+    // Cleared here, on the loop, so that a cancel from the moment of the start on is kept.
+    client_->clearCancel();
     auto alive = alive_;
     worker_ = std::thread([this, alive, job = std::move(job), progress = std::move(progress),
                            done = std::move(done)]() mutable {

@@ -50,7 +50,7 @@ class FtpSession {
     void cancel();
 
     // The client itself, for the quick commands of a window; only while not busy.
-    [[nodiscard]] FtpClient* client() { return busy_ ? nullptr : client_.get(); }
+    [[nodiscard]] FtpClient* client();
 
   private:
     platform::EventLoop& loop_;

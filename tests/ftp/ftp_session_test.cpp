@@ -173,5 +173,23 @@ TEST_F(FtpSessionTest, EndingTheSessionMidTransferCancelsItAndReportsNothingMore
     EXPECT_FALSE(fs::exists(testing::sharedServer().localPathOf("/incoming/long.wav")));
 }
 
+TEST_F(FtpSessionTest, ACancelStopsTheTransferEvenRightAfterItsStart) {
+    connectTo(testing::sharedServer());
+    const std::string letter = writeLetter("cancelled.wav", kSlowLine * 8);
+    ASSERT_TRUE(session_->startQuietUpload(letter, "cancelled.wav", recordOutcome()).ok());
+    session_->cancel();
+    ASSERT_TRUE(loop_.runUntil([&] { return outcome_.has_value(); }, milliseconds(3000)));
+    EXPECT_FALSE(outcome_->ok());
+    EXPECT_FALSE(fs::exists(testing::sharedServer().localPathOf("/incoming/cancelled.wav")));
+
+    // The next transfer is not stopped by the last one's cancel.
+    outcome_.reset();
+    ASSERT_TRUE(
+        session_->startQuietUpload(writeLetter("short.wav", 1000), "short.wav", recordOutcome())
+            .ok());
+    ASSERT_TRUE(loop_.runUntil([&] { return outcome_.has_value(); }, milliseconds(5000)));
+    EXPECT_TRUE(outcome_->ok()) << outcome_->error();
+}
+
 }  // namespace
 }  // namespace ovd::ftp
