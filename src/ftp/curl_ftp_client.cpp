@@ -223,14 +223,17 @@ struct CurlFtpClient::State {
     }
 
     // "<operation> error code: <n> Message: <curl's text>", and the server's own
-    // last reply when it gave one: that says why far better than curl can.
+    // last reply when it refused: that says why far better than curl can.
     Failure failed(const char* operation, CURLcode code) const {
         std::string message = std::string(operation) +
                               " error code: " + std::to_string(static_cast<int>(code)) +
                               " Message: " + curl_easy_strerror(code);
         const std::string detail = trimmed(errorBuffer);
         if (!detail.empty() && detail != curl_easy_strerror(code)) message += " (" + detail + ")";
-        if (!lastReply.empty()) message += " Server: " + lastReply;
+        // Only a refusal explains a failure; a "150 Ok to send data." does not.
+        if (!lastReply.empty() && (lastReply.front() == '4' || lastReply.front() == '5')) {
+            message += " Server: " + lastReply;
+        }
         return platform::failure(message);
     }
 
