@@ -6,10 +6,6 @@ namespace ovd::ftp {
 
 using platform::Result;
 
-std::string lastFileSentText(const std::string& name) {
-    return "Last File: " + name + " was sent via FTP";
-}
-
 FtpSession::FtpSession(platform::EventLoop& loop, std::unique_ptr<FtpClient> client)
     : loop_(loop), client_(std::move(client)), alive_(std::make_shared<std::atomic<bool>>(true)) {}
 

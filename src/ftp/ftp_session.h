@@ -17,9 +17,6 @@ namespace ovd::ftp {
 
 inline constexpr const char* kTransferRunningText = "A transfer is already running.";
 
-// "Last File: <name> was sent via FTP", shown after an unattended upload.
-std::string lastFileSentText(const std::string& name);
-
 class FtpSession {
   public:
     // A job gets the client and a progress callback that reaches the loop.
