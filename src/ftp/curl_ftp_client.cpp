@@ -159,8 +159,7 @@ struct CurlFtpClient::State {
             first = false;
             start = end + 1;
         }
-        if (directory && !first) url += "/";
-        if (directory && first) url += "/";
+        if (directory) url += "/";
         return url;
     }
 
@@ -252,8 +251,8 @@ struct CurlFtpClient::State {
     // remainder when only the last, short chunk was missing.
     const char* transferFailureName(bool upload) const {
         if (done == 0) return upload ? kOpenForPutError : kOpenForGetError;
-        const std::uint64_t fullChunks = total - total % kChunkBytes;
-        if (total % kChunkBytes != 0 && done >= fullChunks) {
+        const auto chunk = static_cast<std::uint64_t>(chunkBytesFor(settings.maxBytesPerSecond));
+        if (total % chunk != 0 && done >= total - total % chunk) {
             return upload ? kWriteRemainderError : kReadRemainderError;
         }
         return upload ? kWriteError : kReadError;
