@@ -36,6 +36,10 @@ inline constexpr std::uint64_t kChunkBytes = 64 * 1024;
 
 enum class TransferType { Ascii, Binary };
 
+// Plain FTP as the peers speak it, or the same with the login and the files
+// over TLS after "AUTH TLS" (the server's certificate is always checked).
+enum class Security { Plain, ExplicitTls };
+
 struct ConnectionSettings {
     std::string hostName;
     int port = 21;
@@ -43,6 +47,10 @@ struct ConnectionSettings {
     std::string password;
     bool passiveMode = true;
     TransferType transferType = TransferType::Binary;
+    Security security = Security::Plain;
+    // A PEM certificate to trust instead of the system's authorities: a site
+    // with a certificate of its own making is trusted by that one certificate.
+    std::string pinnedCertificateFile;
     // "host:port" of a proxy; empty for a direct connection.
     std::string proxyAddress;
     // Bytes per second, 0 for none: a site on a slow line can be kept from

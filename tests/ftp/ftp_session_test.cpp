@@ -140,7 +140,7 @@ TEST_F(FtpSessionTest, AServerKilledMidUploadLeavesNothingUnderTheFinalName) {
 }
 
 TEST_F(FtpSessionTest, AServerKilledMidDownloadLeavesNoLetterUnderItsName) {
-    VsftpdServer server(kSlowLine);
+    VsftpdServer server({.maxBytesPerSecond = kSlowLine});
     connectTo(server);
     const std::size_t size = kSlowLine * 16;
     std::ofstream(server.localPathOf("/incoming/letter.wav"), std::ios::binary) << letterOf(size);

@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -45,7 +46,7 @@ int freePort() {
 }
 
 std::string configuration(const std::string& folder, int port, int passiveFirst,
-                          std::uint64_t maxBytesPerSecond) {
+                          const VsftpdOptions& options) {
     std::ostringstream text;
     text << "listen=YES\nlisten_ipv6=NO\nlisten_address=127.0.0.1\n"
          << "listen_port=" << port << "\n"
@@ -55,7 +56,7 @@ std::string configuration(const std::string& folder, int port, int passiveFirst,
          << "write_enable=YES\nanon_upload_enable=YES\nanon_mkdir_write_enable=YES\n"
          << "anon_other_write_enable=YES\nanon_world_readable_only=NO\nanon_umask=022\n"
          << "ftp_username=ftp\n"
-         << "anon_max_rate=" << maxBytesPerSecond << "\n"
+         << "anon_max_rate=" << options.maxBytesPerSecond << "\n"
          << "pasv_enable=YES\npasv_address=127.0.0.1\n"
          << "pasv_min_port=" << passiveFirst << "\n"
          << "pasv_max_port=" << passiveFirst + kPassivePorts << "\n"
@@ -63,6 +64,13 @@ std::string configuration(const std::string& folder, int port, int passiveFirst,
          << "seccomp_sandbox=NO\nisolate=NO\nisolate_network=NO\n"
          << "secure_chroot_dir=" << folder << "/empty\n"
          << "xferlog_enable=YES\nvsftpd_log_file=" << folder << "/vsftpd.log\n";
+    if (options.explicitTls) {
+        text << "ssl_enable=YES\nallow_anon_ssl=YES\n"
+             << "force_anon_logins_ssl=YES\nforce_anon_data_ssl=YES\n"
+             << "require_ssl_reuse=NO\nssl_ciphers=HIGH\n"
+             << "rsa_cert_file=" << folder << "/cert.pem\n"
+             << "rsa_private_key_file=" << folder << "/key.pem\n";
+    }
     return text.str();
 }
 
@@ -97,11 +105,19 @@ std::vector<pid_t> descendantsOf(pid_t root) {
 
 }  // namespace
 
-VsftpdServer::VsftpdServer(std::uint64_t maxBytesPerSecond) { start(maxBytesPerSecond); }
+VsftpdServer::VsftpdServer(VsftpdOptions options) { start(options); }
 
 VsftpdServer::~VsftpdServer() { stop(); }
 
-void VsftpdServer::start(std::uint64_t maxBytesPerSecond) {
+bool VsftpdServer::makeCertificate() {
+    const std::string command =
+        "openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=127.0.0.1"
+        " -addext subjectAltName=IP:127.0.0.1 -keyout '" +
+        folder_.file("key.pem") + "' -out '" + certificateFile() + "' >/dev/null 2>&1";
+    return std::system(command.c_str()) == 0;
+}
+
+void VsftpdServer::start(const VsftpdOptions& options) {
     namespace fs = std::filesystem;
     const passwd* ftpUser = ::getpwnam("ftp");
     if (::access(kProgram, X_OK) != 0 || ftpUser == nullptr) {
@@ -115,11 +131,15 @@ void VsftpdServer::start(std::uint64_t maxBytesPerSecond) {
         error_ = "can't give " + std::string(kWritableFolder) + " to the ftp user (not root?)";
         return;
     }
+    if (options.explicitTls && !makeCertificate()) {
+        error_ = "openssl could not make the server's certificate";
+        return;
+    }
     port_ = freePort();
     // The passive range starts at another free port; vsftpd skips those in use.
     const int passiveFirst = freePort();
     const std::string config = folder_.file("vsftpd.conf");
-    std::ofstream(config) << configuration(folder_.path(), port_, passiveFirst, maxBytesPerSecond);
+    std::ofstream(config) << configuration(folder_.path(), port_, passiveFirst, options);
     const std::string output = folder_.file("vsftpd.out");
 
     const pid_t child = ::fork();

@@ -23,16 +23,23 @@
 
 namespace ovd::testing {
 
+struct VsftpdOptions {
+    // A server that sends at most this many bytes a second (0: no limit) stands
+    // for a slow line whose data is still on its way when the server goes.
+    std::uint64_t maxBytesPerSecond = 0;
+    // Logins and data only over explicit TLS ("AUTH TLS"), with a certificate
+    // made for 127.0.0.1 (certificateFile()).
+    bool explicitTls = false;
+};
+
 class VsftpdServer {
   public:
     static constexpr const char* kUser = "anonymous";
     static constexpr const char* kPassword = "ovd@example.com";
     static constexpr const char* kWritableFolder = "/incoming";
 
-    // Starts the server and waits (up to ten seconds) until it greets. A server
-    // that sends at most `maxBytesPerSecond` (0: no limit) stands for a slow line
-    // whose data is still on its way when the server goes.
-    explicit VsftpdServer(std::uint64_t maxBytesPerSecond = 0);
+    // Starts the server and waits (up to ten seconds) until it greets.
+    explicit VsftpdServer(VsftpdOptions options = {});
     ~VsftpdServer();
     VsftpdServer(const VsftpdServer&) = delete;
     VsftpdServer& operator=(const VsftpdServer&) = delete;
@@ -47,12 +54,15 @@ class VsftpdServer {
         return siteRoot() + remotePath;
     }
     [[nodiscard]] std::string log() const;
+    // The server's own certificate (PEM), for a client to trust it alone.
+    [[nodiscard]] std::string certificateFile() const { return folder_.file("cert.pem"); }
     // Ends the server and every session it serves, now: to its clients, a
     // server that went away mid-transfer.
     void stop();
 
   private:
-    void start(std::uint64_t maxBytesPerSecond);
+    void start(const VsftpdOptions& options);
+    bool makeCertificate();
     bool greets() const;
 
     TempFolder folder_;
