@@ -8,6 +8,7 @@ packages=(
     qt6-base-dev libgl-dev
     libsqlite3-dev sqlite3
     libssl-dev openssl
+    libcurl4-openssl-dev curl vsftpd openssh-server
     libsndfile1-dev libavcodec-dev libavformat-dev libavutil-dev libswresample-dev
     libpulse-dev pulseaudio pulseaudio-utils
     espeak-ng sox libsox-fmt-all ffmpeg lame

@@ -1,0 +1,472 @@
+#include "ftp/curl_ftp_client.h"
+
+#include <curl/curl.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <mutex>
+#include <vector>
+
+#include "platform/text.h"
+
+namespace ovd::ftp {
+
+using platform::Failure;
+using platform::Result;
+
+namespace {
+
+using SteadyClock = std::chrono::steady_clock;
+// Often enough that a bar moves smoothly, seldom enough not to flood the loop.
+constexpr auto kProgressInterval = std::chrono::milliseconds(50);
+constexpr long kConnectTimeoutSeconds = 15;
+constexpr long kServerResponseTimeoutSeconds = 30;
+// A line that moves less than a byte a second for this long counts as dead.
+constexpr long kStalledSeconds = 30;
+// CURL_SSLVERSION_TLSv1_2 as the lowest and, shifted by 16 bits, as the highest version.
+constexpr long kTls12Only = static_cast<long>(CURL_SSLVERSION_TLSv1_2) * ((1L << 16) + 1L);
+
+void initialiseCurlOnce() {
+    static std::once_flag once;
+    std::call_once(once, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
+}
+
+std::string trimmed(const std::string& text) { return platform::trim(text); }
+
+// Joins and tidies a remote path: "." and empty parts vanish, ".." climbs.
+std::string normalisedPath(const std::string& path) {
+    std::vector<std::string> parts;
+    std::size_t start = 0;
+    while (start <= path.size()) {
+        std::size_t end = path.find('/', start);
+        if (end == std::string::npos) end = path.size();
+        const std::string part = path.substr(start, end - start);
+        if (part == "..") {
+            if (!parts.empty()) parts.pop_back();
+        } else if (!part.empty() && part != ".") {
+            parts.push_back(part);
+        }
+        start = end + 1;
+    }
+    std::string result;
+    for (const auto& part : parts) result += "/" + part;
+    return result.empty() ? "/" : result;
+}
+
+struct Curl {
+    CURL* handle = nullptr;
+    Curl() : handle(curl_easy_init()) {}
+    ~Curl() {
+        if (handle != nullptr) curl_easy_cleanup(handle);
+    }
+    Curl(const Curl&) = delete;
+    Curl& operator=(const Curl&) = delete;
+};
+
+struct SList {
+    curl_slist* list = nullptr;
+    void add(const std::string& line) { list = curl_slist_append(list, line.c_str()); }
+    ~SList() { curl_slist_free_all(list); }
+};
+
+size_t appendToText(char* data, size_t size, size_t count, void* text) {
+    static_cast<std::string*>(text)->append(data, size * count);
+    return size * count;
+}
+
+// What a command's request brings back besides its reply (the size and date
+// lines of a size query) is of no use to anyone.
+size_t discard(char* /*data*/, size_t size, size_t count, void* /*unused*/) { return size * count; }
+
+// On a line kept slow by its limit, smaller chunks keep the progress moving
+// several times a second; otherwise the chunk serves throughput.
+long chunkBytesFor(std::uint64_t maxBytesPerSecond) {
+    constexpr std::uint64_t kSmallestChunk = 16 * 1024;
+    constexpr std::uint64_t kReportsPerSecond = 8;
+    if (maxBytesPerSecond == 0) return static_cast<long>(kChunkBytes);
+    return static_cast<long>(
+        std::clamp(maxBytesPerSecond / kReportsPerSecond, kSmallestChunk, kChunkBytes));
+}
+
+size_t writeToFile(char* data, size_t size, size_t count, void* file) {
+    return std::fwrite(data, size, count, static_cast<std::FILE*>(file)) * size;
+}
+
+size_t readFromFile(char* buffer, size_t size, size_t count, void* file) {
+    const size_t read = std::fread(buffer, size, count, static_cast<std::FILE*>(file)) * size;
+    if (read == 0 && std::ferror(static_cast<std::FILE*>(file)) != 0) return CURL_READFUNC_ABORT;
+    return read;
+}
+
+}  // namespace
+
+struct CurlFtpClient::State {
+    std::unique_ptr<Curl> curl;
+    ConnectionSettings settings;
+    std::string currentDirectory = "/";
+    std::string lastReply;
+    char errorBuffer[CURL_ERROR_SIZE] = {};
+    std::atomic<bool> cancelRequested{false};
+
+    // Progress of the running transfer.
+    const ProgressCallback* progress = nullptr;
+    std::uint64_t total = 0;
+    std::uint64_t done = 0;
+    SteadyClock::time_point lastReport{};
+
+    static int onDebug(CURL* /*handle*/, curl_infotype type, char* data, size_t size, void* self) {
+        // Every line the server sends arrives here; the last one says why a command failed.
+        if (type == CURLINFO_HEADER_IN) {
+            const std::string line = trimmed(std::string(data, size));
+            if (!line.empty()) static_cast<State*>(self)->lastReply = line;
+        }
+        return 0;
+    }
+
+    static int onProgress(void* self, curl_off_t /*downloadTotal*/, curl_off_t downloaded,
+                          curl_off_t /*uploadTotal*/, curl_off_t uploaded) {
+        auto& state = *static_cast<State*>(self);
+        if (state.cancelRequested.load()) return 1;
+        const auto now = static_cast<std::uint64_t>(downloaded > 0 ? downloaded : uploaded);
+        if (now != state.done) {
+            state.done = now;
+            const auto clock = SteadyClock::now();
+            const bool finished = state.done >= state.total;
+            if (state.progress != nullptr && *state.progress &&
+                (finished || clock - state.lastReport >= kProgressInterval)) {
+                state.lastReport = clock;
+                (*state.progress)(state.done, state.total);
+            }
+        }
+        return 0;
+    }
+
+    std::string urlFor(const std::string& absolutePath, bool directory) const {
+        std::string url = "ftp://" + settings.hostName + ":" + std::to_string(settings.port) + "/";
+        // "%2F" starts the path at the server's root rather than at the login folder.
+        url += "%2F";
+        std::size_t start = 1;
+        bool first = true;
+        while (start < absolutePath.size()) {
+            std::size_t end = absolutePath.find('/', start);
+            if (end == std::string::npos) end = absolutePath.size();
+            const std::string part = absolutePath.substr(start, end - start);
+            char* escaped =
+                curl_easy_escape(curl->handle, part.c_str(), static_cast<int>(part.size()));
+            url += (first ? "" : "/") + std::string(escaped);
+            curl_free(escaped);
+            first = false;
+            start = end + 1;
+        }
+        if (directory) url += "/";
+        return url;
+    }
+
+    std::string resolve(const std::string& path) const {
+        const std::string clean = trimmed(path);
+        if (!clean.empty() && clean.front() == '/') return normalisedPath(clean);
+        return normalisedPath(currentDirectory + "/" + clean);
+    }
+
+    // Sets what every request shares and clears what the previous one left.
+    void prepare(const std::string& url) {
+        CURL* handle = curl->handle;
+        // A reset keeps the live connection, so the next command needs no new login.
+        curl_easy_reset(handle);
+        lastReply.clear();
+        errorBuffer[0] = '\0';
+        progress = nullptr;
+        total = 0;
+        done = 0;
+        curl_easy_setopt(handle, CURLOPT_URL, url.c_str());
+        curl_easy_setopt(handle, CURLOPT_USERNAME, settings.userName.c_str());
+        curl_easy_setopt(handle, CURLOPT_PASSWORD, settings.password.c_str());
+        curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L);
+        curl_easy_setopt(handle, CURLOPT_ERRORBUFFER, errorBuffer);
+        curl_easy_setopt(handle, CURLOPT_VERBOSE, 1L);
+        curl_easy_setopt(handle, CURLOPT_DEBUGFUNCTION, &State::onDebug);
+        curl_easy_setopt(handle, CURLOPT_DEBUGDATA, this);
+        curl_easy_setopt(handle, CURLOPT_CONNECTTIMEOUT, kConnectTimeoutSeconds);
+        curl_easy_setopt(handle, CURLOPT_SERVER_RESPONSE_TIMEOUT, kServerResponseTimeoutSeconds);
+        curl_easy_setopt(handle, CURLOPT_LOW_SPEED_LIMIT, 1L);
+        curl_easy_setopt(handle, CURLOPT_LOW_SPEED_TIME, kStalledSeconds);
+        curl_easy_setopt(handle, CURLOPT_FTP_FILEMETHOD,
+                         static_cast<long>(CURLFTPMETHOD_SINGLECWD));
+        curl_easy_setopt(handle, CURLOPT_TRANSFERTEXT,
+                         settings.transferType == TransferType::Ascii ? 1L : 0L);
+        // Active mode: the server connects back to the address we reached it from.
+        if (!settings.passiveMode) curl_easy_setopt(handle, CURLOPT_FTPPORT, "-");
+        if (!settings.proxyAddress.empty()) {
+            curl_easy_setopt(handle, CURLOPT_PROXY, settings.proxyAddress.c_str());
+            curl_easy_setopt(handle, CURLOPT_HTTPPROXYTUNNEL, 1L);
+        }
+        if (settings.security == Security::ExplicitTls) {
+            curl_easy_setopt(handle, CURLOPT_USE_SSL, static_cast<long>(CURLUSESSL_ALL));
+            curl_easy_setopt(handle, CURLOPT_SSL_VERIFYPEER, 1L);
+            curl_easy_setopt(handle, CURLOPT_SSL_VERIFYHOST, 2L);
+            // TLS 1.2 exactly: over TLS 1.3 the server's session tickets arrive on the
+            // data connection unread, curl's close then resets it, and vsftpd throws
+            // the upload away ("426 Failure reading network stream.") about one time in five.
+            curl_easy_setopt(handle, CURLOPT_SSLVERSION, kTls12Only);
+            if (!settings.pinnedCertificateFile.empty()) {
+                curl_easy_setopt(handle, CURLOPT_CAINFO, settings.pinnedCertificateFile.c_str());
+                curl_easy_setopt(handle, CURLOPT_CAPATH, nullptr);
+            }
+        }
+        if (settings.maxBytesPerSecond > 0) {
+            const auto limit = static_cast<curl_off_t>(settings.maxBytesPerSecond);
+            curl_easy_setopt(handle, CURLOPT_MAX_SEND_SPEED_LARGE, limit);
+            curl_easy_setopt(handle, CURLOPT_MAX_RECV_SPEED_LARGE, limit);
+        }
+        curl_easy_setopt(handle, CURLOPT_BUFFERSIZE, chunkBytesFor(settings.maxBytesPerSecond));
+        curl_easy_setopt(handle, CURLOPT_UPLOAD_BUFFERSIZE,
+                         chunkBytesFor(settings.maxBytesPerSecond));
+        curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, &discard);
+        curl_easy_setopt(handle, CURLOPT_HEADERFUNCTION, &discard);
+    }
+
+    void followProgress(const ProgressCallback& callback, std::uint64_t size) {
+        progress = &callback;
+        total = size;
+        curl_easy_setopt(curl->handle, CURLOPT_NOPROGRESS, 0L);
+        curl_easy_setopt(curl->handle, CURLOPT_XFERINFOFUNCTION, &State::onProgress);
+        curl_easy_setopt(curl->handle, CURLOPT_XFERINFODATA, this);
+    }
+
+    // "<operation> error code: <n> Message: <curl's text>", and the server's own
+    // last reply when it refused: that says why far better than curl can.
+    Failure failed(const char* operation, CURLcode code) const {
+        std::string message = std::string(operation) +
+                              " error code: " + std::to_string(static_cast<int>(code)) +
+                              " Message: " + curl_easy_strerror(code);
+        const std::string detail = trimmed(errorBuffer);
+        if (!detail.empty() && detail != curl_easy_strerror(code)) message += " (" + detail + ")";
+        // Only a refusal explains a failure; a "150 Ok to send data." does not.
+        if (!lastReply.empty() && (lastReply.front() == '4' || lastReply.front() == '5')) {
+            message += " Server: " + lastReply;
+        }
+        return platform::failure(message);
+    }
+
+    Result<void> command(const char* operation, const std::vector<std::string>& lines) {
+        prepare(urlFor("/", true));
+        SList quote;
+        for (const auto& line : lines) quote.add(line);
+        curl_easy_setopt(curl->handle, CURLOPT_QUOTE, quote.list);
+        curl_easy_setopt(curl->handle, CURLOPT_NOBODY, 1L);
+        const CURLcode code = curl_easy_perform(curl->handle);
+        if (code != CURLE_OK) return failed(operation, code);
+        return {};
+    }
+
+    // Which name a failed transfer goes by: the open when nothing moved, the
+    // remainder when only the last, short chunk was missing.
+    const char* transferFailureName(bool upload) const {
+        if (done == 0) return upload ? kOpenForPutError : kOpenForGetError;
+        const auto chunk = static_cast<std::uint64_t>(chunkBytesFor(settings.maxBytesPerSecond));
+        if (total % chunk != 0 && done >= total - total % chunk) {
+            return upload ? kWriteRemainderError : kReadRemainderError;
+        }
+        return upload ? kWriteError : kReadError;
+    }
+};
+
+CurlFtpClient::CurlFtpClient() : state_(std::make_unique<State>()) { initialiseCurlOnce(); }
+
+CurlFtpClient::~CurlFtpClient() = default;
+
+Result<void> CurlFtpClient::connect(const ConnectionSettings& settings) {
+    // A new connect replaces the old connection.
+    disconnect();
+    state_->settings = settings;
+    state_->curl = std::make_unique<Curl>();
+    if (state_->curl->handle == nullptr) {
+        state_->curl.reset();
+        return platform::failure(std::string(kConnectError) + " error code: " +
+                                 std::to_string(static_cast<int>(CURLE_FAILED_INIT)) +
+                                 " Message: " + kCouldNotEstablish);
+    }
+    state_->currentDirectory = "/";
+    // The login folder: a relative URL path starts there.
+    state_->prepare("ftp://" + settings.hostName + ":" + std::to_string(settings.port) + "/");
+    curl_easy_setopt(state_->curl->handle, CURLOPT_NOBODY, 1L);
+    const CURLcode code = curl_easy_perform(state_->curl->handle);
+    if (code != CURLE_OK) {
+        auto failure = state_->failed(kConnectError, code);
+        state_->curl.reset();
+        return failure;
+    }
+    char* entryPath = nullptr;
+    curl_easy_getinfo(state_->curl->handle, CURLINFO_FTP_ENTRY_PATH, &entryPath);
+    if (entryPath != nullptr && entryPath[0] == '/') state_->currentDirectory = entryPath;
+    return {};
+}
+
+void CurlFtpClient::disconnect() { state_->curl.reset(); }
+
+bool CurlFtpClient::connected() const { return state_->curl != nullptr; }
+
+void CurlFtpClient::setTransferType(TransferType type) { state_->settings.transferType = type; }
+
+const std::string& CurlFtpClient::currentDirectory() const { return state_->currentDirectory; }
+
+namespace {
+Failure notConnected(const char* operation) {
+    return platform::failure(std::string(operation) +
+                             " error code: " + std::to_string(static_cast<int>(CURLE_FAILED_INIT)) +
+                             " Message: Not Connected.");
+}
+}  // namespace
+
+Result<void> CurlFtpClient::setCurrentDirectory(const std::string& path) {
+    if (!connected()) return notConnected(kSetDirectoryError);
+    const std::string target = state_->resolve(path);
+    state_->prepare(state_->urlFor(target, true));
+    curl_easy_setopt(state_->curl->handle, CURLOPT_NOBODY, 1L);
+    const CURLcode code = curl_easy_perform(state_->curl->handle);
+    if (code != CURLE_OK) return state_->failed(kSetDirectoryError, code);
+    state_->currentDirectory = target;
+    return {};
+}
+
+Result<cDirList> CurlFtpClient::list(const std::string& fileSpec) {
+    if (!connected()) return notConnected(kFindFirstError);
+    state_->prepare(state_->urlFor(state_->currentDirectory, true));
+    std::string listing;
+    curl_easy_setopt(state_->curl->handle, CURLOPT_TRANSFERTEXT, 1L);
+    curl_easy_setopt(state_->curl->handle, CURLOPT_WRITEFUNCTION, &appendToText);
+    curl_easy_setopt(state_->curl->handle, CURLOPT_WRITEDATA, &listing);
+    const CURLcode code = curl_easy_perform(state_->curl->handle);
+    if (code != CURLE_OK) return state_->failed(kFindFirstError, code);
+    cDirList result;
+    for (auto& item : parseListing(listing, std::chrono::system_clock::now())) {
+        if (matchesFileSpec(item.name, fileSpec)) result.push_back(std::move(item));
+    }
+    return result;
+}
+
+Result<std::uint64_t> CurlFtpClient::remoteSize(const std::string& remoteFile) {
+    if (!connected()) return notConnected(kFindFirstError);
+    // The file is asked for by its own name, blanks and all: SIZE takes a name,
+    // not a pattern, so blanks need no stand-in.
+    state_->prepare(state_->urlFor(state_->resolve(remoteFile), false));
+    // Sizes are counted in bytes as stored, whatever the transfer type.
+    curl_easy_setopt(state_->curl->handle, CURLOPT_TRANSFERTEXT, 0L);
+    curl_easy_setopt(state_->curl->handle, CURLOPT_NOBODY, 1L);
+    const CURLcode code = curl_easy_perform(state_->curl->handle);
+    if (code != CURLE_OK) return state_->failed(kFindFirstError, code);
+    curl_off_t size = -1;
+    curl_easy_getinfo(state_->curl->handle, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &size);
+    if (size < 0) return state_->failed(kFindFirstError, CURLE_REMOTE_FILE_NOT_FOUND);
+    return static_cast<std::uint64_t>(size);
+}
+
+Result<void> CurlFtpClient::download(const std::string& remoteFile, const std::string& localPath,
+                                     const ProgressCallback& progress) {
+    const std::string remote = trimmed(remoteFile);
+    const std::string local = trimmed(localPath);
+    if (remote.empty() || local.empty()) {
+        return platform::failure(std::string(kOpenForGetError) +
+                                 " error code: 0 Message: " + "no file named");
+    }
+    const auto size = remoteSize(remote);
+    if (!size) return size.failed();
+    if (*size == 0) {
+        return platform::failure(std::string(kOpenForGetError) +
+                                 " error code: 0 Message: " + remote + " is empty on the server");
+    }
+    // The file is written under a passing name and takes its own only when whole,
+    // so a broken line never leaves half a letter where a letter is expected.
+    const std::string partial = local + ".part";
+    std::FILE* file = std::fopen(partial.c_str(), "wb");
+    if (file == nullptr) {
+        return platform::systemFailure(std::string(kOpenForGetError) + ": can't write " + partial,
+                                       errno);
+    }
+    state_->prepare(state_->urlFor(state_->resolve(remote), false));
+    curl_easy_setopt(state_->curl->handle, CURLOPT_WRITEFUNCTION, &writeToFile);
+    curl_easy_setopt(state_->curl->handle, CURLOPT_WRITEDATA, file);
+    state_->followProgress(progress, *size);
+    const CURLcode code = curl_easy_perform(state_->curl->handle);
+    const bool closed = std::fclose(file) == 0;
+    if (code != CURLE_OK) return state_->failed(state_->transferFailureName(false), code);
+    if (!closed) return platform::systemFailure(std::string(kReadError) + ": " + partial, errno);
+    if (std::rename(partial.c_str(), local.c_str()) != 0) {
+        return platform::systemFailure(std::string(kReadError) + ": can't name " + local, errno);
+    }
+    return {};
+}
+
+Result<void> CurlFtpClient::upload(const std::string& localPath, const std::string& remoteFile,
+                                   const ProgressCallback& progress) {
+    if (!connected()) return notConnected(kOpenForPutError);
+    const std::string remote = trimmed(remoteFile);
+    const std::string local = trimmed(localPath);
+    if (remote.empty() || local.empty()) {
+        return platform::failure(std::string(kOpenForPutError) +
+                                 " error code: 0 Message: " + "no file named");
+    }
+    std::FILE* file = std::fopen(local.c_str(), "rb");
+    if (file == nullptr) {
+        return platform::systemFailure(std::string(kOpenForPutError) + ": can't read " + local,
+                                       errno);
+    }
+    struct stat status {};
+    ::fstat(::fileno(file), &status);
+    const auto size = static_cast<std::uint64_t>(status.st_size);
+
+    const std::string finalPath = state_->resolve(remote);
+    const std::string slash = finalPath.substr(0, finalPath.rfind('/') + 1);
+    const std::string temporaryPath =
+        slash + temporaryUploadName(finalPath.substr(finalPath.rfind('/') + 1));
+    state_->prepare(state_->urlFor(temporaryPath, false));
+    SList rename;
+    rename.add("RNFR " + temporaryPath);
+    rename.add("RNTO " + finalPath);
+    curl_easy_setopt(state_->curl->handle, CURLOPT_UPLOAD, 1L);
+    curl_easy_setopt(state_->curl->handle, CURLOPT_READFUNCTION, &readFromFile);
+    curl_easy_setopt(state_->curl->handle, CURLOPT_READDATA, file);
+    curl_easy_setopt(state_->curl->handle, CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(size));
+    curl_easy_setopt(state_->curl->handle, CURLOPT_POSTQUOTE, rename.list);
+    state_->followProgress(progress, size);
+    const CURLcode code = curl_easy_perform(state_->curl->handle);
+    std::fclose(file);
+    if (code == CURLE_QUOTE_ERROR) return state_->failed(kRenameError, code);
+    if (code != CURLE_OK) return state_->failed(state_->transferFailureName(true), code);
+    return {};
+}
+
+Result<void> CurlFtpClient::rename(const std::string& oldName, const std::string& newName) {
+    if (!connected()) return notConnected(kRenameError);
+    return state_->command(
+        kRenameError, {"RNFR " + state_->resolve(oldName), "RNTO " + state_->resolve(newName)});
+}
+
+Result<void> CurlFtpClient::deleteFile(const std::string& remoteFile) {
+    if (!connected()) return notConnected(kDeleteError);
+    return state_->command(kDeleteError, {"DELE " + state_->resolve(remoteFile)});
+}
+
+Result<void> CurlFtpClient::createDirectory(const std::string& path) {
+    if (!connected()) return notConnected(kCreateDirectoryError);
+    return state_->command(kCreateDirectoryError, {"MKD " + state_->resolve(path)});
+}
+
+Result<void> CurlFtpClient::removeDirectory(const std::string& path) {
+    if (!connected()) return notConnected(kRemoveDirectoryError);
+    return state_->command(kRemoveDirectoryError, {"RMD " + state_->resolve(path)});
+}
+
+void CurlFtpClient::cancel() { state_->cancelRequested = true; }
+
+void CurlFtpClient::clearCancel() { state_->cancelRequested = false; }
+
+std::string temporaryUploadName(const std::string& remoteFile) {
+    // A dot name is left out of ordinary listings, and ".part" of every letter pattern.
+    return "." + remoteFile + ".part";
+}
+
+}  // namespace ovd::ftp
