@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <iostream>
 #include <memory>
 #include <string>
 
@@ -40,11 +41,15 @@ int main() {
     testing::TempFolder folder;
     const std::string recordings = folder.file("Rec");
     const std::string temp = recordings + "/Temp";
-    platform::createFolder(temp);
+    platform::Result<void> ready = platform::createFolder(temp);
     // A Temp folder as a busy station leaves it: a thousand work files.
-    for (int i = 0; i < 1000; ++i) {
-        platform::writeWholeFile(temp + "/old" + std::to_string(i) + ".tmp",
-                                 std::string(4096, 'x'));
+    for (int i = 0; ready && i < 1000; ++i) {
+        ready = platform::writeWholeFile(temp + "/old" + std::to_string(i) + ".tmp",
+                                         std::string(4096, 'x'));
+    }
+    if (!ready) {
+        std::cerr << ready.error() << "\n";
+        return 1;
     }
 
     testing::VirtualEventLoop loop;

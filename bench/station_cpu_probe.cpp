@@ -58,7 +58,7 @@ std::string eventLogOf(const std::string& folder) {
     const std::string logs = folder + "/Event Logs";
     if (!std::filesystem::exists(logs)) return {};
     for (const auto& entry : std::filesystem::directory_iterator(logs)) {
-        return ovd::platform::readWholeFile(entry.path().string()).value_or("");
+        return ovd::platform::readWholeFile(entry.path().string()).valueOr("");
     }
     return {};
 }
@@ -131,17 +131,29 @@ int main(int argc, char** argv) {
     const std::string folder = folderTemplate;
     Pty pedal;
     {
-        ovd::platform::writeWholeFile(
-            folder + "/DigitalRecorder.cfg",
-            ovd::platform::readWholeFile(assets + "/DigitalRecorder.cfg").value_or(""));
+        const auto settings = ovd::platform::readWholeFile(assets + "/DigitalRecorder.cfg");
+        if (!settings) {
+            std::cerr << settings.error() << "\n";
+            return 1;
+        }
+        if (auto written =
+                ovd::platform::writeWholeFile(folder + "/DigitalRecorder.cfg", *settings);
+            !written) {
+            std::cerr << written.error() << "\n";
+            return 1;
+        }
         ovd::settings::ConfigFile config(folder);
         config.ReadConfig();
         config.record.UserSelectSerial = true;
         config.record.Port = 1;
         config.record.FormatType = "WAV";
         config.WriteConfig();
-        ovd::platform::writeWholeFile(folder + "/SerialPorts.ini",
-                                      "[Ports]\r\nCOM1=" + pedal.slavePath() + "\r\n");
+        if (auto written = ovd::platform::writeWholeFile(
+                folder + "/SerialPorts.ini", "[Ports]\r\nCOM1=" + pedal.slavePath() + "\r\n");
+            !written) {
+            std::cerr << written.error() << "\n";
+            return 1;
+        }
     }
 
     const pid_t station = startStation(program, folder, options);

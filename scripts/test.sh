@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # Installs what is missing, checks the format of the C++ files, builds, and runs
 # every test: the suite, the suite again under AddressSanitizer and
-# UndefinedBehaviorSanitizer, and each fuzz target for a bounded time (OVD_FUZZ_SECONDS, default 60) from its seed corpus.
+# UndefinedBehaviorSanitizer, and each fuzz target for a bounded time (OVD_FUZZ_SECONDS, default 30) from its seed corpus.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 jobs=${OVD_JOBS:-2}
-fuzz_seconds=${OVD_FUZZ_SECONDS:-60}
+fuzz_seconds=${OVD_FUZZ_SECONDS:-30}
 
 ./scripts/install-deps.sh
 

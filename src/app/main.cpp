@@ -132,10 +132,13 @@ int main(int argc, char** argv) {
     const auto instanceLock = ovd::platform::InstanceLock::take(dataFolder);
     if (!instanceLock) {
         if (!options.fileName.empty()) {
-            const bool written = ovd::dictation::writeHandOff(
+            const auto written = ovd::dictation::writeHandOff(
                 dataFolder,
                 {absoluteFileName(options.fileName), ovd::platform::thisProcessNumber()});
-            return written ? 0 : 1;
+            if (written) return 0;
+            std::cerr << "The running station could not be given the file: " << written.error()
+                      << "\n";
+            return 1;
         }
         // The running station owns the day's event log: this one writes nothing there.
         const auto prompts = makePrompts(options.headless, [](const std::string&) {});

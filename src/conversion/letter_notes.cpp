@@ -29,7 +29,7 @@ std::optional<std::string> letterOfWorkFile(const std::string& workFile) {
     const auto letter = platform::readWholeFile(noteOf(workFile));
     // A note cut short by a crash names nothing.
     if (!letter || letter->empty() || letter->front() != '/') return std::nullopt;
-    return letter;
+    return *letter;
 }
 
 void forgetLetterOfWorkFile(const std::string& workFile) { std::remove(noteOf(workFile).c_str()); }

@@ -66,7 +66,7 @@ void ScanConvert::clearInterruptedSaves() {
         const std::string partial = *letter + kPartialSuffix;
         if (platform::fileExists(partial) && removed(partial))
             LogEvent("Deleted " + partial + ": an interrupted save");
-        if (platform::fileExists(*letter) && platform::fileSize(*letter).value_or(1) == 0 &&
+        if (platform::fileExists(*letter) && platform::fileSize(*letter).valueOr(1) == 0 &&
             removed(*letter)) {
             LogEvent("Deleted " + *letter + ": an interrupted save left it empty");
         }
@@ -148,7 +148,7 @@ bool ScanConvert::recoverFirstFile(const std::string& path) {
         LogEvent(name + " is in use; left for the next start");
         return false;
     }
-    if (platform::fileSize(path).value_or(0) < kMinimumFileBytes) {
+    if (platform::fileSize(path).valueOr(0) < kMinimumFileBytes) {
         parts_.prompts.showMessage(kEmptyFileDeleted, settings::kProductTitle);
         view.restoreButtonColour = kWorkingColour;
         if (!removed(path)) {
@@ -214,7 +214,7 @@ bool ScanConvert::recoverFirstFile(const std::string& path) {
 
 bool ScanConvert::shortOfRoomFor(const std::string& path) {
     const auto free = platform::freeDiskBytes(recordings());
-    const auto needed = platform::fileSize(path).value_or(0);
+    const auto needed = platform::fileSize(path).valueOr(0);
     if (!free || *free >= needed) return false;
     // The take is worth more than the round: it waits, untouched, for a disk with room.
     spaceShort_ = true;

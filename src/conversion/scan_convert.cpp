@@ -45,7 +45,7 @@ void ScanConvert::Form_Load(ScanMode mode) {
     view.caption = mode == ScanMode::Recovery ? kRecoveryCaption : kByHandCaption;
     // Errors on making the folders are not shown: the lists then stay empty.
     for (FileBox box : {FileBox::Temp, FileBox::Back, FileBox::Recordings, FileBox::Save}) {
-        platform::createFolder(folderFor(box));
+        (void)platform::createFolder(folderFor(box));
     }
     view.tempFolderText = folderFor(FileBox::Temp);
     view.recordingsFolderText = folderFor(FileBox::Recordings);

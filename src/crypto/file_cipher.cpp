@@ -101,8 +101,9 @@ platform::Result<void> transformFile(Direction direction, const std::string& inp
                    !fed) {
             return cipherFailed(fed);
         }
-        if (!out.empty() && !platform::writeAll(scratch.fd(), out.data(), out.size())) {
-            return platform::systemFailure("Can't write " + scratch.path(), errno);
+        if (!out.empty()) {
+            if (auto written = platform::writeAll(scratch.fd(), out.data(), out.size()); !written)
+                return platform::failure("Can't write " + scratch.path() + ": " + written.error());
         }
         if (got == 0) break;
     }

@@ -85,7 +85,7 @@ platform::Result<std::string> encipherEmailAttachment(const EmailEncipherRequest
         tempFolder, emailTransportName(fileName, request.ourCompany, request.receiverCompany));
     if (!moveFile(*enciphered, attachment)) {
         std::remove(enciphered->c_str());
-        return notAttached(platform::systemError("Can't name " + attachment));
+        return notAttached(platform::systemFailure("Can't name " + attachment, errno).reason);
     }
     return attachment;
 }
@@ -115,7 +115,7 @@ platform::Result<FtpUpload> encipherFtpUpload(const std::string& filePath,
     const std::string upload = platform::joinPath(ftpTempFolder, ftpTransportName(fileName));
     if (!moveFile(*enciphered, upload)) {
         std::remove(enciphered->c_str());
-        return platform::failure(platform::systemError("Can't name " + upload));
+        return platform::systemFailure("Can't name " + upload, errno);
     }
     return FtpUpload{upload, ftpTransportName(fileName)};
 }

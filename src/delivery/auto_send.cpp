@@ -299,10 +299,11 @@ void AutoSend::stage(Staging staging, const std::string& source) {
     const bool email = staging == Staging::Email;
     const std::string folder = platform::joinPath(config_.record.CaptureFilePath.toText(),
                                                   email ? "EmailTemp" : "FTPTemp");
-    platform::createFolder(folder);
     const std::string baseName = platform::withoutFolder(source);
     // A copy that fails leaves nothing for the companion to send; the letter itself stays.
-    (void)platform::copyFileOver(source, platform::joinPath(folder, baseName));
+    platform::Result<void> staged = platform::createFolder(folder);
+    if (staged) staged = platform::copyFileOver(source, platform::joinPath(folder, baseName));
+    if (!staged) trace(baseName + " could not be staged in " + folder + ": " + staged.error());
     screen_.showStatusText(email ? "File is ready to EMail" : "File is ready to FTP");
     trace(baseName + (email ? " File is ready to Email" : " File is ready to FTP"));
 }

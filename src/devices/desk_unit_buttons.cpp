@@ -207,7 +207,8 @@ void SwitchModel::eraseFile() {
 
 std::string SwitchModel::keepInBackFolder(const std::string& path) {
     const std::string back = platform::joinPath(settings().CaptureFilePath.toText(), "BACK");
-    if (!platform::folderExists(back)) platform::createFolder(back);
+    // A BACK that can't be made shows as the move's failure below.
+    if (!platform::folderExists(back)) (void)platform::createFolder(back);
     const std::filesystem::path from(path);
     // An older letter of the same name in BACK stays: this one takes the next free name.
     std::filesystem::path to = std::filesystem::path(back) / from.filename();

@@ -49,7 +49,7 @@ void Dictation::tmCommand_Timer() {
         return;
     }
     const std::string folder = platform::folderOf(named);
-    platform::createFolder(folder);
+    if (auto made = platform::createFolder(folder); !made) trace(made.error());
     config_.record.CaptureFilePath = folder;
     config_.WriteConfig();
     state_.CommandFileName = platform::joinPath(folder, platform::baseNameOf(named));
@@ -100,7 +100,8 @@ bool Dictation::renameToHandedOffName(const std::string& moment) {
     const std::string stem = platform::joinPath(folder, platform::baseNameOf(handOff->NextString));
     const std::string renamed = stem + "." + extensionOf(state_.Filename);
     if (platform::fileExists(state_.Filename)) {
-        platform::createFolder(folder);
+        // A folder that can't be made shows in the rename's failure below.
+        (void)platform::createFolder(folder);
         std::error_code error;
         std::filesystem::rename(state_.Filename, renamed, error);
         if (error) {

@@ -103,7 +103,7 @@ void Dictation::takeSettings() {
         timSave.setInterval(*interval);
     }
     state_.FileSaveAtStop = config_.record.FileSaveAtStop;
-    platform::createFolder(temporaryFolder());
+    if (auto made = platform::createFolder(temporaryFolder()); !made) trace(made.error());
     AudioEditor1.setTempFileName(temporaryFolder());
     AudioEditor21.setTempFileName(temporaryFolder());
     screen().txtStepAmt = std::to_string(config_.record.StepAmt);

@@ -77,10 +77,13 @@ void Dictation::refreshSeconds() {
 std::string Dictation::sizeText() const {
     // What is on disk once saved, and the work file while only that holds the take.
     std::optional<std::uint64_t> bytes;
-    if (!state_.Filename.empty()) bytes = platform::fileSize(state_.Filename);
+    const auto sizeOf = [&bytes](const std::string& path) {
+        if (auto size = platform::fileSize(path)) bytes = *size;
+    };
+    if (!state_.Filename.empty()) sizeOf(state_.Filename);
     if (!bytes && state_.flgfileOpen1) {
         const std::string work = AudioEditor1.TempFileName();
-        if (!work.empty()) bytes = platform::fileSize(work);
+        if (!work.empty()) sizeOf(work);
     }
     if (!bytes) return "";
     char text[48];

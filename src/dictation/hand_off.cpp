@@ -11,7 +11,7 @@ std::string handOffPath(const std::string& dataFolder) {
     return platform::joinPath(dataFolder, kHandOffFileName);
 }
 
-bool writeHandOff(const std::string& dataFolder, const HandOff& handOff) {
+platform::Result<void> writeHandOff(const std::string& dataFolder, const HandOff& handOff) {
     deleteHandOff(dataFolder);
     // The line grammar of the settings file: the name quoted, the number plain.
     return platform::writeWholeFile(

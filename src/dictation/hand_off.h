@@ -8,6 +8,8 @@
 #include <optional>
 #include <string>
 
+#include "platform/result.h"
+
 namespace ovd::dictation {
 
 inline constexpr const char* kHandOffFileName = "ovtitemp.ini";
@@ -19,7 +21,7 @@ struct HandOff {
 
 std::string handOffPath(const std::string& dataFolder);
 // Replaces any older hand-off. False when the file can't be written.
-bool writeHandOff(const std::string& dataFolder, const HandOff& handOff);
+platform::Result<void> writeHandOff(const std::string& dataFolder, const HandOff& handOff);
 // Nothing when there is no hand-off (or it holds no name).
 std::optional<HandOff> readHandOff(const std::string& dataFolder);
 void deleteHandOff(const std::string& dataFolder);

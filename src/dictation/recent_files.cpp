@@ -24,7 +24,7 @@ void RecentFiles::store(const std::vector<std::string>& entries) const {
     std::string text;
     for (const std::string& entry : entries) text += entry + "\r\n";
     // A list that can't be written keeps its old lines; nothing depends on it but the menu.
-    platform::replaceFile(filePath_, text);
+    (void)platform::replaceFile(filePath_, text);
 }
 
 void RecentFiles::AddToMRUX(const std::string& path) {

@@ -147,7 +147,7 @@ void Dictation::SaveFile() {
     trace("Ending File Save : " + state_.Filename);
     Manip_Files();
     trace(state_.Filename + " File Save Successfull");
-    const auto bytes = platform::fileSize(state_.Filename).value_or(0);
+    const auto bytes = platform::fileSize(state_.Filename).valueOr(0);
     trace("The File Length for file " + state_.Filename + " is " + std::to_string(bytes));
     state_.SaveFileName = state_.Filename;
     timSave.setEnabled(true);

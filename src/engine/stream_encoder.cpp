@@ -15,7 +15,6 @@
 
 namespace ovd::engine {
 
-using platform::systemError;
 using platform::writeAll;
 
 namespace {
@@ -35,14 +34,14 @@ class WaveStream final : public EncodedStream {
 
     platform::Result<void> open() {
         const std::vector<std::uint8_t> header = pcmWaveHeader(format_, comment_, 0);
-        if (!writeAll(fd_, header.data(), header.size()))
-            return platform::failure(systemError("can't write " + path_));
+        if (auto written = writeAll(fd_, header.data(), header.size()); !written)
+            return platform::failure("can't write " + path_ + ": " + written.error());
         return platform::Result<void>::success();
     }
 
     platform::Result<void> write(const std::int16_t* frames, std::size_t frameCount) override {
-        if (!writeAll(fd_, frames, frameCount * frameBytes_))
-            return platform::failure(systemError("can't write " + path_));
+        if (auto written = writeAll(fd_, frames, frameCount * frameBytes_); !written)
+            return platform::failure("can't write " + path_ + ": " + written.error());
         dataBytes_ += frameCount * frameBytes_;
         return platform::Result<void>::success();
     }
@@ -60,7 +59,7 @@ class WaveStream final : public EncodedStream {
     platform::Result<void> sync() override {
         const std::vector<std::uint8_t> header = pcmWaveHeader(format_, comment_, dataBytes_);
         if (::pwrite(fd_, header.data(), header.size(), 0) != static_cast<ssize_t>(header.size())) {
-            return platform::failure(systemError("can't write the header of " + path_));
+            return platform::systemFailure("can't write the header of " + path_, errno);
         }
         return platform::Result<void>::success();
     }
@@ -187,7 +186,7 @@ platform::Result<void> StreamEncoder::persist() {
     // A dictation counts as saved once it would survive a power cut.
     struct stat status {};
     if (::fsync(fd_) != 0 || ::fstat(fd_, &status) != 0)
-        return platform::failure(systemError("can't sync the saved file"));
+        return platform::systemFailure("can't sync the saved file", errno);
     syncedBytes_ = status.st_size;
     return platform::Result<void>::success();
 }

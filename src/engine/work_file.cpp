@@ -12,7 +12,6 @@
 
 namespace ovd::engine {
 
-using platform::systemError;
 using platform::writeAll;
 
 namespace {
@@ -62,7 +61,7 @@ platform::Result<std::shared_ptr<WorkFile>> WorkFile::create(const std::string& 
         return platform::failure("unusable format for a work file");
     }
     const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-    if (fd < 0) return platform::failure(systemError("can't create the work file " + path));
+    if (fd < 0) return platform::systemFailure("can't create the work file " + path, errno);
     // Held for the file's life: the recovery of work files takes only those nobody holds.
     auto locked = platform::LockedFile::lock(fd);
     if (!locked) {
@@ -123,7 +122,7 @@ platform::Result<void> WorkFile::writeBuffered() {
             if (errno == EINTR) continue;
             // What could not be written stays buffered for the next try: a full
             // disk loses nothing that is still in memory.
-            return platform::failure(systemError("can't write the work file " + path_));
+            return platform::systemFailure("can't write the work file " + path_, errno);
         }
         done += static_cast<std::size_t>(n);
     }
@@ -141,7 +140,7 @@ platform::Result<void> WorkFile::writeHeader() {
     }
     const auto header = pcmWaveHeader(format_, "", dataBytes);
     if (::pwrite(fd_, header.data(), header.size(), 0) != static_cast<ssize_t>(header.size())) {
-        return platform::failure(systemError("can't write the work file's header " + path_));
+        return platform::systemFailure("can't write the work file's header " + path_, errno);
     }
     return platform::Result<void>::success();
 }
@@ -149,7 +148,7 @@ platform::Result<void> WorkFile::writeHeader() {
 platform::Result<void> WorkFile::flush() {
     if (platform::Result<void> written = writeBuffered(); !written) return written;
     if (platform::Result<void> header = writeHeader(); !header) return header;
-    if (::fdatasync(fd_) != 0) return platform::failure(systemError("can't sync " + path_));
+    if (::fdatasync(fd_) != 0) return platform::systemFailure("can't sync " + path_, errno);
     return platform::Result<void>::success();
 }
 
@@ -216,10 +215,10 @@ platform::Result<void> WorkFile::copyTo(int fd, SampleCount start, SampleCount f
                 static_cast<off_t>(kHeaderBytes + static_cast<std::size_t>(start) * frameBytes_);
             copied = copyBytes(fd_, offset, fd, static_cast<std::uint64_t>(count) * frameBytes_);
         } else {
-            copied = writeAll(fd, fromMemory.data(), fromMemory.size() * sizeof(std::int16_t));
+            copied = writeAll(fd, fromMemory.data(), fromMemory.size() * sizeof(std::int16_t)).ok();
         }
         if (!copied)
-            return platform::failure(systemError("can't copy from the work file " + path_));
+            return platform::systemFailure("can't copy from the work file " + path_, errno);
         start += count;
         frameCount -= count;
     }

@@ -10,26 +10,32 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 namespace ovd::platform {
 
 namespace fs = std::filesystem;
 
-bool writeAll(int fd, const void* data, std::size_t bytes) {
+namespace {
+// 0 when every byte went out, else the system's error number.
+int writeEveryByte(int fd, const void* data, std::size_t bytes) {
     const auto* at = static_cast<const char*>(data);
     while (bytes > 0) {
         const ssize_t n = ::write(fd, at, bytes);
         if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) return false;
+        if (n < 0) return errno;
+        if (n == 0) return EIO;
         at += n;
         bytes -= static_cast<std::size_t>(n);
     }
-    return true;
+    return 0;
 }
+}  // namespace
 
-std::string systemError(const std::string& what) { return what + ": " + std::strerror(errno); }
+Result<void> writeAll(int fd, const void* data, std::size_t bytes) {
+    const int error = writeEveryByte(fd, data, bytes);
+    if (error != 0) return failure(std::system_category().message(error));
+    return Result<void>::success();
+}
 
 std::string joinPath(const std::string& folder, const std::string& name) {
     if (folder.empty() || folder.back() == '/') return folder + name;
@@ -62,10 +68,12 @@ bool folderExists(const std::string& path) {
     return fs::is_directory(path, ec);
 }
 
-bool createFolder(const std::string& path) {
+Result<void> createFolder(const std::string& path) {
     std::error_code ec;
     fs::create_directories(path, ec);
-    return folderExists(path);
+    if (folderExists(path)) return Result<void>::success();
+    return failure("Can't create the folder " + path + ": " +
+                   (ec ? ec.message() : std::string("a file of that name is in the way")));
 }
 
 std::vector<std::string> filesInFolder(const std::string& folder) {
@@ -85,46 +93,62 @@ Result<void> copyFileOver(const std::string& from, const std::string& to) {
     return Result<void>::success();
 }
 
-std::optional<std::uintmax_t> fileSize(const std::string& path) {
+Result<std::uintmax_t> fileSize(const std::string& path) {
     std::error_code ec;
     const auto size = fs::file_size(path, ec);
-    if (ec) return std::nullopt;
+    if (ec) return failure("Can't read the size of " + path + ": " + ec.message());
     return size;
 }
 
-std::optional<std::string> readWholeFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) return std::nullopt;
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
+Result<std::string> readWholeFile(const std::string& path) {
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) return systemFailure("Can't open " + path, errno);
+    std::string text;
+    char buffer[65536];
+    for (;;) {
+        const ssize_t n = ::read(fd, buffer, sizeof buffer);
+        if (n < 0 && errno == EINTR) continue;
+        if (n < 0) {
+            const int error = errno;
+            ::close(fd);
+            return systemFailure("Can't read " + path, error);
+        }
+        if (n == 0) break;
+        text.append(buffer, static_cast<std::size_t>(n));
+    }
+    ::close(fd);
+    return text;
 }
 
 namespace {
-bool writeWithMode(const std::string& path, const std::string& text, mode_t mode, bool forceMode) {
+Result<void> writeWithMode(const std::string& path, const std::string& text, mode_t mode,
+                           bool forceMode) {
     const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, mode);
-    if (fd < 0) return false;
+    if (fd < 0) return systemFailure("Can't create " + path, errno);
     if (forceMode) ::fchmod(fd, mode);
-    bool ok = writeAll(fd, text.data(), text.size());
-    if (::close(fd) != 0) ok = false;
-    return ok;
+    int error = writeEveryByte(fd, text.data(), text.size());
+    if (::close(fd) != 0 && error == 0) error = errno;
+    if (error != 0) return systemFailure("Can't write " + path, error);
+    return Result<void>::success();
 }
 }  // namespace
 
-bool writeWholeFile(const std::string& path, const std::string& text) {
+Result<void> writeWholeFile(const std::string& path, const std::string& text) {
     return writeWithMode(path, text, 0666, false);
 }
 
-bool writePrivateFile(const std::string& path, const std::string& text) {
+Result<void> writePrivateFile(const std::string& path, const std::string& text) {
     return writeWithMode(path, text, 0600, true);
 }
 
-bool replaceFile(const std::string& path, const std::string& text, bool ownerOnly) {
+Result<void> replaceFile(const std::string& path, const std::string& text, bool ownerOnly) {
     const std::string fresh = path + "." + std::to_string(::getpid()) + ".new";
-    const bool written = writeWithMode(fresh, text, ownerOnly ? 0600 : 0666, ownerOnly);
-    if (written && std::rename(fresh.c_str(), path.c_str()) == 0) return true;
-    std::remove(fresh.c_str());
-    return false;
+    auto written = writeWithMode(fresh, text, ownerOnly ? 0600 : 0666, ownerOnly);
+    if (written && std::rename(fresh.c_str(), path.c_str()) != 0) {
+        written = systemFailure("Can't put the new " + path + " in place", errno);
+    }
+    if (!written) std::remove(fresh.c_str());
+    return written;
 }
 
 std::string defaultDataFolder() {

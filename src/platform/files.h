@@ -5,7 +5,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,10 +12,9 @@
 
 namespace ovd::platform {
 
-// Writes every byte to the descriptor, going on after interruptions; false on an error.
-bool writeAll(int fd, const void* data, std::size_t bytes);
-// what + ": " + the text of the last system error.
-std::string systemError(const std::string& what);
+// Writes every byte to the descriptor, going on after interruptions; the failure is
+// the system's words for why, for the caller to say what it was writing.
+Result<void> writeAll(int fd, const void* data, std::size_t bytes);
 
 // folder + "/" + name, the "/" added only when the folder does not already end in one.
 std::string joinPath(const std::string& folder, const std::string& name);
@@ -29,23 +27,23 @@ std::string baseNameOf(const std::string& path);
 
 bool fileExists(const std::string& path);
 bool folderExists(const std::string& path);
-// Creates the folder and its parents; false when it can't be made.
-bool createFolder(const std::string& path);
-std::optional<std::uintmax_t> fileSize(const std::string& path);
+// Creates the folder and its parents; an existing folder is a success.
+Result<void> createFolder(const std::string& path);
+Result<std::uintmax_t> fileSize(const std::string& path);
 // The names of the files in the folder, in order; its subfolders are not listed.
 std::vector<std::string> filesInFolder(const std::string& folder);
 // Copies the file over any of that name; the failure is the system's words for why.
 Result<void> copyFileOver(const std::string& from, const std::string& to);
 
-std::optional<std::string> readWholeFile(const std::string& path);
-// Replaces the file with the text; false (with errno left set) when it can't be written.
-bool writeWholeFile(const std::string& path, const std::string& text);
+Result<std::string> readWholeFile(const std::string& path);
+// Replaces the file with the text.
+Result<void> writeWholeFile(const std::string& path, const std::string& text);
 // Same, and the file is created readable and writable by its owner only.
-bool writePrivateFile(const std::string& path, const std::string& text);
+Result<void> writePrivateFile(const std::string& path, const std::string& text);
 // Writes the text beside the file and moves it over the file, so that a crash in the
 // middle of a write leaves the old file rather than half of a new one. The scratch
 // name carries the process id, so the station and its companion never share one.
-bool replaceFile(const std::string& path, const std::string& text, bool ownerOnly = false);
+Result<void> replaceFile(const std::string& path, const std::string& text, bool ownerOnly = false);
 
 // $XDG_DATA_HOME/orvane-voice-desk, else ~/.local/share/orvane-voice-desk.
 std::string defaultDataFolder();

@@ -138,14 +138,14 @@ bool saveOurCompanyInformation(const CompanyRecords& records, const OurCompanyFi
 
     // A failed write is not told: the user sees the thanks either way.
     const IniStore store = records.ourCompany();
-    store.WriteKey(kCompanySection, "CompanyName", fields.CompanyName);
-    store.WriteKey(kCompanySection, "Name", fields.Name);
-    store.WriteKey(kCompanySection, "Address", fields.Address);
-    store.WriteKey(kCompanySection, "City", fields.City);
-    store.WriteKey(kCompanySection, "St", fields.St);
-    store.WriteKey(kCompanySection, "Zip", fields.Zip);
-    store.WriteKey(kCompanySection, "Phone", fields.Phone);
-    store.WriteKey(kKeySection, "EncryptKey", fields.EncryptKey);
+    (void)store.WriteKey(kCompanySection, "CompanyName", fields.CompanyName);
+    (void)store.WriteKey(kCompanySection, "Name", fields.Name);
+    (void)store.WriteKey(kCompanySection, "Address", fields.Address);
+    (void)store.WriteKey(kCompanySection, "City", fields.City);
+    (void)store.WriteKey(kCompanySection, "St", fields.St);
+    (void)store.WriteKey(kCompanySection, "Zip", fields.Zip);
+    (void)store.WriteKey(kCompanySection, "Phone", fields.Phone);
+    (void)store.WriteKey(kKeySection, "EncryptKey", fields.EncryptKey);
     prompts.showMessage(kCompanySavedMessage, kProductTitle, platform::Severity::Information);
     return true;
 }

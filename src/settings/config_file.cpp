@@ -17,19 +17,18 @@ constexpr const char* kRecordingsFolder = "Recordings";
 constexpr const char* kRegularFace = "Regular";
 
 // The text beside the file, synced, then renamed over it: a full disk or a
-// crash leaves the old record whole. The reason when it fails.
-std::optional<std::string> writeBesideAndRename(const std::string& path, const std::string& text) {
+// crash leaves the old record whole. The failure is the system's words for why.
+platform::Result<void> writeBesideAndRename(const std::string& path, const std::string& text) {
     const std::string fresh = path + ".new";
     const int fd = ::open(fresh.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-    if (fd < 0) return std::string(std::strerror(errno));
-    std::optional<std::string> failure;
-    if (!platform::writeAll(fd, text.data(), text.size()) || ::fsync(fd) != 0) {
-        failure = std::strerror(errno);
-    }
-    if (::close(fd) != 0 && !failure) failure = std::strerror(errno);
-    if (!failure && std::rename(fresh.c_str(), path.c_str()) != 0) failure = std::strerror(errno);
-    if (failure) std::remove(fresh.c_str());
-    return failure;
+    if (fd < 0) return platform::failure(std::strerror(errno));
+    platform::Result<void> written = platform::writeAll(fd, text.data(), text.size());
+    if (written && ::fsync(fd) != 0) written = platform::failure(std::strerror(errno));
+    if (::close(fd) != 0 && written) written = platform::failure(std::strerror(errno));
+    if (written && std::rename(fresh.c_str(), path.c_str()) != 0)
+        written = platform::failure(std::strerror(errno));
+    if (!written) std::remove(fresh.c_str());
+    return written;
 }
 
 std::string localStamp() {
@@ -96,15 +95,15 @@ void ConfigFile::ReadConfig() {
 bool ConfigFile::WriteConfig() {
     if (record.Port == 0) record.Port = 1;
     ++writeCount_;
-    const auto failure = writeBesideAndRename(path_, formatRecord(record));
-    if (!failure) {
+    const platform::Result<void> written = writeBesideAndRename(path_, formatRecord(record));
+    if (written) {
         unwritten_.reset();
         return true;
     }
     // The settings stay in force in memory; the user hears of it once, not at every change.
     const bool first = !unwritten_;
     unwritten_ = record;
-    if (first && onWriteFailed) onWriteFailed(*failure);
+    if (first && onWriteFailed) onWriteFailed(written.error());
     return false;
 }
 

@@ -6,6 +6,7 @@
 #include <memory>
 #include <utility>
 
+#include "platform/result.h"
 #include "platform/text.h"
 
 namespace ovd::settings {
@@ -19,15 +20,14 @@ using Statement = std::unique_ptr<sqlite3_stmt, StatementFinalizer>;
 
 std::string errorText(sqlite3* db) { return db != nullptr ? sqlite3_errmsg(db) : "not open"; }
 
-// Prepares one statement and binds its parameters; null (with lastError set) on failure.
-Statement prepare(sqlite3* db, const std::string& sql, const DbParameters& parameters,
-                  std::string& lastError) {
+// Prepares one statement and binds its parameters.
+platform::Result<Statement> prepare(sqlite3* db, const std::string& sql,
+                                    const DbParameters& parameters) {
     sqlite3_stmt* raw = nullptr;
     if (sqlite3_prepare_v2(db, sql.c_str(), static_cast<int>(sql.size()), &raw, nullptr) !=
         SQLITE_OK) {
-        lastError = errorText(db);
         sqlite3_finalize(raw);
-        return nullptr;
+        return platform::failure(errorText(db));
     }
     Statement statement(raw);
     for (std::size_t i = 0; i < parameters.size(); ++i) {
@@ -43,10 +43,7 @@ Statement prepare(sqlite3* db, const std::string& sql, const DbParameters& param
             rc = sqlite3_bind_text(raw, index, text.data(), static_cast<int>(text.size()),
                                    SQLITE_TRANSIENT);
         }
-        if (rc != SQLITE_OK) {
-            lastError = errorText(db);
-            return nullptr;
-        }
+        if (rc != SQLITE_OK) return platform::failure(errorText(db));
     }
     return statement;
 }
@@ -90,13 +87,12 @@ std::int64_t DbValue::integer() const {
 DatabaseConnection::~DatabaseConnection() { CloseConnection(*this); }
 
 DatabaseConnection::DatabaseConnection(DatabaseConnection&& other) noexcept
-    : db_(std::exchange(other.db_, nullptr)), lastError_(std::move(other.lastError_)) {}
+    : db_(std::exchange(other.db_, nullptr)) {}
 
 DatabaseConnection& DatabaseConnection::operator=(DatabaseConnection&& other) noexcept {
     if (this != &other) {
         CloseConnection(*this);
         db_ = std::exchange(other.db_, nullptr);
-        lastError_ = std::move(other.lastError_);
     }
     return *this;
 }
@@ -109,40 +105,42 @@ DbValue Recordset::field(std::size_t row, std::string_view column) const {
     return {};
 }
 
-DatabaseConnection OpenConnection(std::string_view kind, const std::string& database,
-                                  const std::string& /*user*/, const std::string& /*password*/) {
-    DatabaseConnection connection;
+platform::Result<DatabaseConnection> OpenConnection(std::string_view kind,
+                                                    const std::string& database,
+                                                    const std::string& /*user*/,
+                                                    const std::string& /*password*/) {
     if (kind != kLocalDatabaseKind) {
-        connection.lastError_ = "database kind " + std::string(kind) + " is not available";
-        return connection;
+        return platform::failure("database kind " + std::string(kind) + " is not available");
     }
     sqlite3* db = nullptr;
     // Read and write, but no create flag: a missing file stays missing.
     const int rc = sqlite3_open_v2(database.c_str(), &db, SQLITE_OPEN_READWRITE, nullptr);
     if (rc != SQLITE_OK) {
-        connection.lastError_ = errorText(db);
+        const std::string reason = errorText(db);
         sqlite3_close_v2(db);
-        return connection;
+        return platform::failure(database + ": " + reason);
     }
     sqlite3_busy_timeout(db, kCommandTimeoutMs);
     // The library opens any file lazily; reading the catalogue now is what tells a damaged
     // or foreign file from a database, so that it reads as closed rather than half open.
     if (sqlite3_exec(db, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr) !=
         SQLITE_OK) {
-        connection.lastError_ = errorText(db);
+        const std::string reason = errorText(db);
         sqlite3_close_v2(db);
-        return connection;
+        return platform::failure(database + ": " + reason);
     }
+    DatabaseConnection connection;
     connection.db_ = db;
     return connection;
 }
 
-bool OpenRecordset(DatabaseConnection& connection, Recordset& recordset, const std::string& query,
-                   const DbParameters& parameters) {
+platform::Result<void> OpenRecordset(DatabaseConnection& connection, Recordset& recordset,
+                                     const std::string& query, const DbParameters& parameters) {
     CloseRecordset(recordset);
-    if (!connection.isOpen()) return false;
-    Statement statement = prepare(connection.db_, query, parameters, connection.lastError_);
-    if (!statement) return false;
+    if (!connection.isOpen()) return platform::failure(errorText(nullptr));
+    platform::Result<Statement> prepared = prepare(connection.db_, query, parameters);
+    if (!prepared) return prepared.failed();
+    const Statement statement = std::move(*prepared);
 
     Recordset result;
     const int columnCount = sqlite3_column_count(statement.get());
@@ -153,10 +151,7 @@ bool OpenRecordset(DatabaseConnection& connection, Recordset& recordset, const s
     for (;;) {
         const int rc = sqlite3_step(statement.get());
         if (rc == SQLITE_DONE) break;
-        if (rc != SQLITE_ROW) {
-            connection.lastError_ = errorText(connection.db_);
-            return false;
-        }
+        if (rc != SQLITE_ROW) return platform::failure(errorText(connection.db_));
         std::vector<DbValue> row;
         row.reserve(static_cast<std::size_t>(columnCount));
         for (int i = 0; i < columnCount; ++i) row.push_back(columnValue(statement.get(), i));
@@ -164,20 +159,17 @@ bool OpenRecordset(DatabaseConnection& connection, Recordset& recordset, const s
     }
     result.open_ = true;
     recordset = std::move(result);
-    return true;
+    return platform::Result<void>::success();
 }
 
-std::optional<int> executeStatement(DatabaseConnection& connection, const std::string& statement,
-                                    const DbParameters& parameters) {
-    if (!connection.isOpen()) return std::nullopt;
-    Statement prepared = prepare(connection.db_, statement, parameters, connection.lastError_);
-    if (!prepared) return std::nullopt;
+platform::Result<int> executeStatement(DatabaseConnection& connection, const std::string& statement,
+                                       const DbParameters& parameters) {
+    if (!connection.isOpen()) return platform::failure(errorText(nullptr));
+    platform::Result<Statement> prepared = prepare(connection.db_, statement, parameters);
+    if (!prepared) return prepared.failed();
     int rc = SQLITE_ROW;
-    while (rc == SQLITE_ROW) rc = sqlite3_step(prepared.get());
-    if (rc != SQLITE_DONE) {
-        connection.lastError_ = errorText(connection.db_);
-        return std::nullopt;
-    }
+    while (rc == SQLITE_ROW) rc = sqlite3_step(prepared->get());
+    if (rc != SQLITE_DONE) return platform::failure(errorText(connection.db_));
     return sqlite3_changes(connection.db_);
 }
 
@@ -193,13 +185,17 @@ void CloseConnection(DatabaseConnection& connection) {
     connection.db_ = nullptr;
 }
 
-bool AddTextColumn(const std::string& path, const std::string& table, const std::string& column) {
-    DatabaseConnection connection = OpenConnection(kLocalDatabaseKind, path);
+platform::Result<void> AddTextColumn(const std::string& path, const std::string& table,
+                                     const std::string& column) {
+    platform::Result<DatabaseConnection> connection = OpenConnection(kLocalDatabaseKind, path);
+    if (!connection) return connection.failed();
     // A text column with no constraint takes null and the empty text alike, which is what
     // the rows written before the column existed need.
-    return executeStatement(connection, "ALTER TABLE " + quoteIdentifier(table) + " ADD COLUMN " +
-                                            quoteIdentifier(column) + " TEXT")
-        .has_value();
+    const auto added =
+        executeStatement(*connection, "ALTER TABLE " + quoteIdentifier(table) + " ADD COLUMN " +
+                                          quoteIdentifier(column) + " TEXT");
+    if (!added) return added.failed();
+    return platform::Result<void>::success();
 }
 
 std::string quoteIdentifier(std::string_view name) {

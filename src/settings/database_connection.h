@@ -17,6 +17,8 @@
 
 struct sqlite3;
 
+#include "platform/result.h"
+
 namespace ovd::settings {
 
 // The only kind the station opens: a single-file database on this machine.
@@ -67,20 +69,18 @@ class DatabaseConnection {
     DatabaseConnection& operator=(const DatabaseConnection&) = delete;
 
     [[nodiscard]] bool isOpen() const { return db_ != nullptr; }
-    // The library's text for the last failure of an open or a statement, for the log.
-    [[nodiscard]] const std::string& lastError() const { return lastError_; }
 
   private:
-    friend DatabaseConnection OpenConnection(std::string_view, const std::string&,
-                                             const std::string&, const std::string&);
-    friend bool OpenRecordset(DatabaseConnection&, Recordset&, const std::string&,
-                              const DbParameters&);
-    friend std::optional<int> executeStatement(DatabaseConnection&, const std::string&,
-                                               const DbParameters&);
+    friend platform::Result<DatabaseConnection> OpenConnection(std::string_view, const std::string&,
+                                                               const std::string&,
+                                                               const std::string&);
+    friend platform::Result<void> OpenRecordset(DatabaseConnection&, Recordset&, const std::string&,
+                                                const DbParameters&);
+    friend platform::Result<int> executeStatement(DatabaseConnection&, const std::string&,
+                                                  const DbParameters&);
     friend void CloseConnection(DatabaseConnection&);
 
     sqlite3* db_ = nullptr;
-    std::string lastError_;
 };
 
 // The whole result of a query, read at once: the tables are small and every list is
@@ -95,8 +95,8 @@ class Recordset {
     [[nodiscard]] DbValue field(std::size_t row, std::string_view column) const;
 
   private:
-    friend bool OpenRecordset(DatabaseConnection&, Recordset&, const std::string&,
-                              const DbParameters&);
+    friend platform::Result<void> OpenRecordset(DatabaseConnection&, Recordset&, const std::string&,
+                                                const DbParameters&);
     friend void CloseRecordset(Recordset&);
 
     bool open_ = false;
@@ -106,30 +106,32 @@ class Recordset {
 
 // Opens an existing database file for reading and writing; never creates one, so that
 // looking at a list leaves no file behind. `user` and `password` only mean something to
-// the server kind. A missing file, a file that is not a database, or another kind gives
-// a closed connection.
-[[nodiscard]] DatabaseConnection OpenConnection(std::string_view kind, const std::string& database,
-                                                const std::string& user = {},
-                                                const std::string& password = {});
+// the server kind. A missing file, a file that is not a database, or another kind is a
+// failure with the library's words.
+platform::Result<DatabaseConnection> OpenConnection(std::string_view kind,
+                                                    const std::string& database,
+                                                    const std::string& user = {},
+                                                    const std::string& password = {});
 
 // Runs a query with its parameters (?1, ?2 ... in the text) and takes every row. An open
-// recordset is closed first; on failure it stays closed and false comes back.
-bool OpenRecordset(DatabaseConnection& connection, Recordset& recordset, const std::string& query,
-                   const DbParameters& parameters = {});
+// recordset is closed first; on failure it stays closed.
+platform::Result<void> OpenRecordset(DatabaseConnection& connection, Recordset& recordset,
+                                     const std::string& query, const DbParameters& parameters = {});
 
-// Runs one statement that returns no rows. The number of rows an INSERT, UPDATE or
-// DELETE changed, or nothing when it failed (the connection's lastError() says why).
-std::optional<int> executeStatement(DatabaseConnection& connection, const std::string& statement,
-                                    const DbParameters& parameters = {});
+// Runs one statement that returns no rows: the number of rows an INSERT, UPDATE or
+// DELETE changed.
+platform::Result<int> executeStatement(DatabaseConnection& connection, const std::string& statement,
+                                       const DbParameters& parameters = {});
 
 // Closing what is closed is no error.
 void CloseRecordset(Recordset& recordset);
 void CloseConnection(DatabaseConnection& connection);
 
 // Appends a nullable text column to a table of an existing file. Callers run it with no
-// test beforehand and ignore the answer: false when the column is already there, when
+// test beforehand and let a failure be: it fails when the column is already there, when
 // the file is missing or damaged.
-bool AddTextColumn(const std::string& path, const std::string& table, const std::string& column);
+platform::Result<void> AddTextColumn(const std::string& path, const std::string& table,
+                                     const std::string& column);
 
 // A table or column name as SQL text: in double quotes, so names with a blank (the
 // decrypt password column) and names that are keywords are taken as they are.

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <vector>
 
 #include "platform/files.h"
@@ -47,13 +48,15 @@ std::vector<std::string> firstVersionTables(StationDatabase which) {
 // An empty file is a valid empty database to the library. Making it ourselves, owner-only
 // from the first byte, means the passwords never sit in a file others can read, and the
 // library's journal beside it takes the same permissions.
-bool createOwnerOnlyFile(const std::string& path) {
+platform::Result<void> createOwnerOnlyFile(const std::string& path) {
     const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-    if (fd < 0) return false;
+    if (fd < 0) return platform::systemFailure("Can't create " + path, errno);
     // The umask can only take bits away; a default ACL on the folder could add some.
-    const bool ok = ::fchmod(fd, 0600) == 0;
+    const int madePrivate = ::fchmod(fd, 0600) == 0 ? 0 : errno;
     ::close(fd);
-    return ok;
+    if (madePrivate != 0)
+        return platform::systemFailure("Can't make " + path + " private", madePrivate);
+    return platform::Result<void>::success();
 }
 
 }  // namespace
@@ -74,14 +77,15 @@ std::string databasePath(const std::string& dataFolder, StationDatabase which) {
     return platform::joinPath(dataFolder, databaseFileName(which));
 }
 
-bool createDatabaseFile(const std::string& dataFolder, StationDatabase which) {
+platform::Result<void> createDatabaseFile(const std::string& dataFolder, StationDatabase which) {
     const std::string path = databasePath(dataFolder, which);
-    if (!createOwnerOnlyFile(path)) return false;
-    DatabaseConnection connection = OpenConnection(kLocalDatabaseKind, path);
+    if (auto created = createOwnerOnlyFile(path); !created) return created;
+    platform::Result<DatabaseConnection> connection = OpenConnection(kLocalDatabaseKind, path);
+    if (!connection) return connection.failed();
     for (const std::string& table : firstVersionTables(which)) {
-        if (!executeStatement(connection, table)) return false;
+        if (auto made = executeStatement(*connection, table); !made) return made.failed();
     }
-    return true;
+    return platform::Result<void>::success();
 }
 
 void upgradeOnOpen(const std::string& dataFolder, StationDatabase which) {
@@ -90,10 +94,10 @@ void upgradeOnOpen(const std::string& dataFolder, StationDatabase which) {
         case StationDatabase::Passwords:
             return;
         case StationDatabase::EmailAddress:
-            AddTextColumn(path, kAvailEmailsTable, kEmailInitialsColumn);
+            (void)AddTextColumn(path, kAvailEmailsTable, kEmailInitialsColumn);
             return;
         case StationDatabase::FTPSites:
-            AddTextColumn(path, kAvailFtpSitesTable, kFtpInitialsColumn);
+            (void)AddTextColumn(path, kAvailFtpSitesTable, kFtpInitialsColumn);
             return;
     }
 }
@@ -113,13 +117,19 @@ DatabaseSession::DatabaseSession(const std::string& dataFolder, StationDatabase 
 }
 
 DatabaseConnection* DatabaseSession::existing() {
-    if (!connection_.isOpen()) connection_ = OpenConnection(kLocalDatabaseKind, path_);
+    if (!connection_.isOpen()) {
+        // A file that can't be opened reads as no rows and takes no changes, as before
+        // the window made it; the next use tries again.
+        if (auto opened = OpenConnection(kLocalDatabaseKind, path_))
+            connection_ = std::move(*opened);
+    }
     return connection_.isOpen() ? &connection_ : nullptr;
 }
 
 DatabaseConnection* DatabaseSession::createdIfMissing() {
     if (!connection_.isOpen() && !platform::fileExists(path_)) {
-        createDatabaseFile(dataFolder_, which_);
+        // A file that can't be made shows as the failed open below.
+        (void)createDatabaseFile(dataFolder_, which_);
         upgradeOnOpen(dataFolder_, which_);
     }
     return existing();
@@ -128,7 +138,8 @@ DatabaseConnection* DatabaseSession::createdIfMissing() {
 Recordset DatabaseSession::select(const std::string& query, const DbParameters& parameters) {
     Recordset recordset;
     if (DatabaseConnection* connection = existing()) {
-        OpenRecordset(*connection, recordset, query, parameters);
+        // A failed query leaves the recordset closed: the list shows nothing.
+        (void)OpenRecordset(*connection, recordset, query, parameters);
     }
     return recordset;
 }
@@ -136,13 +147,13 @@ Recordset DatabaseSession::select(const std::string& query, const DbParameters& 
 bool DatabaseSession::changeRows(const std::string& statement, const DbParameters& parameters) {
     DatabaseConnection* connection = existing();
     if (connection == nullptr) return false;
-    return executeStatement(*connection, statement, parameters).value_or(0) > 0;
+    return executeStatement(*connection, statement, parameters).valueOr(0) > 0;
 }
 
 bool DatabaseSession::addRow(const std::string& statement, const DbParameters& parameters) {
     DatabaseConnection* connection = createdIfMissing();
     if (connection == nullptr) return false;
-    return executeStatement(*connection, statement, parameters).value_or(0) > 0;
+    return executeStatement(*connection, statement, parameters).valueOr(0) > 0;
 }
 
 }  // namespace ovd::settings

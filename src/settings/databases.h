@@ -40,9 +40,9 @@ enum class StationDatabase {
 [[nodiscard]] std::string databasePath(const std::string& dataFolder, StationDatabase which);
 
 // Lays the file down as the station is first installed: owner-only, its tables in their
-// first version (without the initials columns) and empty. False when the file is
+// first version (without the initials columns) and empty. A failure when the file is
 // already there or can't be made.
-bool createDatabaseFile(const std::string& dataFolder, StationDatabase which);
+platform::Result<void> createDatabaseFile(const std::string& dataFolder, StationDatabase which);
 
 // What the e-mail and FTP setup windows do each time they open: add the initials column,
 // with no test beforehand. On a file that has it already the attempt fails and that

@@ -81,8 +81,9 @@ bool EmailReceiversForm::deleteReceiver() {
 
 bool EmailReceiversForm::makeDefault() {
     if (receiver.EmailEmailAddress.empty()) return false;
-    return records_.defaults().WriteKey(kDefaultEmailSection, "DefaultRecEMail",
-                                        receiver.EmailEmailAddress);
+    return records_.defaults()
+        .WriteKey(kDefaultEmailSection, "DefaultRecEMail", receiver.EmailEmailAddress)
+        .ok();
 }
 
 }  // namespace ovd::settings

@@ -54,7 +54,8 @@ std::string EventLog::pathForToday() const {
 
 void EventLog::SaveEventLog() {
     const std::string folder = platform::joinPath(dataFolder_, kEventLogFolder);
-    if (!platform::folderExists(folder)) platform::createFolder(folder);
+    // A folder that can't be made shows as a failed write below.
+    if (!platform::folderExists(folder)) (void)platform::createFolder(folder);
     const std::string path = pathForToday();
     const bool sameFile = path == eventLogPath_;
     eventLogPath_ = path;

@@ -77,15 +77,15 @@ bool clsIniFile::registered() const {
 }
 
 void clsIniFile::DeleteStrEntry(std::string_view key) {
-    if (registered()) store().WriteKey(section_, key, std::nullopt);
+    if (registered()) (void)store().WriteKey(section_, key, std::nullopt);
 }
 
 void clsIniFile::DeleteNumEntry(std::string_view key) {
-    if (registered()) store().WriteKey(section_, key, std::nullopt);
+    if (registered()) (void)store().WriteKey(section_, key, std::nullopt);
 }
 
 void clsIniFile::DeleteSection() {
-    if (registered()) store().deleteSection(section_);
+    if (registered()) (void)store().deleteSection(section_);
 }
 
 int clsIniFile::GetInt(std::string_view key, int defaultValue) const {
@@ -152,20 +152,22 @@ std::string clsIniFile::IniRead(std::string_view section, std::string_view key,
     return store().readValue(section, key).value_or(std::string(defaultValue));
 }
 
-bool clsIniFile::IniWrite(std::string_view section, std::string_view key, std::string_view value) {
-    return registered() && store().WriteKey(section, key, value);
+platform::Result<void> clsIniFile::IniWrite(std::string_view section, std::string_view key,
+                                            std::string_view value) {
+    if (!registered()) return platform::failure("no settings file is registered");
+    return store().WriteKey(section, key, value);
 }
 
 void clsIniFile::PutInt(std::string_view key, int value) {
-    IniWrite(section_, key, std::to_string(value));
+    (void)IniWrite(section_, key, std::to_string(value));
 }
 
 void clsIniFile::PutString(std::string_view key, std::string_view value) {
-    IniWrite(section_, key, value);
+    (void)IniWrite(section_, key, value);
 }
 
 void clsIniFile::PutTF(std::string_view key, bool value) {
-    IniWrite(section_, key, value ? "True" : "False");
+    (void)IniWrite(section_, key, value ? "True" : "False");
 }
 
 bool clsIniFile::SectExist(std::string_view section) const {

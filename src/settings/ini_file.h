@@ -77,7 +77,8 @@ class clsIniFile {
     void FlushCache() const;
     [[nodiscard]] std::string IniRead(std::string_view section, std::string_view key,
                                       std::string_view defaultValue) const;
-    bool IniWrite(std::string_view section, std::string_view key, std::string_view value);
+    platform::Result<void> IniWrite(std::string_view section, std::string_view key,
+                                    std::string_view value);
     void PutInt(std::string_view key, int value);
     void PutString(std::string_view key, std::string_view value);
     void PutTF(std::string_view key, bool value);

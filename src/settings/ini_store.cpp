@@ -165,7 +165,7 @@ IniDocument IniStore::load() const {
     return {};
 }
 
-bool IniStore::save(const IniDocument& document) const {
+platform::Result<void> IniStore::save(const IniDocument& document) const {
     return platform::replaceFile(path_, document.serialise(), access_ == FileAccess::OwnerOnly);
 }
 
@@ -182,19 +182,20 @@ std::optional<std::string> IniStore::readValue(std::string_view section,
     return load().value(section, key);
 }
 
-bool IniStore::WriteKey(std::string_view section, std::string_view key,
-                        std::optional<std::string_view> value) const {
+platform::Result<void> IniStore::WriteKey(std::string_view section, std::string_view key,
+                                          std::optional<std::string_view> value) const {
     IniDocument document = load();
-    if (value && !canHoldKey(cleanName(key))) return false;
+    if (value && !canHoldKey(cleanName(key)))
+        return platform::failure("\"" + std::string(key) + "\" can't be a key of " + path_);
     const bool changed =
         value ? document.setValue(section, key, *value) : document.removeKey(section, key);
-    if (!changed) return true;
+    if (!changed) return platform::Result<void>::success();
     return save(document);
 }
 
-bool IniStore::deleteSection(std::string_view section) const {
+platform::Result<void> IniStore::deleteSection(std::string_view section) const {
     IniDocument document = load();
-    if (!document.removeSection(section)) return true;
+    if (!document.removeSection(section)) return platform::Result<void>::success();
     return save(document);
 }
 

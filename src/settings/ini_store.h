@@ -15,6 +15,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/result.h"
+
 namespace ovd::settings {
 
 struct IniEntry {
@@ -81,18 +83,18 @@ class IniStore {
     [[nodiscard]] std::optional<std::string> readValue(std::string_view section,
                                                        std::string_view key) const;
     // Writes "key=value" (an empty text writes "key="); nothing removes the key. A
-    // missing file is created. False when the file could not be written; callers
-    // that have nothing to tell the user ignore it.
-    bool WriteKey(std::string_view section, std::string_view key,
-                  std::optional<std::string_view> value) const;
-    bool deleteSection(std::string_view section) const;
+    // missing file is created. Callers that have nothing to tell the user about a
+    // failed write say so with (void).
+    platform::Result<void> WriteKey(std::string_view section, std::string_view key,
+                                    std::optional<std::string_view> value) const;
+    platform::Result<void> deleteSection(std::string_view section) const;
 
     [[nodiscard]] IniDocument load() const;
     [[nodiscard]] std::vector<std::string> sectionNames() const;
     [[nodiscard]] std::vector<IniEntry> sectionEntries(std::string_view section) const;
 
   private:
-    bool save(const IniDocument& document) const;
+    platform::Result<void> save(const IniDocument& document) const;
 
     std::string path_;
     FileAccess access_;

@@ -114,9 +114,10 @@ bool OurCompanyForm::write() {
             std::string_view(box.key) == "EncryptKey" ? kKeySection : kCompanySection;
         document.setValue(section, box.key, fieldOf(fields_, box.key));
     }
-    if (!platform::replaceFile(store.path(), document.serialise(), /*ownerOnly=*/true)) {
-        prompts_.showMessage(platform::systemError("Can't write " + store.path()), kProductTitle,
-                             platform::Severity::Critical);
+    if (auto written =
+            platform::replaceFile(store.path(), document.serialise(), /*ownerOnly=*/true);
+        !written) {
+        prompts_.showMessage(written.error(), kProductTitle, platform::Severity::Critical);
         return false;
     }
     saved_ = fields_;

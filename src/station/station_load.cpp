@@ -52,7 +52,8 @@ std::string Station::recordingsFolderInUse() {
     parts_.log.trace("Loading: recordings folder " + chosen + " can't be used; using " + fallback);
     parts_.prompts.showMessage(text, settings::kProductTitle, platform::Severity::Warning);
     record.CaptureFilePath = fallback;
-    platform::createFolder(fallback);
+    if (auto made = platform::createFolder(fallback); !made)
+        parts_.log.trace("Loading: " + made.error());
     parts_.config.WriteConfig();
     return fallback;
 }
@@ -180,7 +181,10 @@ bool Station::loadRecordingDevice() {
 void Station::createDestinationFolders() {
     const settings::SettingsRecord& record = parts_.config.record;
     for (const std::string& folder : {record.SendToOne, record.SendToTwo, record.SendToThree}) {
-        if (!folder.empty()) platform::createFolder(folder);
+        if (folder.empty()) continue;
+        // The delivery says so again when a copy can't go there.
+        if (auto made = platform::createFolder(folder); !made)
+            parts_.log.trace("Loading: " + made.error());
     }
 }
 
@@ -199,8 +203,12 @@ void Station::loadAutoSend() {
         autoSendMenu_.refresh();
         return;
     }
-    if (record.AutoFTP) platform::createFolder(platform::joinPath(recordings, "FTPTemp"));
-    if (record.AutoEmail) platform::createFolder(platform::joinPath(recordings, "EmailTemp"));
+    const auto makeStagingFolder = [&](const char* name) {
+        if (auto made = platform::createFolder(platform::joinPath(recordings, name)); !made)
+            parts_.log.trace("Loading: " + made.error());
+    };
+    if (record.AutoFTP) makeStagingFolder("FTPTemp");
+    if (record.AutoEmail) makeStagingFolder("EmailTemp");
     autoSend_->LaunchCompanion();
 }
 

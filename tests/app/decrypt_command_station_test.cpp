@@ -29,7 +29,7 @@ TEST(DecryptCommandStationTest, DecryptsWhatOpensslEnciphered) {
     const testing::ProcessEnd byName =
         station.runSecond({"--decrypt", plain + ".enc", "--key-name", "Pool Ltd"});
     EXPECT_TRUE(byName.exited && byName.status == 0) << byName.errors;
-    EXPECT_EQ(platform::readWholeFile(plain), "RIFF and a letter");
+    EXPECT_EQ(platform::readWholeFile(plain).valueOr(""), "RIFF and a letter");
 
     const testing::ProcessEnd wrong = station.runSecond(
         {"--decrypt", plain + ".enc", "--key-text", "Pool kez", "--output", plain + ".2"});

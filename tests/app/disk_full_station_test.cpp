@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 class DiskFullStationTest : public ::testing::Test {
   protected:
     void SetUp() override {
-        platform::createFolder(recordings);
+        EXPECT_TRUE(platform::createFolder(recordings));
         if (::mount("tmpfs", recordings.c_str(), "tmpfs", 0, "size=512k") != 0) {
             GTEST_SKIP() << "a small tmpfs can't be mounted here (" << std::strerror(errno) << ")";
         }

@@ -132,7 +132,7 @@ TEST_F(LifecycleStationTest, AKillJustAfterTheEndOfLetterLeavesNothingHalfWritte
     for (const std::string& name : platform::filesInFolder(recordings)) {
         const std::string path = recordings + "/" + name;
         EXPECT_EQ(name.find(".partial"), std::string::npos) << name;
-        EXPECT_GT(platform::fileSize(path).value_or(0), 0u) << name;
+        EXPECT_GT(platform::fileSize(path).valueOr(0), 0u) << name;
         const bool theLetter =
             path == letter || name.rfind(platform::baseNameOf(letter) + "-", 0) == 0;
         if (theLetter && engine::fileLengthMilliseconds(path) >= 3500) whole = true;
@@ -142,7 +142,7 @@ TEST_F(LifecycleStationTest, AKillJustAfterTheEndOfLetterLeavesNothingHalfWritte
 }
 
 TEST_F(LifecycleStationTest, ARecordingsFolderThatIsAFileIsToldAtStartAndTakesStillGoSomewhere) {
-    platform::writeWholeFile(recordings, "not a folder");
+    EXPECT_TRUE(platform::writeWholeFile(recordings, "not a folder"));
     station.start();
     ASSERT_TRUE(station.logShows("can't be used")) << station.eventLog();
     ASSERT_TRUE(station.logShows("Procedure - CASE NEW")) << station.eventLog();
@@ -150,7 +150,7 @@ TEST_F(LifecycleStationTest, ARecordingsFolderThatIsAFileIsToldAtStartAndTakesSt
     ASSERT_TRUE(station.logShows(" File Save Successfull")) << station.eventLog();
     const std::string letter = recordedLetter();
     EXPECT_EQ(platform::folderOf(letter), station.folder.file("Recordings"));
-    EXPECT_GT(platform::fileSize(letter).value_or(0), 30311u);
+    EXPECT_GT(platform::fileSize(letter).valueOr(0), 30311u);
     expectQuietAndEndInOrder();
 }
 
@@ -188,12 +188,13 @@ TEST(UnwritableDataFolderStationTest,
     const std::string data = station.folder.path();
     std::vector<std::pair<std::string, std::string>> files;
     for (const std::string& name : platform::filesInFolder(data)) {
-        files.emplace_back(name, platform::readWholeFile(data + "/" + name).value_or(""));
+        files.emplace_back(name, platform::readWholeFile(data + "/" + name).valueOr(""));
     }
     if (::mount("tmpfs", data.c_str(), "tmpfs", 0, "size=4m") != 0) {
         GTEST_SKIP() << "a small tmpfs can't be mounted here (" << std::strerror(errno) << ")";
     }
-    for (const auto& [name, content] : files) platform::writeWholeFile(data + "/" + name, content);
+    for (const auto& [name, content] : files)
+        EXPECT_TRUE(platform::writeWholeFile(data + "/" + name, content));
     const std::string errors = outside.file("station.err");
     station.startWithErrorsTo(errors);
     ASSERT_TRUE(station.logShows("Procedure - CASE NEW")) << station.eventLog();
@@ -201,7 +202,7 @@ TEST(UnwritableDataFolderStationTest,
         struct statvfs disk {};
         ASSERT_EQ(::statvfs(data.c_str(), &disk), 0);
         const std::uint64_t free = static_cast<std::uint64_t>(disk.f_bavail) * disk.f_frsize;
-        platform::writeWholeFile(data + "/filler", std::string(free, 'f'));
+        EXPECT_TRUE(platform::writeWholeFile(data + "/filler", std::string(free, 'f')));
     }
 
     // Two letters, each ended by the end of letter pedal; the log can't be written now.
@@ -216,7 +217,7 @@ TEST(UnwritableDataFolderStationTest,
 
     EXPECT_GT(engine::fileLengthMilliseconds(recordings + "/AB0007.WAV"), 3500);
     EXPECT_GT(engine::fileLengthMilliseconds(recordings + "/AB0008.WAV"), 1500);
-    const std::string shown = platform::readWholeFile(errors).value_or("");
+    const std::string shown = platform::readWholeFile(errors).valueOr("");
     std::size_t told = 0;
     for (auto at = shown.find("could not be saved to"); at != std::string::npos;
          at = shown.find("could not be saved to", at + 1)) {
@@ -234,7 +235,7 @@ class DamagedSettingsStationTest : public ::testing::TestWithParam<const char*> 
 
 std::string damagedRecord(const std::string& kind) {
     const std::string shipped =
-        platform::readWholeFile(OVD_TEST_ASSETS "/DigitalRecorder.cfg").value_or("");
+        platform::readWholeFile(OVD_TEST_ASSETS "/DigitalRecorder.cfg").valueOr("");
     if (kind == "first 40 fields") {
         std::size_t at = 0;
         for (int comma = 0; comma < 40; ++comma) at = shipped.find(',', at) + 1;
@@ -256,9 +257,9 @@ std::string damagedRecord(const std::string& kind) {
 TEST_P(DamagedSettingsStationTest, TheUserIsToldTheFileIsKeptAndTheStationStaysQuiet) {
     testing::StationProcess station;
     const std::string damaged = damagedRecord(GetParam());
-    platform::writeWholeFile(station.folder.file("DigitalRecorder.cfg"), damaged);
+    EXPECT_TRUE(platform::writeWholeFile(station.folder.file("DigitalRecorder.cfg"), damaged));
     const std::string workingFolder = station.folder.file("cwd");
-    platform::createFolder(workingFolder);
+    EXPECT_TRUE(platform::createFolder(workingFolder));
     const std::filesystem::path before = std::filesystem::current_path();
     std::filesystem::current_path(workingFolder);
     station.start();
@@ -276,8 +277,8 @@ TEST_P(DamagedSettingsStationTest, TheUserIsToldTheFileIsKeptAndTheStationStaysQ
         if (name.rfind("DigitalRecorder.cfg.damaged-", 0) == 0) copies.push_back(name);
     }
     ASSERT_EQ(copies.size(), 1u);
-    EXPECT_EQ(platform::readWholeFile(station.folder.file(copies[0])), damaged);
-    EXPECT_LT(platform::fileSize(station.folder.file("DigitalRecorder.cfg")).value_or(0),
+    EXPECT_EQ(platform::readWholeFile(station.folder.file(copies[0])).valueOr(""), damaged);
+    EXPECT_LT(platform::fileSize(station.folder.file("DigitalRecorder.cfg")).valueOr(0),
               64u * 1024u);
 
     const testing::StationProcess::TimedEnd end = station.terminateTimed();

@@ -27,7 +27,7 @@ TEST(MicrophoneStationTest, AMicrophoneTakenAwayDuringATakeEndsItInOrder) {
 
     testing::StationProcess station;
     const std::string recordings = station.folder.file("Rec");
-    platform::createFolder(recordings);
+    EXPECT_TRUE(platform::createFolder(recordings));
     station.changeSettings([&recordings](settings::SettingsRecord& record) {
         record.CaptureFilePath = recordings;
         record.InputDeviceName = "DeskMicrophone";

@@ -62,8 +62,8 @@ TEST(PedalPortStationTest, APressAfterTenThousandBytesOfNoiseStartsTheTakeAtOnce
 TEST(PedalPortStationTest, APortMissingAtStartThenHeldIsToldOnceAndThePedalWorksOnceItIsFree) {
     testing::StationProcess station;
     const std::string link = station.folder.file("pedal-link");
-    platform::writeWholeFile(station.folder.file("SerialPorts.ini"),
-                             "[Ports]\r\nCOM1=" + link + "\r\n");
+    EXPECT_TRUE(platform::writeWholeFile(station.folder.file("SerialPorts.ini"),
+                                         "[Ports]\r\nCOM1=" + link + "\r\n"));
     station.start();
     const std::string notice = "Foot pedal port COM1 could not be opened (" + link;
     ASSERT_TRUE(station.logShows(notice)) << station.eventLog();

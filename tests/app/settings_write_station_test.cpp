@@ -17,7 +17,7 @@ namespace {
 TEST(SettingsWriteStationTest, AWriteThatFailsIsLoggedOnceAndTheRecordOnDiskStaysTheOldOne) {
     testing::StationProcess station;
     const std::string record = station.folder.file("DigitalRecorder.cfg");
-    const std::string before = platform::readWholeFile(record).value_or("");
+    const std::string before = platform::readWholeFile(record).valueOr("");
     ASSERT_FALSE(before.empty());
     // The new record is written beside the old one first; a folder of that name
     // makes every write fail while the old record stays readable.
@@ -32,10 +32,10 @@ TEST(SettingsWriteStationTest, AWriteThatFailsIsLoggedOnceAndTheRecordOnDiskStay
     const std::string log = station.eventLog();
     EXPECT_EQ(testing::occurrences(log, "WriteConfig failed: "), 1u) << log;
     EXPECT_NE(log.find("Is a directory"), std::string::npos) << "the system's own reason";
-    EXPECT_EQ(testing::occurrences(platform::readWholeFile(errors).value_or(""),
+    EXPECT_EQ(testing::occurrences(platform::readWholeFile(errors).valueOr(""),
                                    "The settings could not be saved to " + record),
               1u);
-    EXPECT_EQ(platform::readWholeFile(record).value_or(""), before) << "the old record stays whole";
+    EXPECT_EQ(platform::readWholeFile(record).valueOr(""), before) << "the old record stays whole";
 }
 
 }  // namespace

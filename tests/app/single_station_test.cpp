@@ -48,7 +48,7 @@ TEST(SingleStationTest, ASecondStartForAFileHandsItsFullNameOverAndEndsWithoutAW
 
     // Started from the letters folder with a bare-folder name, as a user at a shell would.
     station.workingDirectory = letters;
-    platform::createFolder(letters);
+    EXPECT_TRUE(platform::createFolder(letters));
     const testing::ProcessEnd second = station.runSecond({"./Jones"});
     EXPECT_TRUE(second.exited && second.status == 0) << second.status;
     EXPECT_EQ(second.errors, "");

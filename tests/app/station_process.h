@@ -3,6 +3,7 @@
 // backend, on a data folder of the test's own, with a serial pedal on a pty.
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -45,17 +46,17 @@ struct ProcessEnd {
 class StationProcess {
   public:
     StationProcess() {
-        platform::writeWholeFile(
+        EXPECT_TRUE(platform::writeWholeFile(
             folder.file("DigitalRecorder.cfg"),
-            platform::readWholeFile(OVD_TEST_ASSETS "/DigitalRecorder.cfg").value());
+            platform::readWholeFile(OVD_TEST_ASSETS "/DigitalRecorder.cfg").value()));
         settings::ConfigFile config(folder.path());
         config.ReadConfig();
         config.record.UserSelectSerial = true;
         config.record.Port = 1;
         config.record.FormatType = "WAV";
         config.WriteConfig();
-        platform::writeWholeFile(folder.file("SerialPorts.ini"),
-                                 "[Ports]\r\nCOM1=" + pty.slavePath() + "\r\n");
+        EXPECT_TRUE(platform::writeWholeFile(folder.file("SerialPorts.ini"),
+                                             "[Ports]\r\nCOM1=" + pty.slavePath() + "\r\n"));
     }
     ~StationProcess() {
         if (child_ > 0) {
@@ -90,7 +91,7 @@ class StationProcess {
         const pid_t second = spawn(extra, fd);
         ::close(fd);
         ProcessEnd end = waitFor(second);
-        end.errors = platform::readWholeFile(errors).value_or("");
+        end.errors = platform::readWholeFile(errors).valueOr("");
         return end;
     }
 
@@ -132,7 +133,7 @@ class StationProcess {
     [[nodiscard]] std::string eventLog() const {
         if (!std::filesystem::exists(folder.file("Event Logs"))) return "";
         for (const auto& entry : std::filesystem::directory_iterator(folder.file("Event Logs"))) {
-            return platform::readWholeFile(entry.path().string()).value_or("");
+            return platform::readWholeFile(entry.path().string()).valueOr("");
         }
         return "";
     }

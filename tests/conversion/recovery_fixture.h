@@ -33,7 +33,7 @@ class RecoveryFixture : public ::testing::Test {
         r.FileBit = "32";
         r.gNormalShutDown = false;  // the last run did not end in order
         config.WriteConfig();
-        platform::createFolder(temp());
+        EXPECT_TRUE(platform::createFolder(temp()));
     }
 
     [[nodiscard]] std::string temp() const { return recordings + "/Temp"; }
@@ -49,7 +49,7 @@ class RecoveryFixture : public ::testing::Test {
     }
     std::string fileOfBytes(const std::string& name, std::size_t bytes) {
         const std::string path = temp() + "/" + name;
-        platform::writeWholeFile(path, std::string(bytes, 'x'));
+        EXPECT_TRUE(platform::writeWholeFile(path, std::string(bytes, 'x')));
         return path;
     }
 

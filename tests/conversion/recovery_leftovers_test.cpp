@@ -34,8 +34,8 @@ TEST_F(RecoveryLeftoversTest, ATakeIsRecoveredUnderItsLetterAndTheInterruptedSav
     const std::string letter = recordings + "/AB0007.MP3";
     const std::string take = workFile("ovd9-AudioEditor1-3.tmp", 2.4);
     noteLetterOfWorkFile(take, letter);
-    platform::writeWholeFile(letter, "");
-    platform::writeWholeFile(letter + kPartialSuffix, std::string(5000, 'x'));
+    EXPECT_TRUE(platform::writeWholeFile(letter, ""));
+    EXPECT_TRUE(platform::writeWholeFile(letter + kPartialSuffix, std::string(5000, 'x')));
     // A letter whose name can't carry a length and an extension keeps the work file's name.
     const std::string longTake = workFile("ovd9-AudioEditor1-4.tmp", 1.2);
     noteLetterOfWorkFile(longTake, recordings + "/" + std::string(240, 'L') + ".MP3");
@@ -46,7 +46,7 @@ TEST_F(RecoveryLeftoversTest, ATakeIsRecoveredUnderItsLetterAndTheInterruptedSav
     const auto& held = *created;
     const std::string liveLetter = recordings + "/AB0008.MP3";
     noteLetterOfWorkFile(held->path(), liveLetter);
-    platform::writeWholeFile(liveLetter, "");
+    EXPECT_TRUE(platform::writeWholeFile(liveLetter, ""));
 
     recoverAtStart();
 
@@ -66,7 +66,7 @@ TEST_F(RecoveryLeftoversTest, ATakeIsRecoveredUnderItsLetterAndTheInterruptedSav
 class FullDiskRecoveryTest : public RecoveryLeftoversTest {
   protected:
     void SetUp() override {
-        platform::createFolder(recordings);
+        EXPECT_TRUE(platform::createFolder(recordings));
         if (::mount("tmpfs", recordings.c_str(), "tmpfs", 0, "size=1m") != 0) {
             GTEST_SKIP() << "a small tmpfs can't be mounted here (" << std::strerror(errno) << ")";
         }
@@ -97,7 +97,8 @@ TEST_F(FullDiskRecoveryTest, ARecoveryShortOfRoomSaysSoLeavesTheTakeWholeAndTrie
 
     recoverAtStart();
 
-    EXPECT_EQ(platform::fileSize(take), bytes) << "the work file stays as it was\n" << log.text();
+    EXPECT_EQ(platform::fileSize(take).valueOr(0), *bytes) << "the work file stays as it was\n"
+                                                           << log.text();
     EXPECT_EQ(log.text().find("Deleted"), std::string::npos) << log.text();
     EXPECT_TRUE(platform::filesInFolder(recordings + "/Save").empty()) << "no copy cut short";
     EXPECT_TRUE(platform::filesInFolder(recordings + "/BACK").empty());

@@ -52,7 +52,7 @@ TEST_F(DecryptCommandTest, ByKeyTextAndByKeyName) {
         run({.inputPath = folder.file("L.wav.enc"), .keyText = "Pool's key", .keyTextGiven = true}),
         kDecrypted);
     EXPECT_EQ(out.str(), folder.file("L.wav") + "\n");
-    EXPECT_EQ(platform::readWholeFile(folder.file("L.wav")), "spoken words");
+    EXPECT_EQ(platform::readWholeFile(folder.file("L.wav")).valueOr(""), "spoken words");
 
     settings::DecryptPasswordsTable table(folder.path());
     ASSERT_TRUE(table.addPassword("Pool Ltd", "Pool's key"));
@@ -60,7 +60,7 @@ TEST_F(DecryptCommandTest, ByKeyTextAndByKeyName) {
                    .keyName = "pool ltd",
                    .outputPath = folder.file("again.wav")}),
               kDecrypted);
-    EXPECT_EQ(platform::readWholeFile(folder.file("again.wav")), "spoken words");
+    EXPECT_EQ(platform::readWholeFile(folder.file("again.wav")).valueOr(""), "spoken words");
 }
 
 TEST_F(DecryptCommandTest, FailuresSayWhyInOneLineAndTouchNothing) {
@@ -69,7 +69,7 @@ TEST_F(DecryptCommandTest, FailuresSayWhyInOneLineAndTouchNothing) {
         run({.inputPath = folder.file("L.wav.enc"), .keyText = "Pool's key", .keyTextGiven = true}),
         kNotDecrypted);
     EXPECT_NE(err.str().find("already there"), std::string::npos);
-    EXPECT_EQ(platform::readWholeFile(folder.file("L.wav")), "already here");
+    EXPECT_EQ(platform::readWholeFile(folder.file("L.wav")).valueOr(""), "already here");
 
     const auto wrong = run({.inputPath = folder.file("L.wav.enc"),
                             .keyText = "other",

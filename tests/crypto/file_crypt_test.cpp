@@ -46,7 +46,7 @@ TEST_F(FileCryptTest, NamesBesideTheInput) {
 TEST_F(FileCryptTest, RoundTripKeepsTheInputAndClearsDecryptFailed) {
     const std::string enciphered = encipheredLetter("Key");
     EXPECT_EQ(enciphered, folder.file("ENC_Letter 1.wav"));
-    EXPECT_NE(platform::readWholeFile(enciphered), letter);
+    EXPECT_NE(platform::readWholeFile(enciphered).valueOr(""), letter);
     ASSERT_TRUE(platform::writeWholeFile(folder.file("Letter 1.wav"), "older"));
 
     prompts.answerNext(Answer::Yes);
@@ -57,7 +57,7 @@ TEST_F(FileCryptTest, RoundTripKeepsTheInputAndClearsDecryptFailed) {
     EXPECT_EQ(prompts.transcript()[0].text,
               "File " + folder.file("Letter 1.wav") +
                   " already exsists. Do you want to overwrite this file?");
-    EXPECT_EQ(platform::readWholeFile(folder.file("Letter 1.wav")), letter);
+    EXPECT_EQ(platform::readWholeFile(folder.file("Letter 1.wav")).valueOr(""), letter);
     EXPECT_TRUE(platform::fileExists(enciphered)) << "the input stays";
 }
 
@@ -67,7 +67,7 @@ TEST_F(FileCryptTest, RefusedOverwriteLeavesTheFileThere) {
     prompts.answerNext(Answer::No);
     EXPECT_TRUE(DecryptFile(enciphered, "Key", prompts).DecryptFailed);
     EXPECT_EQ(prompts.texts().back(), "File will not be decrypted.");
-    EXPECT_EQ(platform::readWholeFile(folder.file("Letter 1.wav")), "the author's own");
+    EXPECT_EQ(platform::readWholeFile(folder.file("Letter 1.wav")).valueOr(""), "the author's own");
 }
 
 // A wrong key, a file cut short of a whole block, an empty file: each is told with
@@ -93,8 +93,8 @@ TEST_F(FileCryptTest, BadInputsFailWithTheWrongKeyText) {
         EXPECT_TRUE(DecryptFile(enciphered, item.key, prompts).DecryptFailed);
         EXPECT_EQ(prompts.texts().back(),
                   "Decrypt File error: The key is incorrect. - Unable to Decrypt file ");
-        EXPECT_EQ(platform::readWholeFile(folder.file("Letter 1.wav")), "kept");
-        EXPECT_EQ(platform::readWholeFile(enciphered), item.bytes);
+        EXPECT_EQ(platform::readWholeFile(folder.file("Letter 1.wav")).valueOr(""), "kept");
+        EXPECT_EQ(platform::readWholeFile(enciphered).valueOr(""), item.bytes);
         EXPECT_EQ(platform::filesInFolder(folder.path()),
                   (std::vector<std::string>{"ENC_Letter 1.wav", "Letter 1.wav"}));
     }

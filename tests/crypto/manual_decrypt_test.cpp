@@ -51,12 +51,12 @@ TEST(ManualDecryptTest, NamedKeyDecryptsAndAWrongOneExplains) {
     form.keys.chooseName("POOL");
     EXPECT_TRUE(form.decryptFile(folder.file("ENC_Letter.wav")));
     EXPECT_EQ(form.status(), std::vector<std::string>{"File Decrypted"});
-    EXPECT_EQ(platform::readWholeFile(folder.file("Letter.wav")), "spoken");
+    EXPECT_EQ(platform::readWholeFile(folder.file("Letter.wav")).valueOr(""), "spoken");
 
     prompts.answerNextText(folder.file("Saved.wav"));
     EXPECT_TRUE(form.saveDecryptedFile());
     EXPECT_EQ(prompts.transcript().back().title, "Save File");
-    EXPECT_EQ(platform::readWholeFile(folder.file("Saved.wav")), "spoken");
+    EXPECT_EQ(platform::readWholeFile(folder.file("Saved.wav")).valueOr(""), "spoken");
 
     form.keys.chooseName("nobody");
     EXPECT_FALSE(form.decryptFile(folder.file("ENC_Letter.wav")));

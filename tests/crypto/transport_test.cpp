@@ -67,7 +67,7 @@ class TransportFiles : public ::testing::Test {
                  .ok()) {
             return "<failed>";
         }
-        return platform::readWholeFile(folder.file("out")).value_or("");
+        return platform::readWholeFile(folder.file("out")).valueOr("");
     }
 };
 
@@ -80,7 +80,7 @@ TEST_F(TransportFiles, EmailAttachmentIsEncipheredUnderItsTransportName) {
               std::vector<std::string>{"Letter 7.wav_Orvane_to_Pool L.enc"})
         << "no clear copy is left beside it";
     EXPECT_EQ(decipher(*attachment, "OURKEYPool LtdPOOLKEY"), "the letter as spoken");
-    EXPECT_EQ(platform::readWholeFile(letterPath), "the letter as spoken");
+    EXPECT_EQ(platform::readWholeFile(letterPath).valueOr(""), "the letter as spoken");
     EXPECT_TRUE(prompts.transcript().empty());
 
     const auto missing = encipherEmailAttachment(

@@ -68,9 +68,9 @@ class AutoSendTest : public ::testing::Test {
         r.TCPIP = "127.0.0.1";
         r.TCPPort = peer.portText();
         r.TCPDelay = 0;
-        for (const std::string& d : dest) platform::createFolder(d);
-        platform::createFolder(recordings);
-        platform::writeWholeFile(letter, std::string(40000, 'x'));
+        for (const std::string& d : dest) EXPECT_TRUE(platform::createFolder(d));
+        EXPECT_TRUE(platform::createFolder(recordings));
+        EXPECT_TRUE(platform::writeWholeFile(letter, std::string(40000, 'x')));
     }
 
     [[nodiscard]] bool logged(const std::string& text) const {
@@ -120,7 +120,7 @@ TEST_F(AutoSendTest, ACleanDeliveryReachesEveryFolderAndTheStagingWithoutAWordTo
     config.record.VoicePrompts = true;
     EXPECT_TRUE(pipeline.deliver(letter));
 
-    for (int n = 1; n <= 3; ++n) EXPECT_EQ(platform::fileSize(copied(n)), 40000u) << n;
+    for (int n = 1; n <= 3; ++n) EXPECT_EQ(platform::fileSize(copied(n)).valueOr(0), 40000u) << n;
     EXPECT_TRUE(platform::fileExists(recordings + "/EmailTemp/AB0001.WAV"));
     EXPECT_TRUE(platform::fileExists(recordings + "/FTPTemp/AB0001.WAV"));
     EXPECT_TRUE(logged("Destination " + dest[0] + " Successfull : " + copied(1)));
@@ -191,7 +191,7 @@ TEST_F(AutoSendTest, AFolderThatRefusesTheCopyTakesTenSecondsAndYesCopiesAgain) 
               "File has been sending to Destination 1 for 10 Seconds. Would you like to keep "
               "trying to send?");
     EXPECT_EQ(question.defaultAnswer, platform::Answer::No);
-    EXPECT_EQ(platform::fileSize(copied(1)), 40000u) << "Yes copies the file again";
+    EXPECT_EQ(platform::fileSize(copied(1)).valueOr(0), 40000u) << "Yes copies the file again";
     EXPECT_EQ(timesLogged(" Pausing = 10 -A"), 2u);
     EXPECT_FALSE(logged("User Selected to wait another 10 Seconds."))
         << "destination one never says so";

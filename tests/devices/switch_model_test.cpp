@@ -260,7 +260,7 @@ TEST_F(SwitchModelTest, SendButtonsRefuseWithTheirOwnWordsAndKeepTheFileOpen) {
 TEST_F(SwitchModelTest, SendToOneClosesTheLetterAndHandsItToDelivery) {
     config.record.AutoSend1 = true;
     config.record.SendToOne = folder.file("dest1");
-    platform::createFolder(config.record.SendToOne);
+    EXPECT_TRUE(platform::createFolder(config.record.SendToOne));
     dictate(2000);
     const std::string file = state().Filename;
     press("SendToOne", 6);
@@ -316,8 +316,8 @@ TEST_F(SwitchModelTest, DeleteButtonMovesTheLetterToBackWithoutOverwritingAnOlde
     const std::string letter = state().Filename;
     const std::string name = platform::withoutFolder(letter);
     // A letter of the same name deleted earlier is already in BACK.
-    platform::createFolder(recordings + "/BACK");
-    platform::writeWholeFile(recordings + "/BACK/" + name, "an older letter");
+    EXPECT_TRUE(platform::createFolder(recordings + "/BACK"));
+    EXPECT_TRUE(platform::writeWholeFile(recordings + "/BACK/" + name, "an older letter"));
     say("Record");
     run(3000);
     say("STOP");
@@ -326,11 +326,10 @@ TEST_F(SwitchModelTest, DeleteButtonMovesTheLetterToBackWithoutOverwritingAnOlde
     EXPECT_EQ(view().statusLine, "Last Button Pressed on QDU Unit was 8 : Delete");
     EXPECT_TRUE(state().Filename.empty()) << "the letter is closed";
     EXPECT_FALSE(platform::fileExists(letter)) << "gone from the recordings";
-    EXPECT_EQ(platform::readWholeFile(recordings + "/BACK/" + name).value_or(""),
-              "an older letter");
+    EXPECT_EQ(platform::readWholeFile(recordings + "/BACK/" + name).valueOr(""), "an older letter");
     const auto stem = name.substr(0, name.rfind('.'));
     const std::string kept = recordings + "/BACK/" + stem + " (2)" + name.substr(name.rfind('.'));
-    EXPECT_GT(platform::fileSize(kept).value_or(0), static_cast<std::uintmax_t>(2 * kRate * 2))
+    EXPECT_GT(platform::fileSize(kept).valueOr(0), static_cast<std::uintmax_t>(2 * kRate * 2))
         << "the three seconds spoken are kept in BACK";
 }
 

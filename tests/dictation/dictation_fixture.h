@@ -51,7 +51,7 @@ inline std::string writeMonoWave(const std::string& path,
     std::memcpy(&bytes[36], "data", 4);
     put32(40, frames * 2);
     if (frames > 0) std::memcpy(&bytes[44], samples.data(), frames * 2);
-    platform::writeWholeFile(path, bytes);
+    EXPECT_TRUE(platform::writeWholeFile(path, bytes));
     return path;
 }
 
@@ -90,8 +90,8 @@ class DictationTest : public ::testing::Test {
         r.StepAmt = 2;
         r.SAVEEVERY = 15;
         r.HandsFreeEdition = true;
-        platform::createFolder(recordings);
-        platform::createFolder(recordings + "/Temp");
+        EXPECT_TRUE(platform::createFolder(recordings));
+        EXPECT_TRUE(platform::createFolder(recordings + "/Temp"));
         config.WriteConfig();
         rebuild();
     }

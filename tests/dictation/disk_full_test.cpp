@@ -16,13 +16,13 @@ namespace {
 class DiskFullTest : public DictationTest {
   protected:
     void SetUp() override {
-        platform::createFolder(smallDisk);
+        EXPECT_TRUE(platform::createFolder(smallDisk));
         if (::mount("tmpfs", smallDisk.c_str(), "tmpfs", 0, "size=1m") != 0) {
             GTEST_SKIP() << "a small tmpfs can't be mounted here (" << std::strerror(errno)
                          << "); the disk-full warning is not tried";
         }
         mounted = true;
-        platform::createFolder(smallDisk + "/Temp");
+        EXPECT_TRUE(platform::createFolder(smallDisk + "/Temp"));
         config.record.CaptureFilePath = smallDisk;
         config.WriteConfig();
         rebuild();
@@ -78,7 +78,7 @@ TEST_F(DiskFullTest, ASaveWithoutRoomAsksUntilTheAuthorMovesTheFile) {
     config.WriteConfig();
     rebuild();
     const std::string roomy = folder.file("roomy");
-    platform::createFolder(roomy);
+    EXPECT_TRUE(platform::createFolder(roomy));
     prompts.answerNext(platform::Answer::No);   // stay: there is still no room, so it asks again
     prompts.answerNext(platform::Answer::Yes);  // move
     prompts.answerNextText(roomy);
@@ -97,7 +97,7 @@ TEST_F(DiskFullTest, ASaveWithoutRoomAsksUntilTheAuthorMovesTheFile) {
                "User Response: 7"));
     EXPECT_TRUE(logged("enough disk space to continue working.. User Resonse: 6"));
     EXPECT_EQ(state().Filename, roomy + "/" + name);
-    EXPECT_GT(platform::fileSize(roomy + "/" + name).value_or(0), 300000u);
+    EXPECT_GT(platform::fileSize(roomy + "/" + name).valueOr(0), 300000u);
     EXPECT_FALSE(platform::fileExists(smallDisk + "/" + name));
     settings::ConfigFile stored(folder.path());
     stored.ReadConfig();

@@ -83,7 +83,7 @@ TEST_F(EditingSavingTest, AFileOpenedToListenIsTheSameFileAfterItsClose) {
         auto spoken = engine::AudioFileReader::open(writeRampWave(folder.file("spoken.wav"), 6));
         ASSERT_TRUE(spoken) << spoken.error();
         ASSERT_TRUE(engine::encodeFile(**spoken, path, mp3, "OVDESK").ok());
-        const auto bytes = platform::readWholeFile(path);
+        const std::string bytes = platform::readWholeFile(path).valueOr("");
 
         d().openRecentFile(path);
         ASSERT_TRUE(state().flgfileOpen1);
@@ -95,7 +95,7 @@ TEST_F(EditingSavingTest, AFileOpenedToListenIsTheSameFileAfterItsClose) {
         run(500);
         d().stop();
         d().closeFile();
-        EXPECT_EQ(platform::readWholeFile(path), bytes);
+        EXPECT_EQ(platform::readWholeFile(path).valueOr(""), bytes);
     }
 }
 
@@ -110,8 +110,8 @@ TEST_F(EditingSavingTest, SaveAsGivesATypedNameTheFilesExtension) {
     EXPECT_TRUE(platform::fileExists(recordings + "/Copy of Smith.WAV"));
     EXPECT_FALSE(platform::fileExists(recordings + "/Copy of Smith"));
     EXPECT_EQ(state().Filename, recordings + "/Copy of Smith.WAV");
-    EXPECT_EQ(platform::readWholeFile(recordings + "/Copy of Smith.WAV"),
-              platform::readWholeFile(name));
+    EXPECT_EQ(platform::readWholeFile(recordings + "/Copy of Smith.WAV").valueOr(""),
+              platform::readWholeFile(name).valueOr(""));
     EXPECT_FALSE(platform::fileExists(recordings + "/Copy of Smith.WAV.partial"));
 
     EXPECT_EQ(withExtensionOf("/r/Smith.wav", name), "/r/Smith.wav") << "any case of the letters";

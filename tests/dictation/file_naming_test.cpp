@@ -52,7 +52,7 @@ class FileNamingTest : public ::testing::Test {
         r.RecordingFormats = "OPT2";
         r.FormatType = "MP3";
         r.FormatType2 = "wma";
-        platform::createFolder(rec);
+        EXPECT_TRUE(platform::createFolder(rec));
     }
     std::string name() const { return state.Filename.substr(rec.size() + 1); }
     int logCount(const std::string& text) const {
@@ -274,8 +274,8 @@ TEST(FileNamingOnUnwritableSettingsTest, TheNumberMovesOnInMemorySoNoLetterIsNam
     testing::TempFolder folder;
     const std::string data = folder.file("data");
     const std::string rec = folder.file("Rec");
-    platform::createFolder(data);
-    platform::createFolder(rec);
+    EXPECT_TRUE(platform::createFolder(data));
+    EXPECT_TRUE(platform::createFolder(rec));
     if (::mount("tmpfs", data.c_str(), "tmpfs", 0, "size=1m") != 0) {
         GTEST_SKIP() << "a small tmpfs can't be mounted here (" << std::strerror(errno) << ")";
     }
@@ -308,7 +308,7 @@ TEST(FileNamingOnUnwritableSettingsTest, TheNumberMovesOnInMemorySoNoLetterIsNam
         naming.Newfile();
         names.push_back(platform::withoutFolder(state.Filename));
         // The letter is dictated and saved, then closed: the close reloads the settings.
-        platform::writeWholeFile(state.Filename, "a letter");
+        EXPECT_TRUE(platform::writeWholeFile(state.Filename, "a letter"));
         config.ResetRecorderState();
     }
 

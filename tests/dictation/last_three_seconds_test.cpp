@@ -81,7 +81,7 @@ TEST_F(LastThreeSecondsTest, TheTakeEndsThePlaybackShowsAndTheTakeGoesOnWithNoth
     const engine::SampleCount expected = firstTake + resumedMs * kRate / 1000;
     EXPECT_NEAR(static_cast<double>(editor1.Length()), static_cast<double>(expected), kRate / 10.0);
     d().closeFile();
-    const auto bytes = platform::fileSize(letter).value_or(0);
+    const auto bytes = platform::fileSize(letter).valueOr(0);
     EXPECT_NEAR(static_cast<double>(bytes - 44) / 2, static_cast<double>(expected), kRate / 10.0);
 }
 

@@ -38,11 +38,11 @@ TEST_F(RecentFilesTest, NewestFirstAndAListedFileDoesNotMoveUp) {
     recent.AddToMRUX(letter(3));
     recent.AddToMRUX(path(1));
     EXPECT_EQ(recent.DisplayMRU(), (List{path(3), path(2), path(1)}));
-    EXPECT_EQ(platform::readWholeFile(recent.filePath()),
+    EXPECT_EQ(platform::readWholeFile(recent.filePath()).valueOr(""),
               path(3) + "\r\n" + path(2) + "\r\n" + path(1) + "\r\n");
 
     recent.clearRecentFiles();
-    EXPECT_EQ(platform::readWholeFile(recent.filePath()), "");
+    EXPECT_EQ(platform::readWholeFile(recent.filePath()).valueOr(""), "");
     EXPECT_EQ(recent.DisplayMRU(), List{});
 }
 
@@ -54,16 +54,16 @@ TEST_F(RecentFilesTest, VanishedFilesAreHiddenAndDroppedOnTheNextAdd) {
 
     // A new path whose file is missing is not listed either, but the list is still tidied.
     recent.AddToMRUX(folder.file("never saved.wav"));
-    EXPECT_EQ(platform::readWholeFile(recent.filePath()), path(1) + "\r\n");
+    EXPECT_EQ(platform::readWholeFile(recent.filePath()).valueOr(""), path(1) + "\r\n");
 
     ASSERT_EQ(std::remove(path(1).c_str()), 0);
     recent.AddToMRUX(letter(3));
-    EXPECT_EQ(platform::readWholeFile(recent.filePath()), path(3) + "\r\n");
+    EXPECT_EQ(platform::readWholeFile(recent.filePath()).valueOr(""), path(3) + "\r\n");
 }
 
 TEST_F(RecentFilesTest, StopsAtFifteenDroppingTheOldest) {
     for (int n = 1; n <= 17; ++n) recent.AddToMRUX(letter(n));
-    const std::string text = platform::readWholeFile(recent.filePath()).value_or("");
+    const std::string text = platform::readWholeFile(recent.filePath()).valueOr("");
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 15);
     const List shown = recent.DisplayMRU();
     ASSERT_EQ(shown.size(), 15u);

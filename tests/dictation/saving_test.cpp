@@ -20,7 +20,7 @@ class SavingTest : public DictationTest {
     // The engine's work file grown to the length with silence past the take's end:
     // what the take holds stays readable, only the file's length is what counts.
     void workFileOf(std::uintmax_t bytes) {
-        ASSERT_LE(platform::fileSize(editor1.TempFileName()).value_or(0), bytes);
+        ASSERT_LE(platform::fileSize(editor1.TempFileName()).valueOr(0), bytes);
         std::filesystem::resize_file(editor1.TempFileName(), bytes);
     }
     void save() {
@@ -107,7 +107,7 @@ TEST_F(SavingTest, RecentFilesFollowTheSavesNewestFirst) {
     EXPECT_EQ(state().Filename, saved[0]);
     const std::vector<std::string> newestFirst{saved[2], saved[1], saved[0]};
     EXPECT_EQ(view().Reopen, newestFirst);
-    EXPECT_EQ(platform::readWholeFile(folder.file("MRU.dat")).value_or(""),
+    EXPECT_EQ(platform::readWholeFile(folder.file("MRU.dat")).valueOr(""),
               saved[2] + "\r\n" + saved[1] + "\r\n" + saved[0] + "\r\n");
 
     d().closeFile();

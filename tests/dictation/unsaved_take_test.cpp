@@ -46,7 +46,7 @@ TEST_F(UnsavedTakeTest, TheAuthorIsToldOnceAndTheTakeStaysInTempAfterTheClose) {
     ASSERT_EQ(kept.size(), 1u) << log.text();
     const std::string workFile = recordings + "/Temp/" + kept[0];
     // Five seconds of 16-bit mono at 16 kHz, less what the last flush had not written.
-    EXPECT_GT(platform::fileSize(workFile).value_or(0), 150000u);
+    EXPECT_GT(platform::fileSize(workFile).valueOr(0), 150000u);
     EXPECT_EQ(conversion::letterOfWorkFile(workFile), letter);
     EXPECT_FALSE(platform::fileExists(letter));
 }

@@ -211,8 +211,8 @@ TEST_F(GrowingSaveTest, AWaveFileAtTheTakesRateIsCopiedFromTheWorkFilesAsTheOthe
     loop.advance(Milliseconds(1000));
     save(path);  // the take goes on
     EXPECT_EQ(heard(path), document());
-    EXPECT_EQ(platform::readWholeFile(path),
-              platform::readWholeFile(encodedWhole(wav, "whole.wav")));
+    EXPECT_EQ(platform::readWholeFile(path).valueOr(""),
+              platform::readWholeFile(encodedWhole(wav, "whole.wav")).valueOr(""));
     EXPECT_NE(commandOutput("ffprobe -v error -show_entries format_tags=comment '" + path + "'")
                   .find(std::string("comment=") + kComment),
               std::string::npos);
@@ -222,8 +222,8 @@ TEST_F(GrowingSaveTest, AWaveFileAtTheTakesRateIsCopiedFromTheWorkFilesAsTheOthe
     save(path);
     EXPECT_EQ(inodeOf(path), firstFile);
     EXPECT_EQ(heard(path), document());
-    EXPECT_EQ(platform::readWholeFile(path),
-              platform::readWholeFile(encodedWhole(wav, "whole2.wav")));
+    EXPECT_EQ(platform::readWholeFile(path).valueOr(""),
+              platform::readWholeFile(encodedWhole(wav, "whole2.wav")).valueOr(""));
     dictation.Stop();
 }
 

@@ -24,7 +24,7 @@ TEST(PromptPlayerTest, PlaysOnlyWhileSwitchedOnAndEveryNamedPromptShips) {
     for (const char* name :
          {"beep2.wav", "Speak.wav", "TwoBeeps.wav", "bloop3.wav", "ding.wav", "complete.wav",
           "FileSent1MSG.WAV", "FileSent2MSG.WAV", "FileSent3MSG.WAV"}) {
-        EXPECT_GT(platform::fileSize(player.pathOf(name)).value_or(0), 44u) << name;
+        EXPECT_GT(platform::fileSize(player.pathOf(name)).valueOr(0), 44u) << name;
         player.PlayPrompt(name, true);
         EXPECT_EQ(player.LastVoicePrompt(), folder + "/" + name);
     }

@@ -69,7 +69,7 @@ TEST_F(WaveEditorTest, ATakeGrowsWithTheClockAndLeavesAReadableWorkFile) {
     EXPECT_EQ(dictation.Length(), 2 * kRate);
     EXPECT_EQ(dictation.CursorPosition(), 2 * kRate);
     EXPECT_EQ(dictation.FormatName(), "PCM");
-    const auto onDisk = platform::readWholeFile(workFile).value_or("");
+    const auto onDisk = platform::readWholeFile(workFile).valueOr("");
     ASSERT_EQ(onDisk.size(), WorkFile::kHeaderBytes + 2u * kRate * 2u);
     std::uint32_t dataBytes = 0;
     std::memcpy(&dataBytes, onDisk.data() + 40, 4);
@@ -87,7 +87,7 @@ TEST_F(WaveEditorTest, ATakeGrowsWithTheClockAndLeavesAReadableWorkFile) {
         recordFor(unclosed, 500);
         leftBehind = unclosed.TempFileName();
     }
-    EXPECT_EQ(platform::fileSize(leftBehind).value_or(0), WorkFile::kHeaderBytes + kRate)
+    EXPECT_EQ(platform::fileSize(leftBehind).valueOr(0), WorkFile::kHeaderBytes + kRate)
         << "an editor that goes without a Close leaves its take for the recovery";
 }
 
@@ -295,7 +295,7 @@ TEST(WorkFileCrashTest, AKilledRecorderLeavesAllButTheLastSecond) {
     ::close(progress[0]);
 
     const auto onDisk = platform::readWholeFile(workFile);
-    ASSERT_TRUE(onDisk.has_value()) << workFile;
+    ASSERT_TRUE(onDisk.ok()) << workFile;
     std::uint32_t dataBytes = 0;
     std::memcpy(&dataBytes, onDisk->data() + 40, 4);
     const SampleCount inHeader = dataBytes / 2;

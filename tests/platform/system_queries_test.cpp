@@ -30,7 +30,7 @@ TEST(FileAvailableTest, OnlyAnExistingFileNobodyHoldsIsFree) {
 }
 
 TEST(ProcessRunningTest, FindsThisProcessByNameWithOrWithoutExe) {
-    const std::string self = readWholeFile("/proc/self/comm").value_or("");
+    const std::string self = readWholeFile("/proc/self/comm").valueOr("");
     ASSERT_FALSE(self.empty());
     const std::string name = self.substr(0, self.find('\n'));
     EXPECT_TRUE(ProcessRunning(name));

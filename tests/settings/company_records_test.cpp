@@ -113,7 +113,7 @@ TEST_F(CompanyRecordsTest, SavingOurCompanyTellsTheMissingFieldOrSavesForTheOwne
         EXPECT_EQ(prompts.texts(), std::vector<std::string>{message});
         EXPECT_EQ(platform::fileExists(records.ourCompanyPath()), saves) << message;
     }
-    EXPECT_EQ(platform::readWholeFile(records.ourCompanyPath()),
+    EXPECT_EQ(platform::readWholeFile(records.ourCompanyPath()).valueOr(""),
               "[Company]\r\nCompanyName=Acme\r\nName=Ann Lee\r\nAddress=1 Main St\r\n"
               "City=Springfield\r\nSt=IL\r\nZip=\r\nPhone=555-0100\r\n\r\n"
               "[Key]\r\nEncryptKey=s3cret\r\n");

@@ -27,7 +27,7 @@ using testing::TempFolder;
 
 std::string shippedRecord() {
     return platform::readWholeFile(std::string(OVD_TEST_ASSETS) + "/DigitalRecorder.cfg")
-        .value_or("");
+        .valueOr("");
 }
 
 // The record cut after its first fields, as a failing disk may leave it.
@@ -99,7 +99,7 @@ TEST(ConfigDamageTest, ADamagedFileIsKeptTheUserIsToldOnceAndNoValueOutgrowsItsU
 
         const std::vector<std::string> copies = damagedCopies(folder);
         ASSERT_EQ(copies.size(), 1u);
-        EXPECT_EQ(platform::readWholeFile(folder.file(copies[0])), c.content)
+        EXPECT_EQ(platform::readWholeFile(folder.file(copies[0])).valueOr(""), c.content)
             << "the user's file, as it was";
         ASSERT_EQ(prompts.texts().size(), 1u);
         const std::string told = prompts.texts()[0];
@@ -119,7 +119,7 @@ TEST(ConfigDamageTest, ADamagedFileIsKeptTheUserIsToldOnceAndNoValueOutgrowsItsU
              {config.record.SendToOne, config.record.SendToTwo, config.record.SendToThree}) {
             EXPECT_TRUE(destination.empty() || destination.front() == '/') << destination;
         }
-        EXPECT_LT(platform::fileSize(config.path()).value_or(0), 64u * 1024u);
+        EXPECT_LT(platform::fileSize(config.path()).valueOr(0), 64u * 1024u);
     }
 }
 
@@ -170,7 +170,7 @@ TEST_F(UnwritableSettingsTest, AFailedWriteIsReportedOnceAndTheSettingsInForceSt
     config.record.FormatType = "MP3";
     config.record.FileNameIncrement = 7;
     ASSERT_TRUE(config.WriteConfig());
-    const std::string onDisk = platform::readWholeFile(config.path()).value_or("");
+    const std::string onDisk = platform::readWholeFile(config.path()).valueOr("");
     setReadOnly(true);
 
     config.record.FileNameIncrement = 8;
@@ -184,7 +184,8 @@ TEST_F(UnwritableSettingsTest, AFailedWriteIsReportedOnceAndTheSettingsInForceSt
     EXPECT_NE(reasons[0].find("Read-only"), std::string::npos) << reasons[0];
     EXPECT_EQ(config.record.FileNameIncrement.toText(), "9");
     EXPECT_EQ(config.record.FormatType, "MP3");
-    EXPECT_EQ(platform::readWholeFile(config.path()), onDisk) << "the old record stays whole";
+    EXPECT_EQ(platform::readWholeFile(config.path()).valueOr(""), onDisk)
+        << "the old record stays whole";
 
     setReadOnly(false);
     EXPECT_TRUE(config.WriteConfig());

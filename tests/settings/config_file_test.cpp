@@ -158,7 +158,7 @@ std::string fullLine() {
     return recordLine(raws);
 }
 
-std::string readFile(const std::string& path) { return platform::readWholeFile(path).value_or(""); }
+std::string readFile(const std::string& path) { return platform::readWholeFile(path).valueOr(""); }
 
 class ConfigFileTest : public ::testing::Test {
   protected:
@@ -345,7 +345,7 @@ TEST_F(ConfigFileTest, ResetReturnsToWhatTheFileHoldsAndClearsTheWorkingState) {
 TEST(ShippedConfigTest, TheInstalledFirstRecordHasAllFieldsAndSensibleFirstValues) {
     const auto content =
         platform::readWholeFile(std::string(OVD_TEST_ASSETS) + "/DigitalRecorder.cfg");
-    ASSERT_TRUE(content.has_value());
+    ASSERT_TRUE(content.ok());
     EXPECT_EQ(tokenizeRecord(*content).size(), 113u);
     EXPECT_EQ(content->substr(content->size() - 2), "\r\n");
 
@@ -362,7 +362,7 @@ TEST(ShippedConfigTest, TheInstalledFirstRecordHasAllFieldsAndSensibleFirstValue
     EXPECT_EQ(config.record.RecordingFormats, "OPT2");
     EXPECT_EQ(config.record.CaptureFilePath.toText(), folder.path() + "/Recordings");
     EXPECT_EQ(config.record.ScreenSize, "Regular");
-    EXPECT_EQ(formatRecord(config.record), platform::readWholeFile(config.path()).value_or(""));
+    EXPECT_EQ(formatRecord(config.record), platform::readWholeFile(config.path()).valueOr(""));
 }
 
 }  // namespace

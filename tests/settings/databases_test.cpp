@@ -25,9 +25,12 @@ using testing::TempFolder;
 // Straight into a file past the tables' readers: to see what was stored (a null, a text
 // "True") and to plant rows an older station left behind.
 Recordset sql(const std::string& path, const std::string& statement) {
-    DatabaseConnection connection = OpenConnection(kLocalDatabaseKind, path);
+    auto connection = OpenConnection(kLocalDatabaseKind, path);
     Recordset rows;
-    OpenRecordset(connection, rows, statement);
+    EXPECT_TRUE(connection) << connection.error();
+    if (!connection) return rows;
+    const auto read = OpenRecordset(*connection, rows, statement);
+    EXPECT_TRUE(read) << read.error();
     return rows;
 }
 
@@ -90,7 +93,8 @@ TEST(DatabasesTest, MissingAndDamagedFilesReadEmptyAndOnlyAMissingOneIsMadeForTh
         ASSERT_TRUE(platform::writeWholeFile(path, garbage));
         EXPECT_TRUE(use.names(damaged.path()).empty()) << use.table;
         EXPECT_FALSE(use.add(damaged.path(), "Anne")) << use.table;
-        EXPECT_EQ(platform::readWholeFile(path), garbage) << use.table << " is left as it was";
+        EXPECT_EQ(platform::readWholeFile(path).valueOr(""), garbage)
+            << use.table << " is left as it was";
     }
     for (const TableUse& use : tableUses()) {
         ASSERT_TRUE(use.add(data, "First")) << use.table;

@@ -19,7 +19,7 @@ using testing::TempFolder;
 using testing::VirtualEventLoop;
 
 std::string contentOf(const std::string& path) {
-    return platform::readWholeFile(path).value_or("<none>");
+    return platform::readWholeFile(path).valueOr("<none>");
 }
 
 class EventLogTest : public ::testing::Test {

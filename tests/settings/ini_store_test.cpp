@@ -54,7 +54,7 @@ TEST(IniStore, ReadsTrimmedValuesFromTheFirstSectionOfTheNameCutAtNinetyNine) {
 
 std::function<bool(const IniStore&)> writeKey(std::string section, std::string key,
                                               std::optional<std::string> value) {
-    return [=](const IniStore& store) { return store.WriteKey(section, key, value); };
+    return [=](const IniStore& store) { return store.WriteKey(section, key, value).ok(); };
 }
 
 TEST(IniStore, EachWriteLeavesTheExpectedText) {
@@ -82,7 +82,7 @@ TEST(IniStore, EachWriteLeavesTheExpectedText) {
              "<no file>"},
             // A whole section is removed, the others kept.
             {"[A]\nx=1\n[B]\ny=2\n[C]\nz=3\n",
-             [](const IniStore& s) { return s.deleteSection("b"); },
+             [](const IniStore& s) { return s.deleteSection("b").ok(); },
              "[A]\r\nx=1\r\n[C]\r\nz=3\r\n"},
         };
     for (const auto& [before, write, after] : cases) {
@@ -90,7 +90,7 @@ TEST(IniStore, EachWriteLeavesTheExpectedText) {
         const std::string path = folder.file("Test.ini");
         ASSERT_TRUE(!before || platform::writeWholeFile(path, *before));
         EXPECT_TRUE(write(IniStore(path))) << after;
-        EXPECT_EQ(platform::readWholeFile(path).value_or("<no file>"), after);
+        EXPECT_EQ(platform::readWholeFile(path).valueOr("<no file>"), after);
     }
 }
 
@@ -159,7 +159,7 @@ TEST(IniFileGuard, EveryOperationNeedsFileAndSectionFirst) {
                       "IniFile Logic Error: [Section] and FileName Not Registered in Private.Ini!");
         }
     }
-    EXPECT_EQ(platform::readWholeFile(path), text);
+    EXPECT_EQ(platform::readWholeFile(path).valueOr(""), text);
 }
 
 // A file object set to Help.INI in a fresh folder; no test here expects a box.
@@ -201,7 +201,7 @@ TEST_F(IniFileTest, WritesTheTrimmedSectionAndListsItsSectionsAndKeys) {
     ini.PutInt("Entries", -12);
     ini.PutTF("Node", false);
     EXPECT_TRUE(ini.IniWrite("2", "ListItem", "Starting"));
-    EXPECT_EQ(platform::readWholeFile(folder.file("Help.INI")),
+    EXPECT_EQ(platform::readWholeFile(folder.file("Help.INI")).valueOr(""),
               "[General]\r\nEntries=-12\r\nNode=False\r\n\r\n[2]\r\nListItem=Starting\r\n");
     EXPECT_EQ(ini.IniRead("2", "listitem", "x") + ini.GetString("Missing", "?"), "Starting?");
     EXPECT_EQ(ini.GetSections(), std::string("General\0"

@@ -123,7 +123,7 @@ TEST_F(RecordWindowsTest, DamagedDatabasesSayAnErrorHasOccurdAndStayAsTheyWere) 
     EXPECT_EQ(prompts.texts(),
               (std::vector<std::string>{"An Error has Occurd", "An Error has Occurd"}));
     for (const auto which : {StationDatabase::Passwords, StationDatabase::EmailAddress}) {
-        EXPECT_EQ(platform::readWholeFile(databasePath(folder.path(), which)), junk);
+        EXPECT_EQ(platform::readWholeFile(databasePath(folder.path(), which)).valueOr(""), junk);
     }
 }
 

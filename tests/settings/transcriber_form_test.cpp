@@ -225,7 +225,8 @@ TEST_F(TranscriberFormTest, ClipboardAndDamagedFile) {
     broken.setText("txtRecCompanyName", "Pool");
     broken.setText("txtRecName", "X");
     EXPECT_FALSE(broken.save());
-    EXPECT_EQ(platform::readWholeFile(records.clientsPath()), damaged) << "the file is not lost";
+    EXPECT_EQ(platform::readWholeFile(records.clientsPath()).valueOr(""), damaged)
+        << "the file is not lost";
 }
 
 }  // namespace

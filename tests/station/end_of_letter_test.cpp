@@ -26,7 +26,7 @@ TEST_F(EndOfLetterTest, TheLetterIsSavedDeliveredAndTheNextFileOpens) {
     delivery.whileDelivering = [&] { eol.endOfLetter(); };
     eol.startEndOfLetter();
     ASSERT_EQ(delivery.delivered, std::vector<std::string>{letter});
-    EXPECT_GT(platform::fileSize(letter).value_or(0), 90000u);
+    EXPECT_GT(platform::fileSize(letter).valueOr(0), 90000u);
     EXPECT_NE(state().Filename, letter) << "the next file is open";
     EXPECT_TRUE(state().flgfileOpen1);
     EXPECT_FALSE(eol.DoingEOL);

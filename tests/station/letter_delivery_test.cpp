@@ -41,8 +41,8 @@ class LetterDeliveryTest : public dictation::testing::DictationTest {
         r.SendToOne = folder.file("One");
         r.SendToTwo = folder.file("Two");
         r.AutoEmail = true;
-        platform::createFolder(r.SendToOne);
-        platform::createFolder(r.SendToTwo);
+        EXPECT_TRUE(platform::createFolder(r.SendToOne));
+        EXPECT_TRUE(platform::createFolder(r.SendToTwo));
     }
 
     ReactingPrompts boxes;
@@ -62,11 +62,11 @@ TEST_F(LetterDeliveryTest, TheLetterReachesBothFoldersAndTheStagingAndTheNextFil
     const std::string name = fs::path(letter).filename();
     eol.startEndOfLetter();
 
-    const auto size = platform::fileSize(letter).value_or(0);
+    const auto size = platform::fileSize(letter).valueOr(0);
     EXPECT_GT(size, 90000u);
-    EXPECT_EQ(platform::fileSize(config.record.SendToOne + "/" + name), size);
-    EXPECT_EQ(platform::fileSize(config.record.SendToTwo + "/" + name), size);
-    EXPECT_EQ(platform::fileSize(recordings + "/EmailTemp/" + name), size);
+    EXPECT_EQ(platform::fileSize(config.record.SendToOne + "/" + name).valueOr(0), size);
+    EXPECT_EQ(platform::fileSize(config.record.SendToTwo + "/" + name).valueOr(0), size);
+    EXPECT_EQ(platform::fileSize(recordings + "/EmailTemp/" + name).valueOr(0), size);
     EXPECT_EQ(companion.starts, 1);
     EXPECT_NE(state().Filename, letter) << "the next letter is open";
     EXPECT_EQ(view().titlePicture, "Match.ico");

@@ -173,9 +173,8 @@ TEST_P(RecordAroundEndOfLetterTest,
                 run(500);
             ASSERT_EQ(letters.delivered.size(), 2u);
             EXPECT_EQ(letters.delivered[1], second);
-            EXPECT_NEAR(
-                static_cast<double>(platform::fileSize(second).value_or(0) - 44) / 2 / kRate,
-                seconds, 0.1);
+            EXPECT_NEAR(static_cast<double>(platform::fileSize(second).valueOr(0) - 44) / 2 / kRate,
+                        seconds, 0.1);
             for (auto handle : pending) loop.stopRepeating(handle);
             pending.clear();
             d().closeFile();

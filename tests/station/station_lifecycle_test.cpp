@@ -68,7 +68,7 @@ TEST(StationStartUpTest, TheLoadChoosesTheRecordingDeviceAsTheDeviceBoxDoes) {
 class StationRecoveryAtStartTest : public ::testing::Test {
   protected:
     StationRecoveryAtStartTest() {
-        platform::createFolder(s.recordings + "/Temp");
+        EXPECT_TRUE(platform::createFolder(s.recordings + "/Temp"));
         dictation::testing::writeRampWave(s.recordings + "/Temp/take7.tmp", 3);
         s.config.record.gNormalShutDown = false;  // the last run crashed
         s.config.WriteConfig();
@@ -178,7 +178,7 @@ TEST(StationEndTest, TheFileInHandIsSavedBeforeTheSettingsMarkTheRunAsEndedInOrd
     EXPECT_FALSE(platform::fileExists(s.folder.file("ovtitemp.ini")));
     // The log is on disk: support reads how the run ended.
     EXPECT_NE(
-        platform::readWholeFile(s.log.pathForToday()).value_or("").find("Station ended in order"),
+        platform::readWholeFile(s.log.pathForToday()).valueOr("").find("Station ended in order"),
         std::string::npos);
 
     // The next start finds nothing to recover, and the letter stays the only copy.

@@ -4,6 +4,8 @@
 // serial pedal on a pty, and scripted prompts. Its start-up, its end and the
 // hand-off from a second start run here in virtual time.
 
+#include <gtest/gtest.h>
+
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -43,9 +45,9 @@ class SaveAwareLoop : public ::ovd::testing::VirtualEventLoop {
 class VirtualStation {
   public:
     VirtualStation() {
-        platform::writeWholeFile(
+        EXPECT_TRUE(platform::writeWholeFile(
             folder.file("DigitalRecorder.cfg"),
-            platform::readWholeFile(OVD_TEST_ASSETS "/DigitalRecorder.cfg").value());
+            platform::readWholeFile(OVD_TEST_ASSETS "/DigitalRecorder.cfg").value()));
         config.ReadConfig();
         settings::SettingsRecord& r = config.record;
         r.CaptureFilePath = recordings;
@@ -54,8 +56,8 @@ class VirtualStation {
         r.FormatType = "WAV";
         r.RecoveryModule = true;
         config.WriteConfig();
-        platform::writeWholeFile(folder.file("SerialPorts.ini"),
-                                 "[Ports]\r\nCOM1=" + pty.slavePath() + "\r\n");
+        EXPECT_TRUE(platform::writeWholeFile(folder.file("SerialPorts.ini"),
+                                             "[Ports]\r\nCOM1=" + pty.slavePath() + "\r\n"));
         loop.beforeTimeMoves = [this] { letSavesFinish(); };
     }
     ~VirtualStation() {

@@ -21,13 +21,13 @@ class HelpWindowTest : public ::testing::Test {
 };
 
 TEST_F(HelpWindowTest, EntriesHangUnderTheKeyTheirRelativeNames) {
-    platform::writeWholeFile(
+    EXPECT_TRUE(platform::writeWholeFile(
         folder.file("Help.INI"),
         "[General]\r\nEntries=3\r\nListWidth=180\r\nForm Title=Station Help\r\n"
         "[1]\r\nListItem=Dictating\r\nNode=True\r\nKey=dict\r\nListTarget=dictating.txt\r\n"
         "[2]\r\nListItem=Pedals\r\nRelative=dict\r\nKey=ped\r\nListTarget=Left steps back.\r\n"
-        "[3]\r\nListItem=Faces\r\n");
-    platform::writeWholeFile(folder.file("dictating.txt"), "Press Record and speak.");
+        "[3]\r\nListItem=Faces\r\n"));
+    EXPECT_TRUE(platform::writeWholeFile(folder.file("dictating.txt"), "Press Record and speak."));
     HelpWindow help(loadHelpIndex(folder.path(), "/nowhere", prompts), {folder.path()});
     EXPECT_EQ(help.windowTitle(), "Station Help");
     QTreeWidget* tree = help.tree();
@@ -45,9 +45,10 @@ TEST_F(HelpWindowTest, EntriesHangUnderTheKeyTheirRelativeNames) {
 
 TEST_F(HelpWindowTest, WithoutHelpIniTheProgramsOwnIsRead) {
     const std::string program = folder.file("share");
-    platform::createFolder(program + "/help");
-    platform::writeWholeFile(program + "/help/Help.INI",
-                             "[General]\r\nEntries=1\r\n[1]\r\nListItem=Getting started\r\n");
+    EXPECT_TRUE(platform::createFolder(program + "/help"));
+    EXPECT_TRUE(
+        platform::writeWholeFile(program + "/help/Help.INI",
+                                 "[General]\r\nEntries=1\r\n[1]\r\nListItem=Getting started\r\n"));
     const settings::HelpIndex index = loadHelpIndex(folder.file("data"), program, prompts);
     ASSERT_EQ(index.items.size(), 1u);
     EXPECT_EQ(index.items[0].ListItem, "Getting started");

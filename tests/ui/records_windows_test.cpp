@@ -154,7 +154,7 @@ TEST_F(RecordsWindowsTest, ManualDecryptWindowDecryptsWithANamedKey) {
     prompts.answerNextText(folder.file("ENC_Letter.wav"));
     click(window, "cmdDecrypt");
     EXPECT_EQ(window.lblStatus()->text(), "File Decrypted");
-    EXPECT_EQ(platform::readWholeFile(folder.file("Letter.wav")), "spoken");
+    EXPECT_EQ(platform::readWholeFile(folder.file("Letter.wav")).valueOr(""), "spoken");
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "walk/walk_station.h"
 
+#include <gtest/gtest.h>
+
 #include <cstring>
 #include <stdexcept>
 #include <thread>
@@ -92,13 +94,13 @@ std::optional<std::string> WalkPrompts::chooseFolder(const platform::FolderReque
 void WalkPrompts::notify(const platform::Notification&) { ++shown; }
 
 WalkStation::WalkStation(const WalkSettings& chosen) : settings(chosen) {
-    platform::createFolder(recordings);
-    platform::createFolder(temporaryFolder());
-    platform::createFolder(destinationFolder());
+    EXPECT_TRUE(platform::createFolder(recordings));
+    EXPECT_TRUE(platform::createFolder(temporaryFolder()));
+    EXPECT_TRUE(platform::createFolder(destinationFolder()));
     // The letters the walk may open lie in the recordings folder from the start.
     for (const std::string& seed : {seedFiles().shortWave, seedFiles().rampMp3}) {
         const std::string target = recordings + "/" + platform::withoutFolder(seed);
-        platform::writeWholeFile(target, platform::readWholeFile(seed).value_or(""));
+        EXPECT_TRUE(platform::writeWholeFile(target, platform::readWholeFile(seed).valueOr("")));
     }
 
     settings::SettingsRecord& r = config.record;

@@ -52,7 +52,10 @@ int main(int argc, char** argv) {
         return 2;
     }
     const std::string output = argv[1];
-    platform::createFolder(output);
+    if (const auto done = platform::createFolder(output); !done) {
+        std::cerr << done.error() << "\n";
+        return 1;
+    }
     testing::TempFolder data;
     testing::ScriptedPrompts prompts;
     const settings::CompanyRecords records(data.path());

@@ -93,20 +93,30 @@ int main(int argc, char** argv) {
         return 2;
     }
     const std::string out = argv[1];
-    platform::createFolder(out);
+    if (const auto done = platform::createFolder(out); !done) {
+        std::cerr << done.error() << "\n";
+        return 1;
+    }
 
     ovd::testing::TempFolder folder;
     ovd::testing::VirtualEventLoop loop{ovd::testing::localTime(2026, 3, 9, 9, 30, 0)};
     settings::ConfigFile config{folder.path()};
-    platform::writeWholeFile(config.path(),
-                             *platform::readWholeFile(OVD_TEST_ASSETS "/DigitalRecorder.cfg"));
+    if (const auto done = platform::writeWholeFile(
+            config.path(), *platform::readWholeFile(OVD_TEST_ASSETS "/DigitalRecorder.cfg"));
+        !done) {
+        std::cerr << done.error() << "\n";
+        return 1;
+    }
     config.ReadConfig();
     config.record.CaptureFilePath = folder.file("Recordings");
     config.record.FormatType = "WAV";
     config.record.QDUDisconnected = true;
     config.record.MainWindowLeft = 20;
     config.record.MainWindowTop = 30;
-    platform::createFolder(folder.file("Recordings"));
+    if (const auto done = platform::createFolder(folder.file("Recordings")); !done) {
+        std::cerr << done.error() << "\n";
+        return 1;
+    }
     settings::EventLog log{loop, folder.path(), config.record};
     ovd::testing::ScriptedPrompts prompts;
     settings::SpeakersTable speakers{folder.path()};
