@@ -337,12 +337,14 @@ class FfmpegStream final : public EncodedStream {
         const auto fileBytes = static_cast<std::uint64_t>(status.st_size);
         const std::uint64_t packets =
             (fileBytes - std::min(fileBytes, asf_->packetsStart())) / asf_->packetBytes();
-        std::vector<std::uint8_t> last(packets > 0 ? asf_->packetBytes() : 0);
-        const auto lastAt =
-            static_cast<off_t>(asf_->packetsStart() + (packets - 1) * asf_->packetBytes());
-        if (!last.empty() &&
-            ::pread(fd_, last.data(), last.size(), lastAt) != static_cast<ssize_t>(last.size()))
-            return failure("can't read back", AVERROR(errno));
+        std::vector<std::uint8_t> last;
+        if (packets > 0) {
+            last.resize(asf_->packetBytes());
+            const auto lastAt =
+                static_cast<off_t>(asf_->packetsStart() + (packets - 1) * asf_->packetBytes());
+            if (::pread(fd_, last.data(), last.size(), lastAt) != static_cast<ssize_t>(last.size()))
+                return failure("can't read back", AVERROR(errno));
+        }
         for (const AsfCounts::Patch& patch : asf_->describing(fileBytes, packets, last)) {
             if (::pwrite(fd_, patch.bytes.data(), patch.bytes.size(),
                          static_cast<off_t>(patch.offset)) !=

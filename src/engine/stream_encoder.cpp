@@ -1,5 +1,6 @@
 #include "engine/stream_encoder.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -54,6 +55,9 @@ class WaveStream final : public EncodedStream {
         const std::function<platform::Result<void>(int fd)>& copy) override {
         if (platform::Result<void> copied = copy(fd_); !copied) return copied;
         dataBytes_ += static_cast<std::uint64_t>(frameCount) * frameBytes_;
+        // The disk starts on this stretch while the next one is copied, so the
+        // sync that completes the save waits for the last stretch only.
+        (void)::sync_file_range(fd_, 0, 0, SYNC_FILE_RANGE_WRITE);
         return platform::Result<void>::success();
     }
 
