@@ -188,9 +188,10 @@ platform::Result<void> StreamEncoder::sync() {
 }
 
 platform::Result<void> StreamEncoder::persist() {
-    // A dictation counts as saved once it would survive a power cut.
+    // A dictation counts as saved once it would survive a power cut. Its audio
+    // and length are what must survive; the times of the file may lag.
     struct stat status {};
-    if (::fsync(fd_) != 0 || ::fstat(fd_, &status) != 0)
+    if (::fdatasync(fd_) != 0 || ::fstat(fd_, &status) != 0)
         return platform::failure(systemError("can't sync the saved file"));
     syncedBytes_ = status.st_size;
     return platform::Result<void>::success();
