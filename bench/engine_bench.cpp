@@ -166,16 +166,22 @@ double cpuSeconds() {
     return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
+struct WorkFileFigures {
+    double cpuPercent;
+    double longestFlushMs;  // the recording's thread held up by one flush
+};
+
 // The work file fed as a microphone feeds it (160 frames every 10 ms) for a
 // while on the real clock, flushed every flushMs; with waitForDisk the flush
 // also waits for the disk on the recording's own thread, as it used to every 500 ms.
-double workFileCpuPercent(const std::string& folder, int flushMs, bool waitForDisk) {
+WorkFileFigures workFileFigures(const std::string& folder, int flushMs, bool waitForDisk) {
     auto created = engine::WorkFile::create(folder + "/cpu.tmp", {kRate, 1});
     if (!created) std::abort();
     const std::shared_ptr<engine::WorkFile> file = *created;
     std::vector<std::int16_t> frames(kRate / 100, 1000);
     const int syncFd = ::open(file->path().c_str(), O_RDONLY | O_CLOEXEC);
     constexpr int kSeconds = 10;
+    double longest = 0;
     const double before = cpuSeconds();
     const auto start = Clock::now();
     auto next = start;
@@ -184,13 +190,15 @@ double workFileCpuPercent(const std::string& folder, int flushMs, bool waitForDi
         std::this_thread::sleep_until(next);
         file->append(frames.data(), frames.size());
         if (tick * 10 % flushMs != 0) continue;
+        const auto flushStart = Clock::now();
         if (!file->flush()) std::abort();
         if (waitForDisk && ::fdatasync(syncFd) != 0) std::perror("fdatasync");
+        longest = std::max(longest, secondsSince(flushStart) * 1e3);
     }
     const double used = cpuSeconds() - before;
     ::close(syncFd);
     file->removeFromDisk();
-    return 100.0 * used / secondsSince(start);
+    return {100.0 * used / secondsSince(start), longest};
 }
 
 // The whole engine recording on the real clock from the virtual microphone.
@@ -212,10 +220,16 @@ double recordingCpuPercent(const std::string& folder) {
 }
 
 void measureRecordingCpu(const std::string& folder) {
-    std::printf("Work file, flushed and synced on its thread every 500 ms: %.3f %% of a core\n",
-                workFileCpuPercent(folder, 500, true));
-    std::printf("Work file, flushed every 200 ms, synced in the background: %.3f %% of a core\n",
-                workFileCpuPercent(folder, 200, false));
+    const WorkFileFigures before = workFileFigures(folder, 500, true);
+    const WorkFileFigures after = workFileFigures(folder, 200, false);
+    std::printf(
+        "Work file, flushed and synced on the recording's thread every 500 ms: %.3f %% "
+        "of a core, longest flush %.2f ms\n",
+        before.cpuPercent, before.longestFlushMs);
+    std::printf(
+        "Work file, flushed every 200 ms and synced in the background: %.3f %% of a "
+        "core, longest flush %.2f ms\n",
+        after.cpuPercent, after.longestFlushMs);
     std::printf(
         "Recording CPU of the engine (virtual microphone, 200 ms durability): %.3f %% "
         "of a core\n",
