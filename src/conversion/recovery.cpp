@@ -1,7 +1,9 @@
 // The recovery of work files: each folder is worked through until nothing is
 // left in it. A file with nothing recorded goes; a take becomes a recording of
 // the format in force, named by its length, with a copy in BACK; a take that
-// can't be converted is kept under another name rather than lost.
+// can't be converted is kept under another name rather than lost. A take cut
+// off by a crash is recovered short of at most its last quarter of a second:
+// the work file holds everything older than that.
 
 #include <filesystem>
 

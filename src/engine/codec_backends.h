@@ -38,6 +38,8 @@ class EncodedStream {
     // Frames given in the file's own layout are put at the end of the file by
     // `copy`, through the descriptor it is handed; only where copiesFrames().
     [[nodiscard]] virtual bool copiesFrames() const { return false; }
+    // Whether a file with no audio at all still opens in a player.
+    [[nodiscard]] virtual bool emptyFileIsPlayable() const { return copiesFrames(); }
     virtual platform::Result<void> appendCopied(
         SampleCount frameCount, const std::function<platform::Result<void>(int fd)>& copy);
     // Everything complete so far is in the file, and the file's header says so.
@@ -50,6 +52,12 @@ class EncodedStream {
 platform::Result<std::unique_ptr<EncodedStream>> openWaveStream(int fd, const std::string& path,
                                                                 const PcmFormat& format,
                                                                 const std::string& comment);
+// WAV at 8, 24 or 32 bits, VOX, RAW or GSM through the sound-file library,
+// with the comment where the format has a field for it.
+platform::Result<std::unique_ptr<EncodedStream>> openSndfileStream(int fd, const std::string& path,
+                                                                   const TargetFormat& target,
+                                                                   const PcmFormat& format,
+                                                                   const std::string& comment);
 // MP3 or MP2 through the codec library. An MP3 stream rewrites its Info frame at
 // every sync, so readers that trust it find every frame written so far.
 platform::Result<std::unique_ptr<EncodedStream>> openFfmpegStream(int fd, const std::string& path,

@@ -15,6 +15,7 @@
 #include <optional>
 #include <vector>
 
+#include "engine/asf_counts.h"
 #include "engine/codec_backends.h"
 #include "engine/ffmpeg_handles.h"
 #include "engine/mp3_info_frame.h"
@@ -145,6 +146,7 @@ class FfmpegStream final : public EncodedStream {
         const int code = avformat_write_header(output_.get(), nullptr);
         if (code < 0) return failure("can't write the header of", code);
         if (growing_ && target_.word == FormatWord::MP3) return findInfoFrame();
+        if (growing_ && target_.word == FormatWord::WMA) return findAsfCounts();
         return platform::Result<void>::success();
     }
 
@@ -165,7 +167,11 @@ class FfmpegStream final : public EncodedStream {
     platform::Result<void> sync() override {
         avio_flush(io_.get());
         if (io_->error < 0) return failure("can't write", io_->error);
-        if (!info_) return platform::Result<void>::success();
+        if (!info_ && !asf_) return platform::Result<void>::success();
+        // The frames reach the disk before the counts that take them in: a crash
+        // between the two leaves the file as the last save wrote it.
+        if (::fdatasync(fd_) != 0) return failure("can't sync", AVERROR(errno));
+        if (asf_) return rewriteAsfCounts();
         Mp3Tally tally = tally_;
         // The encoder's start-up as the muxer counts it: what it reports less the decoder's delay.
         tally.startPadding = std::max(codec_->initial_padding - kDecoderDelaySamples, 0);
@@ -289,21 +295,62 @@ class FfmpegStream final : public EncodedStream {
         return platform::Result<void>::success();
     }
 
-    // The Info frame the muxer put behind the ID3 tag, to be brought up to date at each sync.
-    platform::Result<void> findInfoFrame() {
+    // The bytes the muxer wrote before the first packet.
+    platform::Result<std::vector<std::uint8_t>> readHead() {
         avio_flush(io_.get());
-        if (io_->error < 0) return failure("can't write", io_->error);
+        if (io_->error < 0) return failure("can't write", io_->error).failed();
         const std::int64_t headerBytes = avio_tell(io_.get());
         std::vector<std::uint8_t> head(
             static_cast<std::size_t>(std::max<std::int64_t>(headerBytes, 0)));
         const ssize_t got = ::pread(fd_, head.data(), head.size(), 0);
         if (got != static_cast<ssize_t>(head.size())) {
-            return failure("can't read back the header of", AVERROR(got < 0 ? errno : EIO));
+            return failure("can't read back the header of", AVERROR(got < 0 ? errno : EIO))
+                .failed();
         }
-        info_ = Mp3InfoFrame::find(head.data(), head.size());
+        return head;
+    }
+
+    // The Info frame the muxer put behind the ID3 tag, to be brought up to date at each sync.
+    platform::Result<void> findInfoFrame() {
+        auto head = readHead();
+        if (!head) return head.failed();
+        info_ = Mp3InfoFrame::find(head->data(), head->size());
         if (!info_)
             return platform::failure("no Info frame at the head of " + path_ +
                                      " to keep its length in");
+        return platform::Result<void>::success();
+    }
+
+    // The counts the muxer leaves at nought until the end, to be brought up to date at each sync.
+    platform::Result<void> findAsfCounts() {
+        auto head = readHead();
+        if (!head) return head.failed();
+        asf_ = AsfCounts::find(head->data(), head->size());
+        if (!asf_) return platform::failure("no ASF header at the head of " + path_);
+        return platform::Result<void>::success();
+    }
+
+    // The muxer writes whole packets only, so the file ends on one.
+    platform::Result<void> rewriteAsfCounts() {
+        struct stat status {};
+        if (::fstat(fd_, &status) != 0) return failure("can't sync", AVERROR(errno));
+        const auto fileBytes = static_cast<std::uint64_t>(status.st_size);
+        const std::uint64_t packets =
+            (fileBytes - std::min(fileBytes, asf_->packetsStart())) / asf_->packetBytes();
+        std::vector<std::uint8_t> last;
+        if (packets > 0) {
+            last.resize(asf_->packetBytes());
+            const auto lastAt =
+                static_cast<off_t>(asf_->packetsStart() + (packets - 1) * asf_->packetBytes());
+            if (::pread(fd_, last.data(), last.size(), lastAt) != static_cast<ssize_t>(last.size()))
+                return failure("can't read back", AVERROR(errno));
+        }
+        for (const AsfCounts::Patch& patch : asf_->describing(fileBytes, packets, last)) {
+            if (::pwrite(fd_, patch.bytes.data(), patch.bytes.size(),
+                         static_cast<off_t>(patch.offset)) !=
+                static_cast<ssize_t>(patch.bytes.size()))
+                return failure("can't write the header of", AVERROR(errno));
+        }
         return platform::Result<void>::success();
     }
 
@@ -367,6 +414,7 @@ class FfmpegStream final : public EncodedStream {
     std::vector<std::int16_t> queued_;
     std::int64_t nextPts_ = 0;
     std::optional<Mp3InfoFrame> info_;
+    std::optional<AsfCounts> asf_;
     Mp3Tally tally_;
     int firstBitrateIndex_ = -1;
 };

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "engine/codec_backends.h"
+#include "engine/sndfile_formats.h"
 
 namespace ovd::engine {
 
@@ -45,27 +46,6 @@ int rawSubtype(RawEncoding encoding) {
     }
     return SF_FORMAT_PCM_16;
 }
-
-int fileFormat(const TargetFormat& target) {
-    switch (target.word) {
-        case FormatWord::WAV:
-            return SF_FORMAT_WAV | wavSubtype(target.bitsPerSample);
-        case FormatWord::VOX:
-            return SF_FORMAT_RAW | SF_FORMAT_VOX_ADPCM;
-        // Headerless samples keep the byte order of the wave files they stand in for.
-        case FormatWord::RAW:
-            return SF_FORMAT_RAW | rawSubtype(target.raw) | SF_ENDIAN_LITTLE;
-        case FormatWord::DSP:
-            return SF_FORMAT_WAV | SF_FORMAT_GSM610;
-        case FormatWord::MP3:
-        case FormatWord::MP2:
-        case FormatWord::WMA:
-            break;
-    }
-    return 0;
-}
-
-bool hasCommentField(FormatWord word) { return word == FormatWord::WAV || word == FormatWord::DSP; }
 
 std::string extensionOf(int majorFormat) {
     SF_FORMAT_INFO info{};
@@ -143,12 +123,35 @@ platform::Result<void> writeAll(SNDFILE* file, const EncodeJob& job, const std::
 
 }  // namespace
 
+int sndfileFormatOf(const TargetFormat& target) {
+    switch (target.word) {
+        case FormatWord::WAV:
+            return SF_FORMAT_WAV | wavSubtype(target.bitsPerSample);
+        case FormatWord::VOX:
+            return SF_FORMAT_RAW | SF_FORMAT_VOX_ADPCM;
+        // Headerless samples keep the byte order of the wave files they stand in for.
+        case FormatWord::RAW:
+            return SF_FORMAT_RAW | rawSubtype(target.raw) | SF_ENDIAN_LITTLE;
+        case FormatWord::DSP:
+            return SF_FORMAT_WAV | SF_FORMAT_GSM610;
+        case FormatWord::MP3:
+        case FormatWord::MP2:
+        case FormatWord::WMA:
+            break;
+    }
+    return 0;
+}
+
+bool sndfileCarriesComment(FormatWord word) {
+    return word == FormatWord::WAV || word == FormatWord::DSP;
+}
+
 platform::Result<void> encodeWithSndfile(const EncodeJob& job, int fd, const std::string& path) {
     const PcmFormat pcm = job.pcm.format();
     SF_INFO info{};
     info.samplerate = pcm.sampleRate;
     info.channels = pcm.channels;
-    info.format = fileFormat(job.target);
+    info.format = sndfileFormatOf(job.target);
     const std::string word = formatWordText(job.target.word);
     if (info.format == 0 || !sf_format_check(&info)) {
         return platform::failure("can't write " + word + " at " + std::to_string(pcm.sampleRate) +
@@ -159,7 +162,7 @@ platform::Result<void> encodeWithSndfile(const EncodeJob& job, int fd, const std
     if (!file)
         return platform::failure("can't write " + path + " as " + word + ": " +
                                  sf_strerror(nullptr));
-    if (!job.comment.empty() && hasCommentField(job.target.word) &&
+    if (!job.comment.empty() && sndfileCarriesComment(job.target.word) &&
         sf_set_string(file.get(), SF_STR_COMMENT, job.comment.c_str()) != 0) {
         return platform::failure("can't write the comment into " + path + ": " +
                                  sf_strerror(file.get()));
@@ -183,7 +186,7 @@ platform::Result<std::unique_ptr<AudioFileReader>> openHeaderless(const std::str
     info.channels = kind == FormatWord::VOX ? 1 : layout.channels;
     TargetFormat asWritten = layout;
     asWritten.word = kind;
-    info.format = fileFormat(asWritten);
+    info.format = sndfileFormatOf(asWritten);
     if (info.samplerate <= 0 || info.channels < 1 || !sf_format_check(&info)) {
         return platform::failure("can't read " + path + ": no usable layout for a " +
                                  formatWordText(kind) + " file");

@@ -1,5 +1,6 @@
 #include "engine/stream_encoder.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -53,10 +54,15 @@ class WaveStream final : public EncodedStream {
         const std::function<platform::Result<void>(int fd)>& copy) override {
         if (platform::Result<void> copied = copy(fd_); !copied) return copied;
         dataBytes_ += static_cast<std::uint64_t>(frameCount) * frameBytes_;
+        // The disk starts on this stretch while the next one is copied, so the
+        // sync that completes the save waits for the last stretch only.
+        (void)::sync_file_range(fd_, 0, 0, SYNC_FILE_RANGE_WRITE);
         return platform::Result<void>::success();
     }
 
     platform::Result<void> sync() override {
+        // The frames reach the disk before the header that counts them.
+        if (::fdatasync(fd_) != 0) return platform::systemFailure("can't sync " + path_, errno);
         const std::vector<std::uint8_t> header = pcmWaveHeader(format_, comment_, dataBytes_);
         if (::pwrite(fd_, header.data(), header.size(), 0) != static_cast<ssize_t>(header.size())) {
             return platform::systemFailure("can't write the header of " + path_, errno);
@@ -90,23 +96,20 @@ platform::Result<std::unique_ptr<EncodedStream>> openWaveStream(int fd, const st
     return std::unique_ptr<EncodedStream>(std::move(stream));
 }
 
-bool StreamEncoder::supports(const TargetFormat& target) {
-    switch (target.word) {
-        case FormatWord::WAV:
-            // The other widths go through the sound-file library, whole.
-            return target.bitsPerSample != 8 && target.bitsPerSample != 24 &&
-                   target.bitsPerSample != 32;
-        case FormatWord::MP3:
-        case FormatWord::MP2:
-            return true;
-        case FormatWord::WMA:  // its header counts what follows, so it can't grow
-        case FormatWord::VOX:
-        case FormatWord::RAW:
-        case FormatWord::DSP:
-            return false;
-    }
-    return false;
+namespace {
+
+bool writtenByUs(const TargetFormat& target) {
+    return target.word == FormatWord::WAV && target.bitsPerSample != 8 &&
+           target.bitsPerSample != 24 && target.bitsPerSample != 32;
 }
+
+bool writtenByTheSoundFileLibrary(const TargetFormat& target) {
+    return (target.word == FormatWord::WAV && !writtenByUs(target)) ||
+           target.word == FormatWord::VOX || target.word == FormatWord::RAW ||
+           target.word == FormatWord::DSP;
+}
+
+}  // namespace
 
 StreamEncoder::StreamEncoder(int fd, const PcmFormat& source, const PcmFormat& encoded)
     : fd_(fd), source_(source), encoded_(encoded) {}
@@ -123,7 +126,7 @@ platform::Result<std::unique_ptr<StreamEncoder>> StreamEncoder::open(int fd,
                                                                      const std::string& comment) {
     const PcmFormat encoded = encodedPcmFormat(target, source);
     std::unique_ptr<StreamEncoder> encoder(new StreamEncoder(fd, source, encoded));
-    if (!supports(target) || source.sampleRate <= 0 || source.channels < 1) {
+    if (source.sampleRate <= 0 || source.channels < 1) {
         return platform::failure("a " + formatWordText(target.word) +
                                  " file can't be written a stretch at a time");
     }
@@ -132,8 +135,9 @@ platform::Result<std::unique_ptr<StreamEncoder>> StreamEncoder::open(int fd,
         if (!resampler) return resampler.failed();
         encoder->resampler_ = std::move(*resampler);
     }
-    auto stream = target.word == FormatWord::WAV
-                      ? openWaveStream(fd, path, encoded, comment)
+    auto stream = writtenByUs(target) ? openWaveStream(fd, path, encoded, comment)
+                  : writtenByTheSoundFileLibrary(target)
+                      ? openSndfileStream(fd, path, target, encoded, comment)
                       : openFfmpegStream(fd, path, target, encoded, comment);
     if (!stream) return stream.failed();
     encoder->stream_ = std::move(*stream);
@@ -183,9 +187,10 @@ platform::Result<void> StreamEncoder::sync() {
 }
 
 platform::Result<void> StreamEncoder::persist() {
-    // A dictation counts as saved once it would survive a power cut.
+    // A dictation counts as saved once it would survive a power cut. Its audio
+    // and length are what must survive; the times of the file may lag.
     struct stat status {};
-    if (::fsync(fd_) != 0 || ::fstat(fd_, &status) != 0)
+    if (::fdatasync(fd_) != 0 || ::fstat(fd_, &status) != 0)
         return platform::systemFailure("can't sync the saved file", errno);
     syncedBytes_ = status.st_size;
     return platform::Result<void>::success();
@@ -211,7 +216,7 @@ platform::Result<void> StreamEncoder::finish() {
             !written)
             return written;
     }
-    if (encodedFrames_ == 0 && !stream_->copiesFrames()) {
+    if (encodedFrames_ == 0 && !stream_->emptyFileIsPlayable()) {
         // A coded file with no frame at all is one no player opens: a letter the
         // author emptied is saved as a millisecond of silence instead.
         converted_.assign(static_cast<std::size_t>(encoded_.sampleRate / 1000 * encoded_.channels),

@@ -3,8 +3,8 @@
 // the new audio to the file the last save wrote, instead of encoding the whole
 // take again. After sync() the file holds everything complete so far and reads
 // back as a whole file of that length; what the codec and the rate converter
-// still hold back (up to a fifth of a second of MP3) goes in at finish(). WAV at
-// 16 bits, MP3 and MP2 are written this way; the others are saved whole each time.
+// still hold back (up to a fifth of a second of MP3, a packet of WMA, a GSM
+// block) goes in at finish(). Every format is written this way.
 
 #include <functional>
 #include <memory>
@@ -20,7 +20,6 @@ class Resampler;
 
 class StreamEncoder {
   public:
-    [[nodiscard]] static bool supports(const TargetFormat& target);
     // Starts the file in fd (open for reading and writing, empty); the encoder owns
     // the descriptor from here on, and closes it when it can't start. It never
     // locks it: the lock the saver holds on the target guards the file. Fails with

@@ -5,7 +5,9 @@
 namespace ovd::engine {
 
 namespace {
-constexpr int kSyncMs = 500;  // the work file is on disk within a second, whatever happens
+// A crash loses at most a quarter of a second of speech: the work file is
+// written this often, and the capture hands its audio over within the rest.
+constexpr int kSyncMs = 200;
 constexpr int kFeedMs = 20;
 constexpr std::size_t kUndoDepth = 100;
 }  // namespace

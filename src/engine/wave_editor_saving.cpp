@@ -214,14 +214,11 @@ platform::Result<void> WaveEditor::saveWhole(const SaveJob& job, const SaveProgr
     // at most this file beside it, which the recovery clears away.
     const std::string partial = job.path + kPartialSuffix;
     std::unique_ptr<StreamEncoder> encoder;
-    if (StreamEncoder::supports(job.target)) {
-        const int fd = ::open(partial.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-        // A file that can't be started to grow is written whole below, which says why if it fails
-        // too.
-        if (fd >= 0) {
-            auto opened = StreamEncoder::open(fd, partial, job.target, job.format, job.comment);
-            if (opened) encoder = std::move(*opened);
-        }
+    // A file that can't be started to grow is written whole below, which says why if it fails too.
+    if (const int fd = ::open(partial.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+        fd >= 0) {
+        auto opened = StreamEncoder::open(fd, partial, job.target, job.format, job.comment);
+        if (opened) encoder = std::move(*opened);
     }
     platform::Result<void> result = platform::Result<void>::success();
     if (encoder) {

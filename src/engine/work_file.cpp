@@ -83,7 +83,10 @@ WorkFile::WorkFile(std::string path, platform::LockedFile file, const PcmFormat&
       frameBytes_(static_cast<std::size_t>(format.channels) * sizeof(std::int16_t)) {}
 
 WorkFile::~WorkFile() {
-    if (!removed_) (void)flush();
+    stopSyncing();
+    if (removed_) return;
+    // Let go in order: everything goes to the disk before the file is closed.
+    if (writeBuffered() && writeHeader()) (void)::fdatasync(fd_);
 }
 
 SampleCount WorkFile::frames() const {
@@ -146,10 +149,46 @@ platform::Result<void> WorkFile::writeHeader() {
 }
 
 platform::Result<void> WorkFile::flush() {
+    // Written first, so a killed station leaves it for the recovery at once: the
+    // kernel keeps what was written whatever becomes of the process.
     if (platform::Result<void> written = writeBuffered(); !written) return written;
     if (platform::Result<void> header = writeHeader(); !header) return header;
-    if (::fdatasync(fd_) != 0) return platform::systemFailure("can't sync " + path_, errno);
+    syncInBackground();
+    const std::lock_guard lock(syncMutex_);
+    if (!syncError_.empty()) return platform::failure(syncError_);
     return platform::Result<void>::success();
+}
+
+void WorkFile::syncInBackground() {
+    const std::lock_guard lock(syncMutex_);
+    syncWanted_ = true;
+    if (!syncer_.joinable()) syncer_ = std::thread([this] { syncWhenAsked(); });
+    syncAsked_.notify_one();
+}
+
+void WorkFile::syncWhenAsked() {
+    std::unique_lock lock(syncMutex_);
+    while (true) {
+        syncAsked_.wait(lock, [this] { return syncWanted_ || syncStopping_; });
+        if (!syncWanted_) return;
+        syncWanted_ = false;
+        lock.unlock();
+        // A disk that takes its time holds up this thread only; flushes asked
+        // for meanwhile are met by the next sync.
+        const bool synced = ::fdatasync(fd_) == 0;
+        const std::string error = synced ? "" : platform::systemFailure("can't sync " + path_, errno).reason;
+        lock.lock();
+        syncError_ = error;
+    }
+}
+
+void WorkFile::stopSyncing() {
+    {
+        const std::lock_guard lock(syncMutex_);
+        syncStopping_ = true;
+        syncAsked_.notify_one();
+    }
+    if (syncer_.joinable()) syncer_.join();
 }
 
 std::size_t WorkFile::read(SampleCount start, std::int16_t* out, std::size_t frameCount) const {
@@ -226,6 +265,7 @@ platform::Result<void> WorkFile::copyTo(int fd, SampleCount start, SampleCount f
 }
 
 void WorkFile::removeFromDisk() {
+    stopSyncing();
     removed_ = true;
     ::unlink(path_.c_str());
 }

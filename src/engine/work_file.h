@@ -1,14 +1,18 @@
 #pragma once
 // The file a document's audio lives in while it is edited: a WAV file of 16-bit
-// frames in the Temp folder, only ever appended to. Its header is brought up to
-// date and the data synced at every flush, so a station that is killed leaves a
-// file the recovery can open, short of at most the audio since the last flush.
-// The document refers to ranges of it; an edit never rewrites it.
+// frames in the Temp folder, only ever appended to. Its data and header are
+// written at every flush, so a station that is killed leaves a file the recovery
+// can open, short of at most the audio since the last flush; a thread of the
+// file's own then makes them durable, so a power cut loses no more, while the
+// recording never waits on the disk. The document refers to ranges of it; an
+// edit never rewrites it.
 
+#include <condition_variable>
 #include <cstdint>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "engine/audio_backend.h"
@@ -32,7 +36,9 @@ class WorkFile {
 
     // Adds frames at the end; returns the frame index they start at.
     SampleCount append(const std::int16_t* frames, std::size_t frameCount);
-    // Writes what is buffered, updates the header and syncs the data to disk.
+    // Writes what is buffered and updates the header, and has both synced to the
+    // disk without waiting for it; fails with what the disk refused, here or at
+    // the last sync.
     platform::Result<void> flush();
     // Reads frames from any thread; frames past the end read as nothing (returns fewer).
     std::size_t read(SampleCount start, std::int16_t* out, std::size_t frameCount) const;
@@ -51,6 +57,9 @@ class WorkFile {
     WorkFile(std::string path, platform::LockedFile file, const PcmFormat& format);
     platform::Result<void> writeBuffered();
     platform::Result<void> writeHeader();
+    void syncInBackground();
+    void syncWhenAsked();
+    void stopSyncing();
 
     std::string path_;
     platform::LockedFile file_;
@@ -61,6 +70,13 @@ class WorkFile {
     SampleCount framesOnDisk_ = 0;
     std::vector<std::int16_t> pending_;  // appended, not yet written
     bool removed_ = false;
+
+    std::mutex syncMutex_;
+    std::condition_variable syncAsked_;
+    bool syncWanted_ = false;
+    bool syncStopping_ = false;
+    std::string syncError_;  // what the disk said at the last sync; empty when it took it
+    std::thread syncer_;     // started at the first flush
 };
 
 }  // namespace ovd::engine
