@@ -8,8 +8,7 @@ namespace {
 constexpr platform::Milliseconds kOneMinute = std::chrono::minutes(1);
 }
 
-FtpSchedule::FtpSchedule(platform::EventLoop& loop, Run run)
-    : loop_(loop), run_(std::move(run)) {}
+FtpSchedule::FtpSchedule(platform::EventLoop& loop, Run run) : loop_(loop), run_(std::move(run)) {}
 
 FtpSchedule::~FtpSchedule() {
     *alive_ = false;

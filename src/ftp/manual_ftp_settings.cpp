@@ -54,7 +54,8 @@ bool saveManualFtpSettings(const std::string& dataFolder, const ManualFtpSetting
     const settings::IniStore store = storeIn(dataFolder);
     bool written = store.WriteKey(kFtpSettingsSection, "Timer", std::to_string(settings.Timer));
     written = store.WriteKey(kFtpSettingsSection, "ManActive", flag(settings.ManActive)) && written;
-    written = store.WriteKey(kFtpSettingsSection, "ManPassive", flag(settings.ManPassive)) && written;
+    written =
+        store.WriteKey(kFtpSettingsSection, "ManPassive", flag(settings.ManPassive)) && written;
     written = store.WriteKey(kFtpSettingsSection, "ManAscii", flag(settings.ManAscii)) && written;
     written = store.WriteKey(kFtpSettingsSection, "ManBin", flag(settings.ManBin)) && written;
     return written;

@@ -34,9 +34,12 @@ SiteScheme schemeFromText(const std::string& text) {
 
 const char* schemeText(SiteScheme scheme) {
     switch (scheme) {
-        case SiteScheme::Ftp: return "ftp";
-        case SiteScheme::Ftps: return "ftps";
-        case SiteScheme::Sftp: return "sftp";
+        case SiteScheme::Ftp:
+            return "ftp";
+        case SiteScheme::Ftps:
+            return "ftps";
+        case SiteScheme::Sftp:
+            return "sftp";
     }
     return "ftp";
 }

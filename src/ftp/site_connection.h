@@ -12,7 +12,7 @@ namespace ovd::ftp {
 
 // Keys this station adds to a site record. A record written before they existed
 // reads as plain FTP with the system's authorities, which is what it always was.
-inline constexpr const char* kSiteSecurityKey = "FTPSecurity";            // ftp, ftps, sftp
+inline constexpr const char* kSiteSecurityKey = "FTPSecurity";             // ftp, ftps, sftp
 inline constexpr const char* kSitePinnedCertificateKey = "FTPPinnedCert";  // PEM file
 
 // FTPMode and FTPTranferMode as the setup windows write them.

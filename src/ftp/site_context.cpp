@@ -19,9 +19,8 @@ platform::Result<PreparedUpload> prepareUpload(const SiteContext& site, const st
                                                bool ruleName, platform::Prompts& prompts) {
     const std::string fileName = platform::withoutFolder(path);
     if (!site.enciphers()) return PreparedUpload{path, fileName, false};
-    auto enciphered =
-        crypto::encipherFtpUpload(path, site.record.get("FTPEncryptKey"), site.ftpTempFolder(),
-                                  prompts);
+    auto enciphered = crypto::encipherFtpUpload(path, site.record.get("FTPEncryptKey"),
+                                                site.ftpTempFolder(), prompts);
     if (!enciphered) return enciphered.failed();
     PreparedUpload prepared{enciphered->path, enciphered->remoteName, enciphered->path != path};
     if (prepared.temporary && ruleName) {
@@ -47,8 +46,8 @@ std::string downloadName(const SiteContext& site, const std::string& remoteName)
 bool decipherDownload(const SiteContext& site, const std::string& localPath,
                       platform::Prompts& prompts) {
     if (!platform::withoutFolder(localPath).starts_with(crypto::kEncipheredPrefix)) return true;
-    const std::string keyText = crypto::ftpReceivingKeyText(site.record.get("RECEncryptKey"),
-                                                            site.ourCompany, site.ourKey);
+    const std::string keyText =
+        crypto::ftpReceivingKeyText(site.record.get("RECEncryptKey"), site.ourCompany, site.ourKey);
     if (crypto::DecryptFile(localPath, keyText, prompts).DecryptFailed) return false;
     std::remove(localPath.c_str());
     return true;

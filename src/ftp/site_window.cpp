@@ -44,7 +44,10 @@ std::vector<RemoteRow> remoteRowsOf(const cDirList& list) {
 
 FtpSiteWindow::FtpSiteWindow(platform::EventLoop& loop, platform::Prompts& prompts,
                              FtpSession& session, SiteContext site)
-    : loop_(loop), prompts_(prompts), session_(session), site_(std::move(site)),
+    : loop_(loop),
+      prompts_(prompts),
+      session_(session),
+      site_(std::move(site)),
       connection_(connectionFor(site_.record).settings) {
     view_.session = kNoSessionText;
 }
@@ -148,7 +151,8 @@ void FtpSiteWindow::connect(std::function<void(bool)> connected) {
     const ConnectionSettings settings = connection_;
     auto started = session_.start(
         [settings](FtpClient& client, const ProgressCallback&) { return client.connect(settings); },
-        nullptr, [this, settings, connected](const platform::Result<void>& outcome) {
+        nullptr,
+        [this, settings, connected](const platform::Result<void>& outcome) {
             if (!outcome) {
                 // The reason the station has always kept for a refused connection; the
                 // client's own words stay beside it for the log.
@@ -161,8 +165,8 @@ void FtpSiteWindow::connect(std::function<void(bool)> connected) {
             }
             view_.FTPFailed = false;
             view_.FTPError.clear();
-            view_.status = connectedStatusText(settings.hostName, settings.userName,
-                                               clockText(loop_.now()));
+            view_.status =
+                connectedStatusText(settings.hostName, settings.userName, clockText(loop_.now()));
             markConnected(true);
             refreshRemote();
             if (connected) connected(true);

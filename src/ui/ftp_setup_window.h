@@ -34,10 +34,9 @@ class FtpSetupWindow : public QDialog {
     void chooseCompany(const QString& name);
 
   private:
-    void addLine(QFormLayout* layout, const char* control, const char* key,
-                 const QString& label, bool secret = false);
-    void addCheck(QFormLayout* layout, const char* control, const char* key,
-                  const QString& label);
+    void addLine(QFormLayout* layout, const char* control, const char* key, const QString& label,
+                 bool secret = false);
+    void addCheck(QFormLayout* layout, const char* control, const char* key, const QString& label);
     void render();
     void takeBoxes();
 

@@ -54,8 +54,12 @@ std::vector<std::string> selectedNames(const QList<QListWidgetItem*>& items) {
 FtpTransferWindow::FtpTransferWindow(FtpWindowFace face, const std::string& dataFolder,
                                      const std::string& programFolder, platform::Prompts& prompts,
                                      QWidget* parent)
-    : QDialog(parent), face_(face), prompts_(prompts), programFolder_(programFolder),
-      records_(dataFolder), session_(loop_, std::make_unique<ftp::CurlFtpClient>()) {
+    : QDialog(parent),
+      face_(face),
+      prompts_(prompts),
+      programFolder_(programFolder),
+      records_(dataFolder),
+      session_(loop_, std::make_unique<ftp::CurlFtpClient>()) {
     const bool automatic = face == FtpWindowFace::Automatic;
     setObjectName(automatic ? "FTPfrmAutoFTP" : "FTPfrmFTP");
     setWindowTitle(automatic ? tr("Automatic FTP") : tr("FTP"));
@@ -120,9 +124,8 @@ FtpTransferWindow::FtpTransferWindow(FtpWindowFace face, const std::string& data
     bottom->addWidget(progress_, 1);
     layout->addLayout(bottom);
 
-    const std::string localStart = automatic
-                                       ? window_->site().record.get("FTPUFLMUploadFrom")
-                                       : std::string();
+    const std::string localStart =
+        automatic ? window_->site().record.get("FTPUFLMUploadFrom") : std::string();
     window_->setLocalFolder(localStart.empty() ? records_.dataFolder() : localStart);
     if (automatic) armSchedule();
     render();

@@ -211,8 +211,7 @@ void StationMenus::buildTools() {
                                   parts_.prompts);
         };
     };
-    add(tools, "mnFTPTransfer", QObject::tr("FTP Transfer..."),
-        ftpWindow(FtpWindowFace::Manual));
+    add(tools, "mnFTPTransfer", QObject::tr("FTP Transfer..."), ftpWindow(FtpWindowFace::Manual));
     add(tools, "mnAutoFTP", QObject::tr("Automatic FTP..."), ftpWindow(FtpWindowFace::Automatic));
     tools->addSeparator();
     add(tools, "mnuDebugTrace", QObject::tr("Debug Trace"), [this] {

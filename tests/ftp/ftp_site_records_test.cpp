@@ -13,17 +13,20 @@
 namespace ovd::ftp {
 namespace {
 
-settings::TranscriberRecord recordOf(std::initializer_list<std::pair<const char*, const char*>> keys) {
+settings::TranscriberRecord recordOf(
+    std::initializer_list<std::pair<const char*, const char*>> keys) {
     settings::TranscriberRecord record;
     for (const auto& [key, value] : keys) record.set(key, value);
     return record;
 }
 
 TEST(SiteConnectionTest, AnOldRecordIsPlainPassiveBinaryFtpOnPort21) {
-    const SiteConnection site = connectionFor(
-        recordOf({{"FTPServer", " ftp.example.com "}, {"FTPUserName", "typist"},
-                  {"FTPPassword", "secret"}, {"FTPPort", ""}, {"FTPUseProxyServer", "False"},
-                  {"FTPProxyAddress", "proxy.example.com"}}));
+    const SiteConnection site = connectionFor(recordOf({{"FTPServer", " ftp.example.com "},
+                                                        {"FTPUserName", "typist"},
+                                                        {"FTPPassword", "secret"},
+                                                        {"FTPPort", ""},
+                                                        {"FTPUseProxyServer", "False"},
+                                                        {"FTPProxyAddress", "proxy.example.com"}}));
     EXPECT_EQ(site.scheme, SiteScheme::Ftp);
     EXPECT_EQ(site.settings.hostName, "ftp.example.com");
     EXPECT_EQ(site.settings.port, 21);
@@ -36,10 +39,14 @@ TEST(SiteConnectionTest, AnOldRecordIsPlainPassiveBinaryFtpOnPort21) {
 }
 
 TEST(SiteConnectionTest, ChosenModeTypeProxyAndSecurityReachTheConnection) {
-    const SiteConnection tls = connectionFor(recordOf(
-        {{"FTPPort", "2121"}, {"FTPMode", "Active"}, {"FTPTranferMode", "ASCII"},
-         {"FTPUseProxyServer", "1"}, {"FTPProxyAddress", "proxy.example.com"},
-         {"FTPProxyPort", "3128"}, {"FTPSecurity", "FTPS"}, {"FTPPinnedCert", "/site/cert.pem"}}));
+    const SiteConnection tls = connectionFor(recordOf({{"FTPPort", "2121"},
+                                                       {"FTPMode", "Active"},
+                                                       {"FTPTranferMode", "ASCII"},
+                                                       {"FTPUseProxyServer", "1"},
+                                                       {"FTPProxyAddress", "proxy.example.com"},
+                                                       {"FTPProxyPort", "3128"},
+                                                       {"FTPSecurity", "FTPS"},
+                                                       {"FTPPinnedCert", "/site/cert.pem"}}));
     EXPECT_EQ(tls.settings.port, 2121);
     EXPECT_FALSE(tls.settings.passiveMode);
     EXPECT_EQ(tls.settings.transferType, TransferType::Ascii);
@@ -95,10 +102,10 @@ TEST_F(FtpSetupFormTest, WithoutATranscriberNothingLoadsOrSaves) {
     EXPECT_EQ(form.companies(), (std::vector<std::string>{"Transcribe Right"}));
     EXPECT_FALSE(form.GetInfoForCrypt(""));
     EXPECT_FALSE(form.WriteCryptoInfo());
-    EXPECT_EQ(prompts_.texts(),
-              (std::vector<std::string>{
-                  "No Current Transcriber selected'  Information Not Available",
-                  "No Current Transcriber selected'  Information Not Available"}));
+    EXPECT_EQ(
+        prompts_.texts(),
+        (std::vector<std::string>{"No Current Transcriber selected'  Information Not Available",
+                                  "No Current Transcriber selected'  Information Not Available"}));
 }
 
 TEST_F(FtpSetupFormTest, EncipheringWithoutAKeyAsksForItAndItsCharactersBeforeSaving) {

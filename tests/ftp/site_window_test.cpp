@@ -41,9 +41,9 @@ TEST_F(FtpSiteWindowTest, AFailedConnectIsToldAndEveryRemoteCommandRefused) {
     ASSERT_TRUE(runUntil([&] { return finished; }));
     EXPECT_FALSE(connected);
     const FtpWindowView& view = window_->view();
-    EXPECT_EQ(view.status.rfind("Could not establish connection.\r\nCan NOT Connect to FTP Server",
-                                0),
-              0u)
+    EXPECT_EQ(
+        view.status.rfind("Could not establish connection.\r\nCan NOT Connect to FTP Server", 0),
+        0u)
         << view.status;
     EXPECT_EQ(view.session, "no Session");
     EXPECT_TRUE(view.FTPFailed);
@@ -54,9 +54,9 @@ TEST_F(FtpSiteWindowTest, AFailedConnectIsToldAndEveryRemoteCommandRefused) {
     window_->selectRemote({"a.wav"});
     window_->command(kDeleteKey);
     window_->command(kDisconnectKey);
-    EXPECT_EQ(prompts_.texts(),
-              (std::vector<std::string>{"Not Connected.", "Not Connected.",
-                                        "Not connected to an FTP Server...You must connect first."}));
+    EXPECT_EQ(prompts_.texts(), (std::vector<std::string>{
+                                    "Not Connected.", "Not Connected.",
+                                    "Not connected to an FTP Server...You must connect first."}));
 }
 
 TEST_F(FtpSiteWindowTest, RemoteCommandsDoWhatTheySayAndSayWhatTheyDid) {
@@ -73,10 +73,10 @@ TEST_F(FtpSiteWindowTest, RemoteCommandsDoWhatTheySayAndSayWhatTheyDid) {
     SiteContext other = site_;
     other.record.set("FTPServer", "192.0.2.1");
     EXPECT_FALSE(window_->changeSite(other));
-    EXPECT_EQ(prompts_.texts(),
-              (std::vector<std::string>{
-                  "Already connected to an FTP Server...You must disconnect first.",
-                  "To Change settings please disconnect from FTP Server"}));
+    EXPECT_EQ(
+        prompts_.texts(),
+        (std::vector<std::string>{"Already connected to an FTP Server...You must disconnect first.",
+                                  "To Change settings please disconnect from FTP Server"}));
 
     // Into the test's folder through the list, as a double click does.
     for (const std::string& part : {std::string("incoming"), remoteFolder_.substr(10)}) {
@@ -107,15 +107,16 @@ TEST_F(FtpSiteWindowTest, RemoteCommandsDoWhatTheySayAndSayWhatTheyDid) {
     window_->command(kDeleteKey);
     EXPECT_FALSE(fs::exists(onServer("Letters")));
     EXPECT_FALSE(fs::exists(onServer("new name.wav")));
-    EXPECT_EQ(prompts_.texts(),
-              (std::vector<std::string>{
-                  "Please enter a name for this directory:", "Directory Letters was successfully created.",
-                  "Please enter a new name for this file:",
-                  "The file old name.wav was successfuly renamed to new name.wav",
-                  "Are you sure you want to delete new name.wav",
-                  "Are you sure you want to delete Letters", "Directory Letters was successfully removed.",
-                  "Are you sure you want to delete new name.wav",
-                  "The file new name.wav was successfully deleted."}));
+    EXPECT_EQ(prompts_.texts(), (std::vector<std::string>{
+                                    "Please enter a name for this directory:",
+                                    "Directory Letters was successfully created.",
+                                    "Please enter a new name for this file:",
+                                    "The file old name.wav was successfuly renamed to new name.wav",
+                                    "Are you sure you want to delete new name.wav",
+                                    "Are you sure you want to delete Letters",
+                                    "Directory Letters was successfully removed.",
+                                    "Are you sure you want to delete new name.wav",
+                                    "The file new name.wav was successfully deleted."}));
     EXPECT_EQ(prompts_.transcript()[4].title, "Delete?");
     EXPECT_EQ(prompts_.transcript()[4].defaultAnswer, Answer::No);
 

@@ -76,7 +76,8 @@ TEST_F(UnattendedRunTest, TheUploadRuleSendsMatchingFilesAndMovesThemAway) {
     EXPECT_FALSE(window_->view().connected);
 }
 
-TEST_F(UnattendedRunTest, AnEncipheringSiteGetsTheLetterUnderItsTransportNameAndItStaysWithoutMove) {
+TEST_F(UnattendedRunTest,
+       AnEncipheringSiteGetsTheLetterUnderItsTransportNameAndItStaysWithoutMove) {
     writeBytes(local_.file("upload/letter.wav"), "dictated words");
     uploadRule("", /*moveAfter=*/false);
     site_.record.set("FTPEncryptOption", "True");
