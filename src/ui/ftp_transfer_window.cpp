@@ -64,7 +64,7 @@ FtpTransferWindow::FtpTransferWindow(FtpWindowFace face, const std::string& data
     setObjectName(automatic ? "FTPfrmAutoFTP" : "FTPfrmFTP");
     setWindowTitle(automatic ? tr("Automatic FTP") : tr("FTP"));
     setModal(false);
-    resize(820, 560);
+    resize(980, 560);
 
     std::string company = records_.defaultFtpClient();
     const settings::TranscriberStore store(records_);
@@ -191,7 +191,11 @@ void FtpTransferWindow::buildPanes(QVBoxLayout* layout) {
     remote_->setRootIsDecorated(false);
     remote_->setSelectionMode(QAbstractItemView::ExtendedSelection);
     remote_->setHeaderLabels({tr("Name"), tr("Size"), tr("Date"), tr("Attributes")});
+    remote_->header()->setStretchLastSection(false);
     remote_->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    for (int column = 1; column < 4; ++column) {
+        remote_->header()->setSectionResizeMode(column, QHeaderView::ResizeToContents);
+    }
     QObject::connect(remote_, &QTreeWidget::itemSelectionChanged, this, [this] {
         std::vector<std::string> names;
         for (const QTreeWidgetItem* item : remote_->selectedItems()) {
