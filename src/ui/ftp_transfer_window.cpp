@@ -419,7 +419,8 @@ void FtpTransferWindow::render() {
 }
 
 void showFtpTransferWindow(FtpWindowFace face, QWidget* parent, const std::string& dataFolder,
-                           const std::string& programFolder, platform::Prompts& prompts) {
+                           const std::string& programFolder, const std::string& recordings,
+                           platform::Prompts& prompts) {
     const char* name = face == FtpWindowFace::Automatic ? "FTPfrmAutoFTP" : "FTPfrmFTP";
     if (parent != nullptr) {
         if (auto* open = parent->findChild<FtpTransferWindow*>(name)) {
@@ -429,6 +430,9 @@ void showFtpTransferWindow(FtpWindowFace face, QWidget* parent, const std::strin
         }
     }
     auto* window = new FtpTransferWindow(face, dataFolder, programFolder, prompts, parent);
+    if (face == FtpWindowFace::Manual && !recordings.empty()) {
+        window->site().setLocalFolder(recordings);
+    }
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->show();
 }

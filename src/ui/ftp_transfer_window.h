@@ -87,8 +87,11 @@ class FtpTransferWindow : public QDialog {
     QRadioButton* binary_ = nullptr;
 };
 
-// Opens the window without blocking the station; one of each face at a time.
+// Opens the window without blocking the station; one of each face at a time. The
+// manual face starts on `recordings` (the letters), not on the data folder, whose
+// files hold the station's passwords and keys.
 void showFtpTransferWindow(FtpWindowFace face, QWidget* parent, const std::string& dataFolder,
-                           const std::string& programFolder, platform::Prompts& prompts);
+                           const std::string& programFolder, const std::string& recordings,
+                           platform::Prompts& prompts);
 
 }  // namespace ovd::ui

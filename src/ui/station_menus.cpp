@@ -208,7 +208,7 @@ void StationMenus::buildTools() {
     const auto ftpWindow = [this](FtpWindowFace face) {
         return [this, face] {
             showFtpTransferWindow(face, &window_, parts_.config.dataFolder(), parts_.programFolder,
-                                  parts_.prompts);
+                                  parts_.config.record.CaptureFilePath.toText(), parts_.prompts);
         };
     };
     add(tools, "mnFTPTransfer", QObject::tr("FTP Transfer..."), ftpWindow(FtpWindowFace::Manual));

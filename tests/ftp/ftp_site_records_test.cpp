@@ -20,21 +20,16 @@ settings::TranscriberRecord recordOf(
     return record;
 }
 
-TEST(SiteConnectionTest, AnOldRecordIsPlainPassiveBinaryFtpOnPort21) {
+TEST(SiteConnectionTest, AnOldRecordIsPlainPassiveBinaryFtpOnPort21WithoutItsProxy) {
     const SiteConnection site = connectionFor(recordOf({{"FTPServer", " ftp.example.com "},
-                                                        {"FTPUserName", "typist"},
-                                                        {"FTPPassword", "secret"},
                                                         {"FTPPort", ""},
                                                         {"FTPUseProxyServer", "False"},
                                                         {"FTPProxyAddress", "proxy.example.com"}}));
     EXPECT_EQ(site.scheme, SiteScheme::Ftp);
     EXPECT_EQ(site.settings.hostName, "ftp.example.com");
     EXPECT_EQ(site.settings.port, 21);
-    EXPECT_EQ(site.settings.userName, "typist");
-    EXPECT_EQ(site.settings.password, "secret");
     EXPECT_TRUE(site.settings.passiveMode);
     EXPECT_EQ(site.settings.transferType, TransferType::Binary);
-    EXPECT_EQ(site.settings.security, Security::Plain);
     EXPECT_TRUE(site.settings.proxyAddress.empty());
 }
 

@@ -77,8 +77,9 @@ TEST_F(UnattendedRunTest, TheUploadRuleSendsMatchingFilesAndMovesThemAway) {
 }
 
 TEST_F(UnattendedRunTest,
-       AnEncipheringSiteGetsTheLetterUnderItsTransportNameAndItStaysWithoutMove) {
+       AnEncipheringSiteGetsLettersUnderTheirTransportNameAndNothingTwiceEnciphered) {
     writeBytes(local_.file("upload/letter.wav"), "dictated words");
+    writeBytes(local_.file("upload/sent.wav.enc"), "locked before");
     uploadRule("", /*moveAfter=*/false);
     site_.record.set("FTPEncryptOption", "True");
     site_.record.set("FTPEncryptKey", "SITEKEY");
@@ -96,6 +97,10 @@ TEST_F(UnattendedRunTest,
     EXPECT_EQ(readBytes(plain.outputPath), "dictated words");
     EXPECT_TRUE(fs::exists(local_.file("upload/letter.wav")));
     EXPECT_TRUE(fs::is_empty(site_.ftpTempFolder()));
+    // A file enciphered before is told about, even unattended, and goes up as it is.
+    EXPECT_EQ(readBytes(onServer("sent.wav.enc")), "locked before");
+    ASSERT_FALSE(prompts_.texts().empty());
+    EXPECT_EQ(prompts_.texts().front().rfind("sent.wav.enc has already been encrypted.", 0), 0u);
 }
 
 TEST_F(UnattendedRunTest, TheDownloadRuleRefusesEmptyFilesDeciphersAndDeletesWhatCameDown) {
