@@ -203,8 +203,12 @@ void FtpTransferWindow::buildPanes(QVBoxLayout* layout) {
         }
         window_->selectRemote(std::move(names));
     });
-    QObject::connect(remote_, &QTreeWidget::itemDoubleClicked, this,
-                     [this](QTreeWidgetItem* item) { window_->openRemote(toText(item->text(0))); });
+    QObject::connect(remote_, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* item) {
+        // Entering the folder rebuilds the list, item included: not while its click runs.
+        QMetaObject::invokeMethod(
+            this, [this, name = toText(item->text(0))] { window_->openRemote(name); },
+            Qt::QueuedConnection);
+    });
     remote->addWidget(remote_);
     splitter->addWidget(remoteSide);
     layout->addWidget(splitter, 1);

@@ -163,12 +163,15 @@ TEST_F(FtpWindowsTest, TheManualWindowConnectsListsAndKeepsItsModeForNextTime) {
             << window.findChild<QLabel*>("lblStatus")->text().toStdString();
         EXPECT_EQ(window.findChild<QLabel*>("lblSession")->text(), "Session is Established");
         // Into the test's folder by double clicks, in active mode all the way.
-        for (const std::string& part : {std::string("incoming"), remote_.substr(10)}) {
-            const auto found = list->findItems(QString::fromStdString(part), Qt::MatchExactly);
-            ASSERT_EQ(found.size(), 1) << part;
-            Q_EMIT list->itemDoubleClicked(found.front(), 0);
-        }
-        ASSERT_EQ(list->findItems("waiting.wav", Qt::MatchExactly).size(), 1);
+        const auto shown = [list](const std::string& name) {
+            return list->findItems(QString::fromStdString(name), Qt::MatchExactly).size() == 1;
+        };
+        Q_EMIT list->itemDoubleClicked(list->findItems("incoming", Qt::MatchExactly).front(), 0);
+        ASSERT_TRUE(processUntil([&] { return shown(remote_.substr(10)); }));
+        Q_EMIT list->itemDoubleClicked(
+            list->findItems(QString::fromStdString(remote_.substr(10)), Qt::MatchExactly).front(),
+            0);
+        ASSERT_TRUE(processUntil([&] { return shown("waiting.wav"); }));
         EXPECT_EQ(list->topLevelItem(0)->text(0), "..");
     }
     settings::IniStore stored(data_.file("OrvaneTransport.ini"));
