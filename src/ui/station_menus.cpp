@@ -7,6 +7,8 @@
 #include "devices/hands_free.h"
 #include "dictation/dictation.h"
 #include "settings/config_file.h"
+#include "ui/ftp_setup_window.h"
+#include "ui/ftp_transfer_window.h"
 #include "ui/records_windows.h"
 #include "ui/station_window.h"
 
@@ -146,7 +148,10 @@ void StationMenus::buildConfiguration() {
         records(RecordsWindow::Transcribers));
     add(configuration, "mnemail", QObject::tr("Configure Email..."),
         records(RecordsWindow::EmailReceivers));
-    addGreyed(configuration, "mnFTP", QObject::tr("Configure FTP..."));
+    add(configuration, "mnFTP", QObject::tr("Configure FTP..."), [this] {
+        showFtpSetupWindow(FtpWindowFace::Automatic, &window_, parts_.config.dataFolder(),
+                           parts_.prompts);
+    });
     add(configuration, "mnPasswords", QObject::tr("Decryption Keys..."),
         records(RecordsWindow::DecryptionKeys));
     add(configuration, "mnDecrypt", QObject::tr("Decrypt a File..."),
@@ -200,6 +205,14 @@ void StationMenus::buildTools() {
     add(tools, "mnuScanConvert", QObject::tr("Scan/Convert..."), [this] {
         if (window_.onScanConvert) window_.onScanConvert();
     });
+    const auto ftpWindow = [this](FtpWindowFace face) {
+        return [this, face] {
+            showFtpTransferWindow(face, &window_, parts_.config.dataFolder(), parts_.programFolder,
+                                  parts_.config.record.CaptureFilePath.toText(), parts_.prompts);
+        };
+    };
+    add(tools, "mnFTPTransfer", QObject::tr("FTP Transfer..."), ftpWindow(FtpWindowFace::Manual));
+    add(tools, "mnAutoFTP", QObject::tr("Automatic FTP..."), ftpWindow(FtpWindowFace::Automatic));
     tools->addSeparator();
     add(tools, "mnuDebugTrace", QObject::tr("Debug Trace"), [this] {
         parts_.debugTrace.DebugOn = true;

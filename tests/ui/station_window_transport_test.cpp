@@ -140,7 +140,7 @@ TEST_F(TransportTest, ReopenListsTheRecentFilesOrANoneGreyed) {
 TEST_F(TransportTest, EntriesOfLaterWindowsAreThereButGreyed) {
     window();
     for (const char* name : {"mnuFileSaves", "mnuQDUCon", "mnAutoSend", "mnuConfigUSBFootPedals",
-                             "mnuGAMEFootPedals", "mnFTP"}) {
+                             "mnuGAMEFootPedals"}) {
         auto* entry = window().findChild<QAction*>(name);
         ASSERT_NE(entry, nullptr) << name;
         EXPECT_FALSE(entry->isEnabled()) << name;
