@@ -169,12 +169,19 @@ void Companion::sendNext() {
                      [this, file](const platform::Result<void>& result) { outcome(file, result); });
 }
 
+void Companion::sendNextSoon() {
+    // A companion ended meanwhile (the program's end, a test's) hears nothing more.
+    parts_.loop.postFromAnyThread([this, alive = std::weak_ptr<int>(alive_)] {
+        if (!alive.expired()) sendNext();
+    });
+}
+
 void Companion::sendEmail(const Staged& file) {
     if (!parts_.sendEmail) {
         trace(kEmailNotAvailable);
         // One line a look is enough: the other staged e-mails wait the same way.
         std::erase_if(queue_, [](const Staged& waiting) { return waiting.kind == Kind::Email; });
-        parts_.loop.postFromAnyThread([this] { sendNext(); });
+        sendNextSoon();
         return;
     }
     outcome(file, parts_.sendEmail(platform::joinPath(file.folder, file.name)));
@@ -199,8 +206,7 @@ void Companion::outcome(const Staged& file, const platform::Result<void>& result
         }
         parts_.prompts.notify(delivery::errorSendNotification(SendStatusText, parts_.soundFolder));
     }
-    // The next file after the loop has heard of this one, so a stop in between holds.
-    parts_.loop.postFromAnyThread([this] { sendNext(); });
+    sendNextSoon();
 }
 
 void Companion::letGo(const Staged& file) {

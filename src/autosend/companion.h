@@ -9,6 +9,7 @@
 #include <chrono>
 #include <deque>
 #include <functional>
+#include <memory>
 #include <set>
 #include <string>
 
@@ -83,6 +84,8 @@ class Companion {
     void collect(Kind kind, const std::string& folder, bool& unsettled,
                  std::set<std::string>& seen);
     void sendNext();
+    // The next file after the loop has heard of this one, so a stop in between holds.
+    void sendNextSoon();
     void sendEmail(const Staged& file);
     void outcome(const Staged& file, const platform::Result<void>& result);
     void letGo(const Staged& file);
@@ -105,6 +108,7 @@ class Companion {
     bool lookAgain_ = false;
     bool stopped_ = false;
     int looksDone_ = 0;
+    std::shared_ptr<int> alive_ = std::make_shared<int>(0);
 };
 
 }  // namespace ovd::autosend
