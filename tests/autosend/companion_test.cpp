@@ -146,6 +146,25 @@ TEST_F(CompanionTest, AnUploadCutOffMidwayIsSentWholeOnceAndOnlyOnceTheServerIsB
     EXPECT_EQ(contentOf(slow.localPathOf("/incoming/AB0008.WAV")), letter);
 }
 
+TEST_F(CompanionTest, StoppingDuringAnUploadEndsItAtOnceAndLeavesTheLetterStaged) {
+    VsftpdServer slow({.maxBytesPerSecond = 128 * 1024});
+    ASSERT_TRUE(slow.running()) << slow.error();
+    useSite(slow.port());
+    const std::string path = stage("AB0010.WAV", letterBytes(1024 * 1024, 't'));
+    startCompanion();
+    ASSERT_TRUE(runUntil([&] {
+        const auto size = platform::fileSize(slow.localPathOf("/incoming/.AB0010.WAV.part"));
+        return size && *size > 0;
+    }));
+    const auto before = std::chrono::steady_clock::now();
+    companion->stop();
+    // The server still drains seconds of data it was sent; the stop does not wait for it.
+    EXPECT_LT(std::chrono::steady_clock::now() - before, 3s);
+    EXPECT_TRUE(platform::fileExists(path));
+    EXPECT_FALSE(platform::fileExists(slow.localPathOf("/incoming/AB0010.WAV")));
+    EXPECT_TRUE(logHas("stopped during a transfer; the file stays staged"));
+}
+
 TEST_F(CompanionTest, StagedMailGoesThroughTheMailSenderOrWaitsForOne) {
     changeSettings([](settings::SettingsRecord& record) {
         record.AutoFTP = false;
