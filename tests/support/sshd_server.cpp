@@ -87,9 +87,9 @@ SshdServer::SshdServer() {
         error_ = "sshd is not installed (scripts/install-deps.sh installs openssh-server)";
         return;
     }
-    if (::access(kPrivilegeFolder, F_OK) != 0) {
-        madePrivilegeFolder_ = ::mkdir(kPrivilegeFolder, 0755) == 0;
-    }
+    // Made when missing and left in place: it is the folder the installed package
+    // expects, and another test program's sshd may be using it at this moment.
+    if (::access(kPrivilegeFolder, F_OK) != 0) ::mkdir(kPrivilegeFolder, 0755);
     fs::create_directories(siteRoot());
     const std::string quiet = " >/dev/null 2>&1";
     if (!run("ssh-keygen -q -t ed25519 -N '' -f '" + folder_.file("host_key") + "'" + quiet) ||
@@ -114,10 +114,7 @@ SshdServer::SshdServer() {
     launch();
 }
 
-SshdServer::~SshdServer() {
-    stop();
-    if (madePrivilegeFolder_) ::rmdir(kPrivilegeFolder);
-}
+SshdServer::~SshdServer() { stop(); }
 
 std::string SshdServer::hostKeyLine() const {
     std::istringstream line(contentOf(folder_.file("host_key.pub")));

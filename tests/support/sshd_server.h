@@ -52,7 +52,6 @@ class SshdServer {
     std::string error_;
     int port_ = 0;
     pid_t pid_ = -1;
-    bool madePrivilegeFolder_ = false;
 };
 
 }  // namespace ovd::testing
