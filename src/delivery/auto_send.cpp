@@ -179,7 +179,8 @@ void AutoSend::box(const std::string& text) {
                       platform::Severity::Information});
 }
 
-void AutoSend::ErrorSendFileNotification(const std::string& text) {
+platform::Notification errorSendNotification(const std::string& text,
+                                             const std::string& soundFolder) {
     platform::Notification notice;
     notice.title = "Error Send Notification!";
     notice.heading = "Error Send File Notification!";
@@ -187,8 +188,12 @@ void AutoSend::ErrorSendFileNotification(const std::string& text) {
     notice.backgroundColor = "#200040";
     notice.backgroundColorEnd = "#100020";
     notice.textColor = "#ffffff";
-    notice.soundFile = platform::joinPath(soundFolder_, "ding.wav");
-    prompts_.notify(notice);
+    notice.soundFile = platform::joinPath(soundFolder, "ding.wav");
+    return notice;
+}
+
+void AutoSend::ErrorSendFileNotification(const std::string& text) {
+    prompts_.notify(errorSendNotification(text, soundFolder_));
 }
 
 bool AutoSend::deliver(const std::string& SaveFileNameForSending) {

@@ -36,6 +36,11 @@ SendWording endOfLetterWording(int destination);
 
 enum class Staging { Email, Ftp };
 
+// The passive pop-up of a failed delivery (ErrorSendFileNotification), which the
+// companion sender shows too; ding.wav comes from the sound folder.
+platform::Notification errorSendNotification(const std::string& text,
+                                             const std::string& soundFolder);
+
 // Where the pipeline writes on the main window.
 class DeliveryScreen {
   public:

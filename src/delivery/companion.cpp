@@ -1,5 +1,6 @@
 #include "delivery/companion.h"
 
+#include "delivery/companion_lock.h"
 #include "platform/files.h"
 #include "platform/processes.h"
 #include "platform/system_queries.h"
@@ -33,7 +34,9 @@ std::string AutoSendCompanion::programPath() const {
 
 bool AutoSendCompanion::installed() const { return platform::fileExists(programPath()); }
 
-bool AutoSendCompanion::running() const { return platform::ProcessRunning(kProgramName); }
+// The companion of this data folder only: another station's companion on the same
+// machine delivers another station's letters.
+bool AutoSendCompanion::running() const { return runningCompanion(dataFolder_).has_value(); }
 
 void AutoSendCompanion::start() {
     if (running()) return;

@@ -1,6 +1,7 @@
 #include "ftp/curl_ftp_client.h"
 
 #include <curl/curl.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -276,7 +277,7 @@ struct CurlFtpClient::State {
 
 CurlFtpClient::CurlFtpClient() : state_(std::make_unique<State>()) { initialiseCurlOnce(); }
 
-CurlFtpClient::~CurlFtpClient() = default;
+CurlFtpClient::~CurlFtpClient() { disconnect(); }
 
 Result<void> CurlFtpClient::connect(const ConnectionSettings& settings) {
     // A new connect replaces the old connection.
@@ -305,7 +306,18 @@ Result<void> CurlFtpClient::connect(const ConnectionSettings& settings) {
     return {};
 }
 
-void CurlFtpClient::disconnect() { state_->curl.reset(); }
+void CurlFtpClient::disconnect() {
+    // After a cancelled transfer the server first drains what was still on its way
+    // (seconds on a slow line) before it answers the goodbye: the connection is cut
+    // instead, so that a cancel or a stop takes effect at once.
+    curl_socket_t control = CURL_SOCKET_BAD;
+    if (state_->curl && state_->cancelRequested &&
+        curl_easy_getinfo(state_->curl->handle, CURLINFO_ACTIVESOCKET, &control) == CURLE_OK &&
+        control != CURL_SOCKET_BAD) {
+        ::shutdown(control, SHUT_RDWR);
+    }
+    state_->curl.reset();
+}
 
 bool CurlFtpClient::connected() const { return state_->curl != nullptr; }
 

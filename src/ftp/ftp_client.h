@@ -37,8 +37,9 @@ inline constexpr std::uint64_t kChunkBytes = 64 * 1024;
 enum class TransferType { Ascii, Binary };
 
 // Plain FTP as the peers speak it, or the same with the login and the files
-// over TLS after "AUTH TLS" (the server's certificate is always checked).
-enum class Security { Plain, ExplicitTls };
+// over TLS after "AUTH TLS" (the server's certificate is always checked), or
+// SFTP over SSH (the server's host key is always checked against knownHostsFile).
+enum class Security { Plain, ExplicitTls, Sftp };
 
 struct ConnectionSettings {
     std::string hostName;
@@ -51,6 +52,12 @@ struct ConnectionSettings {
     // A PEM certificate to trust instead of the system's authorities: a site
     // with a certificate of its own making is trusted by that one certificate.
     std::string pinnedCertificateFile;
+    // SFTP: the OpenSSH known-hosts file holding the keys of trusted servers; a
+    // server whose key is not there, or differs, is refused.
+    std::string knownHostsFile;
+    // SFTP: log in with this private key (its passphrase, if any, in `password`)
+    // instead of the password.
+    std::string privateKeyFile;
     // "host:port" of a proxy; empty for a direct connection.
     std::string proxyAddress;
     // Bytes per second, 0 for none: a site on a slow line can be kept from

@@ -2,6 +2,7 @@
 
 #include <charconv>
 
+#include "platform/files.h"
 #include "platform/text.h"
 
 namespace ovd::ftp {
@@ -44,11 +45,17 @@ const char* schemeText(SiteScheme scheme) {
     return "ftp";
 }
 
-SiteConnection connectionFor(const settings::TranscriberRecord& record) {
+SiteConnection connectionFor(const settings::TranscriberRecord& record,
+                             const std::string& dataFolder) {
     SiteConnection site;
     site.scheme = schemeFromText(record.get(kSiteSecurityKey));
     ConnectionSettings& s = site.settings;
     s.hostName = platform::trim(record.get("FTPServer"));
+    if (const auto marker = s.hostName.find("://"); marker != std::string::npos) {
+        site.scheme = schemeFromText(s.hostName.substr(0, marker));
+        s.hostName.erase(0, marker + 3);
+    }
+    if (const auto slash = s.hostName.find('/'); slash != std::string::npos) s.hostName.resize(slash);
     s.port = portOf(record.get("FTPPort"), site.scheme == SiteScheme::Sftp ? 22 : 21);
     s.userName = record.get("FTPUserName");
     s.password = record.get("FTPPassword");
@@ -57,8 +64,12 @@ SiteConnection connectionFor(const settings::TranscriberRecord& record) {
         platform::equalsIgnoreCase(platform::trim(record.get("FTPTranferMode")), kAsciiTransfer)
             ? TransferType::Ascii
             : TransferType::Binary;
-    s.security = site.scheme == SiteScheme::Ftps ? Security::ExplicitTls : Security::Plain;
+    s.security = site.scheme == SiteScheme::Ftps   ? Security::ExplicitTls
+                 : site.scheme == SiteScheme::Sftp ? Security::Sftp
+                                                   : Security::Plain;
     s.pinnedCertificateFile = platform::trim(record.get(kSitePinnedCertificateKey));
+    s.privateKeyFile = platform::trim(record.get(kSiteKeyFileKey));
+    s.knownHostsFile = platform::joinPath(dataFolder, kKnownHostsFileName);
     const std::string proxyHost = platform::trim(record.get("FTPProxyAddress"));
     if (recordOptionOn(record.get("FTPUseProxyServer")) && !proxyHost.empty()) {
         const std::string proxyPort = platform::trim(record.get("FTPProxyPort"));

@@ -14,6 +14,8 @@ namespace ovd::ftp {
 // reads as plain FTP with the system's authorities, which is what it always was.
 inline constexpr const char* kSiteSecurityKey = "FTPSecurity";             // ftp, ftps, sftp
 inline constexpr const char* kSitePinnedCertificateKey = "FTPPinnedCert";  // PEM file
+inline constexpr const char* kKnownHostsFileName = "sftp_known_hosts";
+inline constexpr const char* kSiteKeyFileKey = "FTPKeyFile";  // private key of an SFTP login
 
 // FTPMode and FTPTranferMode as the setup windows write them.
 inline constexpr const char* kActiveMode = "Active";
@@ -32,10 +34,14 @@ struct SiteConnection {
     ConnectionSettings settings;
 };
 
-// The connection of a site record: server, port (21 when blank or not a port),
-// login, passive unless "Active" is chosen, binary unless ASCII is, the proxy as
-// "host:port" when its option is on, and the security of the added keys.
-SiteConnection connectionFor(const settings::TranscriberRecord& record);
+// The connection of a site record: server, port (21 when blank or not a port, 22
+// for SFTP), login, passive unless "Active" is chosen, binary unless ASCII is, the
+// proxy as "host:port" when its option is on, and the security of the added keys.
+// A server typed as "ftps://host" or "sftp://host" says its kind itself and wins
+// over FTPSecurity. An SFTP site's key is checked against the known-hosts file of
+// the data folder.
+SiteConnection connectionFor(const settings::TranscriberRecord& record,
+                             const std::string& dataFolder);
 
 // Whether a yes/no key of a record is on; the record files have held "1", "True"
 // and "-1" for yes over the years.

@@ -48,7 +48,7 @@ FtpSiteWindow::FtpSiteWindow(platform::EventLoop& loop, platform::Prompts& promp
       prompts_(prompts),
       session_(session),
       site_(std::move(site)),
-      connection_(connectionFor(site_.record).settings) {
+      connection_(connectionFor(site_.record, site_.dataFolder).settings) {
     view_.session = kNoSessionText;
 }
 
@@ -89,7 +89,7 @@ bool FtpSiteWindow::changeSite(SiteContext site) {
         return false;
     }
     site_ = std::move(site);
-    connection_ = connectionFor(site_.record).settings;
+    connection_ = connectionFor(site_.record, site_.dataFolder).settings;
     return true;
 }
 

@@ -61,20 +61,28 @@ void EventLog::SaveEventLog() {
     eventLogPath_ = path;
     // When the file still holds exactly what was last written, adding the new lines
     // gives the same file as writing it whole, at a fraction of the cost late in a day.
+    // The companion sender adds its lines to the same day's file: a file that only
+    // grew since our last write has had lines added, and gets ours added after them
+    // rather than being written over. A file that shrank was changed behind our back.
     const auto onDisk = platform::fileSize(path);
-    if (sameFile && onDisk && *onDisk == savedBytes_ && text_.size() >= savedBytes_) {
+    if (sameFile && onDisk && *onDisk >= diskBytes_ && text_.size() >= savedBytes_) {
         if (text_.size() == savedBytes_) return;
         std::ofstream out(path, std::ios::binary | std::ios::app);
         out.write(text_.data() + savedBytes_,
                   static_cast<std::streamsize>(text_.size() - savedBytes_));
-        if (out.flush()) savedBytes_ = text_.size();
+        if (out.flush()) {
+            diskBytes_ = *onDisk + (text_.size() - savedBytes_);
+            savedBytes_ = text_.size();
+        }
         return;
     }
     // Errors are let be: the text stays in memory and goes out with the next tick.
     if (platform::writeWholeFile(path, text_)) {
         savedBytes_ = text_.size();
+        diskBytes_ = text_.size();
     } else {
         savedBytes_ = 0;
+        diskBytes_ = 0;
         eventLogPath_.clear();
     }
 }
@@ -82,7 +90,8 @@ void EventLog::SaveEventLog() {
 void EventLog::LoadEventLog() {
     const std::string folder = platform::joinPath(dataFolder_, kEventLogFolder);
     if (!platform::folderExists(folder)) return;
-    const auto content = platform::readWholeFile(pathForToday());
+    const std::string path = pathForToday();
+    const auto content = platform::readWholeFile(path);
     if (!content) return;
     std::string earlier;
     for (const std::string& line : platform::splitLines(*content)) {
@@ -90,6 +99,14 @@ void EventLog::LoadEventLog() {
         earlier += "\r\n";
     }
     text_ = earlier + text_;
+    // What was read is on disk already, line ends and all: the next write adds to
+    // it, so lines another program adds meanwhile are not written over. A file whose
+    // line ends differ is written whole once, with CR LF throughout.
+    if (earlier == *content) {
+        eventLogPath_ = path;
+        savedBytes_ = earlier.size();
+        diskBytes_ = earlier.size();
+    }
 }
 
 void EventLog::start() {

@@ -49,6 +49,9 @@ class EventLog {
     // What the file on disk holds of text_, so that a tick after new lines only
     // appends them rather than rewriting the whole day.
     std::size_t savedBytes_ = 0;
+    // How long the file was after our last write; longer now means another program
+    // (the companion sender) added lines.
+    std::size_t diskBytes_ = 0;
 };
 
 }  // namespace ovd::settings

@@ -140,7 +140,8 @@ void FtpSetupWindow::render() {
     const ftp::SiteConnection site = [this] {
         settings::TranscriberRecord record;
         for (const std::string_view key : ftp::kFtpSetupKeys) record.set(key, form_.field(key));
-        return ftp::connectionFor(record);
+        // Only the mode and transfer type are read here: no folder is needed.
+        return ftp::connectionFor(record, {});
     }();
     (site.settings.passiveMode ? passive_ : active_)->setChecked(true);
     (site.settings.transferType == ftp::TransferType::Ascii ? ascii_ : binary_)->setChecked(true);

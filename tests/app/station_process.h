@@ -16,6 +16,9 @@
 #include <thread>
 #include <vector>
 
+#ifdef OVD_AUTOSEND_PROGRAM
+#include "delivery/companion_lock.h"
+#endif
 #include "platform/files.h"
 #include "settings/config_file.h"
 #include "support/pseudo_terminal.h"
@@ -63,6 +66,10 @@ class StationProcess {
             ::kill(child_, SIGKILL);
             ::waitpid(child_, nullptr, 0);
         }
+#ifdef OVD_AUTOSEND_PROGRAM
+        // A station killed here never stopped the companion it started.
+        (void)delivery::stopCompanion(folder.path(), 5000);
+#endif
     }
     StationProcess(const StationProcess&) = delete;
     StationProcess& operator=(const StationProcess&) = delete;

@@ -24,7 +24,7 @@ TEST(SiteConnectionTest, AnOldRecordIsPlainPassiveBinaryFtpOnPort21WithoutItsPro
     const SiteConnection site = connectionFor(recordOf({{"FTPServer", " ftp.example.com "},
                                                         {"FTPPort", ""},
                                                         {"FTPUseProxyServer", "False"},
-                                                        {"FTPProxyAddress", "proxy.example.com"}}));
+                                                        {"FTPProxyAddress", "proxy.example.com"}}), "/data");
     EXPECT_EQ(site.scheme, SiteScheme::Ftp);
     EXPECT_EQ(site.settings.hostName, "ftp.example.com");
     EXPECT_EQ(site.settings.port, 21);
@@ -41,7 +41,7 @@ TEST(SiteConnectionTest, ChosenModeTypeProxyAndSecurityReachTheConnection) {
                                                        {"FTPProxyAddress", "proxy.example.com"},
                                                        {"FTPProxyPort", "3128"},
                                                        {"FTPSecurity", "FTPS"},
-                                                       {"FTPPinnedCert", "/site/cert.pem"}}));
+                                                       {"FTPPinnedCert", "/site/cert.pem"}}), "/data");
     EXPECT_EQ(tls.settings.port, 2121);
     EXPECT_FALSE(tls.settings.passiveMode);
     EXPECT_EQ(tls.settings.transferType, TransferType::Ascii);
@@ -51,9 +51,19 @@ TEST(SiteConnectionTest, ChosenModeTypeProxyAndSecurityReachTheConnection) {
     EXPECT_EQ(tls.settings.pinnedCertificateFile, "/site/cert.pem");
 
     // SSH has a port of its own; a port that is no port falls back to it.
-    const SiteConnection ssh = connectionFor(recordOf({{"FTPSecurity", "sftp"}, {"FTPPort", "x"}}));
+    const SiteConnection ssh = connectionFor(recordOf({{"FTPSecurity", "sftp"}, {"FTPPort", "x"}}), "/data");
     EXPECT_EQ(ssh.scheme, SiteScheme::Sftp);
     EXPECT_EQ(ssh.settings.port, 22);
+    EXPECT_EQ(ssh.settings.security, Security::Sftp);
+    EXPECT_EQ(ssh.settings.knownHostsFile, "/data/sftp_known_hosts");
+
+    // A server typed with its kind in front says it itself.
+    const SiteConnection typed = connectionFor(
+        recordOf({{"FTPServer", "sftp://files.example.com/letters"}, {"FTPKeyFile", "/k/id"}}),
+        "/data");
+    EXPECT_EQ(typed.scheme, SiteScheme::Sftp);
+    EXPECT_EQ(typed.settings.hostName, "files.example.com");
+    EXPECT_EQ(typed.settings.privateKeyFile, "/k/id");
 }
 
 TEST(ManualFtpSettingsTest, TheChosenModeAndTypeAreKeptForTheNextWindow) {

@@ -110,5 +110,21 @@ TEST_F(EventLogTest, AFileChangedBehindTheLogsBackIsWrittenWholeAgain) {
     EXPECT_EQ(contentOf(logFile("20260302")), "one\r\ntwo\r\n");
 }
 
+TEST_F(EventLogTest, TheStationAndItsCompanionKeepEachOthersLinesInTheDaysFile) {
+    EventLog station(loop, folder.path(), settings);
+    station.start();
+    station.AddEventLine("station one");
+    loop.advance(Milliseconds(500));
+    EventLog companion(loop, folder.path(), settings);
+    companion.start();
+    companion.AddEventLine("companion one");
+    loop.advance(Milliseconds(500));
+    station.AddEventLine("station two");
+    companion.AddEventLine("companion two");
+    loop.advance(Milliseconds(500));
+    EXPECT_EQ(contentOf(logFile("20260302")),
+              "station one\r\ncompanion one\r\nstation two\r\ncompanion two\r\n");
+}
+
 }  // namespace
 }  // namespace ovd::settings

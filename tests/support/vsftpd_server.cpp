@@ -140,6 +140,17 @@ void VsftpdServer::start(const VsftpdOptions& options) {
     const int passiveFirst = freePort();
     const std::string config = folder_.file("vsftpd.conf");
     std::ofstream(config) << configuration(folder_.path(), port_, passiveFirst, options);
+    launch();
+}
+
+void VsftpdServer::restart() {
+    if (pid_ > 0) return;
+    error_.clear();
+    launch();
+}
+
+void VsftpdServer::launch() {
+    const std::string config = folder_.file("vsftpd.conf");
     const std::string output = folder_.file("vsftpd.out");
 
     const pid_t child = ::fork();

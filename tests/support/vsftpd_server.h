@@ -59,9 +59,12 @@ class VsftpdServer {
     // Ends the server and every session it serves, now: to its clients, a
     // server that went away mid-transfer.
     void stop();
+    // Starts the stopped server again on the same port, with the same site.
+    void restart();
 
   private:
     void start(const VsftpdOptions& options);
+    void launch();
     bool makeCertificate();
     bool greets() const;
 
