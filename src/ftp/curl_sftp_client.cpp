@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <fstream>
@@ -171,7 +172,7 @@ Result<void> trustHostKey(const std::string& knownHostsFile, const std::string& 
     std::ofstream file(knownHostsFile, std::ios::binary | std::ios::app);
     file << knownHostsLine(host, port, key) << "\n";
     if (!file.flush())
-        return platform::failure(platform::systemError("Can't write " + knownHostsFile));
+        return platform::systemFailure("Can't write " + knownHostsFile, errno);
     return {};
 }
 

@@ -50,15 +50,20 @@ ManualFtpSettings loadManualFtpSettings(const std::string& dataFolder) {
     return loaded;
 }
 
-bool saveManualFtpSettings(const std::string& dataFolder, const ManualFtpSettings& settings) {
+platform::Result<void> saveManualFtpSettings(const std::string& dataFolder,
+                                             const ManualFtpSettings& settings) {
     const settings::IniStore store = storeIn(dataFolder);
-    bool written = store.WriteKey(kFtpSettingsSection, "Timer", std::to_string(settings.Timer));
-    written = store.WriteKey(kFtpSettingsSection, "ManActive", flag(settings.ManActive)) && written;
-    written =
-        store.WriteKey(kFtpSettingsSection, "ManPassive", flag(settings.ManPassive)) && written;
-    written = store.WriteKey(kFtpSettingsSection, "ManAscii", flag(settings.ManAscii)) && written;
-    written = store.WriteKey(kFtpSettingsSection, "ManBin", flag(settings.ManBin)) && written;
-    return written;
+    const std::pair<const char*, std::string> keys[] = {
+        {"Timer", std::to_string(settings.Timer)},
+        {"ManActive", flag(settings.ManActive)},
+        {"ManPassive", flag(settings.ManPassive)},
+        {"ManAscii", flag(settings.ManAscii)},
+        {"ManBin", flag(settings.ManBin)},
+    };
+    for (const auto& [key, value] : keys) {
+        if (auto written = store.WriteKey(kFtpSettingsSection, key, value); !written) return written;
+    }
+    return platform::Result<void>::success();
 }
 
 }  // namespace ovd::ftp

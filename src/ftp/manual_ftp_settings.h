@@ -27,6 +27,7 @@ struct ManualFtpSettings {
 // off, as option buttons do.
 ManualFtpSettings loadManualFtpSettings(const std::string& dataFolder);
 // False when the file could not be written.
-bool saveManualFtpSettings(const std::string& dataFolder, const ManualFtpSettings& settings);
+platform::Result<void> saveManualFtpSettings(const std::string& dataFolder,
+                                             const ManualFtpSettings& settings);
 
 }  // namespace ovd::ftp
