@@ -91,7 +91,9 @@ class Exchange {
         trace("< " + line);
         serverSpoke = true;
         lastReply = line;
-        expectingSecret_ = platform::startsWith(line, "334");
+        // SMTP challenges with 334, POP3 with a lone "+".
+        expectingSecret_ =
+            platform::startsWith(line, "334") || line == "+" || platform::startsWith(line, "+ ");
         // A reply line "250-..." continues; "250 ..." ends the reply.
         const bool lastLine = line.size() < 4 || line[3] != '-';
         if (!pendingRecipient_.empty() && lastLine) {
@@ -256,6 +258,9 @@ bool CurlMailTransport::send(const SmtpServer& server, const Envelope& envelope,
     const int serverCode = replyCode(exchange.lastReply);
     if (!message.error().empty()) {
         error = {static_cast<int>(code), message.error(), false};
+    } else if (!report.refused.empty() && report.accepted.empty()) {
+        const auto& [address, reply] = report.refused.front();
+        error = {replyCode(reply), address + ": " + reply, false};
     } else if (serverCode >= 400) {
         error = {serverCode, exchange.lastReply, false};
     } else {

@@ -34,8 +34,10 @@ std::string dovecotConfiguration(const TempFolder& folder, int port, uid_t uid) 
 }  // namespace
 
 Pop3TestServer::Pop3TestServer() {
+    const bool loginUser = ::getpwnam("dovenull") != nullptr;
+    // getpwnam's answer lives until its next call: this one is read last.
     const passwd* owner = ::getpwnam("dovecot");
-    if (::access(kDovecot, X_OK) != 0 || owner == nullptr || ::getpwnam("dovenull") == nullptr) {
+    if (::access(kDovecot, X_OK) != 0 || owner == nullptr || !loginUser) {
         error_ = "dovecot is not installed (scripts/install-deps.sh installs dovecot-pop3d)";
         return;
     }

@@ -57,7 +57,8 @@ def authenticator(server, session, envelope, mechanism, auth_data):
         return AuthResult(success=False, handled=False)
     good = (auth_data.login.decode() == options.user and
             auth_data.password.decode() == options.password)
-    return AuthResult(success=good)
+    # handled=False: the server itself answers a refusal with its 535.
+    return AuthResult(success=good, handled=False)
 
 
 tls_context = None
