@@ -7,6 +7,7 @@
 #include "devices/hands_free.h"
 #include "dictation/dictation.h"
 #include "settings/config_file.h"
+#include "ui/compose_mail_window.h"
 #include "ui/records_windows.h"
 #include "ui/station_window.h"
 
@@ -146,6 +147,12 @@ void StationMenus::buildConfiguration() {
         records(RecordsWindow::Transcribers));
     add(configuration, "mnemail", QObject::tr("Configure Email..."),
         records(RecordsWindow::EmailReceivers));
+    add(configuration, "mnPOP", QObject::tr("Email Server Options..."), [this] {
+        showMailOptionsWindow(&window_, parts_.config.dataFolder(), parts_.prompts);
+    });
+    add(configuration, "mnSendEmail", QObject::tr("Send E-Mail..."), [this] {
+        showComposeMailWindow(&window_, parts_.config.dataFolder(), parts_.prompts);
+    });
     addGreyed(configuration, "mnFTP", QObject::tr("Configure FTP..."));
     add(configuration, "mnPasswords", QObject::tr("Decryption Keys..."),
         records(RecordsWindow::DecryptionKeys));
