@@ -107,8 +107,8 @@ std::optional<AutoSendEmail::Prepared> AutoSendEmail::prepare(const std::string&
         message.attachments.push_back({path, file});
     } else if (sender_.g_bEncryptDecrypt) {
         const auto enciphered = crypto::encipherEmailAttachment(
-            {path, records_.dataFolder(), sender_.g_strSaveOurCompanyKey,
-             sender_.g_strOrganization, receiver->company, receiver->key},
+            {path, records_.dataFolder(), sender_.g_strSaveOurCompanyKey, sender_.g_strOrganization,
+             receiver->company, receiver->key},
             prompts_);
         if (!enciphered) {
             // The receiver asked for it locked: it never leaves in clear by accident.

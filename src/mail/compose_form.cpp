@@ -171,8 +171,8 @@ void ComposeForm::attach(const std::string& path) {
     const auto receiver = receiverOf(cboEmail);
     if (sender_.g_bEncryptDecrypt && receiver && !receiver->key.empty()) {
         const auto enciphered = crypto::encipherEmailAttachment(
-            {path, records_.dataFolder(), sender_.g_strSaveOurCompanyKey,
-             sender_.g_strOrganization, receiver->company, receiver->key},
+            {path, records_.dataFolder(), sender_.g_strSaveOurCompanyKey, sender_.g_strOrganization,
+             receiver->company, receiver->key},
             prompts_);
         // The box has said the file is not attached.
         if (!enciphered) return;
@@ -199,8 +199,7 @@ void ComposeForm::deleteAttachment(std::size_t index) {
     if (index >= comboAttachment.size()) return;
     const std::string path = comboAttachment[index];
     comboAttachment.erase(comboAttachment.begin() + static_cast<std::ptrdiff_t>(index));
-    comboAttachmentShort.erase(comboAttachmentShort.begin() +
-                               static_cast<std::ptrdiff_t>(index));
+    comboAttachmentShort.erase(comboAttachmentShort.begin() + static_cast<std::ptrdiff_t>(index));
     // Only the window's own enciphered copy is deleted: the author's file stays.
     const std::string temporary =
         platform::joinPath(records_.dataFolder(), crypto::kEmailTempFolderName);
@@ -233,8 +232,7 @@ std::optional<MailMessage> ComposeForm::message() {
     for (const auto& list : {built.cc, built.bcc}) {
         for (const auto& address : list) {
             if (!plausibleAddress(address)) {
-                prompts_.showMessage(kBadAddressMessage + address, {},
-                                     platform::Severity::Warning);
+                prompts_.showMessage(kBadAddressMessage + address, {}, platform::Severity::Warning);
                 return std::nullopt;
             }
         }
@@ -250,9 +248,8 @@ void ComposeForm::saveAs() {
     request.mode = platform::FileRequest::Mode::Save;
     request.title = "Save As";
     request.initialName = editSubject;
-    request.filters = {{"Text Files", {"*.txt"}},
-                       {"E-Mail Message Files", {"*.eml"}},
-                       {"All Files", {"*.*"}}};
+    request.filters = {
+        {"Text Files", {"*.txt"}}, {"E-Mail Message Files", {"*.eml"}}, {"All Files", {"*.*"}}};
     const auto chosen = prompts_.chooseFile(request);
     if (!chosen) return;
     const auto built = message();
@@ -295,25 +292,24 @@ bool ComposeForm::send() {
     events.deliveredTo = [this](const std::string& to) { status(kMessageDeliveredTo + to); };
     const std::string name =
         comboAttachmentShort.empty() ? editSubject : comboAttachmentShort.front();
-    const auto started = session_.start(
-        std::move(*plan), std::move(*built), std::move(events),
-        [this, name](const DeliveryOutcome& outcome) {
-            if (outcome.delivered) {
-                EmailFailed = false;
-                EmailError.clear();
-                editSubject.clear();
-                editMessageText.clear();
-                editMessageHTML.clear();
-                cboEmail.clear();
-                editCc.clear();
-                editBcc.clear();
-                status(sentStatusText(name));
-            } else {
-                EmailFailed = true;
-                EmailError = outcome.error.text;
-                status(sendErrorText(outcome.error));
-            }
-        });
+    const auto started = session_.start(std::move(*plan), std::move(*built), std::move(events),
+                                        [this, name](const DeliveryOutcome& outcome) {
+                                            if (outcome.delivered) {
+                                                EmailFailed = false;
+                                                EmailError.clear();
+                                                editSubject.clear();
+                                                editMessageText.clear();
+                                                editMessageHTML.clear();
+                                                cboEmail.clear();
+                                                editCc.clear();
+                                                editBcc.clear();
+                                                status(sentStatusText(name));
+                                            } else {
+                                                EmailFailed = true;
+                                                EmailError = outcome.error.text;
+                                                status(sendErrorText(outcome.error));
+                                            }
+                                        });
     if (!started) {
         prompts_.showMessage(started.error());
         return false;
@@ -332,9 +328,9 @@ void ComposeForm::spellCheck(Speller* speller) {
         const auto suggestions = speller->suggest(wrong.word);
         platform::InputRequest request;
         request.title = kSpellingTitle;
-        request.prompt = "Not in the dictionary: " + wrong.word +
-                         (suggestions.empty() ? "" : "\nSuggestions: " +
-                                                         joinedSuggestions(suggestions));
+        request.prompt =
+            "Not in the dictionary: " + wrong.word +
+            (suggestions.empty() ? "" : "\nSuggestions: " + joinedSuggestions(suggestions));
         request.initialText = suggestions.empty() ? wrong.word : suggestions.front();
         const auto answer = prompts_.input(request);
         // Cancel ends the check; every change made so far stays.

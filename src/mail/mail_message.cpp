@@ -63,8 +63,9 @@ Result<std::string> textPart(const MailMessage& message) {
     // 7-bit text: it goes quoted-printable rather than arrive mangled.
     const bool sevenBit = message.encoding == Encoding::SevenBit && fitsSevenBit(*converted);
     std::string part = std::string("Content-Type: ") + (html ? "text/html" : "text/plain") +
-                       "; charset=\"" + charset + "\"\r\n" + "Content-Transfer-Encoding: " +
-                       (sevenBit ? "7bit" : "quoted-printable") + "\r\n\r\n";
+                       "; charset=\"" + charset + "\"\r\n" +
+                       "Content-Transfer-Encoding: " + (sevenBit ? "7bit" : "quoted-printable") +
+                       "\r\n\r\n";
     part += sevenBit ? withCrLf(*converted) : quotedPrintable(*converted);
     if (part.size() < 2 || part.compare(part.size() - 2, 2, "\r\n") != 0) part += "\r\n";
     return part;
@@ -102,8 +103,8 @@ std::vector<std::string> MailMessage::recipients() const {
 std::string htmlWrap(const MailMessage& message) {
     const std::string font = message.fontName.empty() ? kDefaultFontName : message.fontName;
     return "<html><head><title>" + message.subject + "</title></head>" + "<body><font " +
-           "face=" + font + " " + "size=" + std::to_string(message.fontSize) + ">" +
-           message.body + "</font></body></html>";
+           "face=" + font + " " + "size=" + std::to_string(message.fontSize) + ">" + message.body +
+           "</font></body></html>";
 }
 
 Result<std::unique_ptr<MessageStream>> MessageStream::open(const MailMessage& message) {
@@ -120,13 +121,12 @@ Result<std::unique_ptr<MessageStream>> MessageStream::open(const MailMessage& me
                                 boundary + "\r\n" + *text,
                             {}});
         for (const auto& attachment : message.attachments) {
-            segments.push_back({"--" + boundary + "\r\n" +
-                                    "Content-Type: application/octet-stream; " +
-                                    nameParameter("name", attachment.name) + "\r\n" +
-                                    "Content-Transfer-Encoding: base64\r\n" +
-                                    "Content-Disposition: attachment; " +
-                                    nameParameter("filename", attachment.name) + "\r\n\r\n",
-                                {}});
+            segments.push_back(
+                {"--" + boundary + "\r\n" + "Content-Type: application/octet-stream; " +
+                     nameParameter("name", attachment.name) + "\r\n" +
+                     "Content-Transfer-Encoding: base64\r\n" + "Content-Disposition: attachment; " +
+                     nameParameter("filename", attachment.name) + "\r\n\r\n",
+                 {}});
             segments.push_back({{}, attachment.path});
         }
         segments.push_back({"--" + boundary + "--\r\n", {}});

@@ -29,8 +29,7 @@ inline constexpr std::array<const char*, 5> kPriorityTexts = {
     "1 (Highest)", "2 (High)", "3 (Normal)", "4 (Low)", "5 (Lowest)"};
 inline constexpr std::array<const char*, 5> kCharsetKeys = {
     "id_FormatCharacterSetWesternEuropean", "id_FormatCharacterSetEasternEuropean",
-    "id_FormatCharacterSetCyrillic", "id_FormatCharacterSetGreek",
-    "id_FormatCharacterSetTurkish"};
+    "id_FormatCharacterSetCyrillic", "id_FormatCharacterSetGreek", "id_FormatCharacterSetTurkish"};
 // The sets as MIME names them, in enum order.
 inline constexpr std::array<const char*, 5> kCharsetNames = {
     "ISO-8859-1", "ISO-8859-2", "ISO-8859-5", "ISO-8859-7", "ISO-8859-9"};
@@ -90,8 +89,8 @@ class MessageStream {
 
   private:
     struct Segment {
-        std::string text;         // written as it is
-        std::string attachment;   // or, when set, this file in base64 lines
+        std::string text;        // written as it is
+        std::string attachment;  // or, when set, this file in base64 lines
     };
     explicit MessageStream(std::vector<Segment> segments);
     bool fillPending();

@@ -19,8 +19,8 @@ void MailSession::cancel() {
     if (busy_) transport_->cancel();
 }
 
-platform::Result<void> MailSession::start(SendPlan plan, MailMessage message,
-                                          DeliveryEvents events, DoneCallback done) {
+platform::Result<void> MailSession::start(SendPlan plan, MailMessage message, DeliveryEvents events,
+                                          DoneCallback done) {
     if (busy_) return platform::failure(kSendRunningText);
     if (worker_.joinable()) worker_.join();
     busy_ = true;

@@ -95,8 +95,8 @@ std::string quotedPrintable(std::string_view text) {
         const bool lineEndFollows =
             i + 1 == text.size() || text[i + 1] == '\n' || text[i + 1] == '\r';
         // A blank at a line's end would be lost on the way, so it is encoded.
-        const bool plain = (u >= 33 && u <= 126 && c != '=') ||
-                           ((c == ' ' || c == '\t') && !lineEndFollows);
+        const bool plain =
+            (u >= 33 && u <= 126 && c != '=') || ((c == ' ' || c == '\t') && !lineEndFollows);
         // A line starting with a dot is left to SMTP's own escaping; "From " is not touched.
         if (plain) {
             put(std::string_view(&text[i], 1));
@@ -183,8 +183,8 @@ std::string nameParameter(std::string_view parameter, std::string_view utf8) {
     for (const char c : utf8) {
         const auto u = static_cast<unsigned char>(c);
         const bool safe = (u >= '0' && u <= '9') || (u >= 'A' && u <= 'Z') ||
-                          (u >= 'a' && u <= 'z') || std::string_view("!#$&+-.^_`|~").find(c) !=
-                                                        std::string_view::npos;
+                          (u >= 'a' && u <= 'z') ||
+                          std::string_view("!#$&+-.^_`|~").find(c) != std::string_view::npos;
         if (safe) {
             out += c;
         } else {

@@ -95,10 +95,9 @@ Result<std::vector<MailExchanger>> findMailExchangers(const std::string& domain,
         exchangers.push_back({name, static_cast<int>(ns_get16(ns_rr_rdata(record))), {}});
     }
     if (exchangers.empty()) exchangers.push_back({domain, 0, {}});
-    std::stable_sort(exchangers.begin(), exchangers.end(),
-                     [](const MailExchanger& a, const MailExchanger& b) {
-                         return a.preference < b.preference;
-                     });
+    std::stable_sort(
+        exchangers.begin(), exchangers.end(),
+        [](const MailExchanger& a, const MailExchanger& b) { return a.preference < b.preference; });
     for (auto& exchanger : exchangers) exchanger.addresses = resolver.addresses(exchanger.host);
     std::erase_if(exchangers, [](const MailExchanger& e) { return e.addresses.empty(); });
     if (exchangers.empty()) {

@@ -22,7 +22,8 @@ inline constexpr const char* kPopFieldsBlankMessage =
     "This option is turn 'OFF'";
 inline constexpr const char* kRelayHostRequiredMessage =
     "A relay server host name or IP address must be specified";
-inline constexpr const char* kRelayOptionText = "Send all messages through the specified relay server";
+inline constexpr const char* kRelayOptionText =
+    "Send all messages through the specified relay server";
 inline constexpr const char* kDirectOptionText = "Send all messages directly to the recipient";
 
 class OptionsForm {

@@ -111,8 +111,8 @@ Result<SendPlan> planSend(const MailMessage& message, const SenderSettings& send
     return plan;
 }
 
-DeliveryOutcome deliver(const SendPlan& plan, const MailMessage& message,
-                        MailTransport& transport, const DeliveryEvents& events) {
+DeliveryOutcome deliver(const SendPlan& plan, const MailMessage& message, MailTransport& transport,
+                        const DeliveryEvents& events) {
     DeliveryOutcome outcome;
     if (plan.popFirst && !transport.popLogin(plan.popServer, events.transport, outcome.error)) {
         return outcome;

@@ -70,8 +70,8 @@ struct DeliveryOutcome {
 
 // Sends the message as planned. A recipient counts as delivered only after its
 // server's final OK of the message.
-DeliveryOutcome deliver(const SendPlan& plan, const MailMessage& message,
-                        MailTransport& transport, const DeliveryEvents& events);
+DeliveryOutcome deliver(const SendPlan& plan, const MailMessage& message, MailTransport& transport,
+                        const DeliveryEvents& events);
 
 // "Sending File via Email error = " + code + " " + text.
 std::string sendErrorText(const SendError& error);

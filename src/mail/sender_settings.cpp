@@ -1,7 +1,7 @@
 #include "mail/sender_settings.h"
 
-#include <cerrno>
 #include <cctype>
+#include <cerrno>
 
 #include "platform/files.h"
 #include "platform/text.h"

@@ -68,8 +68,7 @@ MailOptionsWindow::MailOptionsWindow(const settings::CompanyRecords& records,
     addBox(incomingFields, "txtPOPServer", tr("POP3 Server"), &SenderSettings::g_POPServer);
     addBox(incomingFields, "txtPOPPort", tr("POP3 Port"), &SenderSettings::g_POPPort);
     addBox(incomingFields, "txtPOPUserName", tr("Username"), &SenderSettings::g_POPUserName);
-    addBox(incomingFields, "txtPOPPassword", tr("Password"), &SenderSettings::g_POPPassword,
-           true);
+    addBox(incomingFields, "txtPOPPassword", tr("Password"), &SenderSettings::g_POPPassword, true);
     addBox(incomingFields, "txtPOPTimeOut", tr("Time-out (seconds)"),
            &SenderSettings::g_POPTimeOut);
     layout->addWidget(incoming);
@@ -119,8 +118,7 @@ MailOptionsWindow::MailOptionsWindow(const settings::CompanyRecords& records,
     render();
 }
 
-QLineEdit* MailOptionsWindow::addBox(QFormLayout* fields, const char* control,
-                                     const QString& label,
+QLineEdit* MailOptionsWindow::addBox(QFormLayout* fields, const char* control, const QString& label,
                                      std::string mail::SenderSettings::*field, bool secret) {
     auto* edit = new QLineEdit;
     edit->setObjectName(control);

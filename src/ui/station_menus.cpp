@@ -147,12 +147,10 @@ void StationMenus::buildConfiguration() {
         records(RecordsWindow::Transcribers));
     add(configuration, "mnemail", QObject::tr("Configure Email..."),
         records(RecordsWindow::EmailReceivers));
-    add(configuration, "mnPOP", QObject::tr("Email Server Options..."), [this] {
-        showMailOptionsWindow(&window_, parts_.config.dataFolder(), parts_.prompts);
-    });
-    add(configuration, "mnSendEmail", QObject::tr("Send E-Mail..."), [this] {
-        showComposeMailWindow(&window_, parts_.config.dataFolder(), parts_.prompts);
-    });
+    add(configuration, "mnPOP", QObject::tr("Email Server Options..."),
+        [this] { showMailOptionsWindow(&window_, parts_.config.dataFolder(), parts_.prompts); });
+    add(configuration, "mnSendEmail", QObject::tr("Send E-Mail..."),
+        [this] { showComposeMailWindow(&window_, parts_.config.dataFolder(), parts_.prompts); });
     addGreyed(configuration, "mnFTP", QObject::tr("Configure FTP..."));
     add(configuration, "mnPasswords", QObject::tr("Decryption Keys..."),
         records(RecordsWindow::DecryptionKeys));

@@ -89,8 +89,8 @@ TEST_F(MailFormsTest, AComposedMessageShowsEachRecipientAndIsBlankedOnceDelivere
     EXPECT_FALSE(form.send());  // one at a time
     ASSERT_TRUE(loop.runUntil([&] { return !form.sending(); }, milliseconds(20000)));
     const std::vector<std::string> expected = {
-        "Sending message to typist@pool.example",   "Sending message to office@clinic.example",
-        "Sending message to second@pool.example",   "Message delivered to typist@pool.example",
+        "Sending message to typist@pool.example",     "Sending message to office@clinic.example",
+        "Sending message to second@pool.example",     "Message delivered to typist@pool.example",
         "Message delivered to office@clinic.example", "Message delivered to second@pool.example",
         "EMail File 0009 Brown.wav Sucessfuly Sent"};
     std::vector<std::string> shown;
@@ -217,8 +217,8 @@ TEST_F(MailFormsTest, OptionsRefuseHalfFilledChoicesAndKeepOnlyOkOrApply) {
     EXPECT_TRUE(kept.g_chkServerAuthentication);
     EXPECT_EQ(kept.security, Security::StartTls);
     EXPECT_EQ(kept.smtpUser, "ann");
-    EXPECT_EQ(settings::IniStore(records.defaultsPath()).ReadKey("DefaultEmailForCO",
-                                                                 "ChkServerAuthentication"),
+    EXPECT_EQ(settings::IniStore(records.defaultsPath())
+                  .ReadKey("DefaultEmailForCO", "ChkServerAuthentication"),
               "1");
 }
 

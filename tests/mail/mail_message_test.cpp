@@ -68,9 +68,11 @@ TEST_F(MailMessageTest, HeadersNameEveryoneButTheBlindCopy) {
 }
 
 TEST_F(MailMessageTest, EachPriorityHasItsOwnHeaders) {
-    const std::pair<Priority, const char*> importance[] = {
-        {Priority::Highest, "High"}, {Priority::High, "High"},   {Priority::Normal, "Normal"},
-        {Priority::Low, "Low"},      {Priority::Lowest, "Low"}};
+    const std::pair<Priority, const char*> importance[] = {{Priority::Highest, "High"},
+                                                           {Priority::High, "High"},
+                                                           {Priority::Normal, "Normal"},
+                                                           {Priority::Low, "Low"},
+                                                           {Priority::Lowest, "Low"}};
     for (const auto& [priority, word] : importance) {
         MailMessage message = letter();
         message.priority = priority;
@@ -94,8 +96,7 @@ TEST_F(MailMessageTest, EachCharacterSetCarriesItsOwnLetters) {
             message.encoding = encoding;
             message.body = text;
             const auto seen = parsed(message);
-            EXPECT_EQ(seen.at("text.charset"),
-                      lower(kCharsetNames[static_cast<int>(charset)]));
+            EXPECT_EQ(seen.at("text.charset"), lower(kCharsetNames[static_cast<int>(charset)]));
             // Letters past ASCII never travel as 7-bit text.
             EXPECT_EQ(seen.at("text.cte"), "quoted-printable");
             EXPECT_EQ(seen.at("text.body"), std::string(text) + "\\n");
@@ -138,7 +139,8 @@ TEST_F(MailMessageTest, AttachmentsArriveByteForByteUnderTheirNames) {
     // Around the size the stream reads at a time, an empty file and an odd one.
     const std::size_t sizes[] = {0, 1, 57 * 1024 - 1, 57 * 1024, 57 * 1024 + 1, 300001};
     for (std::size_t i = 0; i < std::size(sizes); ++i) {
-        const std::string name = i == 2 ? "Brief für Frau Öz.wav" : "file" + std::to_string(i) + ".wav";
+        const std::string name =
+            i == 2 ? "Brief für Frau Öz.wav" : "file" + std::to_string(i) + ".wav";
         message.attachments.push_back({makeFile("source" + std::to_string(i), sizes[i]), name});
     }
     const auto seen = parsed(message);

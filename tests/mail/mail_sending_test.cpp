@@ -89,9 +89,9 @@ TEST_F(MailSendingTest, TheRelayDeliversToEveryoneAndTheBlindCopyStaysOutOfTheHe
     ASSERT_TRUE(outcome.delivered) << outcome.error.code << " " << outcome.error.text;
 
     const std::vector<std::string> expected = {
-        "to typist@pool.example",      "to second@pool.example",   "to office@clinic.example",
-        "to archive@clinic.example",   "got typist@pool.example",  "got second@pool.example",
-        "got office@clinic.example",   "got archive@clinic.example"};
+        "to typist@pool.example",    "to second@pool.example",    "to office@clinic.example",
+        "to archive@clinic.example", "got typist@pool.example",   "got second@pool.example",
+        "got office@clinic.example", "got archive@clinic.example"};
     EXPECT_EQ(seen, expected);
     const auto received = relay.messages();
     ASSERT_EQ(received.size(), 1U);

@@ -33,7 +33,8 @@ Server& started(std::unique_ptr<Server>& server, Arguments&&... arguments) {
 
 }  // namespace
 
-static SmtpTestOptions relayOptions(SmtpTestOptions::Tls tls, const char* mechanisms = "PLAIN,LOGIN") {
+static SmtpTestOptions relayOptions(SmtpTestOptions::Tls tls,
+                                    const char* mechanisms = "PLAIN,LOGIN") {
     SmtpTestOptions options;
     options.tls = tls;
     options.user = kSmtpUser;
@@ -53,8 +54,7 @@ ovd::testing::SmtpTestServer& startTlsRelay() {
 }
 
 ovd::testing::SmtpTestServer& implicitTlsRelay() {
-    return started(environment->servers.implicitTls,
-                   relayOptions(SmtpTestOptions::Tls::Implicit));
+    return started(environment->servers.implicitTls, relayOptions(SmtpTestOptions::Tls::Implicit));
 }
 
 ovd::testing::SmtpTestServer& loginOnlyRelay() {
@@ -66,7 +66,8 @@ ovd::testing::Pop3TestServer& popServer() { return started(environment->servers.
 
 ovd::testing::DnsTestServer& nameServer() {
     ovd::testing::DnsRecords records;
-    records.mx = {{kMxDomain, "mx1.transcribers.test", 20}, {kMxDomain, "mx0.transcribers.test", 10}};
+    records.mx = {{kMxDomain, "mx1.transcribers.test", 20},
+                  {kMxDomain, "mx0.transcribers.test", 10}};
     records.addresses = {{"mx0.transcribers.test", "127.0.0.2"},
                          {"mx1.transcribers.test", "127.0.0.1"},
                          {kAddressOnlyDomain, "127.0.0.1"}};

@@ -23,9 +23,8 @@ inline std::string commandOutput(const std::string& command) {
 }
 
 inline ParsedMessage parseMessageFile(const std::string& path) {
-    const std::string out = commandOutput("/usr/bin/python3 '" OVD_TEST_SUPPORT_DIR
-                                          "/mail_parse.py' '" +
-                                          path + "' 2>&1");
+    const std::string out = commandOutput(
+        "/usr/bin/python3 '" OVD_TEST_SUPPORT_DIR "/mail_parse.py' '" + path + "' 2>&1");
     ParsedMessage parsed;
     std::size_t at = 0;
     while (at < out.size()) {

@@ -46,11 +46,12 @@ class StagedEmailSenderTest : public ::testing::Test {
     }
 
     void defaults(const std::string& extra) {
-        write("DefaultInfo.ini", "[DefaultEmailForCO]\r\nDefaultEmail=ann@clinic.example\r\n"
-                                 "DefaultRecEMail=Typist@Pool.example\r\nDefaultCameFrom=POPServer1"
-                                 "\r\nChkRelayMessages=1\r\nDefaultRelayServer=127.0.0.1\r\n"
-                                 "DefaultRelayPort=" +
-                                     std::to_string(plainRelay().port()) + "\r\n" + extra);
+        write("DefaultInfo.ini",
+              "[DefaultEmailForCO]\r\nDefaultEmail=ann@clinic.example\r\n"
+              "DefaultRecEMail=Typist@Pool.example\r\nDefaultCameFrom=POPServer1"
+              "\r\nChkRelayMessages=1\r\nDefaultRelayServer=127.0.0.1\r\n"
+              "DefaultRelayPort=" +
+                  std::to_string(plainRelay().port()) + "\r\n" + extra);
     }
 
     platform::Result<void> send(const std::string& file) {
@@ -91,7 +92,8 @@ TEST_F(StagedEmailSenderTest, TheLetterGoesToTheDefaultReceiverFromOurCompany) {
     EXPECT_EQ(parsed.at("attachment.0.sha256"), sha256Of(letter));
     // The staged file is the caller's to remove; the exchange is in the mail trace.
     EXPECT_TRUE(fs::exists(letter));
-    EXPECT_NE(ovd::testing::readTextFile(data.file("MailTrace.log")).find("RCPT TO:<typist@pool.example>"),
+    EXPECT_NE(ovd::testing::readTextFile(data.file("MailTrace.log"))
+                  .find("RCPT TO:<typist@pool.example>"),
               std::string::npos);
 }
 
@@ -107,12 +109,13 @@ TEST_F(StagedEmailSenderTest, AnEncipheredLetterTravelsUnderItsTransportNameAndO
         crypto::emailTransportName("0007 Jones.wav", "Northside Clinic", kReceiverCompany);
     EXPECT_EQ(transportName, "0007 Jones.wav_Norths_to_Pool T.enc");
     const std::string saved = data.file("arrived.enc");
-    ASSERT_EQ(std::system(("/usr/bin/python3 -c \"import email,sys; m=email.message_from_binary_file("
-                           "open(sys.argv[1],'rb')); p=[x for x in m.walk() if x.get_filename()][0];"
-                           " open(sys.argv[2],'wb').write(p.get_payload(decode=True))\" '" +
-                           plainRelay().messages()[0] + "' '" + saved + "'")
-                              .c_str()),
-              0);
+    ASSERT_EQ(
+        std::system(("/usr/bin/python3 -c \"import email,sys; m=email.message_from_binary_file("
+                     "open(sys.argv[1],'rb')); p=[x for x in m.walk() if x.get_filename()][0];"
+                     " open(sys.argv[2],'wb').write(p.get_payload(decode=True))\" '" +
+                     plainRelay().messages()[0] + "' '" + saved + "'")
+                        .c_str()),
+        0);
     EXPECT_EQ(parseMessageFile(plainRelay().messages()[0]).at("attachment.0.name"), transportName);
     // The key is the first sixteen characters of our key, their company and their key.
     const std::string keyText =

@@ -106,9 +106,9 @@ bool greets(int port, const std::string& prefix) {
     const int fd = connectTo(port);
     if (fd < 0) return false;
     std::string reply(prefix.size(), '\0');
-    const bool greeted = ::recv(fd, reply.data(), reply.size(), MSG_WAITALL) ==
-                             static_cast<ssize_t>(reply.size()) &&
-                         reply == prefix;
+    const bool greeted =
+        ::recv(fd, reply.data(), reply.size(), MSG_WAITALL) == static_cast<ssize_t>(reply.size()) &&
+        reply == prefix;
     ::close(fd);
     return greeted;
 }

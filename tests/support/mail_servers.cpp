@@ -86,8 +86,7 @@ DnsTestServer::DnsTestServer(const DnsRecords& records) {
     }
     const std::string output = folder_.file("dnsmasq.out");
     const std::string log = folder_.file("dnsmasq.log");
-    if (!process_.start(arguments, output) ||
-        !process_.waitUntil([&] {
+    if (!process_.start(arguments, output) || !process_.waitUntil([&] {
             return readTextFile(log).find("started") != std::string::npos;
         })) {
         error_ = "dnsmasq did not start: " + readTextFile(output) + readTextFile(log);

@@ -22,17 +22,17 @@ SmtpTestServer::SmtpTestServer(SmtpTestOptions options) {
         return;
     }
     fs::create_directories(messagesFolder(folder_));
-    std::vector<std::string> arguments = {
-        kPython, OVD_TEST_SUPPORT_DIR "/smtp_server.py", "--folder", messagesFolder(folder_)};
+    std::vector<std::string> arguments = {kPython, OVD_TEST_SUPPORT_DIR "/smtp_server.py",
+                                          "--folder", messagesFolder(folder_)};
     if (options.tls != SmtpTestOptions::Tls::None) {
         if (!makeTestCertificate(certificateFile(), folder_.file("key.pem"))) {
             error_ = "openssl could not make the server's certificate";
             return;
         }
-        arguments.insert(arguments.end(),
-                         {"--tls",
-                          options.tls == SmtpTestOptions::Tls::StartTls ? "starttls" : "implicit",
-                          "--cert", certificateFile(), "--key", folder_.file("key.pem")});
+        arguments.insert(
+            arguments.end(),
+            {"--tls", options.tls == SmtpTestOptions::Tls::StartTls ? "starttls" : "implicit",
+             "--cert", certificateFile(), "--key", folder_.file("key.pem")});
     }
     if (!options.user.empty()) {
         arguments.insert(arguments.end(), {"--user", options.user, "--password", options.password,

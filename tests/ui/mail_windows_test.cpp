@@ -46,10 +46,11 @@ TEST_F(MailWindowsTest, TheComposeWindowSendsWhatIsTypedAndAttached) {
     ::ovd::testing::SmtpTestServer relay;
     ASSERT_TRUE(relay.running()) << relay.error();
     write("OurCompanyInfo.ini", "[Company]\r\nCompanyName=Northside Clinic\r\nName=Ann\r\n");
-    write("DefaultInfo.ini", "[DefaultEmailForCO]\r\nDefaultEmail=ann@clinic.example\r\n"
-                             "DefaultRecEMail=typist@pool.example\r\nChkRelayMessages=1\r\n"
-                             "DefaultRelayServer=127.0.0.1\r\nDefaultRelayPort=" +
-                                 std::to_string(relay.port()) + "\r\n");
+    write("DefaultInfo.ini",
+          "[DefaultEmailForCO]\r\nDefaultEmail=ann@clinic.example\r\n"
+          "DefaultRecEMail=typist@pool.example\r\nChkRelayMessages=1\r\n"
+          "DefaultRelayServer=127.0.0.1\r\nDefaultRelayPort=" +
+              std::to_string(relay.port()) + "\r\n");
     settings::EmailReceiversTable table(folder.path());
     ASSERT_TRUE(table.saveReceiver({"Pool Typing", "typist@pool.example", "PK", "PT"}));
     const std::string letter = folder.file("0003 Lee.wav");
@@ -70,8 +71,8 @@ TEST_F(MailWindowsTest, TheComposeWindowSendsWhatIsTypedAndAttached) {
     EXPECT_EQ(window.form().priority, mail::Priority::High);
 
     window.toolKey("SendMessage")->trigger();
-    ASSERT_TRUE(testing::runUntil([&] { return !window.form().sending(); },
-                                  std::chrono::seconds(20)));
+    ASSERT_TRUE(
+        testing::runUntil([&] { return !window.form().sending(); }, std::chrono::seconds(20)));
     EXPECT_EQ(child<QLabel>(window, "StatusBar")->text(),
               "EMail File 0003 Lee.wav Sucessfuly Sent");
     EXPECT_TRUE(child<QLineEdit>(window, "editSubject")->text().isEmpty());
