@@ -227,8 +227,9 @@ void ComposeMailWindow::render() {
     for (const auto& name : form.comboAttachmentShort) attachments_->addItem(fromText(name));
     attachments_->setCurrentIndex(attachments_->count() - 1);
     status_->setText(fromText(form.statusText));
+    // A moving bar while the message goes; an empty one otherwise.
     progress_->setRange(0, form.sending() ? 0 : 1);
-    progress_->setValue(form.sending() ? 0 : 1);
+    progress_->setValue(0);
     toolKey(mail::kSendMessageKey)->setEnabled(!form.sending());
     rendering_ = false;
 }
