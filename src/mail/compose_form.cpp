@@ -43,7 +43,10 @@ bool plausibleAddress(const std::string& address) {
     const auto at = address.find('@');
     if (at == std::string::npos || at == 0 || at + 1 >= address.size()) return false;
     if (address.find('@', at + 1) != std::string::npos) return false;
-    return address.find_first_of(" \t<>,;\"") == std::string::npos;
+    for (const char c : address) {
+        if (static_cast<unsigned char>(c) < 33) return false;
+    }
+    return address.find_first_of("<>,;\"") == std::string::npos;
 }
 
 ComposeForm::ComposeForm(platform::EventLoop& loop, const settings::CompanyRecords& records,

@@ -143,7 +143,10 @@ bool fitsSevenBit(std::string_view text) {
 }
 
 std::string encodedWords(std::string_view utf8) {
-    if (isAscii(utf8)) return std::string(utf8);
+    // A line end inside a file name must not start a header of its own.
+    bool plain = isAscii(utf8);
+    for (const char c : utf8) plain = plain && (static_cast<unsigned char>(c) >= 32 || c == '\t');
+    if (plain) return std::string(utf8);
     constexpr std::string_view kOpen = "=?UTF-8?B?";
     constexpr std::string_view kClose = "?=";
     // 75 characters hold 45 bytes of text once encoded.

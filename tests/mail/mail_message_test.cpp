@@ -158,6 +158,15 @@ TEST_F(MailMessageTest, AttachmentsArriveByteForByteUnderTheirNames) {
     }
 }
 
+TEST_F(MailMessageTest, ALineEndInAFileNameStaysInsideTheSubject) {
+    MailMessage message = letter();
+    message.subject = "0001.wav\r\nBcc: everyone@example.com";
+    const auto seen = parsed(message);
+    EXPECT_EQ(seen.at("defects"), "0");
+    EXPECT_EQ(seen.count("header.Bcc"), 0U);
+    EXPECT_NE(seen.at("header.Subject").find("0001.wav"), std::string::npos);
+}
+
 TEST_F(MailMessageTest, AnAttachmentThatVanishedFailsTheMessage) {
     MailMessage message = letter();
     message.attachments.push_back({folder.file("gone.wav"), "gone.wav"});
