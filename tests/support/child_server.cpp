@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <netinet/in.h>
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -58,6 +59,8 @@ bool ChildServer::start(const std::vector<std::string>& arguments, const std::st
     const pid_t child = ::fork();
     if (child == 0) {
         ::setpgid(0, 0);
+        // A test program that dies (a crash, a closed pipe) takes its servers along.
+        ::prctl(PR_SET_PDEATHSIG, SIGTERM);
         const int fd = ::open(outputFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
         if (fd >= 0) {
             ::dup2(fd, 1);
