@@ -2,7 +2,7 @@
 // loopback test relay against the curl command line sending the same message (built
 // beforehand) in the same run, best of three each, with the resident memory: the
 // attachment is encoded on the way, never held whole.
-// Run: build/release/bench/mail_bench
+// Run: build/release/bench/mail_bench [MEGABYTES]   (20 unless given)
 
 #include <algorithm>
 #include <chrono>
@@ -21,7 +21,7 @@
 namespace {
 
 using Clock = std::chrono::steady_clock;
-constexpr std::size_t kAttachmentBytes = 20U * 1024U * 1024U;
+constexpr std::size_t kMegabyte = 1024U * 1024U;
 constexpr int kRounds = 3;
 
 double secondsSince(Clock::time_point start) {
@@ -37,11 +37,11 @@ long statusKilobytes(const char* field) {
     return -1;
 }
 
-void writeRandomFile(const std::string& path) {
+void writeRandomFile(const std::string& path, std::size_t bytes) {
     std::ofstream out(path, std::ios::binary);
     std::mt19937_64 random(7);
     std::vector<std::uint64_t> piece(1 << 16);
-    for (std::size_t written = 0; written < kAttachmentBytes; written += piece.size() * 8) {
+    for (std::size_t written = 0; written < bytes; written += piece.size() * 8) {
         for (auto& word : piece) word = random();
         out.write(reinterpret_cast<const char*>(piece.data()),
                   static_cast<std::streamsize>(piece.size() * 8));
@@ -50,8 +50,10 @@ void writeRandomFile(const std::string& path) {
 
 }  // namespace
 
-int main() {
+int main(int argc, char** argv) {
     using namespace ovd;
+    const std::size_t attachmentBytes =
+        (argc > 1 ? std::strtoul(argv[1], nullptr, 10) : 20U) * kMegabyte;
     testing::SmtpTestServer relay;
     if (!relay.running()) {
         std::fprintf(stderr, "%s\n", relay.error().c_str());
@@ -59,7 +61,7 @@ int main() {
     }
     testing::TempFolder scratch;
     const std::string attachment = scratch.file("0001 Long letter.wav");
-    writeRandomFile(attachment);
+    writeRandomFile(attachment, attachmentBytes);
 
     mail::MailMessage message;
     message.fromName = "Bench";
@@ -102,10 +104,11 @@ int main() {
         theirs = std::min(theirs, secondsSince(start));
         relay.clear();
     }
-    const double megabytes = static_cast<double>(kAttachmentBytes) / (1024.0 * 1024.0);
-    std::printf("20 MB attachment: ours %.2f s (%.1f MB/s)   curl command %.2f s   ratio %.2f\n",
-                ours, megabytes / ours, theirs, ours / theirs);
+    const double megabytes = static_cast<double>(attachmentBytes / kMegabyte);
+    std::printf("%zu MB attachment", attachmentBytes / kMegabyte);
+    std::printf(": ours %.2f s (%.1f MB/s)   curl command %.2f s   ratio %.2f\n", ours,
+                megabytes / ours, theirs, ours / theirs);
     std::printf("resident memory: before %ld kB, peak %ld kB, attachment %zu kB\n", residentBefore,
-                statusKilobytes("VmHWM:"), kAttachmentBytes / 1024);
+                statusKilobytes("VmHWM:"), attachmentBytes / 1024);
     return 0;
 }
