@@ -65,6 +65,12 @@ void ComposeForm::Form_Load() {
             receivers.push_back({row.EmailCompanyName, row.EmailEncryptKey, row.EmailEmailAddress});
         }
     }
+    // The transcribers with an address are receivers too, as the default may be one of them.
+    const settings::ClientList clients = records_.LoadClients();
+    for (int i = 0; i < clients.HowMany; ++i) {
+        if (clients.emails[i].empty() || receiverOf(clients.emails[i])) continue;
+        receivers.push_back({clients.companyNames[i], clients.encryptKeys[i], clients.emails[i]});
+    }
     if (const auto chosen = defaultReceiver(records_)) cboEmail = chosen->address;
     notify();
 }

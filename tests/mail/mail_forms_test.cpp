@@ -112,10 +112,16 @@ TEST_F(MailFormsTest, AComposedMessageShowsEachRecipientAndIsBlankedOnceDelivere
 }
 
 TEST_F(MailFormsTest, UnknownReceiversBadCopiesAndSavedMessages) {
+    write("ClientsInfo.ini",
+          "[Night Typists]\r\nCompanyName=Night Typists\r\nEmail=night@typists.example\r\n");
     ComposeForm form(loop, records, prompts, std::make_unique<CurlMailTransport>());
     form.Form_Load();
     form.cboEmail = "Somebody Else";
     EXPECT_FALSE(form.leaveReceiver());
+    // A transcriber with an address is a receiver as well.
+    form.cboEmail = "night typists";
+    EXPECT_TRUE(form.leaveReceiver());
+    EXPECT_EQ(form.cboEmail, "night@typists.example");
     form.cboEmail = "second pool";
     EXPECT_TRUE(form.leaveReceiver());
     EXPECT_EQ(form.cboEmail, "second@pool.example");
