@@ -14,6 +14,7 @@
 #include "delivery/companion_lock.h"
 #include "delivery/peer_link.h"
 #include "ftp/client_for_site.h"
+#include "mail/staged_email_sender.h"
 #include "platform/files.h"
 #include "platform/headless_prompts.h"
 #include "platform/termination_signals.h"
@@ -88,6 +89,8 @@ int main(int argc, char** argv) {
     ovd::platform::HeadlessPrompts prompts([&log](const std::string& line) { log.trace(line); },
                                            std::cerr);
     ovd::delivery::PeerLink peer({loop, config, log, prompts});
+    ovd::mail::StagedEmailSender emailSender(options.dataFolder, prompts);
+    emailSender.setTrace([&log](const std::string& line) { log.trace(line); });
 
     ovd::autosend::Companion companion({
         .loop = loop,
@@ -97,7 +100,7 @@ int main(int argc, char** argv) {
         .prompts = prompts,
         .peer = peer,
         .makeClient = &ovd::ftp::clientFor,
-        .sendEmail = {},
+        .sendEmail = [&emailSender](const std::string& staged) { return emailSender.send(staged); },
         .soundFolder = ovd::platform::programShareFolder(),
         .rescanInterval = ovd::autosend::rescanInterval(options.dataFolder),
     });

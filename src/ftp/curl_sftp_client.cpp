@@ -171,8 +171,7 @@ Result<void> trustHostKey(const std::string& knownHostsFile, const std::string& 
     if (key.type.empty() || key.base64.empty()) return platform::failure("No host key to trust");
     std::ofstream file(knownHostsFile, std::ios::binary | std::ios::app);
     file << knownHostsLine(host, port, key) << "\n";
-    if (!file.flush())
-        return platform::systemFailure("Can't write " + knownHostsFile, errno);
+    if (!file.flush()) return platform::systemFailure("Can't write " + knownHostsFile, errno);
     return {};
 }
 

@@ -54,14 +54,13 @@ platform::Result<void> saveManualFtpSettings(const std::string& dataFolder,
                                              const ManualFtpSettings& settings) {
     const settings::IniStore store = storeIn(dataFolder);
     const std::pair<const char*, std::string> keys[] = {
-        {"Timer", std::to_string(settings.Timer)},
-        {"ManActive", flag(settings.ManActive)},
-        {"ManPassive", flag(settings.ManPassive)},
-        {"ManAscii", flag(settings.ManAscii)},
+        {"Timer", std::to_string(settings.Timer)}, {"ManActive", flag(settings.ManActive)},
+        {"ManPassive", flag(settings.ManPassive)}, {"ManAscii", flag(settings.ManAscii)},
         {"ManBin", flag(settings.ManBin)},
     };
     for (const auto& [key, value] : keys) {
-        if (auto written = store.WriteKey(kFtpSettingsSection, key, value); !written) return written;
+        if (auto written = store.WriteKey(kFtpSettingsSection, key, value); !written)
+            return written;
     }
     return platform::Result<void>::success();
 }

@@ -55,7 +55,8 @@ SiteConnection connectionFor(const settings::TranscriberRecord& record,
         site.scheme = schemeFromText(s.hostName.substr(0, marker));
         s.hostName.erase(0, marker + 3);
     }
-    if (const auto slash = s.hostName.find('/'); slash != std::string::npos) s.hostName.resize(slash);
+    if (const auto slash = s.hostName.find('/'); slash != std::string::npos)
+        s.hostName.resize(slash);
     s.port = portOf(record.get("FTPPort"), site.scheme == SiteScheme::Sftp ? 22 : 21);
     s.userName = record.get("FTPUserName");
     s.password = record.get("FTPPassword");

@@ -7,6 +7,7 @@
 #include "devices/hands_free.h"
 #include "dictation/dictation.h"
 #include "settings/config_file.h"
+#include "ui/compose_mail_window.h"
 #include "ui/ftp_setup_window.h"
 #include "ui/ftp_transfer_window.h"
 #include "ui/records_windows.h"
@@ -152,6 +153,10 @@ void StationMenus::buildConfiguration() {
         showFtpSetupWindow(FtpWindowFace::Automatic, &window_, parts_.config.dataFolder(),
                            parts_.prompts);
     });
+    add(configuration, "mnPOP", QObject::tr("Email Server Options..."),
+        [this] { showMailOptionsWindow(&window_, parts_.config.dataFolder(), parts_.prompts); });
+    add(configuration, "mnSendEmail", QObject::tr("Send E-Mail..."),
+        [this] { showComposeMailWindow(&window_, parts_.config.dataFolder(), parts_.prompts); });
     add(configuration, "mnPasswords", QObject::tr("Decryption Keys..."),
         records(RecordsWindow::DecryptionKeys));
     add(configuration, "mnDecrypt", QObject::tr("Decrypt a File..."),

@@ -24,7 +24,8 @@ TEST(SiteConnectionTest, AnOldRecordIsPlainPassiveBinaryFtpOnPort21WithoutItsPro
     const SiteConnection site = connectionFor(recordOf({{"FTPServer", " ftp.example.com "},
                                                         {"FTPPort", ""},
                                                         {"FTPUseProxyServer", "False"},
-                                                        {"FTPProxyAddress", "proxy.example.com"}}), "/data");
+                                                        {"FTPProxyAddress", "proxy.example.com"}}),
+                                              "/data");
     EXPECT_EQ(site.scheme, SiteScheme::Ftp);
     EXPECT_EQ(site.settings.hostName, "ftp.example.com");
     EXPECT_EQ(site.settings.port, 21);
@@ -41,7 +42,8 @@ TEST(SiteConnectionTest, ChosenModeTypeProxyAndSecurityReachTheConnection) {
                                                        {"FTPProxyAddress", "proxy.example.com"},
                                                        {"FTPProxyPort", "3128"},
                                                        {"FTPSecurity", "FTPS"},
-                                                       {"FTPPinnedCert", "/site/cert.pem"}}), "/data");
+                                                       {"FTPPinnedCert", "/site/cert.pem"}}),
+                                             "/data");
     EXPECT_EQ(tls.settings.port, 2121);
     EXPECT_FALSE(tls.settings.passiveMode);
     EXPECT_EQ(tls.settings.transferType, TransferType::Ascii);
@@ -51,7 +53,8 @@ TEST(SiteConnectionTest, ChosenModeTypeProxyAndSecurityReachTheConnection) {
     EXPECT_EQ(tls.settings.pinnedCertificateFile, "/site/cert.pem");
 
     // SSH has a port of its own; a port that is no port falls back to it.
-    const SiteConnection ssh = connectionFor(recordOf({{"FTPSecurity", "sftp"}, {"FTPPort", "x"}}), "/data");
+    const SiteConnection ssh =
+        connectionFor(recordOf({{"FTPSecurity", "sftp"}, {"FTPPort", "x"}}), "/data");
     EXPECT_EQ(ssh.scheme, SiteScheme::Sftp);
     EXPECT_EQ(ssh.settings.port, 22);
     EXPECT_EQ(ssh.settings.security, Security::Sftp);
