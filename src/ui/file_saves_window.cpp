@@ -43,6 +43,7 @@ void showText(QLineEdit* box, const std::string& text) {
 
 // An editable list box: the entry of the text when there is one, the text as typed otherwise.
 void showComboText(QComboBox* box, const std::string& text) {
+    if (box->currentText() == q(text) && (box->currentIndex() >= 0 || box->isEditable())) return;
     const QSignalBlocker quiet(box);
     const int index = box->findText(q(text));
     if (index >= 0) {
