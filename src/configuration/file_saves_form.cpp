@@ -374,8 +374,9 @@ void FileSavesForm::setDestination(int destination, bool on) {
     d.on = on;
     if (loading_) return;
     settings::SettingsRecord& r = config_.record;
-    std::string& field = destination == 1 ? r.SendToOne : destination == 2 ? r.SendToTwo
-                                                                            : r.SendToThree;
+    std::string& field = destination == 1   ? r.SendToOne
+                         : destination == 2 ? r.SendToTwo
+                                            : r.SendToThree;
     if (!on) {
         field.clear();
         d.folder.clear();
@@ -430,8 +431,7 @@ void FileSavesForm::setAutoDelete(bool on) { controls_.autoDelete = on; }
 void FileSavesForm::setOverwriteToEnd(bool on) { controls_.overwriteToEnd = on; }
 
 void FileSavesForm::takeFromFormatDialog(bool otherConditions, const std::string& frequency,
-                                         const std::string& bitRate,
-                                         const std::string& channels) {
+                                         const std::string& bitRate, const std::string& channels) {
     FormatBoxes& b = boxes(otherConditions);
     b.frequency = frequency;
     b.bitRate = bitRate;

@@ -53,21 +53,21 @@ struct FileSavesControls {
     bool addLabel = false;                   // Check1
     std::string labelText;                   // Text3
     bool labelTextEnabled = false;
-    bool sequential = false;     // Option2; Option1 (date and time) when false
-    std::string startingNumber;  // Text2
-    std::string places;          // Text4
-    bool numberingEnabled = false;  // Text2, Text4 and Command4
-    std::string recordingsFolder;   // Text1
-    FormatBoxes normal;             // Normal Conditions
-    FormatBoxes other;              // Other Conditions
-    int recordingVolume = 0;        // sldrVolumeInp, 0..65535
-    int playingVolume = 0;          // sldrVolumeOut, 0..65535
-    bool suppressWarnings = false;  // Check2
+    bool sequential = false;                          // Option2; Option1 (date and time) when false
+    std::string startingNumber;                       // Text2
+    std::string places;                               // Text4
+    bool numberingEnabled = false;                    // Text2, Text4 and Command4
+    std::string recordingsFolder;                     // Text1
+    FormatBoxes normal;                               // Normal Conditions
+    FormatBoxes other;                                // Other Conditions
+    int recordingVolume = 0;                          // sldrVolumeInp, 0..65535
+    int playingVolume = 0;                            // sldrVolumeOut, 0..65535
+    bool suppressWarnings = false;                    // Check2
     std::array<DestinationControls, 3> destinations;  // the third on the scrolling form only
-    bool autoEmail = false;                             // chkAutoEmail
-    std::string autoEmailName;                          // lblAutoEmail
-    std::vector<std::string> receiverCompanies;         // cboCompanyName
-    std::string chosenReceiverCompany;                  // cboCompanyName's entry
+    bool autoEmail = false;                           // chkAutoEmail
+    std::string autoEmailName;                        // lblAutoEmail
+    std::vector<std::string> receiverCompanies;       // cboCompanyName
+    std::string chosenReceiverCompany;                // cboCompanyName's entry
     bool emailGroupEnabled = false;  // lblAvailableEMail, cboCompanyName, lblCurrEmail...
     bool autoFtp = false;            // chkAutoFTP
     std::string autoFtpName;         // lblAutoFTP
@@ -89,8 +89,8 @@ struct FileSavesControls {
 };
 
 // The desk unit's eight button actions (BUT1..BUT8), by what the buttons mean.
-inline constexpr std::array<const char*, 8> kMessageButtonLabels = {
-    "MSG1", "MSG2", "MSG3", "MSG4", "MSG5", "MSG6", "MSG7", "MSG8"};
+inline constexpr std::array<const char*, 8> kMessageButtonLabels = {"MSG1", "MSG2", "MSG3", "MSG4",
+                                                                    "MSG5", "MSG6", "MSG7", "MSG8"};
 inline constexpr std::array<const char*, 8> kStandardButtonLabels = {
     "New", "RenameFile", "Previous", "Next", "AudioSRC", "SendToOne", "SendToTwo", "EraseFile"};
 
@@ -145,14 +145,14 @@ class FileSavesForm {
     void setPromptBarCode(bool on);
     void setAddLabel(bool on);  // Check1_Click
     void setLabelText(const std::string& text);
-    void chooseDateTimeNaming();  // Option1_Click
+    void chooseDateTimeNaming();    // Option1_Click
     void chooseSequentialNaming();  // Option2_Click
     void setStartingNumber(const std::string& text);
-    void leaveStartingNumber();  // Text2_LostFocus
-    void setPlaces(const std::string& text);  // Text4_Change
-    void resetNumbering();         // Command4_Click
-    void changeRecordingsFolder();   // Command3_Click
-    void restoreRecordingsFolder();  // Command1_Click
+    void leaveStartingNumber();                                       // Text2_LostFocus
+    void setPlaces(const std::string& text);                          // Text4_Change
+    void resetNumbering();                                            // Command4_Click
+    void changeRecordingsFolder();                                    // Command3_Click
+    void restoreRecordingsFolder();                                   // Command1_Click
     void setFormat(bool otherConditions, const std::string& format);  // cboFormat_Click
     void setFrequency(bool otherConditions, const std::string& frequency);
     void setChannels(bool otherConditions, const std::string& channels);

@@ -10,14 +10,14 @@
 #include <string>
 
 #include "configuration/mp3_options.h"
+#include "settings/encoder_options.h"
 
 namespace ovd::configuration {
 
 // The ten rates of the VOX, RAW and conversion windows (F1..F10, opFq 0..9).
-inline constexpr std::array<int, 10> kDialogFrequencies = {6000,  8000,  11025, 12000, 16000,
-                                                           22050, 24000, 32000, 44100, 48000};
-inline constexpr std::array<const char*, 3> kRawCompressionNames = {"8-bit mu-Law ",
-                                                                    "8-bit A-Law ", "16-bit PCM"};
+inline constexpr const std::array<int, 10>& kDialogFrequencies = settings::kLayoutFrequencies;
+inline constexpr std::array<const char*, 3> kRawCompressionNames = {"8-bit mu-Law ", "8-bit A-Law ",
+                                                                    "16-bit PCM"};
 
 // Which format group of the file-save settings a window works on, if any.
 enum class WorkingOnDefault {
@@ -56,16 +56,11 @@ class Mp3OptionsDialog {
 
 // frmVOX ("Set VOX Format") and frmRAW ("Set RAW Format"): what a VOX or RAW take
 // is saved as, kept in the data folder beside the MP3 options.
-struct RawLayout {
-    int compression = 2;  // C1..C3: mu-law, A-law, 16-bit PCM
-    int channels = 1;     // P1 mono, P2 stereo
-    int frequencyIndex = 1;  // F1..F10: 8000 Hz
-    bool operator==(const RawLayout&) const = default;
-};
-RawLayout loadRawLayout(const std::string& dataFolder);
-bool storeRawLayout(const std::string& dataFolder, const RawLayout& layout);
-int loadVoxFrequencyIndex(const std::string& dataFolder);
-bool storeVoxFrequencyIndex(const std::string& dataFolder, int frequencyIndex);
+using settings::loadRawLayout;
+using settings::loadVoxFrequencyIndex;
+using settings::RawLayout;
+using settings::storeRawLayout;
+using settings::storeVoxFrequencyIndex;
 
 // frmConvert ("Convert Sample Type"): opened on the current file's rate and
 // channels; a rate not in the list selects no rate button.

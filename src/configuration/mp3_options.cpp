@@ -4,18 +4,19 @@
 
 #include "configuration/number_text.h"
 #include "platform/files.h"
+#include "settings/encoder_options.h"
 #include "settings/ini_store.h"
 
 namespace ovd::configuration {
 
 namespace {
 
-constexpr const char* kEncoderFile = "EncoderOptions.ini";
 constexpr const char* kMp3Section = "MP3";
 
 template <typename Array>
 int clampIndex(long long index, const Array& list) {
-    return static_cast<int>(std::clamp<long long>(index, 0, static_cast<long long>(list.size()) - 1));
+    return static_cast<int>(
+        std::clamp<long long>(index, 0, static_cast<long long>(list.size()) - 1));
 }
 
 std::string onOff(bool on) { return on ? "1" : "0"; }
@@ -90,7 +91,7 @@ std::string kiloHertz(int hz) {
 }  // namespace
 
 Mp3Settings loadMp3Settings(const std::string& dataFolder) {
-    const settings::IniStore store(platform::joinPath(dataFolder, kEncoderFile));
+    const settings::IniStore store(platform::joinPath(dataFolder, settings::kEncoderOptionsFile));
     Mp3Settings s;
     const auto number = [&store](const char* key, int fallback) {
         return static_cast<int>(wholeNumber(store.ReadKey(kMp3Section, key)).value_or(fallback));
@@ -131,7 +132,7 @@ Mp3Settings loadMp3Settings(const std::string& dataFolder) {
 }
 
 bool storeMp3Settings(const std::string& dataFolder, const Mp3Settings& s) {
-    const std::string path = platform::joinPath(dataFolder, kEncoderFile);
+    const std::string path = platform::joinPath(dataFolder, settings::kEncoderOptionsFile);
     // The VOX and RAW layouts share the file and stay as they are.
     std::string before;
     if (auto text = platform::readWholeFile(path)) before = std::string(*text);
@@ -209,8 +210,8 @@ std::string lameCommandLine(const Mp3Settings& s, std::string_view in, std::stri
             case VbrMethod::Mtrh:
                 add(std::string(s.vbr == VbrMethod::Mtrh ? "--vbr-new" : "--vbr-old") + " -V " +
                     std::to_string(s.vbrQuality) + " -b " + std::to_string(kbit) + " -B " +
-                    std::to_string(kMp3SliderBitRates[static_cast<std::size_t>(
-                        s.vbrMaxBitRateIndex)]));
+                    std::to_string(
+                        kMp3SliderBitRates[static_cast<std::size_t>(s.vbrMaxBitRateIndex)]));
                 break;
             case VbrMethod::Abr:
                 add("--abr " + std::to_string(s.abrBitRate));

@@ -19,8 +19,8 @@ inline constexpr std::array<int, 15> kMp3SliderBitRates = {8,   16,  24,  32,  4
                                                            112, 128, 160, 192, 224, 256, 320};
 inline constexpr std::array<const char*, 5> kChannelModeNames = {
     "Mono", "Stereo", "Joint Stereo", "Forced Joint Stereo", "Dual Channels"};
-inline constexpr std::array<const char*, 8> kPresetNames = {"None",  "R3Mix", "Studio", "HiFi",
-                                                            "Tape",  "Radio", "Voice",  "Phone"};
+inline constexpr std::array<const char*, 8> kPresetNames = {"None", "R3Mix", "Studio", "HiFi",
+                                                            "Tape", "Radio", "Voice",  "Phone"};
 inline constexpr std::array<const char*, 6> kAltPresetNames = {
     "None", "Fast Standard", "Standard", "Fast Extreme", "Extrene", "Insane"};
 inline constexpr std::array<const char*, 4> kVbrMethodNames = {"None", "Default", "MTRH", "ABR"};
@@ -33,17 +33,17 @@ enum class ChannelMode { Mono, Stereo, JointStereo, ForcedJointStereo, DualChann
 enum class VbrMethod { None, Default, Mtrh, Abr };
 
 struct Mp3Settings {
-    int frequencyIndex = 3;  // cmbFrequency: 16 000 Hz
-    ChannelMode mode = ChannelMode::Mono;  // cmbChMode
-    int bitRateIndex = 3;                  // sldrBitrate: 32 kbit
-    int quality = 5;                       // sldrQuality, 0 better .. 9 faster
-    int preset = 0;                        // opPreset
-    int altPreset = 0;                     // opAltPreset
-    VbrMethod vbr = VbrMethod::None;       // cmbVBRCodingMethod
-    int vbrQuality = 4;                    // txtVbrQuality, 0..9
-    int vbrMaxBitRateIndex = 14;           // sldrVbrBitrate
-    int abrBitRate = 64;                   // txtAbrBitrate, kbit
-    bool writeVbrHeader = true;            // chWriteVBRHeader
+    int frequencyIndex = 3;                  // cmbFrequency: 16 000 Hz
+    ChannelMode mode = ChannelMode::Mono;    // cmbChMode
+    int bitRateIndex = 3;                    // sldrBitrate: 32 kbit
+    int quality = 5;                         // sldrQuality, 0 better .. 9 faster
+    int preset = 0;                          // opPreset
+    int altPreset = 0;                       // opAltPreset
+    VbrMethod vbr = VbrMethod::None;         // cmbVBRCodingMethod
+    int vbrQuality = 4;                      // txtVbrQuality, 0..9
+    int vbrMaxBitRateIndex = 14;             // sldrVbrBitrate
+    int abrBitRate = 64;                     // txtAbrBitrate, kbit
+    bool writeVbrHeader = true;              // chWriteVBRHeader
     bool strictlyEnforceMinBitRate = false;  // chStrictlyEnforceMinBitrate
     int athControl = 0;                      // cmbATHControl
     int emphasis = 0;                        // cmbEmphasis

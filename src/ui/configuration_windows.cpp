@@ -48,8 +48,8 @@ void showFileSaves(StationWindow& window, StationWindowParts& parts) {
                                           : configuration::FormKind::Scrolling);
     form.load();
     const auto formatOptions = [&form, &shown, dataFolder](bool other, const std::string& format) {
-        const auto working =
-            other ? configuration::WorkingOnDefault::Other : configuration::WorkingOnDefault::Normal;
+        const auto working = other ? configuration::WorkingOnDefault::Other
+                                   : configuration::WorkingOnDefault::Normal;
         if (format == "MP3") {
             configuration::Mp3OptionsDialog model(
                 dataFolder, working,
@@ -60,12 +60,13 @@ void showFileSaves(StationWindow& window, StationWindowParts& parts) {
             Mp3OptionsWindow(model, shown).exec();
         } else if (format == "VOX") {
             // VOX takes a frequency only; its box follows the window.
-            LayoutWindow(LayoutWindow::Kind::Vox, dataFolder,
-                         [&form, &shown, other](int frequency, int) {
-                             form.setFrequency(other, std::to_string(frequency));
-                             shown->refresh();
-                         },
-                         shown)
+            LayoutWindow(
+                LayoutWindow::Kind::Vox, dataFolder,
+                [&form, &shown, other](int frequency, int) {
+                    form.setFrequency(other, std::to_string(frequency));
+                    shown->refresh();
+                },
+                shown)
                 .exec();
         } else if (format == "RAW") {
             LayoutWindow(LayoutWindow::Kind::Raw, dataFolder, nullptr, shown).exec();

@@ -21,8 +21,7 @@ EndOfLetterOptionsWindow::EndOfLetterOptionsWindow(configuration::EndOfLetterOpt
     hotKeyArea_->setLayout(new QVBoxLayout);
     hotKeyArea_->hide();
     column->addWidget(hotKeyArea_);
-    auto* exitAtEnd =
-        new QCheckBox(QString::fromLatin1(configuration::kExitAtEOLCaption), this);
+    auto* exitAtEnd = new QCheckBox(QString::fromLatin1(configuration::kExitAtEOLCaption), this);
     exitAtEnd->setObjectName("chkExitAtEOL");
     exitAtEnd->setChecked(model_.exitAtEndOfLetter());
     column->addWidget(exitAtEnd);

@@ -111,7 +111,8 @@ FileSavesWindow::FileSavesWindow(configuration::FileSavesForm& form, FormatOptio
         column->addWidget(scroll);
         addNameTimer_ = new QTimer(this);
         addNameTimer_->setInterval(kAddNameCheckMs);
-        connect(addNameTimer_, &QTimer::timeout, this, then([this] { form_.checkAddNameToFile(); }));
+        connect(addNameTimer_, &QTimer::timeout, this,
+                then([this] { form_.checkAddNameToFile(); }));
         addNameTimer_->start();
     }
     column->addWidget(buttonsRow());
@@ -141,15 +142,15 @@ QWidget* FileSavesWindow::namingGroup() {
     auto* page = new QWidget;
     auto* column = new QVBoxLayout(page);
 
-    auto* notice = named(new QLabel(QString::fromLatin1(configuration::kAddNameIsOnNotice)),
-                         "frmAddNameIsOn");
+    auto* notice =
+        named(new QLabel(QString::fromLatin1(configuration::kAddNameIsOnNotice)), "frmAddNameIsOn");
     notice->setWordWrap(true);
     column->addWidget(notice);
 
     auto* naming = named(new QGroupBox(tr("Default Naming Convention")), "Frame1");
     auto* grid = new QGridLayout(naming);
-    auto* addLabel = named(new QCheckBox(tr("Add text and the date and time, or a number")),
-                           "Check1");
+    auto* addLabel =
+        named(new QCheckBox(tr("Add text and the date and time, or a number")), "Check1");
     auto* labelText = named(new QLineEdit, "Text3");
     grid->addWidget(addLabel, 0, 0, 1, 2);
     grid->addWidget(new QLabel(tr("Text to be added to the file names if desired:")), 1, 0);
@@ -288,17 +289,15 @@ QWidget* FileSavesWindow::formatsGroup() {
         connect(format, &QComboBox::activated, this, then([this, other, format] {
                     form_.setFormat(other, format->currentText().toStdString());
                 }));
-        connect(frequency, &QComboBox::currentTextChanged, this, [this, other](const QString& t) {
-            form_.setFrequency(other, t.toStdString());
-        });
+        connect(frequency, &QComboBox::currentTextChanged, this,
+                [this, other](const QString& t) { form_.setFrequency(other, t.toStdString()); });
         connect(channels, &QComboBox::activated, this, [this, other, channels] {
             form_.setChannels(other, channels->currentText().toStdString());
         });
         connect(bits, &QComboBox::currentTextChanged, this,
                 [this, other](const QString& t) { form_.setBitRate(other, t.toStdString()); });
         connect(options, &QPushButton::clicked, this, then([this, other] {
-                    const FormatBoxes& b =
-                        other ? form_.controls().other : form_.controls().normal;
+                    const FormatBoxes& b = other ? form_.controls().other : form_.controls().normal;
                     if (formatOptions_) formatOptions_(other, b.format);
                 }));
         refreshers_.push_back([=, this] {
@@ -396,9 +395,10 @@ QWidget* FileSavesWindow::recordingGroup() {
         });
         return box;
     };
-    tick("chkAutoRewind", tr("Check Mark To Activate "),
-         [this](bool on) { form_.setAutoRewind(on); },
-         [](const FileSavesControls& c) { return c.autoRewind; });
+    tick(
+        "chkAutoRewind", tr("Check Mark To Activate "),
+        [this](bool on) { form_.setAutoRewind(on); },
+        [](const FileSavesControls& c) { return c.autoRewind; });
     auto* insert = named(new QRadioButton(tr("Auto Insert")), "optIns");
     auto* overwrite = named(new QRadioButton(tr("Auto Overwrite")), "optOver");
     auto* rewindOptions = new QWidget;
@@ -420,9 +420,10 @@ QWidget* FileSavesWindow::recordingGroup() {
         rewindOptions->setEnabled(c.autoRewind);
     });
     if (scrolling) {
-        tick("chkOneTapRecPause", tr("One Tap Start Record - One Tap Pause Record"),
-             [this](bool on) { form_.setOneTapRecordPause(on); },
-             [](const FileSavesControls& c) { return c.oneTapRecordPause; });
+        tick(
+            "chkOneTapRecPause", tr("One Tap Start Record - One Tap Pause Record"),
+            [this](bool on) { form_.setOneTapRecordPause(on); },
+            [](const FileSavesControls& c) { return c.oneTapRecordPause; });
     }
     auto* jumpBack = named(new QLineEdit, "Text5");
     grid->addWidget(new QLabel(tr("Jump Back Secs (1 - 99)")), row, 0);
@@ -432,32 +433,39 @@ QWidget* FileSavesWindow::recordingGroup() {
     connect(jumpBack, &QLineEdit::editingFinished, this,
             then([this] { form_.leaveJumpBackSeconds(); }));
     refreshers_.push_back([=, this] { showText(jumpBack, form_.controls().jumpBackSeconds); });
-    tick("chkNoLog", tr("Checked = No Logging"), [this](bool on) { form_.setNoLogging(on); },
-         [](const FileSavesControls& c) { return c.noLogging; });
-    tick("chkDFStopRec", tr("Activate Stop Recording when Disk Full Warning Displays"),
-         [this](bool on) { form_.setStopRecordingWhenDiskFull(on); },
-         [](const FileSavesControls& c) { return c.stopRecordingWhenDiskFull; });
-    tick("chkFileSave",
-         tr("Check this box if you want enhanced crash protection for the last sentence "
-            "spoken. "),
-         [this](bool on) { form_.setSaveAtStop(on); },
-         [](const FileSavesControls& c) { return c.saveAtStop; });
-    tick("chkRecover", tr("Check Mark To Activate Recovery Module"),
-         [this](bool on) { form_.setRecovery(on); },
-         [](const FileSavesControls& c) { return c.recovery; });
-    tick("chkAutoDelete", tr("Check Mark To Activate  Automatic  File Deletion"),
-         [this](bool on) { form_.setAutoDelete(on); },
-         [](const FileSavesControls& c) { return c.autoDelete; });
-    tick("Check3", tr("Check Mark To Activate Overwrite to End of Recording."),
-         [this](bool on) { form_.setOverwriteToEnd(on); },
-         [](const FileSavesControls& c) { return c.overwriteToEnd; });
+    tick(
+        "chkNoLog", tr("Checked = No Logging"), [this](bool on) { form_.setNoLogging(on); },
+        [](const FileSavesControls& c) { return c.noLogging; });
+    tick(
+        "chkDFStopRec", tr("Activate Stop Recording when Disk Full Warning Displays"),
+        [this](bool on) { form_.setStopRecordingWhenDiskFull(on); },
+        [](const FileSavesControls& c) { return c.stopRecordingWhenDiskFull; });
+    tick(
+        "chkFileSave",
+        tr("Check this box if you want enhanced crash protection for the last sentence "
+           "spoken. "),
+        [this](bool on) { form_.setSaveAtStop(on); },
+        [](const FileSavesControls& c) { return c.saveAtStop; });
+    tick(
+        "chkRecover", tr("Check Mark To Activate Recovery Module"),
+        [this](bool on) { form_.setRecovery(on); },
+        [](const FileSavesControls& c) { return c.recovery; });
+    tick(
+        "chkAutoDelete", tr("Check Mark To Activate  Automatic  File Deletion"),
+        [this](bool on) { form_.setAutoDelete(on); },
+        [](const FileSavesControls& c) { return c.autoDelete; });
+    tick(
+        "Check3", tr("Check Mark To Activate Overwrite to End of Recording."),
+        [this](bool on) { form_.setOverwriteToEnd(on); },
+        [](const FileSavesControls& c) { return c.overwriteToEnd; });
 
     for (const bool playing : {false, true}) {
-        auto* slider = named(new QSlider(Qt::Horizontal), playing ? "sldrVolumeOut" : "sldrVolumeInp");
+        auto* slider =
+            named(new QSlider(Qt::Horizontal), playing ? "sldrVolumeOut" : "sldrVolumeInp");
         slider->setRange(0, 65535);
-        grid->addWidget(new QLabel(playing ? tr("Playing Volume Default")
-                                           : tr("Recording Volume Default")),
-                        row, 0);
+        grid->addWidget(
+            new QLabel(playing ? tr("Playing Volume Default") : tr("Recording Volume Default")),
+            row, 0);
         grid->addWidget(slider, row++, 1, 1, 2);
         connect(slider, &QSlider::valueChanged, this, [this, playing](int position) {
             if (playing) {
@@ -525,8 +533,8 @@ QWidget* FileSavesWindow::peerGroup() {
 QWidget* FileSavesWindow::buttonsRow() {
     auto* row = new QWidget(this);
     auto* layout = new QHBoxLayout(row);
-    auto* save = named(new QPushButton(QString::fromLatin1(configuration::kSaveAndExitCaption)),
-                       "Command9");
+    auto* save =
+        named(new QPushButton(QString::fromLatin1(configuration::kSaveAndExitCaption)), "Command9");
     auto* cancel = named(new QPushButton(tr("Cancel")), "Command2");
     layout->addStretch();
     layout->addWidget(save);

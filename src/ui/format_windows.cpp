@@ -51,8 +51,9 @@ Mp3OptionsWindow::Mp3OptionsWindow(configuration::Mp3OptionsDialog& model, QWidg
     auto* commandLine = named(new QLineEdit(this), "txtCommLine");
     commandLine->setReadOnly(true);
     column->addWidget(commandLine);
-    refreshers_.push_back(
-        [this, commandLine] { commandLine->setText(QString::fromStdString(model_.commandLine())); });
+    refreshers_.push_back([this, commandLine] {
+        commandLine->setText(QString::fromStdString(model_.commandLine()));
+    });
     auto* buttons = new QHBoxLayout;
     auto* ok = named(new QPushButton(tr("OK")), "cmdOK");
     auto* apply = named(new QPushButton(tr("Apply")), "cmdApply");
@@ -154,8 +155,8 @@ QWidget* Mp3OptionsWindow::vbrPage() {
     auto* abr = named(new QSpinBox, "udAbrBitrate");
     abr->setRange(8, 320);
     auto* header = named(new QCheckBox(tr("Write VBR header")), "chWriteVBRHeader");
-    auto* strict = named(new QCheckBox(tr("Strictly enforce minimum bitrate")),
-                         "chStrictlyEnforceMinBitrate");
+    auto* strict =
+        named(new QCheckBox(tr("Strictly enforce minimum bitrate")), "chStrictlyEnforceMinBitrate");
     grid->addWidget(named(new QLabel(tr("VBR quality")), "lblVbrQuality"), 0, 0);
     grid->addWidget(vbrQuality, 0, 1);
     grid->addWidget(new QLabel(tr("Maximum bitrate")), 1, 0);
@@ -295,7 +296,8 @@ LayoutWindow::LayoutWindow(Kind kind, std::string dataFolder,
         auto* compression = new QGroupBox(tr("Comperssion"));
         auto* rows = new QVBoxLayout(compression);
         for (int i = 0; i < 3; ++i) {
-            auto* option = new QRadioButton(QString::fromLatin1(configuration::kRawCompressionNames[static_cast<std::size_t>(i)]));
+            auto* option = new QRadioButton(QString::fromLatin1(
+                configuration::kRawCompressionNames[static_cast<std::size_t>(i)]));
             option->setObjectName(QStringLiteral("C%1").arg(i + 1));
             option->setChecked(layout_.compression == i);
             rows->addWidget(option);
@@ -316,8 +318,7 @@ LayoutWindow::LayoutWindow(Kind kind, std::string dataFolder,
     auto* frequencies = new QGroupBox(tr("Frequency"));
     auto* grid = new QGridLayout(frequencies);
     for (std::size_t i = 0; i < configuration::kDialogFrequencies.size(); ++i) {
-        auto* option =
-            new QRadioButton(tr("%1 Hz").arg(configuration::kDialogFrequencies[i]));
+        auto* option = new QRadioButton(tr("%1 Hz").arg(configuration::kDialogFrequencies[i]));
         option->setObjectName(QStringLiteral("F%1").arg(i + 1));
         option->setChecked(layout_.frequencyIndex == static_cast<int>(i));
         grid->addWidget(option, static_cast<int>(i % 5), static_cast<int>(i / 5));
@@ -336,17 +337,16 @@ LayoutWindow::LayoutWindow(Kind kind, std::string dataFolder,
 }
 
 void LayoutWindow::apply() {
-    const bool kept = kind_ == Kind::Raw
-                          ? configuration::storeRawLayout(dataFolder_, layout_)
-                          : configuration::storeVoxFrequencyIndex(dataFolder_,
-                                                                  layout_.frequencyIndex);
+    const bool kept = kind_ == Kind::Raw ? configuration::storeRawLayout(dataFolder_, layout_)
+                                         : configuration::storeVoxFrequencyIndex(
+                                               dataFolder_, layout_.frequencyIndex);
     if (!kept) {
         // The choice still reaches the boxes; it is kept again at the next apply.
     }
     if (writeBack_) {
-        writeBack_(configuration::kDialogFrequencies[static_cast<std::size_t>(
-                       layout_.frequencyIndex)],
-                   kind_ == Kind::Raw ? layout_.channels : 1);
+        writeBack_(
+            configuration::kDialogFrequencies[static_cast<std::size_t>(layout_.frequencyIndex)],
+            kind_ == Kind::Raw ? layout_.channels : 1);
     }
 }
 

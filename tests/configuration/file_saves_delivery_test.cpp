@@ -20,7 +20,7 @@ using platform::Answer;
 
 TEST_F(FileSavesTest, DestinationFoldersAreStoredTheMomentTheyAreChosen) {
     const std::string chosen = folder.file("first");
-    prompts.answerNextText(chosen);  // destination 1
+    prompts.answerNextText(chosen);        // destination 1
     prompts.answerNextText(std::nullopt);  // destination 2: cancelled with none set
     FileSavesForm& f = open();
     f.setDestination(1, true);
@@ -110,8 +110,7 @@ class EmailAtSaveTest : public FileSavesTest {
     }
     void defaultReceiver() {
         settings::CompanyRecords records(folder.path());
-        ASSERT_TRUE(records.defaults().WriteKey(settings::kDefaultEmailSection,
-                                                "DefaultRecEMail",
+        ASSERT_TRUE(records.defaults().WriteKey(settings::kDefaultEmailSection, "DefaultRecEMail",
                                                 std::string("typing@example.org")));
     }
     SaveOutcome saveWithEmail(std::optional<Answer> answer) {

@@ -10,21 +10,18 @@ namespace {
 struct LeaveCase {
     const char* typed;
     const char* places;
-    const char* number;      // Text2 afterwards
-    const char* placesAfter; // Text4 afterwards
-    std::string message;     // "" for none
+    const char* number;       // Text2 afterwards
+    const char* placesAfter;  // Text4 afterwards
+    std::string message;      // "" for none
 };
 
 TEST_F(FileSavesTest, LeavingTheStartingNumberKeepsItWithinItsPlaces) {
     const std::string tooMany4 = std::string(kTooManyDigitsFront) + "4" + kTooManyDigitsBack;
     const std::string tooMany2 = std::string(kTooManyDigitsFront) + "2" + kTooManyDigitsBack;
     const LeaveCase cases[] = {
-        {"0123", "4", "", "4", ""},
-        {"12", "", "12", "5", ""},
-        {"", "", "", "", kNoPlacesMessage},
-        {"12345", "4", "1", "1", tooMany4},
-        {"123", "2", "1", "2", tooMany2},
-        {"1234567", "5", "1", "5", kOverFivePositions},
+        {"0123", "4", "", "4", ""},          {"12", "", "12", "5", ""},
+        {"", "", "", "", kNoPlacesMessage},  {"12345", "4", "1", "1", tooMany4},
+        {"123", "2", "1", "2", tooMany2},    {"1234567", "5", "1", "5", kOverFivePositions},
         {"7a", "4", "", "4", kEnterANumber},
     };
     for (const LeaveCase& c : cases) {

@@ -12,7 +12,7 @@ TEST_F(FileSavesTest, FormatBoxesFollowTheFormatAndEmptyOnesAreFilledAtTheSave) 
     struct Case {
         const char* format;
         bool frequency, channels, bitRate;  // boxes that take a value
-        const char* Frequency;  // stored after a save with every box left empty
+        const char* Frequency;              // stored after a save with every box left empty
         const char* Channel;
         const char* FileBit;
         const char* Channel2;

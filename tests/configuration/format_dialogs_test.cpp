@@ -2,13 +2,14 @@
 // encoder really makes that file with, what they write back into the file-save
 // boxes, and what is kept in the data folder.
 
+#include "configuration/format_dialogs.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <cstdlib>
 #include <string>
 
-#include "configuration/format_dialogs.h"
 #include "platform/files.h"
 #include "support/temp_folder.h"
 
@@ -19,7 +20,7 @@ namespace {
 struct FrameHeader {
     int sampleRate = 0;
     int bitRateKbps = 0;
-    int mode = -1;  // 0 stereo, 1 joint stereo, 2 dual, 3 mono
+    int mode = -1;          // 0 stereo, 1 joint stereo, 2 dual, 3 mono
     bool variable = false;  // a "Xing" frame rather than "Info" opens the stream
 };
 
@@ -35,7 +36,7 @@ std::optional<FrameHeader> firstFrame(const std::string& bytes) {
         const int version = (b(1) >> 3) & 3;  // 3 MPEG 1, 2 MPEG 2, 0 MPEG 2.5
         static const int rates[4][3] = {
             {11025, 12000, 8000}, {0, 0, 0}, {22050, 24000, 16000}, {44100, 48000, 32000}};
-        static const int mpeg1[16] = {0,   32,  40,  48,  56,  64,  80, 96,
+        static const int mpeg1[16] = {0,   32,  40,  48,  56,  64,  80,  96,
                                       112, 128, 160, 192, 224, 256, 320, 0};
         static const int mpeg2[16] = {0,  8,  16, 24,  32,  40,  48,  56,
                                       64, 80, 96, 112, 128, 144, 160, 0};

@@ -3,6 +3,8 @@
 // windows, saves, and the next letter dictated through the main window comes out
 // so, in the recordings folder and in the destination.
 
+#include "ui/file_saves_window.h"
+
 #include <gtest/gtest.h>
 
 #include <QAction>
@@ -23,7 +25,6 @@
 #include "configuration/mp3_options.h"
 #include "settings/debug_trace.h"
 #include "station/virtual_station.h"
-#include "ui/file_saves_window.h"
 #include "ui/format_windows.h"
 #include "ui/station_window.h"
 #include "ui/transport_bar.h"
@@ -78,10 +79,10 @@ class FileSavesWindowTest : public ::testing::TestWithParam<bool> {
         if (!s.config.WriteConfig()) ADD_FAILURE() << "settings not written";
         station = &s.make();
         station->Form_Load();
-        window = std::make_unique<StationWindow>(StationWindowParts{
-            s.config, s.log, station->dictation(), station->recordingEditor(),
-            station->scratchEditor(), trace, s.prompts, OVD_TEST_ASSETS, "virtual",
-            &station->handsFree()});
+        window = std::make_unique<StationWindow>(
+            StationWindowParts{s.config, s.log, station->dictation(), station->recordingEditor(),
+                               station->scratchEditor(), trace, s.prompts, OVD_TEST_ASSETS,
+                               "virtual", &station->handsFree()});
         window->Form_Load();
     }
 
