@@ -117,7 +117,7 @@ FileSavesWindow::FileSavesWindow(configuration::FileSavesForm& form, FormatOptio
     }
     column->addWidget(buttonsRow());
     refresh();
-    resize(tabbed ? 640 : 680, tabbed ? 520 : 720);
+    resize(tabbed ? 700 : 780, tabbed ? 520 : 720);
 }
 
 std::function<void()> FileSavesWindow::then(const std::function<void()>& handler) {
@@ -318,6 +318,7 @@ QWidget* FileSavesWindow::formatsGroup() {
     auto* reset = named(new QPushButton(tr("ReSet Defaults")), "Command5");
     connect(reset, &QPushButton::clicked, this, then([this] { form_.resetFormatDefaults(); }));
     column->addWidget(reset);
+    column->addStretch();
     return page;
 }
 

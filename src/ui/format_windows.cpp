@@ -50,6 +50,7 @@ Mp3OptionsWindow::Mp3OptionsWindow(configuration::Mp3OptionsDialog& model, QWidg
     column->addWidget(tabs);
     auto* commandLine = named(new QLineEdit(this), "txtCommLine");
     commandLine->setReadOnly(true);
+    commandLine->setMinimumWidth(560);
     column->addWidget(commandLine);
     refreshers_.push_back([this, commandLine] {
         commandLine->setText(QString::fromStdString(model_.commandLine()));
