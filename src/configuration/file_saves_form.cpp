@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
+#include <system_error>
 
 #include "configuration/file_saves_texts.h"
 #include "configuration/number_text.h"
@@ -161,7 +163,10 @@ void FileSavesForm::rememberSettingsOnDisk() {
 
 bool FileSavesForm::folderUsable(const std::string& folder, bool forRecordings) {
     if (!platform::createFolder(folder)) {
-        const std::string reason = std::strerror(errno);
+        // Asked once more, for the system's own words for why.
+        std::error_code why;
+        std::filesystem::create_directories(folder, why);
+        const std::string reason = why ? why.message() : "not a folder";
         prompts_.showMessage(std::string(kFolderCantBeMade) + folder + " (" + reason + ")",
                              settings::kProductTitle, platform::Severity::Warning);
         return false;

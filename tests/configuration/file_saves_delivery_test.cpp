@@ -58,6 +58,7 @@ TEST_F(FileSavesTest, ADestinationThatCantBeCreatedIsRefused) {
     EXPECT_FALSE(f.controls().destinations[0].on);
     ASSERT_EQ(prompts.texts().size(), 2U);
     EXPECT_EQ(prompts.texts()[1].rfind(kFolderCantBeMade, 0), 0U) << prompts.texts()[1];
+    EXPECT_NE(prompts.texts()[1].find("Not a directory"), std::string::npos);
     EXPECT_EQ(stored().SendToOne, "");
 }
 
@@ -226,6 +227,7 @@ TEST_F(FileSavesTest, ARecordingsFolderOnAReadOnlyDiskIsRefused) {
         f.changeRecordingsFolder();
         ASSERT_EQ(prompts.texts().size(), 2U);
         EXPECT_NE(prompts.texts()[1].find(chosen), std::string::npos);
+        EXPECT_NE(prompts.texts()[1].find("Read-only file system"), std::string::npos);
         EXPECT_EQ(f.controls().recordingsFolder, folder.file("Rec"));
     }
     ASSERT_EQ(f.save(), SaveOutcome::Saved);

@@ -173,16 +173,6 @@ TEST_F(FileSavesTest, TheTabbedFormKeepsWhatItCannotShow) {
     EXPECT_TRUE(disk.PromptBarCode);
 }
 
-TEST_F(FileSavesTest, SpeakerNamesInFileNamesHideTheNamingFrame) {
-    FileSavesForm& f = open();
-    EXPECT_TRUE(f.controls().namingShown);
-    EXPECT_FALSE(f.controls().addNameNoticeShown);
-    config.record.AddNameToFile = true;
-    f.checkAddNameToFile();
-    EXPECT_FALSE(f.controls().namingShown);
-    EXPECT_TRUE(f.controls().addNameNoticeShown);
-}
-
 TEST_F(FileSavesTest, SettingsChangedOnDiskAreToldAndReplacedWhole) {
     FileSavesForm& f = open();
     settings::ConfigFile other(folder.path());
