@@ -18,10 +18,12 @@
 #include <QRadioButton>
 #include <QSlider>
 #include <QToolButton>
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <memory>
 
+#include "configuration/file_saves_texts.h"
 #include "configuration/mp3_options.h"
 #include "settings/debug_trace.h"
 #include "station/virtual_station.h"
@@ -161,6 +163,38 @@ TEST_P(FileSavesWindowTest, ALetterComesOutAsTheWindowSetIt) {
         SCOPED_TRACE(folder);
         EXPECT_EQ(probe(folder + "/" + name), "mp3,16000,1,32000");
     }
+}
+
+class FileSavesDuringATakeTest : public FileSavesWindowTest {};
+
+TEST_F(FileSavesDuringATakeTest, ATakeUnderWayIsSavedAsItWasBegunAndTheNextLetterOpens) {
+    s.advance(3000);
+    window->render();
+    const std::string first = station->dictation().state().Filename;
+    ASSERT_FALSE(first.empty());
+    window->findChild<TransportBar*>("MMControl1")->button(TransportBar::Button::Record)->click();
+    s.advance(3000);
+    ASSERT_TRUE(station->dictation().state().Recordingstatus);
+
+    const bool opened = answering<FileSavesWindow>(
+        [](FileSavesWindow& dialog) {
+            pick(in<QComboBox>(dialog, "cboFormat"), "MP3");
+            in<QPushButton>(dialog, "Command9")->click();
+        },
+        [&] { in<QAction>(*window, "mnuFileSaves")->trigger(); });
+    ASSERT_TRUE(opened);
+    s.advance(1000);
+
+    const auto texts = s.prompts.texts();
+    EXPECT_NE(std::find(texts.begin(), texts.end(), configuration::kRecordingSavedNow),
+              texts.end());
+    const dictation::DictationState& now = station->dictation().state();
+    EXPECT_FALSE(now.Recordingstatus);
+    EXPECT_TRUE(now.flgfileOpen1);
+    EXPECT_NE(now.Filename, first);
+    // The take is kept, in the wave format it was begun in.
+    EXPECT_EQ(probe(first).rfind("pcm_", 0), 0U) << probe(first);
+    EXPECT_EQ(s.storedSettings().FormatType, "MP3");
 }
 
 INSTANTIATE_TEST_SUITE_P(BothForms, FileSavesWindowTest, ::testing::Values(false, true),
