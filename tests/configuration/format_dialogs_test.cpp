@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
@@ -24,6 +25,13 @@ struct FrameHeader {
     bool variable = false;  // a "Xing" frame rather than "Info" opens the stream
 };
 
+constexpr std::array<std::array<int, 3>, 4> kRates = {
+    {{11025, 12000, 8000}, {0, 0, 0}, {22050, 24000, 16000}, {44100, 48000, 32000}}};
+constexpr std::array<int, 16> kMpeg1Kbps = {0,   32,  40,  48,  56,  64,  80,  96,
+                                            112, 128, 160, 192, 224, 256, 320, 0};
+constexpr std::array<int, 16> kMpeg2Kbps = {0,  8,  16, 24,  32,  40,  48,  56,
+                                            64, 80, 96, 112, 128, 144, 160, 0};
+
 std::optional<FrameHeader> firstFrame(const std::string& bytes) {
     std::size_t at = 0;
     if (bytes.rfind("ID3", 0) == 0 && bytes.size() > 10) {
@@ -34,17 +42,13 @@ std::optional<FrameHeader> firstFrame(const std::string& bytes) {
         const auto b = [&](std::size_t i) { return static_cast<std::uint8_t>(bytes[at + i]); };
         if (b(0) != 0xFF || (b(1) & 0xE0) != 0xE0) continue;
         const int version = (b(1) >> 3) & 3;  // 3 MPEG 1, 2 MPEG 2, 0 MPEG 2.5
-        static const int rates[4][3] = {
-            {11025, 12000, 8000}, {0, 0, 0}, {22050, 24000, 16000}, {44100, 48000, 32000}};
-        static const int mpeg1[16] = {0,   32,  40,  48,  56,  64,  80,  96,
-                                      112, 128, 160, 192, 224, 256, 320, 0};
-        static const int mpeg2[16] = {0,  8,  16, 24,  32,  40,  48,  56,
-                                      64, 80, 96, 112, 128, 144, 160, 0};
         const int rateIndex = (b(2) >> 2) & 3;
         if (rateIndex == 3) continue;
         FrameHeader header;
-        header.sampleRate = rates[version][rateIndex];
-        header.bitRateKbps = (version == 3 ? mpeg1 : mpeg2)[b(2) >> 4];
+        header.sampleRate =
+            kRates[static_cast<std::size_t>(version)][static_cast<std::size_t>(rateIndex)];
+        const auto& kbps = version == 3 ? kMpeg1Kbps : kMpeg2Kbps;
+        header.bitRateKbps = kbps[static_cast<std::size_t>(b(2) >> 4)];
         header.mode = b(3) >> 6;
         header.variable = bytes.find("Xing", at) < at + 64;
         return header;
