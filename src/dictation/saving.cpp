@@ -289,7 +289,10 @@ void Dictation::OpenFile() {
         return;
     }
     // Later saves keep the file's own format, at its own rate and channels.
-    engine::TargetFormat target = engine::FigureOutFileFormats(chosenFormatGroup(record)).target;
+    engine::TargetFormat target =
+        engine::FigureOutFileFormats(chosenFormatGroup(record),
+                                     conversion::rawLayoutInForce(dataFolder_))
+            .target;
     const auto dot = state_.Filename.find_last_of('.');
     if (dot != std::string::npos) {
         std::string extension = state_.Filename.substr(dot + 1);

@@ -10,6 +10,7 @@
 #include "ui/compose_mail_window.h"
 #include "ui/ftp_setup_window.h"
 #include "ui/ftp_transfer_window.h"
+#include "ui/configuration_windows.h"
 #include "ui/records_windows.h"
 #include "ui/station_window.h"
 
@@ -123,15 +124,18 @@ void StationMenus::buildConfiguration() {
     dictation::Dictation& d = parts_.dictation;
     QMenu* configuration = window_.menuBar()->addMenu(QObject::tr("&Configuration"));
     configuration->setObjectName("mnuConfiguration");
-    addGreyed(configuration, "mnuFileSaves", QObject::tr("File Names, Folders and Delivery..."));
-    addGreyed(configuration, "mnuRecordingFormats", QObject::tr("Recording Formats..."));
+    add(configuration, "mnuFileSaves", QObject::tr("File Names, Folders and Delivery..."),
+        [this] { showFileSaves(window_, parts_); });
+    add(configuration, "mnuRecordingFormats", QObject::tr("Recording Formats..."),
+        [this] { showMp3Options(window_, parts_); });
     add(configuration, "CaseDefaults", QObject::tr("Factory Recording Formats"),
         [&d] { d.restoreFactoryFormats(); });
     configuration->addSeparator();
     addGreyed(configuration, "mnuQDUCon", QObject::tr("Quadrant Desk Unit Connected"))
         ->setCheckable(true);
     addGreyed(configuration, "mnuButtons", QObject::tr("Desk Unit Buttons..."));
-    addGreyed(configuration, "mnuHotKeys", QObject::tr("Hot Keys..."));
+    add(configuration, "mnuHotKeys", QObject::tr("Hot Keys..."),
+        [this] { showEndOfLetterOptions(window_, parts_); });
     addGreyed(configuration, "mnuSpeakers", QObject::tr("Speakers..."));
     addGreyed(configuration, "mnuFilePurge", QObject::tr("Scheduled Deletion..."));
     configuration->addSeparator();

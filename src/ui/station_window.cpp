@@ -194,7 +194,9 @@ QWidget* StationWindow::buildStatusRows() {
     operationLabel_ = named(new QLabel(rows), "Label37");
     grid->addWidget(statusLine_, 0, 0, 1, 2);
     grid->addWidget(busyLabel_, 0, 2, Qt::AlignRight);
-    grid->addWidget(new QLabel(tr("File Name:"), rows), 1, 0);
+    auto* fileNameCaption = named(new QLabel(tr("File Name:"), rows), "lblFileNameCaption");
+    fileNameCaption->installEventFilter(this);
+    grid->addWidget(fileNameCaption, 1, 0);
     grid->addWidget(fileNameLabel_, 1, 1);
     grid->addWidget(modeLabel_, 1, 2, Qt::AlignRight);
     grid->addWidget(operationLabel_, 2, 1);
@@ -410,8 +412,15 @@ bool StationWindow::eventFilter(QObject* watched, QEvent* event) {
         debugWindow_->showOverStation();
         return true;
     }
+    if (event->type() == QEvent::MouseButtonDblClick &&
+        watched->objectName() == "lblFileNameCaption") {
+        tabbedFileSaves_ = !tabbedFileSaves_;
+        return true;
+    }
     return QMainWindow::eventFilter(watched, event);
 }
+
+void StationWindow::showDeviceChoice() { deviceBox_->fill(); }
 
 void StationWindow::addDeskUnit(DeskUnitPanel* panel) {
     panel->setParent(centralWidget());

@@ -121,6 +121,11 @@ class StationWindow : public QMainWindow {
     std::function<void()> onRestartNeeded;
 
     [[nodiscard]] station::DeviceChoice& deviceChoice() { return *deviceChoice_; }
+    // The device box shows the volumes the device choice now holds.
+    void showDeviceChoice();
+    // Which file-save settings window the menu opens: a double click on "File
+    // Name:" switches to the other one for the rest of the run.
+    [[nodiscard]] bool tabbedFileSaves() const { return tabbedFileSaves_; }
     [[nodiscard]] EventLogWindow& eventLogWindow() { return *eventLogWindow_; }
     [[nodiscard]] WaveformView& waveform() { return *waveform_; }
     [[nodiscard]] LevelMeter& levelMeter() { return *levelMeter_; }
@@ -202,6 +207,7 @@ class StationWindow : public QMainWindow {
     QCheckBox* viewLogCheck_ = nullptr;               // chkViewlOG
     DeviceBox* deviceBox_ = nullptr;                  // frameDevices
     bool busyPointerShown_ = false;
+    bool tabbedFileSaves_ = false;
 
     std::unique_ptr<station::DeviceChoice> deviceChoice_;
     std::unique_ptr<StationMenus> menus_;

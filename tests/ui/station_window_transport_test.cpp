@@ -139,8 +139,8 @@ TEST_F(TransportTest, ReopenListsTheRecentFilesOrANoneGreyed) {
 
 TEST_F(TransportTest, EntriesOfLaterWindowsAreThereButGreyed) {
     window();
-    for (const char* name : {"mnuFileSaves", "mnuQDUCon", "mnAutoSend", "mnuConfigUSBFootPedals",
-                             "mnuGAMEFootPedals"}) {
+    for (const char* name :
+         {"mnuQDUCon", "mnAutoSend", "mnuConfigUSBFootPedals", "mnuGAMEFootPedals"}) {
         auto* entry = window().findChild<QAction*>(name);
         ASSERT_NE(entry, nullptr) << name;
         EXPECT_FALSE(entry->isEnabled()) << name;
