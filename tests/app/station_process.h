@@ -157,6 +157,7 @@ class StationProcess {
     TempFolder folder;
     PseudoTerminal pty;
     std::string workingDirectory;  // where the station starts; empty: the test's own
+    std::string display;           // the X display the station sees; empty: none
 
   private:
     // utime + stime of the child, or -1 when it can't be read.
@@ -186,6 +187,7 @@ class StationProcess {
             if (!workingDirectory.empty() && ::chdir(workingDirectory.c_str()) != 0) ::_exit(126);
             ::unsetenv("DISPLAY");
             ::unsetenv("WAYLAND_DISPLAY");
+            if (!display.empty()) ::setenv("DISPLAY", display.c_str(), 1);
             std::vector<std::string> words{"orvane-voice-desk", "--headless", "--data-folder",
                                            folder.path(),       "--audio",    "virtual"};
             words.insert(words.end(), extra.begin(), extra.end());
