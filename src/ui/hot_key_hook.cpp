@@ -64,6 +64,10 @@ void HotKeyHook::apply() {
     if (localOn_ && !headless_ && qApp != nullptr) qApp->removeEventFilter(this);
     localOn_ = false;
     if (!keys_.hookOn()) return;
+    const std::string name = settings_.EOLHotKey.toText();
+    if (!devices::hotKeyCode(name) && note)
+        note("End of letter hot key \"" + name +
+             "\" is not a key of the hot key list; no key is heard");
     const std::uint32_t hookKey =
         devices::HotKeysDefined(settings_.EOLHotKey.toText(), settings_.EOLHotKeyShift.toText());
     if (keys_.systemWide()) {

@@ -68,6 +68,16 @@ TEST(HotKeyHookTest, LocalKeyIsHeardOnlyWhileAStationWindowIsActive) {
     QApplication::processEvents();
     press(window, Qt::Key_F9);
     EXPECT_EQ(fired, 1) << "the hook is off";
+
+    std::vector<std::string> notes;
+    hook.note = [&notes](const std::string& line) { notes.push_back(line); };
+    settings.HotKeyMode = "Local";
+    settings.EOLHotKey = "SCROLL LOCK";
+    hook.apply();
+    ASSERT_EQ(notes.size(), 1U);
+    EXPECT_NE(notes[0].find("\"SCROLL LOCK\" is not a key of the hot key list"), std::string::npos);
+    press(window, Qt::Key_F9);
+    EXPECT_EQ(fired, 1) << "the hook is told of no key";
 }
 
 TEST(HotKeyHookTest, WithoutAnXServerSystemIsGreyedWithTheReason) {
