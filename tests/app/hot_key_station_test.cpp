@@ -1,11 +1,12 @@
-// The end-of-letter hot key on a real X server: a private Xvfb, another X client
-// holding the focus, and the headless station recording from its serial pedal.
-// The key pressed with xdotool while the other program is active ends the letter,
-// and the file arrives in the destination.
+// The end-of-letter hot key on the real station recording from its serial pedal:
+// on a private Xvfb, pressed with xdotool while another X client has the focus;
+// and headless, typed on the terminal the station runs in.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -16,6 +17,7 @@
 
 #include "platform/files.h"
 #include "station_process.h"
+#include "support/pseudo_terminal.h"
 
 namespace ovd {
 namespace {
@@ -112,6 +114,54 @@ TEST(HotKeyStationTest, TheSystemKeyEndsTheLetterWhileAnotherProgramHasTheFocus)
     EXPECT_TRUE(delivered) << station.eventLog();
     EXPECT_TRUE(station.logShows("EOL is Executing")) << station.eventLog();
     ::unsetenv("DISPLAY");
+}
+
+bool terminalIsRaw(const std::string& path) {
+    const int fd = ::open(path.c_str(), O_RDWR | O_NOCTTY);
+    termios settings{};
+    const bool read = fd >= 0 && ::tcgetattr(fd, &settings) == 0;
+    if (fd >= 0) ::close(fd);
+    return read && (settings.c_lflag & (ICANON | ECHO)) == 0;
+}
+
+TEST(HotKeyStationTest, HeadlessTheLocalKeyIsTypedOnTheTerminalWhichIsGivenBackAtTheEnd) {
+    testing::StationProcess station;
+    testing::PseudoTerminal terminal;
+    station.standardInput = terminal.slavePath();
+    const std::string destination = station.folder.file("Typist");
+    station.changeSettings([&](settings::SettingsRecord& r) {
+        r.CaptureFilePath = station.folder.file("Rec");
+        r.AutoSend1 = true;
+        r.SendToOne = destination;
+        r.EOLHotKeysOn = true;
+        r.HotKeyMode = "Local";
+        r.EOLHotKey = "F9";
+        r.EOLHotKeyShift = "Nothing";
+    });
+    station.start();
+    ASSERT_TRUE(station.logShows("Procedure - CASE NEW")) << station.eventLog();
+    bool raw = false;
+    for (int i = 0; i < 50 && !raw; ++i) {
+        raw = terminalIsRaw(terminal.slavePath());
+        if (!raw) std::this_thread::sleep_for(100ms);
+    }
+    ASSERT_TRUE(raw) << "keys are read one at a time, without echo";
+    station.press(testing::kMiddlePedal, 1500ms);
+    ASSERT_TRUE(station.logShows("File Stop: ")) << station.eventLog();
+
+    terminal.send({0x1B, '[', '2', '0', '~'});  // F9 as a terminal sends it
+    bool delivered = false;
+    for (int i = 0; i < 100 && !delivered; ++i) {
+        std::error_code error;
+        for (const auto& entry : fs::directory_iterator(destination, error))
+            delivered = delivered || entry.is_regular_file();
+        if (!delivered) std::this_thread::sleep_for(100ms);
+    }
+    EXPECT_TRUE(delivered) << station.eventLog();
+
+    const testing::StationProcess::TimedEnd end = station.terminateTimed();
+    EXPECT_TRUE(end.end.exited && end.end.status == 0) << end.end.status;
+    EXPECT_FALSE(terminalIsRaw(terminal.slavePath())) << "SIGTERM gives the terminal back";
 }
 
 }  // namespace
