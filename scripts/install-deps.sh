@@ -16,6 +16,7 @@ packages=(
     libgtest-dev libgmock-dev
     clang libclang-rt-14-dev clang-format-14
     xvfb xauth x11-apps imagemagick
+    libx11-dev xdotool poppler-utils
 )
 
 missing=()

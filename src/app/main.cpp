@@ -25,6 +25,7 @@
 #include "settings/event_log.h"
 #include "station/station.h"
 #include "ui/desk_unit_panel.h"
+#include "ui/hot_key_hook.h"
 #include "ui/qt_event_loop.h"
 #include "ui/qt_prompts.h"
 #include "ui/reconnection_dialog.h"
@@ -185,6 +186,13 @@ int main(int argc, char** argv) {
     station.onExit = [] { QCoreApplication::quit(); };
     ovd::settings::DebugTrace debugTrace(loop);
     station.handsFree().usb.trace = &debugTrace;
+    // The end-of-letter hot key: heard from every program on X11, or only in the
+    // station's windows (headless: its terminal). Set from the settings once read.
+    ovd::ui::HotKeyHook hotKeyHook(station.handsFree().hotKeys, config.record, loop,
+                                   options.headless);
+    hotKeyHook.note = [&eventLog](const std::string& line) { eventLog.trace(line); };
+    station.handsFree().hotKeySystemUnavailable = hotKeyHook.systemUnavailableReason();
+    station.handsFree().onHotKeySettingsChanged = [&hotKeyHook] { hotKeyHook.apply(); };
 
     std::unique_ptr<ovd::ui::StationWindow> window;
     std::unique_ptr<ovd::ui::ScanConvertWindow> scanConvertWindow;
@@ -255,6 +263,7 @@ int main(int argc, char** argv) {
         eventLog.SaveEventLog();  // the refusal stays on record for support
         return 1;
     }
+    hotKeyHook.apply();
     const int status = terminationRequested ? 0 : QCoreApplication::exec();
     station.Form_Unload();
     scanConvertWindow.reset();

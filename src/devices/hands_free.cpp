@@ -1,5 +1,7 @@
 #include "devices/hands_free.h"
 
+#include <filesystem>
+
 namespace ovd::devices {
 
 HandsFree::HandsFree(HandsFreeParts parts)
@@ -13,17 +15,38 @@ HandsFree::HandsFree(HandsFreeParts parts)
                  {timSERStepBACK, timUSBStepBACK, timGAMEStepBACK}),
       usb(parts.config, parts.prompts, parts.loop, dispatcher, parts.dictation.pedalPresses(),
           parts.dictation.state(), timUSBStepBACK, parts.hidraw),
+      game(parts.config, parts.loop, dispatcher, parts.dictation.state(), usb.menu,
+           parts.inputFolder),
       serial(parts.config, parts.prompts, parts.loop, dispatcher, parts.dictation.pedalPresses(),
              parts.dictation.state(), timSERStepBACK, *this),
+      otherMakers(parts.loop, parts.config.dataFolder(),
+                  (std::filesystem::path(parts.buttonFile).parent_path() / "devices" /
+                   kDictationDevicesFileName)
+                      .string(),
+                  parts.config.record, parts.dictation.state(), parts.dictation.pedalPresses(),
+                  dispatcher, parts.hidraw),
+      hotKeys(parts.config.record),
       dictation_(parts.dictation),
       config_(parts.config),
       log_(parts.log) {
-    dispatcher.usbPedalHeld = [this] { return usb.decoder.pedalHeld(); };
+    dispatcher.usbPedalHeld = [this] { return usb.decoder.pedalHeld() || otherMakers.pedalHeld(); };
+    hotKeys.trigger = [this] { hotKeyTrigger(); };
+    otherMakers.command = [this](const std::string& word) { deviceCommand(word); };
+    otherMakers.note = [this](const std::string& text) { log_.trace(text); };
+    otherMakers.stopStepBack = [this] { timUSBStepBACK.setEnabled(false); };
+    otherMakers.usbPedalsInUse = [this] { return config_.record.UserSelectUSB; };
     usb.PedalsBusy = [this] { return dictation_.state().PedalsBusy; };
     usb.showConfigDialog = [this] {
         if (onShowUsbPedalSettings) onShowUsbPedalSettings();
     };
     usb.endProgram = [this] { endProgram(); };
+    // Game port pedals run on the serial assignments: their edges go to the serial routine.
+    game.PedalsBusy = [this] { return pedalInputSilenced(); };
+    game.uncheckSerialMenu = [this] { serial.setSerialPedalsChecked(false); };
+    game.showConfigDialog = [this] {
+        if (onShowGamePedalSettings) onShowGamePedalSettings();
+    };
+    game.note = [this](const std::string& text) { log_.trace(text); };
     dictation_.switchCommand = [this](const std::string& command) {
         switchModel.SwitchCommand(command);
     };
@@ -32,13 +55,18 @@ HandsFree::HandsFree(HandsFreeParts parts)
 HandsFree::~HandsFree() { dictation_.switchCommand = nullptr; }
 
 void HandsFree::start() {
+    hotKeys.CalculateKeyCodes();
     usb.start();
+    otherMakers.start();
+    if (config_.record.UserSelectGame) game.OpenGamePedals();
     serial.setSerialPedalsChecked(config_.record.UserSelectSerial);
     if (config_.record.UserSelectSerial) serial.OpenSerialPedals();
 }
 
 void HandsFree::stop() {
     serial.CloseSerialPedals();
+    game.CloseGamePedals();
+    otherMakers.stop();
     usb.unload();
 }
 
@@ -60,6 +88,19 @@ void HandsFree::showConfigSERFootPedals() {
 
 void HandsFree::endProgram() {
     if (onEndProgram) onEndProgram();
+}
+
+void HandsFree::hotKeyTrigger() {
+    // With the button greyed the key does nothing at all, not even a beep.
+    if (!dictation_.view().endOfLetterEnabled) return;
+    // End of letter is refused while a take runs: the key stops the take first.
+    if (dictation_.view().transportBar.Stop) dictation_.stop();
+    dictation_.finishLetter();
+}
+
+void HandsFree::deviceCommand(const std::string& word) {
+    if (word == "EOL" && !dictation_.view().endOfLetterEnabled) return;
+    switchModel.SwitchCommand(word);
 }
 
 void HandsFree::showStatus(const std::string& text) { dictation_.showStatus(text); }

@@ -9,7 +9,10 @@
 
 #include "devices/button_file.h"
 #include "devices/control_actions.h"
+#include "devices/game_pedals.h"
+#include "devices/hot_keys.h"
 #include "devices/letter_actions.h"
+#include "devices/other_maker_devices.h"
 #include "devices/serial_pedals.h"
 #include "devices/switch_model.h"
 #include "devices/usb_pedals.h"
@@ -29,6 +32,8 @@ struct HandsFreeParts {
     LetterActions& letters;
     std::string buttonFile;  // Button.cfg in the program's folder
     HidrawRoots hidraw;
+    // Where the joysticks of the game port pedals are looked for.
+    std::string inputFolder = "/dev/input";
 };
 
 class HandsFree : private SerialPedalsHost {
@@ -38,7 +43,7 @@ class HandsFree : private SerialPedalsHost {
     HandsFree(const HandsFree&) = delete;
     HandsFree& operator=(const HandsFree&) = delete;
 
-    // Opens the chosen pedals: USB, then serial.
+    // Opens the chosen pedals: USB, then game port, then serial.
     void start();
     // Lets go of the ports before the program ends.
     void stop();
@@ -47,6 +52,11 @@ class HandsFree : private SerialPedalsHost {
     // a port change asks for a restart.
     std::function<void()> onShowSerialPedalSettings;
     std::function<void()> onShowUsbPedalSettings;
+    std::function<void()> onShowGamePedalSettings;
+    // The desktop's hot key hook takes the settings again after the hot key options changed.
+    std::function<void()> onHotKeySettingsChanged;
+    // Why keys can't be heard from other programs here; empty where they can.
+    std::string hotKeySystemUnavailable;
     std::function<void()> onEndProgram;
 
     ButtonMessages messages;
@@ -56,7 +66,12 @@ class HandsFree : private SerialPedalsHost {
     SwitchModel switchModel;
     PedalDispatcher dispatcher;
     UsbPedals usb;
+    GamePedals game;
     SerialPedals serial;
+    // Foot controls and microphones of other makers, when the user chose them.
+    OtherMakerDevices otherMakers;
+    // The end-of-letter hot key's rule; the desktop's hook feeds it keys.
+    HotKeys hotKeys;
 
   private:
     [[nodiscard]] bool USBPedals() const override;
@@ -70,6 +85,10 @@ class HandsFree : private SerialPedalsHost {
     void tellSerialPortProblem(const std::string& text) override;
     void tellSerialPortOpened(const std::string& text) override;
     void showStatus(const std::string& text);
+    // The hot key: end of letter as the EOL button would, stopping a take first.
+    void hotKeyTrigger();
+    // A microphone button's word: end of letter only while its button could be clicked.
+    void deviceCommand(const std::string& word);
 
     dictation::Dictation& dictation_;
     settings::ConfigFile& config_;

@@ -88,9 +88,10 @@ void showMp3Options(StationWindow& window, StationWindowParts& parts) {
     dialog.exec();
 }
 
-void showEndOfLetterOptions(StationWindow& window, StationWindowParts& parts) {
+void showEndOfLetterOptions(StationWindow& window, StationWindowParts& parts,
+                            devices::HotKeyOptionsForm& hotKeys) {
     configuration::EndOfLetterOptions model(parts.config);
-    EndOfLetterOptionsWindow dialog(model, &window);
+    EndOfLetterOptionsWindow dialog(model, hotKeys, &window);
     placeOverStation(dialog, &window);
     dialog.exec();
 }

@@ -1,25 +1,35 @@
 #pragma once
-// frmEOLOptions: whether the station ends after an end of letter. The hot key's
-// controls take the group box "Frame3" above the exit option.
+// frmEOLOptions: the hot key (its key and modifier lists, "Disable ALL Hot Keys",
+// the two scopes) above whether the station ends after an end of letter. OK and
+// Apply set the exit option first, then write the hot key's settings for both.
 
 #include <QDialog>
 
 #include "configuration/end_of_letter_options.h"
+#include "devices/hot_key_options_form.h"
 
-class QGroupBox;
+class QPushButton;
 
 namespace ovd::ui {
 
+class HotKeyOptionsSection;
+
 class EndOfLetterOptionsWindow : public QDialog {
   public:
-    EndOfLetterOptionsWindow(configuration::EndOfLetterOptions& model, QWidget* parent);
+    EndOfLetterOptionsWindow(configuration::EndOfLetterOptions& model,
+                             devices::HotKeyOptionsForm& hotKeys, QWidget* parent);
 
-    // Where the hot key's lists and mode go; empty until they are built.
-    [[nodiscard]] QGroupBox* hotKeyArea() const { return hotKeyArea_; }
+    [[nodiscard]] HotKeyOptionsSection* hotKeySection() const { return hotKeySection_; }
+    [[nodiscard]] QPushButton* applyButton() const { return apply_; }
 
   private:
+    void applyBoth();
+    void refreshApply();
+
     configuration::EndOfLetterOptions& model_;
-    QGroupBox* hotKeyArea_ = nullptr;
+    devices::HotKeyOptionsForm& hotKeys_;
+    HotKeyOptionsSection* hotKeySection_ = nullptr;
+    QPushButton* apply_ = nullptr;
 };
 
 }  // namespace ovd::ui

@@ -8,9 +8,11 @@
 #include "dictation/dictation.h"
 #include "settings/config_file.h"
 #include "ui/compose_mail_window.h"
+#include "ui/configuration_windows.h"
 #include "ui/ftp_setup_window.h"
 #include "ui/ftp_transfer_window.h"
-#include "ui/configuration_windows.h"
+#include "ui/hot_key_options_window.h"
+#include "ui/pedal_windows.h"
 #include "ui/records_windows.h"
 #include "ui/station_window.h"
 
@@ -134,8 +136,7 @@ void StationMenus::buildConfiguration() {
     addGreyed(configuration, "mnuQDUCon", QObject::tr("Quadrant Desk Unit Connected"))
         ->setCheckable(true);
     addGreyed(configuration, "mnuButtons", QObject::tr("Desk Unit Buttons..."));
-    add(configuration, "mnuHotKeys", QObject::tr("Hot Keys..."),
-        [this] { showEndOfLetterOptions(window_, parts_); });
+    add(configuration, "mnuHotKeys", QObject::tr("Hot Keys..."), [this] { showHotKeyOptions(); });
     addGreyed(configuration, "mnuSpeakers", QObject::tr("Speakers..."));
     addGreyed(configuration, "mnuFilePurge", QObject::tr("Scheduled Deletion..."));
     configuration->addSeparator();
@@ -182,8 +183,10 @@ void StationMenus::buildPedals() {
                [](devices::HandsFree& h) { h.usb.toggleUsbPedals(); });
     pedalEntry("mnuSERFootPedals", QObject::tr("Serial Foot Pedals"),
                [](devices::HandsFree& h) { h.serial.toggleSerialPedals(); });
-    addGreyed(pedals, "mnuGAMEFootPedals", QObject::tr("Game Port Foot Pedals"))
-        ->setCheckable(true);
+    pedalEntry("mnuGAMEFootPedals", QObject::tr("Game Port Foot Pedals"),
+               [](devices::HandsFree& h) { h.game.toggleGamePedals(); });
+    pedalEntry("mnuOtherMakers", QObject::tr("Dictation Devices of Other Makers"),
+               [](devices::HandsFree& h) { h.otherMakers.toggle(); });
     pedals->addSeparator();
     pedalEntry("mn30VEC", QObject::tr("Use 3.0 Infinity Foot Pedal Controller"),
                [](devices::HandsFree& h) { h.usb.toggleVec30Pedal(); });
@@ -199,10 +202,36 @@ void StationMenus::buildPedals() {
         entry->setCheckable(true);
     }
     pedals->addSeparator();
-    addGreyed(pedals, "mnuConfigUSBFootPedals", QObject::tr("USB Pedal Assignments..."));
-    addGreyed(pedals, "mnuConfigSERFootPedals", QObject::tr("Serial Pedal Assignments..."));
-    addGreyed(pedals, "mnuConfigGAMEFootPedals", QObject::tr("Game Port Pedal Assignments..."));
+    const auto assignments = [this](devices::PedalDialog which) {
+        return
+            [this, which] { showPedalAssignments(which, &window_, parts_.config, parts_.prompts); };
+    };
+    add(pedals, "mnuConfigUSBFootPedals", QObject::tr("USB Pedal Assignments..."),
+        assignments(devices::PedalDialog::Usb));
+    add(pedals, "mnuConfigSERFootPedals", QObject::tr("Serial Pedal Assignments..."),
+        assignments(devices::PedalDialog::Serial));
+    add(pedals, "mnuConfigGAMEFootPedals", QObject::tr("Game Port Pedal Assignments..."),
+        assignments(devices::PedalDialog::Game));
+    add(pedals, "mnuConfigFootPedals", QObject::tr("Desk Unit Pedal Assignments..."),
+        assignments(devices::PedalDialog::DeskUnit));
+    add(pedals, "mnuPrintButton", QObject::tr("Print Desk Unit Button Template..."),
+        [this] { showPrintButtonTemplate(&window_, parts_.config.record); });
+    if (handsFree != nullptr)
+        showPedalDialogsFromMenus(*handsFree, &window_, parts_.config, parts_.prompts);
     QObject::connect(pedals, &QMenu::aboutToShow, &window_, [this] { refreshPedals(); });
+}
+
+void StationMenus::showHotKeyOptions() {
+    devices::HandsFree* handsFree = parts_.handsFree;
+    devices::HotKeyOptionsForm hotKeys(
+        parts_.config, parts_.prompts,
+        dictation::applicationTitle(parts_.config.record.HandsFreeEdition),
+        handsFree != nullptr ? handsFree->hotKeySystemUnavailable : std::string());
+    hotKeys.onHookChanged = [handsFree] {
+        if (handsFree != nullptr && handsFree->onHotKeySettingsChanged)
+            handsFree->onHotKeySettingsChanged();
+    };
+    showEndOfLetterOptions(window_, parts_, hotKeys);
 }
 
 void StationMenus::buildTools() {
@@ -281,6 +310,7 @@ void StationMenus::refreshPedals() {
     action("mnuUSBFootPedals")->setChecked(h.usb.menu.usbChecked);
     action("mnuSERFootPedals")->setChecked(h.serial.serialPedalsChecked());
     action("mnuGAMEFootPedals")->setChecked(h.usb.menu.gameChecked);
+    action("mnuOtherMakers")->setChecked(h.otherMakers.enabled());
     action("mn30VEC")->setChecked(record.Use30VEC);
     for (int index = 0; index < devices::SerialPedals::kPortCount; ++index) {
         action("mnuComPortItem" + std::to_string(index))

@@ -44,6 +44,8 @@ class StationMenus {
     void buildContextMenu();
     void refreshReopen(const dictation::MainView& view);
     void refreshPedals();
+    // The hot-key options, modally; the desktop's hook follows what is applied.
+    void showHotKeyOptions();
     QAction* add(QMenu* menu, const std::string& name, const QString& text,
                  const std::function<void()>& routine);
     // An entry whose window belongs to a later part of the station.

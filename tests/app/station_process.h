@@ -165,6 +165,8 @@ class StationProcess {
     TempFolder folder;
     PseudoTerminal pty;
     std::string workingDirectory;  // where the station starts; empty: the test's own
+    std::string display;           // the X display the station sees; empty: none
+    std::string standardInput;     // a terminal for the station's keys; empty: the test's own
 
   private:
     // utime + stime of the child, or -1 when it can't be read.
@@ -194,6 +196,12 @@ class StationProcess {
             if (!workingDirectory.empty() && ::chdir(workingDirectory.c_str()) != 0) ::_exit(126);
             ::unsetenv("DISPLAY");
             ::unsetenv("WAYLAND_DISPLAY");
+            if (!display.empty()) ::setenv("DISPLAY", display.c_str(), 1);
+            if (!standardInput.empty()) {
+                const int in = ::open(standardInput.c_str(), O_RDWR | O_NOCTTY);
+                if (in < 0 || ::dup2(in, STDIN_FILENO) < 0) ::_exit(125);
+                ::close(in);
+            }
             std::vector<std::string> words{"orvane-voice-desk", "--headless", "--data-folder",
                                            folder.path(),       "--audio",    "virtual"};
             words.insert(words.end(), extra.begin(), extra.end());

@@ -95,7 +95,8 @@ int main(int argc, char** argv) {
     }
     {
         configuration::EndOfLetterOptions model(config);
-        ui::EndOfLetterOptionsWindow window(model, nullptr);
+        devices::HotKeyOptionsForm hotKeys(config, prompts, "Orvane Voice Desk", "");
+        ui::EndOfLetterOptionsWindow window(model, hotKeys, nullptr);
         save(window, output, "config-end-of-letter.png");
     }
     return 0;
