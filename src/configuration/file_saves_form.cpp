@@ -317,7 +317,8 @@ void FileSavesForm::changeRecordingsFolder() {
     if (r.CaptureFilePath.isBlank()) {
         r.CaptureFilePath = platform::joinPath(config_.dataFolder(), "Recordings");
         controls_.recordingsFolder = r.CaptureFilePath.toText();
-        platform::createFolder(controls_.recordingsFolder);
+        // A folder that can't be made is told when the settings are saved.
+        (void)platform::createFolder(controls_.recordingsFolder);
     }
 }
 

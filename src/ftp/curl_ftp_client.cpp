@@ -11,12 +11,14 @@
 #include <mutex>
 #include <vector>
 
+#include "ftp/curl_parts.h"
 #include "platform/text.h"
 
 namespace ovd::ftp {
 
 using platform::Failure;
 using platform::Result;
+using namespace curl_parts;
 
 namespace {
 
@@ -30,57 +32,7 @@ constexpr long kStalledSeconds = 30;
 // CURL_SSLVERSION_TLSv1_2 as the lowest and, shifted by 16 bits, as the highest version.
 constexpr long kTls12Only = static_cast<long>(CURL_SSLVERSION_TLSv1_2) * ((1L << 16) + 1L);
 
-void initialiseCurlOnce() {
-    static std::once_flag once;
-    std::call_once(once, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
-}
-
 std::string trimmed(const std::string& text) { return platform::trim(text); }
-
-// Joins and tidies a remote path: "." and empty parts vanish, ".." climbs.
-std::string normalisedPath(const std::string& path) {
-    std::vector<std::string> parts;
-    std::size_t start = 0;
-    while (start <= path.size()) {
-        std::size_t end = path.find('/', start);
-        if (end == std::string::npos) end = path.size();
-        const std::string part = path.substr(start, end - start);
-        if (part == "..") {
-            if (!parts.empty()) parts.pop_back();
-        } else if (!part.empty() && part != ".") {
-            parts.push_back(part);
-        }
-        start = end + 1;
-    }
-    std::string result;
-    for (const auto& part : parts) result += "/" + part;
-    return result.empty() ? "/" : result;
-}
-
-struct Curl {
-    CURL* handle = nullptr;
-    Curl() : handle(curl_easy_init()) {}
-    ~Curl() {
-        if (handle != nullptr) curl_easy_cleanup(handle);
-    }
-    Curl(const Curl&) = delete;
-    Curl& operator=(const Curl&) = delete;
-};
-
-struct SList {
-    curl_slist* list = nullptr;
-    void add(const std::string& line) { list = curl_slist_append(list, line.c_str()); }
-    ~SList() { curl_slist_free_all(list); }
-};
-
-size_t appendToText(char* data, size_t size, size_t count, void* text) {
-    static_cast<std::string*>(text)->append(data, size * count);
-    return size * count;
-}
-
-// What a command's request brings back besides its reply (the size and date
-// lines of a size query) is of no use to anyone.
-size_t discard(char* /*data*/, size_t size, size_t count, void* /*unused*/) { return size * count; }
 
 // On a line kept slow by its limit, smaller chunks keep the progress moving
 // several times a second; otherwise the chunk serves throughput.
@@ -90,16 +42,6 @@ long chunkBytesFor(std::uint64_t maxBytesPerSecond) {
     if (maxBytesPerSecond == 0) return static_cast<long>(kChunkBytes);
     return static_cast<long>(
         std::clamp(maxBytesPerSecond / kReportsPerSecond, kSmallestChunk, kChunkBytes));
-}
-
-size_t writeToFile(char* data, size_t size, size_t count, void* file) {
-    return std::fwrite(data, size, count, static_cast<std::FILE*>(file)) * size;
-}
-
-size_t readFromFile(char* buffer, size_t size, size_t count, void* file) {
-    const size_t read = std::fread(buffer, size, count, static_cast<std::FILE*>(file)) * size;
-    if (read == 0 && std::ferror(static_cast<std::FILE*>(file)) != 0) return CURL_READFUNC_ABORT;
-    return read;
 }
 
 }  // namespace
@@ -390,26 +332,7 @@ Result<void> CurlFtpClient::download(const std::string& remoteFile, const std::s
         return platform::failure(std::string(kOpenForGetError) +
                                  " error code: 0 Message: " + remote + " is empty on the server");
     }
-    // The file is written under a passing name and takes its own only when whole,
-    // so a broken line never leaves half a letter where a letter is expected.
-    const std::string partial = local + ".part";
-    std::FILE* file = std::fopen(partial.c_str(), "wb");
-    if (file == nullptr) {
-        return platform::systemFailure(std::string(kOpenForGetError) + ": can't write " + partial,
-                                       errno);
-    }
-    state_->prepare(state_->urlFor(state_->resolve(remote), false));
-    curl_easy_setopt(state_->curl->handle, CURLOPT_WRITEFUNCTION, &writeToFile);
-    curl_easy_setopt(state_->curl->handle, CURLOPT_WRITEDATA, file);
-    state_->followProgress(progress, *size);
-    const CURLcode code = curl_easy_perform(state_->curl->handle);
-    const bool closed = std::fclose(file) == 0;
-    if (code != CURLE_OK) return state_->failed(state_->transferFailureName(false), code);
-    if (!closed) return platform::systemFailure(std::string(kReadError) + ": " + partial, errno);
-    if (std::rename(partial.c_str(), local.c_str()) != 0) {
-        return platform::systemFailure(std::string(kReadError) + ": can't name " + local, errno);
-    }
-    return {};
+    return curl_parts::downloadWhole(*state_, remote, local, *size, progress);
 }
 
 Result<void> CurlFtpClient::upload(const std::string& localPath, const std::string& remoteFile,

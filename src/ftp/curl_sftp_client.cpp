@@ -12,6 +12,7 @@
 #include <mutex>
 #include <vector>
 
+#include "ftp/curl_parts.h"
 #include "ftp/sftp_host_keys.h"
 #include "platform/files.h"
 #include "platform/text.h"
@@ -20,6 +21,7 @@ namespace ovd::ftp {
 
 using platform::Failure;
 using platform::Result;
+using namespace curl_parts;
 
 namespace {
 
@@ -30,30 +32,6 @@ constexpr long kStalledSeconds = 30;
 // SFTP moves data in packets of its own; a large buffer keeps many of them in flight.
 constexpr long kBufferBytes = 256 * 1024;
 
-void initialiseCurlOnce() {
-    static std::once_flag once;
-    std::call_once(once, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
-}
-
-std::string normalisedPath(const std::string& path) {
-    std::vector<std::string> parts;
-    std::size_t start = 0;
-    while (start <= path.size()) {
-        std::size_t end = path.find('/', start);
-        if (end == std::string::npos) end = path.size();
-        const std::string part = path.substr(start, end - start);
-        if (part == "..") {
-            if (!parts.empty()) parts.pop_back();
-        } else if (!part.empty() && part != ".") {
-            parts.push_back(part);
-        }
-        start = end + 1;
-    }
-    std::string result;
-    for (const auto& part : parts) result += "/" + part;
-    return result.empty() ? "/" : result;
-}
-
 // A path in an SFTP quote command: in double quotes, with quotes and backslashes escaped.
 std::string quoted(const std::string& path) {
     std::string text = "\"";
@@ -62,39 +40,6 @@ std::string quoted(const std::string& path) {
         text += c;
     }
     return text + "\"";
-}
-
-struct Curl {
-    CURL* handle = nullptr;
-    Curl() : handle(curl_easy_init()) {}
-    ~Curl() {
-        if (handle != nullptr) curl_easy_cleanup(handle);
-    }
-    Curl(const Curl&) = delete;
-    Curl& operator=(const Curl&) = delete;
-};
-
-struct SList {
-    curl_slist* list = nullptr;
-    void add(const std::string& line) { list = curl_slist_append(list, line.c_str()); }
-    ~SList() { curl_slist_free_all(list); }
-};
-
-size_t appendToText(char* data, size_t size, size_t count, void* text) {
-    static_cast<std::string*>(text)->append(data, size * count);
-    return size * count;
-}
-
-size_t discard(char* /*data*/, size_t size, size_t count, void* /*unused*/) { return size * count; }
-
-size_t writeToFile(char* data, size_t size, size_t count, void* file) {
-    return std::fwrite(data, size, count, static_cast<std::FILE*>(file)) * size;
-}
-
-size_t readFromFile(char* buffer, size_t size, size_t count, void* file) {
-    const size_t read = std::fread(buffer, size, count, static_cast<std::FILE*>(file)) * size;
-    if (read == 0 && std::ferror(static_cast<std::FILE*>(file)) != 0) return CURL_READFUNC_ABORT;
-    return read;
 }
 
 std::string base64(const unsigned char* data, std::size_t length) {
@@ -418,24 +363,7 @@ Result<void> CurlSftpClient::download(const std::string& remoteFile, const std::
         return platform::failure(std::string(kOpenForGetError) +
                                  " error code: 0 Message: " + remote + " is empty on the server");
     }
-    const std::string partial = local + ".part";
-    std::FILE* file = std::fopen(partial.c_str(), "wb");
-    if (file == nullptr) {
-        return platform::systemFailure(std::string(kOpenForGetError) + ": can't write " + partial,
-                                       errno);
-    }
-    state_->prepare(state_->urlFor(state_->resolve(remote), false));
-    curl_easy_setopt(state_->curl->handle, CURLOPT_WRITEFUNCTION, &writeToFile);
-    curl_easy_setopt(state_->curl->handle, CURLOPT_WRITEDATA, file);
-    state_->followProgress(progress, *size);
-    const CURLcode code = curl_easy_perform(state_->curl->handle);
-    const bool closed = std::fclose(file) == 0;
-    if (code != CURLE_OK) return state_->failed(state_->transferFailureName(false), code);
-    if (!closed) return platform::systemFailure(std::string(kReadError) + ": " + partial, errno);
-    if (std::rename(partial.c_str(), local.c_str()) != 0) {
-        return platform::systemFailure(std::string(kReadError) + ": can't name " + local, errno);
-    }
-    return {};
+    return curl_parts::downloadWhole(*state_, remote, local, *size, progress);
 }
 
 Result<void> CurlSftpClient::upload(const std::string& localPath, const std::string& remoteFile,

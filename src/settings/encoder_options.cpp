@@ -34,11 +34,12 @@ RawLayout loadRawLayout(const std::string& dataFolder) {
     return layout;
 }
 
-bool storeRawLayout(const std::string& dataFolder, const RawLayout& layout) {
+platform::Result<void> storeRawLayout(const std::string& dataFolder, const RawLayout& layout) {
     const IniStore store = encoderOptions(dataFolder);
-    return store.WriteKey("RAW", "Compression", std::to_string(layout.compression)) &&
-           store.WriteKey("RAW", "Channels", std::to_string(layout.channels)) &&
-           store.WriteKey("RAW", "Frequency", std::to_string(layout.frequencyIndex));
+    auto written = store.WriteKey("RAW", "Compression", std::to_string(layout.compression));
+    if (written) written = store.WriteKey("RAW", "Channels", std::to_string(layout.channels));
+    if (written) written = store.WriteKey("RAW", "Frequency", std::to_string(layout.frequencyIndex));
+    return written;
 }
 
 int loadVoxFrequencyIndex(const std::string& dataFolder) {
@@ -46,7 +47,7 @@ int loadVoxFrequencyIndex(const std::string& dataFolder) {
                        static_cast<int>(kLayoutFrequencies.size()));
 }
 
-bool storeVoxFrequencyIndex(const std::string& dataFolder, int frequencyIndex) {
+platform::Result<void> storeVoxFrequencyIndex(const std::string& dataFolder, int frequencyIndex) {
     return encoderOptions(dataFolder).WriteKey("VOX", "Frequency", std::to_string(frequencyIndex));
 }
 

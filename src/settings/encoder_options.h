@@ -6,6 +6,8 @@
 #include <array>
 #include <string>
 
+#include "platform/result.h"
+
 namespace ovd::settings {
 
 inline constexpr const char* kEncoderOptionsFile = "EncoderOptions.ini";
@@ -24,8 +26,8 @@ struct RawLayout {
 // Defaults for what was never kept, or can't be read.
 RawLayout loadRawLayout(const std::string& dataFolder);
 // False when the file could not be written.
-bool storeRawLayout(const std::string& dataFolder, const RawLayout& layout);
+platform::Result<void> storeRawLayout(const std::string& dataFolder, const RawLayout& layout);
 int loadVoxFrequencyIndex(const std::string& dataFolder);
-bool storeVoxFrequencyIndex(const std::string& dataFolder, int frequencyIndex);
+platform::Result<void> storeVoxFrequencyIndex(const std::string& dataFolder, int frequencyIndex);
 
 }  // namespace ovd::settings

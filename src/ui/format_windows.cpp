@@ -338,12 +338,11 @@ LayoutWindow::LayoutWindow(Kind kind, std::string dataFolder,
 }
 
 void LayoutWindow::apply() {
-    const bool kept = kind_ == Kind::Raw ? configuration::storeRawLayout(dataFolder_, layout_)
-                                         : configuration::storeVoxFrequencyIndex(
-                                               dataFolder_, layout_.frequencyIndex);
-    if (!kept) {
-        // The choice still reaches the boxes; it is kept again at the next apply.
-    }
+    // A choice that can't be kept still reaches the boxes; it is kept again at the
+    // next apply.
+    (void)(kind_ == Kind::Raw
+               ? configuration::storeRawLayout(dataFolder_, layout_)
+               : configuration::storeVoxFrequencyIndex(dataFolder_, layout_.frequencyIndex));
     if (writeBack_) {
         writeBack_(
             configuration::kDialogFrequencies[static_cast<std::size_t>(layout_.frequencyIndex)],

@@ -42,7 +42,10 @@ int main(int argc, char** argv) {
         return 2;
     }
     const std::string output = argv[1];
-    platform::createFolder(output);
+    if (const auto made = platform::createFolder(output); !made) {
+        std::cerr << made.error() << "\n";
+        return 1;
+    }
     testing::TempFolder data;
     testing::ScriptedPrompts prompts;
     const settings::CompanyRecords records(data.path());

@@ -1,0 +1,77 @@
+#pragma once
+// What the FTP and the SFTP client share of libcurl: the handle and list owners,
+// the transfer callbacks, the remote path rule, and the download that writes a
+// passing name and gives the letter its own only when whole. Only the two curl
+// clients include this file.
+
+#include <curl/curl.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+#include <string>
+
+#include "ftp/ftp_client.h"
+#include "platform/result.h"
+
+namespace ovd::ftp::curl_parts {
+
+void initialiseCurlOnce();
+
+// Joins and tidies a remote path: "." and empty parts vanish, ".." climbs.
+std::string normalisedPath(const std::string& path);
+
+struct Curl {
+    CURL* handle = nullptr;
+    Curl() : handle(curl_easy_init()) {}
+    ~Curl() {
+        if (handle != nullptr) curl_easy_cleanup(handle);
+    }
+    Curl(const Curl&) = delete;
+    Curl& operator=(const Curl&) = delete;
+};
+
+struct SList {
+    curl_slist* list = nullptr;
+    SList() = default;
+    SList(const SList&) = delete;
+    SList& operator=(const SList&) = delete;
+    void add(const std::string& line) { list = curl_slist_append(list, line.c_str()); }
+    ~SList() { curl_slist_free_all(list); }
+};
+
+size_t appendToText(char* data, size_t size, size_t count, void* text);
+// What a command's request brings back besides its reply is of no use to anyone.
+size_t discard(char* data, size_t size, size_t count, void* unused);
+size_t writeToFile(char* data, size_t size, size_t count, void* file);
+size_t readFromFile(char* buffer, size_t size, size_t count, void* file);
+
+// The file is written under "<local>.part" and takes its own name only when
+// whole, so a broken line never leaves half a letter where a letter is expected.
+// `Session` is a client's state: it prepares a request for a URL and names its
+// failures.
+template <class Session>
+platform::Result<void> downloadWhole(Session& session, const std::string& remote,
+                                     const std::string& local, std::uint64_t size,
+                                     const ProgressCallback& progress) {
+    const std::string partial = local + ".part";
+    std::FILE* file = std::fopen(partial.c_str(), "wb");
+    if (file == nullptr) {
+        return platform::systemFailure(std::string(kOpenForGetError) + ": can't write " + partial,
+                                       errno);
+    }
+    session.prepare(session.urlFor(session.resolve(remote), false));
+    curl_easy_setopt(session.curl->handle, CURLOPT_WRITEFUNCTION, &writeToFile);
+    curl_easy_setopt(session.curl->handle, CURLOPT_WRITEDATA, file);
+    session.followProgress(progress, size);
+    const CURLcode code = curl_easy_perform(session.curl->handle);
+    const bool closed = std::fclose(file) == 0;
+    if (code != CURLE_OK) return session.failed(session.transferFailureName(false), code);
+    if (!closed) return platform::systemFailure(std::string(kReadError) + ": " + partial, errno);
+    if (std::rename(partial.c_str(), local.c_str()) != 0) {
+        return platform::systemFailure(std::string(kReadError) + ": can't name " + local, errno);
+    }
+    return {};
+}
+
+}  // namespace ovd::ftp::curl_parts
