@@ -93,8 +93,7 @@ class SndfileStream final : public EncodedStream {
         // headerless file has no counts, and the encoder's sync makes it durable.
         if (target_.word == FormatWord::RAW || target_.word == FormatWord::VOX)
             return platform::Result<void>::success();
-        if (::fdatasync(fd_) != 0)
-            return platform::systemFailure("can't sync " + path_, errno);
+        if (::fdatasync(fd_) != 0) return platform::systemFailure("can't sync " + path_, errno);
         return updateHeader();
     }
 
@@ -164,7 +163,8 @@ class SndfileStream final : public EncodedStream {
             if (n < 0 && errno == EINTR) continue;
             if (n <= 0) {
                 stream.failed_ = true;
-                stream.writeError_ = platform::systemFailure("can't write " + stream.path_, errno).reason;
+                stream.writeError_ =
+                    platform::systemFailure("can't write " + stream.path_, errno).reason;
                 break;
             }
             done += n;

@@ -176,7 +176,8 @@ void WorkFile::syncWhenAsked() {
         // A disk that takes its time holds up this thread only; flushes asked
         // for meanwhile are met by the next sync.
         const bool synced = ::fdatasync(fd_) == 0;
-        const std::string error = synced ? "" : platform::systemFailure("can't sync " + path_, errno).reason;
+        const std::string error =
+            synced ? "" : platform::systemFailure("can't sync " + path_, errno).reason;
         lock.lock();
         syncError_ = error;
     }

@@ -38,7 +38,8 @@ platform::Result<void> storeRawLayout(const std::string& dataFolder, const RawLa
     const IniStore store = encoderOptions(dataFolder);
     auto written = store.WriteKey("RAW", "Compression", std::to_string(layout.compression));
     if (written) written = store.WriteKey("RAW", "Channels", std::to_string(layout.channels));
-    if (written) written = store.WriteKey("RAW", "Frequency", std::to_string(layout.frequencyIndex));
+    if (written)
+        written = store.WriteKey("RAW", "Frequency", std::to_string(layout.frequencyIndex));
     return written;
 }
 
