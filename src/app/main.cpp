@@ -25,6 +25,7 @@
 #include "settings/event_log.h"
 #include "station/station.h"
 #include "ui/desk_unit_panel.h"
+#include "ui/ftp_setup_window.h"
 #include "ui/hot_key_hook.h"
 #include "ui/qt_event_loop.h"
 #include "ui/qt_prompts.h"
@@ -224,6 +225,10 @@ int main(int argc, char** argv) {
             };
         };
         station.setupWindows.emailSetup = setup(ovd::ui::RecordsWindow::EmailReceivers);
+        station.setupWindows.ftpSetup = [&window, &prompts, dataFolder] {
+            ovd::ui::showFtpSetupWindow(ovd::ui::FtpWindowFace::Automatic, window.get(), dataFolder,
+                                        *prompts);
+        };
         // The window owns its dialog.
         auto* reconnection =
             new ovd::ui::ReconnectionDialogWindow(station.peerLink(), window.get());

@@ -235,7 +235,7 @@ struct CurlSftpClient::State {
         if (!detail.empty() && detail != curl_easy_strerror(code)) message += " (" + detail + ")";
         if (keyCheck.seen && keyCheck.match != CURLKHMATCH_OK) {
             message += keyCheck.match == CURLKHMATCH_MISSING
-                           ? " The server's host key is not known yet: "
+                           ? kHostKeyNotKnownText
                            : " The server's host key has CHANGED since it was trusted: ";
             message += keyCheck.offered.type + " " + keyCheck.offered.fingerprint;
         }

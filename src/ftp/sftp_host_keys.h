@@ -11,6 +11,9 @@
 
 namespace ovd::ftp {
 
+// What a refused login says when the server's key is not in the known-hosts file yet.
+inline constexpr const char* kHostKeyNotKnownText = " The server's host key is not known yet: ";
+
 struct HostKey {
     std::string type;         // "ssh-ed25519", "ecdsa-sha2-nistp256", "ssh-rsa"...
     std::string base64;       // the key itself, as known-hosts files hold it

@@ -6,6 +6,7 @@
 
 #include "ftp/ftp_texts.h"
 #include "ftp/ftp_window_texts.h"
+#include "ftp/sftp_host_keys.h"
 #include "platform/files.h"
 
 namespace ovd::ftp {
@@ -153,6 +154,14 @@ void FtpSiteWindow::connect(std::function<void(bool)> connected) {
         [settings](FtpClient& client, const ProgressCallback&) { return client.connect(settings); },
         nullptr,
         [this, settings, connected](const platform::Result<void>& outcome) {
+            // One question per connect: a key trusted a moment ago that is still
+            // refused is told as the failure it is.
+            if (!outcome && !hostKeyJustTrusted_ && trustedOnFirstUse(outcome)) {
+                hostKeyJustTrusted_ = true;
+                connect(connected);
+                return;
+            }
+            hostKeyJustTrusted_ = false;
             if (!outcome) {
                 // The reason the station has always kept for a refused connection; the
                 // client's own words stay beside it for the log.
@@ -175,6 +184,29 @@ void FtpSiteWindow::connect(std::function<void(bool)> connected) {
         setStatus(started.error());
         if (connected) connected(false);
     }
+}
+
+bool FtpSiteWindow::trustedOnFirstUse(const platform::Result<void>& refused) {
+    if (connection_.security != Security::Sftp ||
+        refused.error().find(kHostKeyNotKnownText) == std::string::npos) {
+        return false;
+    }
+    // The server has just answered, so looking at its key again takes a moment.
+    const auto key = offeredHostKey(connection_);
+    if (!key) return false;
+    const std::string question = "The SFTP server " + connection_.hostName +
+                                 " is not known yet.\r\n" + "Its host key: " + key->type + " " +
+                                 key->fingerprint + "\r\n\r\n" +
+                                 "Compare it with the key the transcriber reads on the server. "
+                                 "Trust this server from now on?";
+    if (!prompts_.askYesNo(question, "SFTP", platform::Answer::No)) return false;
+    const auto trusted =
+        trustHostKey(connection_.knownHostsFile, connection_.hostName, connection_.port, *key);
+    if (!trusted) {
+        prompts_.showMessage(trusted.error());
+        return false;
+    }
+    return true;
 }
 
 void FtpSiteWindow::disconnect() {

@@ -89,6 +89,11 @@ class FtpSiteWindow {
     void markConnected(bool connected);
 
   private:
+    // An SFTP server not yet known: its key's fingerprint is shown once, and a Yes
+    // trusts it and connects again. True when the question was asked and answered Yes.
+    bool trustedOnFirstUse(const platform::Result<void>& refused);
+    bool hostKeyJustTrusted_ = false;
+
     FtpClient* idleClient();
     void changed();
     void uploadNext(std::vector<std::string> names, std::size_t index);

@@ -9,6 +9,7 @@
 #include "ui/end_of_letter_options_window.h"
 #include "ui/file_saves_window.h"
 #include "ui/format_windows.h"
+#include "ui/ftp_setup_window.h"
 #include "ui/records_windows.h"
 #include "ui/station_window.h"
 #include "ui/window_placement.h"
@@ -30,6 +31,9 @@ void showFileSaves(StationWindow& window, StationWindowParts& parts) {
     hooks.emailSetup = [&window, &parts, dataFolder] {
         showRecordsWindow(RecordsWindow::EmailReceivers, &window, dataFolder, parts.prompts,
                           parts.config.record);
+    };
+    hooks.ftpSetup = [&window, &parts, dataFolder] {
+        showFtpSetupWindow(FtpWindowFace::Automatic, &window, dataFolder, parts.prompts);
     };
     hooks.volumes = [&window](int recording, int playing) {
         station::DeviceChoice& devices = window.deviceChoice();

@@ -21,7 +21,7 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
-#include "ftp/curl_ftp_client.h"
+#include "ftp/client_for_site.h"
 #include "ftp/ftp_window_texts.h"
 #include "ftp/site_connection.h"
 #include "platform/text.h"
@@ -59,7 +59,7 @@ FtpTransferWindow::FtpTransferWindow(FtpWindowFace face, const std::string& data
       prompts_(prompts),
       programFolder_(programFolder),
       records_(dataFolder),
-      session_(loop_, std::make_unique<ftp::CurlFtpClient>()) {
+      session_(loop_, std::make_unique<ftp::AnySiteClient>()) {
     const bool automatic = face == FtpWindowFace::Automatic;
     setObjectName(automatic ? "FTPfrmAutoFTP" : "FTPfrmFTP");
     setWindowTitle(automatic ? tr("Automatic FTP") : tr("FTP"));

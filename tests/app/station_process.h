@@ -8,6 +8,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
@@ -21,6 +22,7 @@
 #endif
 #include "platform/files.h"
 #include "settings/config_file.h"
+#include "support/loopback_peer.h"
 #include "support/pseudo_terminal.h"
 #include "support/temp_folder.h"
 
@@ -189,7 +191,14 @@ class StationProcess {
         return -1;
     }
 
-    pid_t spawn(const std::vector<std::string>& extra, int errorFd) {
+    pid_t spawn(const std::vector<std::string>& given, int errorFd) {
+        // Each station hears the peer's orders on a port of its own unless the test
+        // names one, so stations of tests run side by side never take each other's.
+        std::vector<std::string> extra = given;
+        if (std::find(extra.begin(), extra.end(), "--order-port") == extra.end()) {
+            extra.push_back("--order-port");
+            extra.push_back(std::to_string(unusedLoopbackPort()));
+        }
         const pid_t pid = ::fork();
         if (pid == 0) {
             if (errorFd >= 0) ::dup2(errorFd, STDERR_FILENO);

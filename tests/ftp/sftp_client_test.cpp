@@ -6,9 +6,14 @@
 #include <filesystem>
 #include <memory>
 
+#include "ftp/client_for_site.h"
 #include "ftp/curl_sftp_client.h"
+#include "ftp/ftp_session.h"
 #include "ftp/sftp_host_keys.h"
+#include "ftp/site_window.h"
 #include "platform/files.h"
+#include "support/real_time_event_loop.h"
+#include "support/scripted_prompts.h"
 #include "support/sshd_server.h"
 #include "support/temp_folder.h"
 
@@ -162,6 +167,52 @@ TEST_F(SftpClientTest, AKeyTheServerDoesNotKnowIsRefusedAtTheLogin) {
     const auto refused = client.connect(s);
     ASSERT_FALSE(refused);
     EXPECT_NE(refused.error().find("error code: 67"), std::string::npos) << refused.error();
+}
+
+// The window asks once about a server it does not know, showing the key's
+// fingerprint: No leaves it untrusted and unconnected, Yes trusts it and connects.
+TEST_F(SftpClientTest, TheWindowAsksOnceAboutAnUnknownServerAndAYesConnects) {
+    ovd::testing::RealTimeEventLoop loop;
+    ovd::testing::ScriptedPrompts prompts;
+    FtpSession session(loop, std::make_unique<AnySiteClient>());
+    SiteContext site;
+    site.record.set("CompanyName", "Transcribe Right");
+    site.record.set("FTPServer", "sftp://127.0.0.1");
+    site.record.set("FTPPort", std::to_string(server().port()));
+    site.record.set("FTPUserName", SshdServer::kUser);
+    site.record.set("FTPKeyFile", server().clientKeyFile());
+    site.dataFolder = local.path();
+    site.programFolder = local.path();
+    FtpSiteWindow window(loop, prompts, session, site);
+    const std::string knownHosts = local.file(kKnownHostsFileName);
+    const auto connect = [&] {
+        bool finished = false;
+        bool connected = false;
+        window.connect([&](bool ok) {
+            finished = true;
+            connected = ok;
+        });
+        EXPECT_TRUE(loop.runUntil([&] { return finished; }, std::chrono::seconds(20)));
+        return connected;
+    };
+
+    prompts.answerNext(platform::Answer::No);
+    EXPECT_FALSE(connect());
+    ASSERT_EQ(prompts.texts().size(), 1u);
+    EXPECT_NE(prompts.texts()[0].find("SHA256:"), std::string::npos) << prompts.texts()[0];
+    EXPECT_FALSE(platform::fileExists(knownHosts)) << "nothing trusted on a No";
+
+    prompts.clear();
+    prompts.answerNext(platform::Answer::Yes);
+    EXPECT_TRUE(connect()) << window.view().status;
+    EXPECT_EQ(prompts.texts().size(), 1u);
+    EXPECT_NE(contentOf(knownHosts).find(server().hostKeyLine()), std::string::npos)
+        << contentOf(knownHosts);
+
+    window.disconnect();
+    prompts.clear();
+    EXPECT_TRUE(connect()) << "a trusted server is not asked about again";
+    EXPECT_TRUE(prompts.texts().empty());
 }
 
 }  // namespace
