@@ -89,8 +89,14 @@ int main(int argc, char** argv) {
     ovd::platform::HeadlessPrompts prompts([&log](const std::string& line) { log.trace(line); },
                                            std::cerr);
     ovd::delivery::PeerLink peer({loop, config, log, prompts});
-    ovd::mail::StagedEmailSender emailSender(options.dataFolder, prompts);
-    emailSender.setTrace([&log](const std::string& line) { log.trace(line); });
+    // The mail sender works on a thread of its own: what it has to say reaches the
+    // day's log through the loop, the only thread that writes there.
+    const auto traceFromSender = [&loop, &log](const std::string& line) {
+        loop.postFromAnyThread([&log, line] { log.trace(line); });
+    };
+    ovd::platform::HeadlessPrompts senderPrompts(traceFromSender, std::cerr);
+    ovd::mail::StagedEmailSender emailSender(options.dataFolder, senderPrompts);
+    emailSender.setTrace(traceFromSender);
 
     ovd::autosend::Companion companion({
         .loop = loop,
@@ -101,6 +107,7 @@ int main(int argc, char** argv) {
         .peer = peer,
         .makeClient = &ovd::ftp::clientFor,
         .sendEmail = [&emailSender](const std::string& staged) { return emailSender.send(staged); },
+        .cancelEmail = [&emailSender] { emailSender.cancel(); },
         .soundFolder = ovd::platform::programShareFolder(),
         .rescanInterval = ovd::autosend::rescanInterval(options.dataFolder),
     });

@@ -41,7 +41,10 @@ Companion::Companion(CompanionParts parts)
     });
 }
 
-Companion::~Companion() { stop(); }
+Companion::~Companion() {
+    stop();
+    if (emailWorker_.joinable()) emailWorker_.join();
+}
 
 void Companion::trace(const std::string& text) { parts_.log.trace(text); }
 
@@ -83,6 +86,7 @@ void Companion::stop() {
     queue_.clear();
     if (sending_) trace("orvane-autosend: stopped during a transfer; the file stays staged");
     ftp_.cancel();
+    if (emailWorker_.joinable() && parts_.cancelEmail) parts_.cancelEmail();
     sending_ = false;
 }
 
@@ -184,7 +188,14 @@ void Companion::sendEmail(const Staged& file) {
         sendNextSoon();
         return;
     }
-    outcome(file, parts_.sendEmail(platform::joinPath(file.folder, file.name)));
+    if (emailWorker_.joinable()) emailWorker_.join();  // the last one has told its outcome
+    emailWorker_ = std::thread([this, file, send = parts_.sendEmail, &loop = parts_.loop,
+                                alive = std::weak_ptr<int>(alive_)] {
+        const platform::Result<void> result = send(platform::joinPath(file.folder, file.name));
+        loop.postFromAnyThread([this, file, result, alive] {
+            if (!alive.expired()) outcome(file, result);
+        });
+    });
 }
 
 void Companion::outcome(const Staged& file, const platform::Result<void>& result) {

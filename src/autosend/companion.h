@@ -12,6 +12,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <thread>
 
 #include "autosend/folder_watch.h"
 #include "autosend/ftp_sender.h"
@@ -48,6 +49,8 @@ struct CompanionParts {
     delivery::PeerLink& peer;
     ClientFactory makeClient;
     EmailSend sendEmail;
+    // Cuts short an e-mail under way (from the loop's thread while it is sent).
+    std::function<void()> cancelEmail;
     std::string soundFolder;  // ding.wav of the error pop-up
     std::chrono::milliseconds settleTime = kDefaultSettleTime;
     std::chrono::milliseconds rescanInterval = std::chrono::seconds(60);
@@ -109,6 +112,8 @@ class Companion {
     bool stopped_ = false;
     int looksDone_ = 0;
     std::shared_ptr<int> alive_ = std::make_shared<int>(0);
+    // An e-mail goes out on a thread of its own, so a stop is heard while it is sent.
+    std::thread emailWorker_;
 };
 
 }  // namespace ovd::autosend

@@ -32,4 +32,6 @@ platform::Result<void> StagedEmailSender::send(const std::string& stagedFile) {
     return {};
 }
 
+void StagedEmailSender::cancel() { transport_->cancel(); }
+
 }  // namespace ovd::mail

@@ -29,6 +29,8 @@ class StagedEmailSender {
 
     // Sends the file to the default receiver; the status texts go to the trace too.
     platform::Result<void> send(const std::string& stagedFile);
+    // Cuts short a send under way, from any thread; the file stays staged.
+    void cancel();
 
   private:
     settings::CompanyRecords records_;

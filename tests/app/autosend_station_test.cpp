@@ -12,9 +12,12 @@
 #include <vector>
 
 #include "delivery/companion_lock.h"
+#include "mail/parsed_message.h"
 #include "platform/files.h"
+#include "settings/email_sites_tables.h"
 #include "station_process.h"
 #include "support/loopback_peer.h"
+#include "support/smtp_test_server.h"
 #include "support/sshd_server.h"
 #include "support/temp_folder.h"
 #include "support/vsftpd_server.h"
@@ -119,16 +122,41 @@ class AutoSendStationTest : public ::testing::Test {
                                              "[AutoSend]\r\nRescanSeconds=2\r\n"));
     }
 
+    // E-mail on instead of FTP: our company, the default receiver, and the relay
+    // on the given port, as the record windows leave them.
+    void setUpMail(int relayPort) {
+        station.changeSettings([&](settings::SettingsRecord& r) {
+            r.AutoFTP = false;
+            r.AutoEmail = true;
+        });
+        ASSERT_TRUE(platform::writeWholeFile(
+            station.folder.file("OurCompanyInfo.ini"),
+            "[Company]\r\nCompanyName=Northside Clinic\r\nName=Dr. Ann Smith\r\n"
+            "Email1=ann@clinic.example\r\n[Key]\r\nEncryptKey=OurKey-2024\r\n"));
+        settings::EmailReceiversTable receivers(station.folder.path());
+        ASSERT_TRUE(receivers.saveReceiver(
+            {"Pool Typing Services", "typist@pool.example", "TypeKey", "PT"}));
+        pointMailAt(relayPort);
+    }
+    void pointMailAt(int relayPort) {
+        ASSERT_TRUE(platform::writeWholeFile(
+            station.folder.file("DefaultInfo.ini"),
+            "[DefaultEmailForCO]\r\nDefaultEmail=ann@clinic.example\r\n"
+            "DefaultRecEMail=typist@pool.example\r\nDefaultCameFrom=POPServer1\r\n"
+            "ChkRelayMessages=1\r\nDefaultRelayServer=127.0.0.1\r\nDefaultRelayPort=" +
+                std::to_string(relayPort) + "\r\nChkEncryptDecrypt=0\r\n"));
+    }
+
     // Records a take with the middle pedal and ends the letter with the right one;
     // the letter's name as the station staged it.
-    std::string dictateALetter() {
+    std::string dictateALetter(const std::string& staging = " File is ready to FTP") {
         const std::size_t from = station.eventLogBytes();
         station.press(testing::kMiddlePedal, 1500ms);
         EXPECT_TRUE(station.logShows("File Stop: ", from)) << station.eventLog();
         station.press(testing::kRightPedal, 300ms);
-        EXPECT_TRUE(station.logShows(" File is ready to FTP", from)) << station.eventLog();
+        EXPECT_TRUE(station.logShows(staging, from)) << station.eventLog();
         const std::string log = station.eventLog();
-        const auto end = log.find(" File is ready to FTP", from);
+        const auto end = log.find(staging, from);
         const auto start = log.rfind(' ', end - 1) + 1;
         return log.substr(start, end - start);
     }
@@ -223,6 +251,48 @@ TEST_F(AutoSendStationTest, WithTheServerDownTheLetterWaitsThePeerHearsAndItGoes
     std::this_thread::sleep_for(3s);
     EXPECT_EQ(testing::occurrences(station.eventLog(), "FTP File " + letter + " Sucessfully Sent"),
               1U);
+    endStation();
+}
+
+// The same letter by e-mail: the companion sends it to the default receiver
+// through the relay; with the relay down it waits, the peer hears "ERREMAIL_",
+// and the next look after a relay answers delivers exactly one message.
+TEST_F(AutoSendStationTest, ALetterReachesTheMailboxOnceTheRelayAnswersAndEmailTempIsLeftEmpty) {
+    int deadPort = 0;
+    {
+        testing::SmtpTestServer gone;
+        ASSERT_TRUE(gone.running()) << gone.error();
+        deadPort = gone.port();
+    }
+    setUp("");
+    setUpMail(deadPort);
+    const std::string mailStaged = recordings + "/EmailTemp";
+    station.start();
+    ASSERT_TRUE(station.logShows("Procedure - CASE NEW")) << station.eventLog();
+    const std::string letter = dictateALetter(" File is ready to Email");
+    ASSERT_FALSE(letter.empty());
+
+    ASSERT_TRUE(within(30s, [&] {
+        for (const std::string& message : peer.received())
+            if (message == "ERREMAIL_" + letter + "\r\n") return true;
+        return false;
+    })) << station.eventLog();
+    EXPECT_TRUE(fs::exists(mailStaged + "/" + letter));
+
+    testing::SmtpTestServer relay;
+    ASSERT_TRUE(relay.running()) << relay.error();
+    pointMailAt(relay.port());
+    ASSERT_TRUE(within(30s, [&] { return !fs::exists(mailStaged + "/" + letter); }))
+        << station.eventLog();
+    std::this_thread::sleep_for(3s);
+    const std::vector<std::string> messages = relay.messages();
+    ASSERT_EQ(messages.size(), 1U) << "one message, however many looks";
+    const auto received = mail::testing::parseMessageFile(messages[0]);
+    EXPECT_EQ(received.at("header.To"), "typist@pool.example");
+    EXPECT_EQ(received.at("attachment.0.name"), letter);
+    EXPECT_EQ(received.at("attachment.0.sha256"),
+              mail::testing::sha256Of(recordings + "/" + letter));
+    EXPECT_TRUE(namesIn(mailStaged).empty());
     endStation();
 }
 

@@ -84,7 +84,8 @@ class CompanionFixture : public ::testing::Test {
         return path;
     }
 
-    void startCompanion(EmailSend email = {}, std::chrono::milliseconds rescan = 60s) {
+    void startCompanion(EmailSend email = {}, std::chrono::milliseconds rescan = 60s,
+                        std::function<void()> cancelEmail = {}) {
         companion = std::make_unique<Companion>(CompanionParts{
             .loop = loop,
             .dataFolder = folder.path(),
@@ -94,6 +95,7 @@ class CompanionFixture : public ::testing::Test {
             .peer = peerLink,
             .makeClient = &ftp::clientFor,
             .sendEmail = std::move(email),
+            .cancelEmail = std::move(cancelEmail),
             .soundFolder = folder.path(),
             .settleTime = 300ms,
             .rescanInterval = rescan,

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <filesystem>
 #include <fstream>
 #include <thread>
@@ -191,6 +192,35 @@ TEST_F(CompanionTest, StagedMailGoesThroughTheMailSenderOrWaitsForOne) {
     ASSERT_TRUE(runUntil([&] { return !platform::fileExists(path); }));
     EXPECT_EQ(handed, std::vector<std::string>(2, path));
     EXPECT_TRUE(logHas("Email File AB0009.WAV Sucessfully Sent"));
+}
+
+// An e-mail goes out beside the loop: a stop asked for while the relay takes its
+// time is heard at once, cuts the send short, and the letter stays staged.
+TEST_F(CompanionTest, StoppingDuringAnEmailEndsItAtOnceAndLeavesTheLetterStaged) {
+    changeSettings([](settings::SettingsRecord& record) {
+        record.AutoFTP = false;
+        record.AutoEmail = true;
+    });
+    const std::string path = stage("AB0010.WAV", "letter", "EmailTemp");
+    std::atomic<bool> started{false};
+    std::atomic<bool> cancelled{false};
+    startCompanion(
+        [&](const std::string&) -> platform::Result<void> {
+            started = true;
+            const auto until = std::chrono::steady_clock::now() + 20s;
+            while (!cancelled && std::chrono::steady_clock::now() < until)
+                std::this_thread::sleep_for(10ms);
+            return platform::failure("cut short");
+        },
+        60s, [&cancelled] { cancelled = true; });
+    ASSERT_TRUE(runUntil([&] { return started.load(); }));
+    EXPECT_TRUE(companion->sending()) << "the loop runs on while the e-mail goes out";
+
+    const auto before = std::chrono::steady_clock::now();
+    companion.reset();
+    EXPECT_LT(std::chrono::steady_clock::now() - before, 2s);
+    EXPECT_TRUE(cancelled);
+    EXPECT_TRUE(platform::fileExists(path));
 }
 
 }  // namespace
