@@ -22,9 +22,6 @@ using namespace curl_parts;
 
 namespace {
 
-using SteadyClock = std::chrono::steady_clock;
-// Often enough that a bar moves smoothly, seldom enough not to flood the loop.
-constexpr auto kProgressInterval = std::chrono::milliseconds(50);
 constexpr long kConnectTimeoutSeconds = 15;
 constexpr long kServerResponseTimeoutSeconds = 30;
 // A line that moves less than a byte a second for this long counts as dead.
@@ -46,43 +43,18 @@ long chunkBytesFor(std::uint64_t maxBytesPerSecond) {
 
 }  // namespace
 
-struct CurlFtpClient::State {
+struct CurlFtpClient::State : TransferProgress {
     std::unique_ptr<Curl> curl;
     ConnectionSettings settings;
     std::string currentDirectory = "/";
     std::string lastReply;
     char errorBuffer[CURL_ERROR_SIZE] = {};
-    std::atomic<bool> cancelRequested{false};
-
-    // Progress of the running transfer.
-    const ProgressCallback* progress = nullptr;
-    std::uint64_t total = 0;
-    std::uint64_t done = 0;
-    SteadyClock::time_point lastReport{};
 
     static int onDebug(CURL* /*handle*/, curl_infotype type, char* data, size_t size, void* self) {
         // Every line the server sends arrives here; the last one says why a command failed.
         if (type == CURLINFO_HEADER_IN) {
             const std::string line = trimmed(std::string(data, size));
             if (!line.empty()) static_cast<State*>(self)->lastReply = line;
-        }
-        return 0;
-    }
-
-    static int onProgress(void* self, curl_off_t /*downloadTotal*/, curl_off_t downloaded,
-                          curl_off_t /*uploadTotal*/, curl_off_t uploaded) {
-        auto& state = *static_cast<State*>(self);
-        if (state.cancelRequested.load()) return 1;
-        const auto now = static_cast<std::uint64_t>(downloaded > 0 ? downloaded : uploaded);
-        if (now != state.done) {
-            state.done = now;
-            const auto clock = SteadyClock::now();
-            const bool finished = state.done >= state.total;
-            if (state.progress != nullptr && *state.progress &&
-                (finished || clock - state.lastReport >= kProgressInterval)) {
-                state.lastReport = clock;
-                (*state.progress)(state.done, state.total);
-            }
         }
         return 0;
     }
@@ -121,9 +93,7 @@ struct CurlFtpClient::State {
         curl_easy_reset(handle);
         lastReply.clear();
         errorBuffer[0] = '\0';
-        progress = nullptr;
-        total = 0;
-        done = 0;
+        forgetProgress();
         curl_easy_setopt(handle, CURLOPT_URL, url.c_str());
         curl_easy_setopt(handle, CURLOPT_USERNAME, settings.userName.c_str());
         curl_easy_setopt(handle, CURLOPT_PASSWORD, settings.password.c_str());
@@ -169,14 +139,6 @@ struct CurlFtpClient::State {
                          chunkBytesFor(settings.maxBytesPerSecond));
         curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, &discard);
         curl_easy_setopt(handle, CURLOPT_HEADERFUNCTION, &discard);
-    }
-
-    void followProgress(const ProgressCallback& callback, std::uint64_t size) {
-        progress = &callback;
-        total = size;
-        curl_easy_setopt(curl->handle, CURLOPT_NOPROGRESS, 0L);
-        curl_easy_setopt(curl->handle, CURLOPT_XFERINFOFUNCTION, &State::onProgress);
-        curl_easy_setopt(curl->handle, CURLOPT_XFERINFODATA, this);
     }
 
     // "<operation> error code: <n> Message: <curl's text>", and the server's own
@@ -366,7 +328,7 @@ Result<void> CurlFtpClient::upload(const std::string& localPath, const std::stri
     curl_easy_setopt(state_->curl->handle, CURLOPT_READDATA, file);
     curl_easy_setopt(state_->curl->handle, CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(size));
     curl_easy_setopt(state_->curl->handle, CURLOPT_POSTQUOTE, rename.list);
-    state_->followProgress(progress, size);
+    state_->followProgress(state_->curl->handle, progress, size);
     const CURLcode code = curl_easy_perform(state_->curl->handle);
     std::fclose(file);
     if (code == CURLE_QUOTE_ERROR) return state_->failed(kRenameError, code);

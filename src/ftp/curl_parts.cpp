@@ -29,6 +29,35 @@ std::string normalisedPath(const std::string& path) {
     return result.empty() ? "/" : result;
 }
 
+void TransferProgress::followProgress(CURL* handle, const ProgressCallback& callback,
+                                      std::uint64_t size) {
+    progress = &callback;
+    total = size;
+    curl_easy_setopt(handle, CURLOPT_NOPROGRESS, 0L);
+    curl_easy_setopt(handle, CURLOPT_XFERINFOFUNCTION, &TransferProgress::onProgress);
+    curl_easy_setopt(handle, CURLOPT_XFERINFODATA, this);
+}
+
+int TransferProgress::onProgress(void* self, curl_off_t /*downloadTotal*/, curl_off_t downloaded,
+                                 curl_off_t /*uploadTotal*/, curl_off_t uploaded) {
+    // Often enough that a bar moves smoothly, seldom enough not to flood the loop.
+    constexpr auto kProgressInterval = std::chrono::milliseconds(50);
+    auto& state = *static_cast<TransferProgress*>(self);
+    if (state.cancelRequested.load()) return 1;
+    const auto now = static_cast<std::uint64_t>(downloaded > 0 ? downloaded : uploaded);
+    if (now != state.done) {
+        state.done = now;
+        const auto clock = std::chrono::steady_clock::now();
+        const bool finished = state.done >= state.total;
+        if (state.progress != nullptr && *state.progress &&
+            (finished || clock - state.lastReport >= kProgressInterval)) {
+            state.lastReport = clock;
+            (*state.progress)(state.done, state.total);
+        }
+    }
+    return 0;
+}
+
 size_t appendToText(char* data, size_t size, size_t count, void* text) {
     static_cast<std::string*>(text)->append(data, size * count);
     return size * count;

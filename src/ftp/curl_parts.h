@@ -6,7 +6,9 @@
 
 #include <curl/curl.h>
 
+#include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -40,6 +42,26 @@ struct SList {
     ~SList() { curl_slist_free_all(list); }
 };
 
+// The running transfer's progress, and a cancel asked for from the loop's thread.
+struct TransferProgress {
+    std::atomic<bool> cancelRequested{false};
+    const ProgressCallback* progress = nullptr;
+    std::uint64_t total = 0;
+    std::uint64_t done = 0;
+    std::chrono::steady_clock::time_point lastReport{};
+
+    void forgetProgress() {
+        progress = nullptr;
+        total = 0;
+        done = 0;
+    }
+    // Reports through `callback` as curl moves the file (on every change, at most
+    // every 50 ms, and always at the end); a cancel stops the transfer.
+    void followProgress(CURL* handle, const ProgressCallback& callback, std::uint64_t size);
+    static int onProgress(void* self, curl_off_t downloadTotal, curl_off_t downloaded,
+                          curl_off_t uploadTotal, curl_off_t uploaded);
+};
+
 size_t appendToText(char* data, size_t size, size_t count, void* text);
 // What a command's request brings back besides its reply is of no use to anyone.
 size_t discard(char* data, size_t size, size_t count, void* unused);
@@ -63,7 +85,7 @@ platform::Result<void> downloadWhole(Session& session, const std::string& remote
     session.prepare(session.urlFor(session.resolve(remote), false));
     curl_easy_setopt(session.curl->handle, CURLOPT_WRITEFUNCTION, &writeToFile);
     curl_easy_setopt(session.curl->handle, CURLOPT_WRITEDATA, file);
-    session.followProgress(progress, size);
+    session.followProgress(session.curl->handle, progress, size);
     const CURLcode code = curl_easy_perform(session.curl->handle);
     const bool closed = std::fclose(file) == 0;
     if (code != CURLE_OK) return session.failed(session.transferFailureName(false), code);

@@ -25,8 +25,6 @@ using namespace curl_parts;
 
 namespace {
 
-using SteadyClock = std::chrono::steady_clock;
-constexpr auto kProgressInterval = std::chrono::milliseconds(50);
 constexpr long kConnectTimeoutSeconds = 15;
 constexpr long kStalledSeconds = 30;
 // SFTP moves data in packets of its own; a large buffer keeps many of them in flight.
@@ -120,36 +118,12 @@ Result<void> trustHostKey(const std::string& knownHostsFile, const std::string& 
     return {};
 }
 
-struct CurlSftpClient::State {
+struct CurlSftpClient::State : TransferProgress {
     std::unique_ptr<Curl> curl;
     ConnectionSettings settings;
     std::string currentDirectory = "/";
     char errorBuffer[CURL_ERROR_SIZE] = {};
-    std::atomic<bool> cancelRequested{false};
     KeyCheck keyCheck;
-
-    const ProgressCallback* progress = nullptr;
-    std::uint64_t total = 0;
-    std::uint64_t done = 0;
-    SteadyClock::time_point lastReport{};
-
-    static int onProgress(void* self, curl_off_t /*downloadTotal*/, curl_off_t downloaded,
-                          curl_off_t /*uploadTotal*/, curl_off_t uploaded) {
-        auto& state = *static_cast<State*>(self);
-        if (state.cancelRequested.load()) return 1;
-        const auto now = static_cast<std::uint64_t>(downloaded > 0 ? downloaded : uploaded);
-        if (now != state.done) {
-            state.done = now;
-            const auto clock = SteadyClock::now();
-            const bool finished = state.done >= state.total;
-            if (state.progress != nullptr && *state.progress &&
-                (finished || clock - state.lastReport >= kProgressInterval)) {
-                state.lastReport = clock;
-                (*state.progress)(state.done, state.total);
-            }
-        }
-        return 0;
-    }
 
     std::string urlFor(const std::string& absolutePath, bool directory) const {
         std::string url = "sftp://" + settings.hostName + ":" + std::to_string(settings.port);
@@ -178,9 +152,7 @@ struct CurlSftpClient::State {
         CURL* handle = curl->handle;
         curl_easy_reset(handle);
         errorBuffer[0] = '\0';
-        progress = nullptr;
-        total = 0;
-        done = 0;
+        forgetProgress();
         keyCheck = KeyCheck{};
         curl_easy_setopt(handle, CURLOPT_URL, url.c_str());
         curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, "sftp");
@@ -217,14 +189,6 @@ struct CurlSftpClient::State {
             curl_easy_setopt(handle, CURLOPT_MAX_RECV_SPEED_LARGE, limit);
         }
         curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, &discard);
-    }
-
-    void followProgress(const ProgressCallback& callback, std::uint64_t size) {
-        progress = &callback;
-        total = size;
-        curl_easy_setopt(curl->handle, CURLOPT_NOPROGRESS, 0L);
-        curl_easy_setopt(curl->handle, CURLOPT_XFERINFOFUNCTION, &State::onProgress);
-        curl_easy_setopt(curl->handle, CURLOPT_XFERINFODATA, this);
     }
 
     Failure failed(const char* operation, CURLcode code) const {
@@ -399,7 +363,7 @@ Result<void> CurlSftpClient::upload(const std::string& localPath, const std::str
     curl_easy_setopt(state_->curl->handle, CURLOPT_READDATA, file);
     curl_easy_setopt(state_->curl->handle, CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(size));
     curl_easy_setopt(state_->curl->handle, CURLOPT_POSTQUOTE, rename.list);
-    state_->followProgress(progress, size);
+    state_->followProgress(state_->curl->handle, progress, size);
     const CURLcode code = curl_easy_perform(state_->curl->handle);
     std::fclose(file);
     if (code == CURLE_QUOTE_ERROR) return state_->failed(kRenameError, code);
