@@ -11,38 +11,14 @@
 #include <string>
 #include <vector>
 
+#include "bench_figures.h"
 #include "crypto/aes_cbc.h"
 #include "crypto/file_cipher.h"
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using namespace ovd::bench;
 constexpr std::size_t kFileBytes = 100U * 1024U * 1024U;
-
-double secondsSince(Clock::time_point start) {
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-// VmRSS (now) or VmHWM (the most so far) of this process, in kilobytes.
-long statusKilobytes(const char* field) {
-    std::ifstream status("/proc/self/status");
-    std::string line;
-    while (std::getline(status, line)) {
-        if (line.rfind(field, 0) == 0) return std::atol(line.c_str() + std::string(field).size());
-    }
-    return -1;
-}
-
-void writeRandomFile(const std::string& path) {
-    std::ofstream out(path, std::ios::binary);
-    std::mt19937_64 random(42);
-    std::vector<std::uint64_t> piece(1 << 16);
-    for (std::size_t written = 0; written < kFileBytes; written += piece.size() * 8) {
-        for (auto& word : piece) word = random();
-        out.write(reinterpret_cast<const char*>(piece.data()),
-                  static_cast<std::streamsize>(piece.size() * 8));
-    }
-}
 
 double timedOpenssl(bool decipher, const std::string& hex, const std::string& in,
                     const std::string& out) {
@@ -75,7 +51,7 @@ int main(int argc, char** argv) {
     const std::string ours = folder + "/crypto_bench.ours.enc";
     const std::string theirs = folder + "/crypto_bench.theirs.enc";
     const std::string back = folder + "/crypto_bench.back";
-    writeRandomFile(plain);
+    writeRandomFile(plain, kFileBytes);
 
     const std::string keyText = "OurKeyTranscriber Co";
     const ovd::crypto::CipherKey key = ovd::crypto::keyFromText(keyText);

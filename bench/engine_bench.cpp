@@ -19,6 +19,7 @@
 #include <thread>
 #include <vector>
 
+#include "bench_figures.h"
 #include "engine/pulse_backend.h"
 #include "engine/virtual_backend.h"
 #include "engine/wave_editor.h"
@@ -31,13 +32,9 @@
 namespace {
 
 using namespace ovd;
-using Clock = std::chrono::steady_clock;
+using namespace ovd::bench;
 
 constexpr int kRate = 16000;
-
-double secondsSince(Clock::time_point start) {
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
 
 long residentKilobytes() {
     std::ifstream status("/proc/self/status");
@@ -68,12 +65,6 @@ double timedSave(testing::VirtualEventLoop& loop, engine::WaveEditor& editor,
         std::fprintf(stderr, "save failed: %s\n", saved.error().c_str());
         std::abort();
     }
-    return secondsSince(start);
-}
-
-double timedCommand(const std::string& command) {
-    const auto start = Clock::now();
-    if (std::system(command.c_str()) != 0) std::fprintf(stderr, "failed: %s\n", command.c_str());
     return secondsSince(start);
 }
 

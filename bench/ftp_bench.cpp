@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "bench_figures.h"
 #include "ftp/curl_ftp_client.h"
 #include "ftp/curl_sftp_client.h"
 #include "support/sshd_server.h"
@@ -21,41 +22,8 @@
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using namespace ovd::bench;
 constexpr std::size_t kFileBytes = 100U * 1024U * 1024U;
-
-double secondsSince(Clock::time_point start) {
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-long statusKilobytes(const char* field) {
-    std::ifstream status("/proc/self/status");
-    std::string line;
-    while (std::getline(status, line)) {
-        if (line.rfind(field, 0) == 0) return std::atol(line.c_str() + std::string(field).size());
-    }
-    return -1;
-}
-
-void writeRandomFile(const std::string& path) {
-    std::ofstream out(path, std::ios::binary);
-    std::mt19937_64 random(42);
-    std::vector<std::uint64_t> piece(1 << 16);
-    for (std::size_t written = 0; written < kFileBytes; written += piece.size() * 8) {
-        for (auto& word : piece) word = random();
-        out.write(reinterpret_cast<const char*>(piece.data()),
-                  static_cast<std::streamsize>(piece.size() * 8));
-    }
-}
-
-double timedCommand(const std::string& command) {
-    const auto start = Clock::now();
-    if (std::system(command.c_str()) != 0) {
-        std::fprintf(stderr, "failed: %s\n", command.c_str());
-        return -1.0;
-    }
-    return secondsSince(start);
-}
 
 void printLine(const char* what, double ours, double theirs) {
     const double megabytes = static_cast<double>(kFileBytes) / (1024.0 * 1024.0);
@@ -125,7 +93,7 @@ int main() {
     }
     ovd::testing::TempFolder scratch;
     const std::string source = scratch.file("letter.bin");
-    writeRandomFile(source);
+    writeRandomFile(source, kFileBytes);
     const std::string base = "ftp://127.0.0.1:" + std::to_string(server.port()) + "/incoming/";
 
     ovd::ftp::CurlFtpClient client;

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "bench_figures.h"
 #include "mail/curl_mail_transport.h"
 #include "mail/send_step.h"
 #include "support/smtp_test_server.h"
@@ -20,33 +21,9 @@
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using namespace ovd::bench;
 constexpr std::size_t kMegabyte = 1024U * 1024U;
 constexpr int kRounds = 3;
-
-double secondsSince(Clock::time_point start) {
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-long statusKilobytes(const char* field) {
-    std::ifstream status("/proc/self/status");
-    std::string line;
-    while (std::getline(status, line)) {
-        if (line.rfind(field, 0) == 0) return std::atol(line.c_str() + std::string(field).size());
-    }
-    return -1;
-}
-
-void writeRandomFile(const std::string& path, std::size_t bytes) {
-    std::ofstream out(path, std::ios::binary);
-    std::mt19937_64 random(7);
-    std::vector<std::uint64_t> piece(1 << 16);
-    for (std::size_t written = 0; written < bytes; written += piece.size() * 8) {
-        for (auto& word : piece) word = random();
-        out.write(reinterpret_cast<const char*>(piece.data()),
-                  static_cast<std::streamsize>(piece.size() * 8));
-    }
-}
 
 }  // namespace
 
