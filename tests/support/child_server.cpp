@@ -10,15 +10,46 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <thread>
+#include <vector>
 
 namespace ovd::testing {
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+// Every process below `root`: a server may serve each login from processes in
+// sessions of their own (vsftpd, sshd), which outlive the listener unless ended too.
+std::vector<pid_t> descendantsOf(pid_t root) {
+    std::vector<std::pair<pid_t, pid_t>> parents;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+        const std::string name = entry.path().filename().string();
+        if (name.find_first_not_of("0123456789") != std::string::npos) continue;
+        std::ifstream stat(entry.path() / "stat");
+        std::string line;
+        std::getline(stat, line);
+        // "pid (name) state ppid ...": the name may hold blanks, so read after its ')'.
+        const auto close = line.rfind(')');
+        if (close == std::string::npos) continue;
+        std::istringstream rest(line.substr(close + 1));
+        std::string state;
+        pid_t parent = 0;
+        rest >> state >> parent;
+        parents.emplace_back(static_cast<pid_t>(std::stoi(name)), parent);
+    }
+    std::vector<pid_t> found{root};
+    for (std::size_t index = 0; index < found.size(); ++index) {
+        for (const auto& [pid, parent] : parents) {
+            if (parent == found[index]) found.push_back(pid);
+        }
+    }
+    found.erase(found.begin());
+    return found;
+}
 
 int connectTo(int port) {
     const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
@@ -91,6 +122,7 @@ bool ChildServer::waitUntil(const std::function<bool()>& ready, std::chrono::mil
 
 void ChildServer::stop() {
     if (pid_ <= 0) return;
+    for (const pid_t session : descendantsOf(pid_)) ::kill(session, SIGKILL);
     ::kill(-pid_, SIGTERM);
     const auto deadline = Clock::now() + std::chrono::seconds(3);
     int status = 0;

@@ -13,6 +13,7 @@
 
 #include <string>
 
+#include "support/child_server.h"
 #include "support/temp_folder.h"
 
 namespace ovd::testing {
@@ -27,7 +28,7 @@ class SshdServer {
     SshdServer(const SshdServer&) = delete;
     SshdServer& operator=(const SshdServer&) = delete;
 
-    [[nodiscard]] bool running() const { return pid_ > 0; }
+    [[nodiscard]] bool running() const { return process_.running(); }
     [[nodiscard]] const std::string& error() const { return error_; }
     [[nodiscard]] int port() const { return port_; }
     // The folder a login starts in; the server writes there.
@@ -46,12 +47,11 @@ class SshdServer {
 
   private:
     void launch();
-    bool greets() const;
 
     TempFolder folder_;
     std::string error_;
     int port_ = 0;
-    pid_t pid_ = -1;
+    ChildServer process_;
 };
 
 }  // namespace ovd::testing

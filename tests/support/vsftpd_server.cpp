@@ -22,28 +22,9 @@ namespace ovd::testing {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
 constexpr auto kStartTimeout = std::chrono::seconds(10);
-constexpr auto kStopTimeout = std::chrono::seconds(3);
 constexpr const char* kProgram = "/usr/sbin/vsftpd";
 constexpr int kPassivePorts = 40;
-
-// A port nobody listens on right now; the kernel picks it.
-int freePort() {
-    const int fd = ::socket(AF_INET, SOCK_STREAM, 0);
-    if (fd < 0) return 0;
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof(address);
-    int port = 0;
-    if (::bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof(address)) == 0 &&
-        ::getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length) == 0) {
-        port = ntohs(address.sin_port);
-    }
-    ::close(fd);
-    return port;
-}
 
 std::string configuration(const std::string& folder, int port, int passiveFirst,
                           const VsftpdOptions& options) {
@@ -72,35 +53,6 @@ std::string configuration(const std::string& folder, int port, int passiveFirst,
              << "rsa_private_key_file=" << folder << "/key.pem\n";
     }
     return text.str();
-}
-
-// Every process below `root`: vsftpd serves each login from processes of its
-// own, in sessions of their own, which outlive the listener unless ended too.
-std::vector<pid_t> descendantsOf(pid_t root) {
-    std::vector<std::pair<pid_t, pid_t>> parents;
-    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
-        const std::string name = entry.path().filename().string();
-        if (name.find_first_not_of("0123456789") != std::string::npos) continue;
-        std::ifstream stat(entry.path() / "stat");
-        std::string line;
-        std::getline(stat, line);
-        // "pid (name) state ppid ...": the name may hold blanks, so read after its ')'.
-        const auto close = line.rfind(')');
-        if (close == std::string::npos) continue;
-        std::istringstream rest(line.substr(close + 1));
-        std::string state;
-        pid_t parent = 0;
-        rest >> state >> parent;
-        parents.emplace_back(static_cast<pid_t>(std::stoi(name)), parent);
-    }
-    std::vector<pid_t> found{root};
-    for (std::size_t index = 0; index < found.size(); ++index) {
-        for (const auto& [pid, parent] : parents) {
-            if (parent == found[index]) found.push_back(pid);
-        }
-    }
-    found.erase(found.begin());
-    return found;
 }
 
 }  // namespace
@@ -135,88 +87,33 @@ void VsftpdServer::start(const VsftpdOptions& options) {
         error_ = "openssl could not make the server's certificate";
         return;
     }
-    port_ = freePort();
+    port_ = freeLoopbackPort();
     // The passive range starts at another free port; vsftpd skips those in use.
-    const int passiveFirst = freePort();
+    const int passiveFirst = freeLoopbackPort();
     const std::string config = folder_.file("vsftpd.conf");
     std::ofstream(config) << configuration(folder_.path(), port_, passiveFirst, options);
     launch();
 }
 
 void VsftpdServer::restart() {
-    if (pid_ > 0) return;
+    if (running()) return;
     error_.clear();
     launch();
 }
 
 void VsftpdServer::launch() {
     const std::string config = folder_.file("vsftpd.conf");
-    const std::string output = folder_.file("vsftpd.out");
-
-    const pid_t child = ::fork();
-    if (child == 0) {
-        ::setpgid(0, 0);
-        const int fd = ::open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-        if (fd >= 0) {
-            ::dup2(fd, 1);
-            ::dup2(fd, 2);
-        }
-        ::execl(kProgram, kProgram, config.c_str(), static_cast<char*>(nullptr));
-        ::_exit(127);
-    }
-    if (child < 0) {
+    if (!process_.start({kProgram, config}, folder_.file("vsftpd.out"))) {
         error_ = "fork failed";
         return;
     }
-    ::setpgid(child, child);
-    pid_ = child;
-    const auto deadline = Clock::now() + kStartTimeout;
-    while (Clock::now() < deadline) {
-        if (greets()) return;
-        int status = 0;
-        if (::waitpid(pid_, &status, WNOHANG) == pid_) {
-            pid_ = -1;
-            error_ = "vsftpd ended at start: " + log();
-            return;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
-    error_ = "vsftpd did not greet within ten seconds: " + log();
+    if (process_.waitUntil([this] { return greets(port_, "220"); }, kStartTimeout)) return;
+    error_ = process_.running() ? "vsftpd did not greet within ten seconds: " + log()
+                                : "vsftpd ended at start: " + log();
     stop();
 }
 
-bool VsftpdServer::greets() const {
-    const int fd = ::socket(AF_INET, SOCK_STREAM, 0);
-    if (fd < 0) return false;
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    address.sin_port = htons(static_cast<std::uint16_t>(port_));
-    bool greeted = false;
-    if (::connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof(address)) == 0) {
-        char reply[4] = {};
-        greeted = ::recv(fd, reply, 3, MSG_WAITALL) == 3 && std::string(reply, 3) == "220";
-    }
-    ::close(fd);
-    return greeted;
-}
-
-void VsftpdServer::stop() {
-    if (pid_ <= 0) return;
-    for (const pid_t session : descendantsOf(pid_)) ::kill(session, SIGKILL);
-    ::kill(-pid_, SIGTERM);
-    const auto deadline = Clock::now() + kStopTimeout;
-    int status = 0;
-    while (::waitpid(pid_, &status, WNOHANG) == 0) {
-        if (Clock::now() >= deadline) {
-            ::kill(-pid_, SIGKILL);
-            ::waitpid(pid_, &status, 0);
-            break;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    pid_ = -1;
-}
+void VsftpdServer::stop() { process_.stop(); }
 
 std::string VsftpdServer::log() const {
     std::string text;

@@ -19,6 +19,7 @@
 #include <cstdint>
 #include <string>
 
+#include "support/child_server.h"
 #include "support/temp_folder.h"
 
 namespace ovd::testing {
@@ -44,7 +45,7 @@ class VsftpdServer {
     VsftpdServer(const VsftpdServer&) = delete;
     VsftpdServer& operator=(const VsftpdServer&) = delete;
 
-    [[nodiscard]] bool running() const { return pid_ > 0; }
+    [[nodiscard]] bool running() const { return process_.running(); }
     [[nodiscard]] const std::string& error() const { return error_; }
     [[nodiscard]] int port() const { return port_; }
     // The local folder the server shows as "/".
@@ -66,12 +67,11 @@ class VsftpdServer {
     void start(const VsftpdOptions& options);
     void launch();
     bool makeCertificate();
-    bool greets() const;
 
     TempFolder folder_;
     std::string error_;
     int port_ = 0;
-    pid_t pid_ = -1;
+    ChildServer process_;
 };
 
 }  // namespace ovd::testing
