@@ -300,40 +300,10 @@ Result<void> CurlFtpClient::download(const std::string& remoteFile, const std::s
 Result<void> CurlFtpClient::upload(const std::string& localPath, const std::string& remoteFile,
                                    const ProgressCallback& progress) {
     if (!connected()) return notConnected(kOpenForPutError);
-    const std::string remote = trimmed(remoteFile);
-    const std::string local = trimmed(localPath);
-    if (remote.empty() || local.empty()) {
-        return platform::failure(std::string(kOpenForPutError) +
-                                 " error code: 0 Message: " + "no file named");
-    }
-    std::FILE* file = std::fopen(local.c_str(), "rb");
-    if (file == nullptr) {
-        return platform::systemFailure(std::string(kOpenForPutError) + ": can't read " + local,
-                                       errno);
-    }
-    struct stat status {};
-    ::fstat(::fileno(file), &status);
-    const auto size = static_cast<std::uint64_t>(status.st_size);
-
-    const std::string finalPath = state_->resolve(remote);
-    const std::string slash = finalPath.substr(0, finalPath.rfind('/') + 1);
-    const std::string temporaryPath =
-        slash + temporaryUploadName(finalPath.substr(finalPath.rfind('/') + 1));
-    state_->prepare(state_->urlFor(temporaryPath, false));
-    SList rename;
-    rename.add("RNFR " + temporaryPath);
-    rename.add("RNTO " + finalPath);
-    curl_easy_setopt(state_->curl->handle, CURLOPT_UPLOAD, 1L);
-    curl_easy_setopt(state_->curl->handle, CURLOPT_READFUNCTION, &readFromFile);
-    curl_easy_setopt(state_->curl->handle, CURLOPT_READDATA, file);
-    curl_easy_setopt(state_->curl->handle, CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(size));
-    curl_easy_setopt(state_->curl->handle, CURLOPT_POSTQUOTE, rename.list);
-    state_->followProgress(state_->curl->handle, progress, size);
-    const CURLcode code = curl_easy_perform(state_->curl->handle);
-    std::fclose(file);
-    if (code == CURLE_QUOTE_ERROR) return state_->failed(kRenameError, code);
-    if (code != CURLE_OK) return state_->failed(state_->transferFailureName(true), code);
-    return {};
+    return uploadWhole(*state_, localPath, remoteFile, progress,
+                       [](const std::string& temporary, const std::string& final) {
+                           return std::vector<std::string>{"RNFR " + temporary, "RNTO " + final};
+                       });
 }
 
 Result<void> CurlFtpClient::rename(const std::string& oldName, const std::string& newName) {

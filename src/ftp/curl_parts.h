@@ -5,6 +5,7 @@
 // clients include this file.
 
 #include <curl/curl.h>
+#include <sys/stat.h>
 
 #include <atomic>
 #include <cerrno>
@@ -12,9 +13,11 @@
 #include <cstdint>
 #include <cstdio>
 #include <string>
+#include <vector>
 
 #include "ftp/ftp_client.h"
 #include "platform/result.h"
+#include "platform/text.h"
 
 namespace ovd::ftp::curl_parts {
 
@@ -93,6 +96,49 @@ platform::Result<void> downloadWhole(Session& session, const std::string& remote
     if (std::rename(partial.c_str(), local.c_str()) != 0) {
         return platform::systemFailure(std::string(kReadError) + ": can't name " + local, errno);
     }
+    return {};
+}
+
+// The file goes up under a passing name (".<name>.part") and takes its own name on
+// the server only when whole, so a transcriber never picks up half a letter.
+// `renameLines(temporary, final)` gives the commands that rename it there.
+template <class Session, class RenameLines>
+platform::Result<void> uploadWhole(Session& session, const std::string& localPath,
+                                   const std::string& remoteFile, const ProgressCallback& progress,
+                                   RenameLines renameLines) {
+    const std::string remote = platform::trim(remoteFile);
+    const std::string local = platform::trim(localPath);
+    if (remote.empty() || local.empty()) {
+        return platform::failure(std::string(kOpenForPutError) +
+                                 " error code: 0 Message: no file named");
+    }
+    std::FILE* file = std::fopen(local.c_str(), "rb");
+    if (file == nullptr) {
+        return platform::systemFailure(std::string(kOpenForPutError) + ": can't read " + local,
+                                       errno);
+    }
+    struct stat status {};
+    ::fstat(::fileno(file), &status);
+    const auto size = static_cast<std::uint64_t>(status.st_size);
+
+    const std::string finalPath = session.resolve(remote);
+    const std::string slash = finalPath.substr(0, finalPath.rfind('/') + 1);
+    const std::string temporaryPath =
+        slash + temporaryUploadName(finalPath.substr(finalPath.rfind('/') + 1));
+    session.prepare(session.urlFor(temporaryPath, false));
+    SList rename;
+    for (const std::string& line : renameLines(temporaryPath, finalPath)) rename.add(line);
+    CURL* handle = session.curl->handle;
+    curl_easy_setopt(handle, CURLOPT_UPLOAD, 1L);
+    curl_easy_setopt(handle, CURLOPT_READFUNCTION, &readFromFile);
+    curl_easy_setopt(handle, CURLOPT_READDATA, file);
+    curl_easy_setopt(handle, CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(size));
+    curl_easy_setopt(handle, CURLOPT_POSTQUOTE, rename.list);
+    session.followProgress(handle, progress, size);
+    const CURLcode code = curl_easy_perform(handle);
+    std::fclose(file);
+    if (code == CURLE_QUOTE_ERROR) return session.failed(kRenameError, code);
+    if (code != CURLE_OK) return session.failed(session.transferFailureName(true), code);
     return {};
 }
 

@@ -333,42 +333,15 @@ Result<void> CurlSftpClient::download(const std::string& remoteFile, const std::
 Result<void> CurlSftpClient::upload(const std::string& localPath, const std::string& remoteFile,
                                     const ProgressCallback& progress) {
     if (!connected()) return notConnected(kOpenForPutError);
-    const std::string remote = platform::trim(remoteFile);
-    const std::string local = platform::trim(localPath);
-    if (remote.empty() || local.empty()) {
-        return platform::failure(std::string(kOpenForPutError) +
-                                 " error code: 0 Message: no file named");
-    }
-    std::FILE* file = std::fopen(local.c_str(), "rb");
-    if (file == nullptr) {
-        return platform::systemFailure(std::string(kOpenForPutError) + ": can't read " + local,
-                                       errno);
-    }
-    struct stat status {};
-    ::fstat(::fileno(file), &status);
-    const auto size = static_cast<std::uint64_t>(status.st_size);
-
-    const std::string finalPath = state_->resolve(remote);
-    const std::string slash = finalPath.substr(0, finalPath.rfind('/') + 1);
-    const std::string temporaryPath =
-        slash + temporaryUploadName(finalPath.substr(finalPath.rfind('/') + 1));
-    state_->prepare(state_->urlFor(temporaryPath, false));
-    // An SFTP rename does not replace a file: a copy already there from an earlier
-    // send (whose end was never heard) goes first. "*" lets that delete fail.
-    SList rename;
-    rename.add("*rm " + quoted(finalPath));
-    rename.add("rename " + quoted(temporaryPath) + " " + quoted(finalPath));
-    curl_easy_setopt(state_->curl->handle, CURLOPT_UPLOAD, 1L);
-    curl_easy_setopt(state_->curl->handle, CURLOPT_READFUNCTION, &readFromFile);
-    curl_easy_setopt(state_->curl->handle, CURLOPT_READDATA, file);
-    curl_easy_setopt(state_->curl->handle, CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(size));
-    curl_easy_setopt(state_->curl->handle, CURLOPT_POSTQUOTE, rename.list);
-    state_->followProgress(state_->curl->handle, progress, size);
-    const CURLcode code = curl_easy_perform(state_->curl->handle);
-    std::fclose(file);
-    if (code == CURLE_QUOTE_ERROR) return state_->failed(kRenameError, code);
-    if (code != CURLE_OK) return state_->failed(state_->transferFailureName(true), code);
-    return {};
+    return uploadWhole(*state_, localPath, remoteFile, progress,
+                       [](const std::string& temporary, const std::string& final) {
+                           // An SFTP rename does not replace a file: a copy already there from an
+                           // earlier send (whose end was never heard) goes first. "*" lets that
+                           // delete fail.
+                           return std::vector<std::string>{
+                               "*rm " + quoted(final),
+                               "rename " + quoted(temporary) + " " + quoted(final)};
+                       });
 }
 
 Result<void> CurlSftpClient::rename(const std::string& oldName, const std::string& newName) {
