@@ -57,7 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string in = scratchFolder() + "/in.enc";
     const std::string out = scratchFolder() + "/out";
     ::unlink(out.c_str());
-    check(ovd::platform::writeWholeFile(in, received));
+    check(ovd::platform::writeWholeFile(in, received).ok());
     const auto onDisk = transformFile(Direction::Decipher, in, out, key);
     check(onDisk.ok() == inMemory.ok());
     if (onDisk.ok()) {
