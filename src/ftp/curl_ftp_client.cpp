@@ -229,14 +229,6 @@ void CurlFtpClient::setTransferType(TransferType type) { state_->settings.transf
 
 const std::string& CurlFtpClient::currentDirectory() const { return state_->currentDirectory; }
 
-namespace {
-Failure notConnected(const char* operation) {
-    return platform::failure(std::string(operation) +
-                             " error code: " + std::to_string(static_cast<int>(CURLE_FAILED_INIT)) +
-                             " Message: Not Connected.");
-}
-}  // namespace
-
 Result<void> CurlFtpClient::setCurrentDirectory(const std::string& path) {
     if (!connected()) return notConnected(kSetDirectoryError);
     const std::string target = state_->resolve(path);

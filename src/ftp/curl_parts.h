@@ -65,6 +65,13 @@ struct TransferProgress {
                           curl_off_t uploadTotal, curl_off_t uploaded);
 };
 
+// What every operation says when asked of a client that is not connected.
+inline platform::Failure notConnected(const char* operation) {
+    return platform::failure(std::string(operation) +
+                             " error code: " + std::to_string(static_cast<int>(CURLE_FAILED_INIT)) +
+                             " Message: Not Connected.");
+}
+
 size_t appendToText(char* data, size_t size, size_t count, void* text);
 // What a command's request brings back besides its reply is of no use to anyone.
 size_t discard(char* data, size_t size, size_t count, void* unused);

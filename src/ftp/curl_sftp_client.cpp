@@ -266,14 +266,6 @@ void CurlSftpClient::setTransferType(TransferType type) { state_->settings.trans
 
 const std::string& CurlSftpClient::currentDirectory() const { return state_->currentDirectory; }
 
-namespace {
-Failure notConnected(const char* operation) {
-    return platform::failure(std::string(operation) +
-                             " error code: " + std::to_string(static_cast<int>(CURLE_FAILED_INIT)) +
-                             " Message: Not Connected.");
-}
-}  // namespace
-
 Result<void> CurlSftpClient::setCurrentDirectory(const std::string& path) {
     if (!connected()) return notConnected(kSetDirectoryError);
     const std::string target = state_->resolve(path);
