@@ -144,7 +144,6 @@ void GamePedals::toggleGamePedals() {
     if (!menu_.gameChecked) {
         menu_.gameChecked = true;
         menu_.usbChecked = false;
-        menu_.serialChecked = false;
         if (uncheckSerialMenu) uncheckSerialMenu();
         config_.record.UserSelectGame = true;
         if (showConfigDialog) showConfigDialog();

@@ -43,6 +43,7 @@ HandsFree::HandsFree(HandsFreeParts parts)
     // Game port pedals run on the serial assignments: their edges go to the serial routine.
     game.PedalsBusy = [this] { return pedalInputSilenced(); };
     game.uncheckSerialMenu = [this] { serial.setSerialPedalsChecked(false); };
+    usb.uncheckSerialMenu = game.uncheckSerialMenu;
     game.showConfigDialog = [this] {
         if (onShowGamePedalSettings) onShowGamePedalSettings();
     };

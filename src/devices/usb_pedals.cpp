@@ -41,7 +41,6 @@ UsbPedals::UsbPedals(settings::ConfigFile& config, platform::Prompts& prompts,
 
 void UsbPedals::start() {
     menu.usbChecked = config_.record.UserSelectUSB;
-    menu.serialChecked = config_.record.UserSelectSerial;
     menu.gameChecked = config_.record.UserSelectGame;
     menu.vec30Checked = config_.record.Use30VEC;
     if (config_.record.UserSelectUSB) OpenUSBPedals();
@@ -169,7 +168,7 @@ void UsbPedals::toggleUsbPedals() {
     if (!menu.usbChecked) {
         menu.usbChecked = true;
         menu.gameChecked = false;
-        menu.serialChecked = false;
+        if (uncheckSerialMenu) uncheckSerialMenu();
         config_.record.UserSelectUSB = true;
         if (showConfigDialog) showConfigDialog();
         OpenUSBPedals();

@@ -39,7 +39,6 @@ inline constexpr int kStepBackMs = 100;
 // The check marks of the pedal menu entries, for the window to show.
 struct PedalMenuChecks {
     bool usbChecked = false;
-    bool serialChecked = false;
     bool gameChecked = false;
     bool vec30Checked = false;
 };
@@ -84,6 +83,8 @@ class UsbPedals {
     std::function<bool()> PedalsBusy;
     // Shows the USB pedal assignment dialog modally.
     std::function<void()> showConfigDialog;
+    // The serial pedals' menu entry loses its check mark.
+    std::function<void()> uncheckSerialMenu;
     // Ends the program, as the exit does.
     std::function<void()> endProgram;
     // The support trace; a middle pedal press is noted there while it is switched on.

@@ -238,7 +238,6 @@ TEST_F(GamePedalsTest, AJoystickThatGoesAwayIsToldAndTheRestGoesOn) {
 TEST_F(GamePedalsTest, TheMenuEntrySwitchesThePedalsAndTheOtherKindsOff) {
     plugJoystick();
     menu.usbChecked = true;
-    menu.serialChecked = true;
     bool serialUnchecked = false;
     int dialogs = 0;
     GamePedals pedals(config, loop, sink, state, menu, inputFolder);

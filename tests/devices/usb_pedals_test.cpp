@@ -228,16 +228,16 @@ TEST_F(UsbPedalsTest, BusyPedalsAreNotRead) {
 
 TEST_F(UsbPedalsTest, TheUsbPedalMenuSwitchesThePedalAndWritesTheSettings) {
     plugPedal();
-    config.record.UserSelectSerial = true;
     UsbPedals pedals(config, prompts, loop, sink, hits, state, stepBackTimer, roots);
     int dialogs = 0;
+    bool serialUnchecked = false;
     pedals.showConfigDialog = [&] { ++dialogs; };
+    pedals.uncheckSerialMenu = [&] { serialUnchecked = true; };
     pedals.start();
-    EXPECT_TRUE(pedals.menu.serialChecked);
 
     pedals.toggleUsbPedals();
     EXPECT_TRUE(pedals.menu.usbChecked);
-    EXPECT_FALSE(pedals.menu.serialChecked);
+    EXPECT_TRUE(serialUnchecked);
     EXPECT_TRUE(config.record.UserSelectUSB);
     EXPECT_EQ(dialogs, 1);
     EXPECT_TRUE(pedals.reader.isOpen());

@@ -191,5 +191,25 @@ TEST(StationEndTest, TheFileInHandIsSavedBeforeTheSettingsMarkTheRunAsEndedInOrd
     EXPECT_EQ(filesEndingIn(s.recordings, ".WAV"), letters);
 }
 
+// Serial, USB and game port pedals exclude one another in the pedal menu: the
+// kind chosen last is the only one ticked.
+TEST(StationPedalMenuTest, ChoosingUsbOrGamePortPedalsTakesTheTickOffTheSerialEntry) {
+    VirtualStation s;
+    s.make();
+    ASSERT_EQ(s.station->Form_Load(), LoadResult::Ready) << s.log.text();
+    devices::HandsFree& pedals = s.station->handsFree();
+
+    pedals.serial.setSerialPedalsChecked(true);
+    pedals.usb.toggleUsbPedals();
+    EXPECT_TRUE(pedals.usb.menu.usbChecked);
+    EXPECT_FALSE(pedals.serial.serialPedalsChecked());
+
+    pedals.serial.setSerialPedalsChecked(true);
+    pedals.game.toggleGamePedals();
+    EXPECT_TRUE(pedals.usb.menu.gameChecked);
+    EXPECT_FALSE(pedals.usb.menu.usbChecked);
+    EXPECT_FALSE(pedals.serial.serialPedalsChecked());
+}
+
 }  // namespace
 }  // namespace ovd::station
