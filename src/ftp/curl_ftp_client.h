@@ -1,48 +1,14 @@
 #pragma once
-// The FTP client on libcurl. One easy handle holds the one connection; curl
-// keeps it alive between the operations, so a window's commands do not log in
-// again each time. Not for use from two threads at once: FtpSession sees to that.
+// The FTP client on libcurl: plain FTP, or FTP over explicit TLS with the
+// server's certificate checked (or pinned by the site).
 
-#include <memory>
-
-#include "ftp/ftp_client.h"
+#include "ftp/curl_client.h"
 
 namespace ovd::ftp {
 
-class CurlFtpClient final : public FtpClient {
+class CurlFtpClient final : public CurlClient {
   public:
     CurlFtpClient();
-    ~CurlFtpClient() override;
-    CurlFtpClient(const CurlFtpClient&) = delete;
-    CurlFtpClient& operator=(const CurlFtpClient&) = delete;
-
-    platform::Result<void> connect(const ConnectionSettings& settings) override;
-    void disconnect() override;
-    [[nodiscard]] bool connected() const override;
-    void setTransferType(TransferType type) override;
-
-    platform::Result<void> setCurrentDirectory(const std::string& path) override;
-    [[nodiscard]] const std::string& currentDirectory() const override;
-
-    platform::Result<cDirList> list(const std::string& fileSpec) override;
-    platform::Result<std::uint64_t> remoteSize(const std::string& remoteFile) override;
-
-    platform::Result<void> download(const std::string& remoteFile, const std::string& localPath,
-                                    const ProgressCallback& progress) override;
-    platform::Result<void> upload(const std::string& localPath, const std::string& remoteFile,
-                                  const ProgressCallback& progress) override;
-
-    platform::Result<void> rename(const std::string& oldName, const std::string& newName) override;
-    platform::Result<void> deleteFile(const std::string& remoteFile) override;
-    platform::Result<void> createDirectory(const std::string& path) override;
-    platform::Result<void> removeDirectory(const std::string& path) override;
-
-    void cancel() override;
-    void clearCancel() override;
-
-  private:
-    struct State;
-    std::unique_ptr<State> state_;
 };
 
 }  // namespace ovd::ftp

@@ -1,5 +1,6 @@
 #include "ftp/curl_parts.h"
 
+#include <cstdio>
 #include <mutex>
 #include <vector>
 

@@ -1,17 +1,14 @@
 #pragma once
 // What the FTP and the SFTP client share of libcurl: the handle and list owners,
-// the transfer callbacks, the remote path rule, and the download that writes a
-// passing name and gives the letter its own only when whole. Only the two curl
+// the transfer callbacks, the remote path rule, and the dialect by which a
+// protocol tells the common client what it does its own way. Only the curl
 // clients include this file.
 
 #include <curl/curl.h>
-#include <sys/stat.h>
 
 #include <atomic>
-#include <cerrno>
 #include <chrono>
 #include <cstdint>
-#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -22,6 +19,9 @@
 namespace ovd::ftp::curl_parts {
 
 void initialiseCurlOnce();
+
+// How long a server may take to accept the connection.
+inline constexpr long kConnectTimeoutSeconds = 15;
 
 // Joins and tidies a remote path: "." and empty parts vanish, ".." climbs.
 std::string normalisedPath(const std::string& path);
@@ -78,75 +78,37 @@ size_t discard(char* data, size_t size, size_t count, void* unused);
 size_t writeToFile(char* data, size_t size, size_t count, void* file);
 size_t readFromFile(char* buffer, size_t size, size_t count, void* file);
 
-// The file is written under "<local>.part" and takes its own name only when
-// whole, so a broken line never leaves half a letter where a letter is expected.
-// `Session` is a client's state: it prepares a request for a URL and names its
-// failures.
-template <class Session>
-platform::Result<void> downloadWhole(Session& session, const std::string& remote,
-                                     const std::string& local, std::uint64_t size,
-                                     const ProgressCallback& progress) {
-    const std::string partial = local + ".part";
-    std::FILE* file = std::fopen(partial.c_str(), "wb");
-    if (file == nullptr) {
-        return platform::systemFailure(std::string(kOpenForGetError) + ": can't write " + partial,
-                                       errno);
-    }
-    session.prepare(session.urlFor(session.resolve(remote), false));
-    curl_easy_setopt(session.curl->handle, CURLOPT_WRITEFUNCTION, &writeToFile);
-    curl_easy_setopt(session.curl->handle, CURLOPT_WRITEDATA, file);
-    session.followProgress(session.curl->handle, progress, size);
-    const CURLcode code = curl_easy_perform(session.curl->handle);
-    const bool closed = std::fclose(file) == 0;
-    if (code != CURLE_OK) return session.failed(session.transferFailureName(false), code);
-    if (!closed) return platform::systemFailure(std::string(kReadError) + ": " + partial, errno);
-    if (std::rename(partial.c_str(), local.c_str()) != 0) {
-        return platform::systemFailure(std::string(kReadError) + ": can't name " + local, errno);
-    }
-    return {};
-}
+// What tells one protocol from the other; the rest of a client is common.
+class Dialect {
+  public:
+    virtual ~Dialect() = default;
 
-// The file goes up under a passing name (".<name>.part") and takes its own name on
-// the server only when whole, so a transcriber never picks up half a letter.
-// `renameLines(temporary, final)` gives the commands that rename it there.
-template <class Session, class RenameLines>
-platform::Result<void> uploadWhole(Session& session, const std::string& localPath,
-                                   const std::string& remoteFile, const ProgressCallback& progress,
-                                   RenameLines renameLines) {
-    const std::string remote = platform::trim(remoteFile);
-    const std::string local = platform::trim(localPath);
-    if (remote.empty() || local.empty()) {
-        return platform::failure(std::string(kOpenForPutError) +
-                                 " error code: 0 Message: no file named");
-    }
-    std::FILE* file = std::fopen(local.c_str(), "rb");
-    if (file == nullptr) {
-        return platform::systemFailure(std::string(kOpenForPutError) + ": can't read " + local,
-                                       errno);
-    }
-    struct stat status {};
-    ::fstat(::fileno(file), &status);
-    const auto size = static_cast<std::uint64_t>(status.st_size);
+    // The URL of an absolute remote path; `directory` when it names a folder.
+    [[nodiscard]] virtual std::string urlFor(CURL* handle, const ConnectionSettings& settings,
+                                             const std::string& absolutePath,
+                                             bool directory) const = 0;
+    // Where the login starts: its folder becomes the current one.
+    [[nodiscard]] virtual std::string loginUrl(CURL* handle,
+                                               const ConnectionSettings& settings) const = 0;
+    // How much curl moves at a time.
+    [[nodiscard]] virtual long chunkBytes(const ConnectionSettings& settings) const = 0;
+    // Sets this protocol's options on a request the client has prepared, and forgets
+    // what the previous request noted.
+    virtual void setOptions(CURL* handle, const ConnectionSettings& settings) = 0;
+    // What this protocol can add to curl's own words on why a request failed.
+    [[nodiscard]] virtual std::string failureDetail() const = 0;
+    // A folder is proved to be there by listing it, not by a request without a body.
+    [[nodiscard]] virtual bool listsToProveAFolder() const = 0;
 
-    const std::string finalPath = session.resolve(remote);
-    const std::string slash = finalPath.substr(0, finalPath.rfind('/') + 1);
-    const std::string temporaryPath =
-        slash + temporaryUploadName(finalPath.substr(finalPath.rfind('/') + 1));
-    session.prepare(session.urlFor(temporaryPath, false));
-    SList rename;
-    for (const std::string& line : renameLines(temporaryPath, finalPath)) rename.add(line);
-    CURL* handle = session.curl->handle;
-    curl_easy_setopt(handle, CURLOPT_UPLOAD, 1L);
-    curl_easy_setopt(handle, CURLOPT_READFUNCTION, &readFromFile);
-    curl_easy_setopt(handle, CURLOPT_READDATA, file);
-    curl_easy_setopt(handle, CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(size));
-    curl_easy_setopt(handle, CURLOPT_POSTQUOTE, rename.list);
-    session.followProgress(handle, progress, size);
-    const CURLcode code = curl_easy_perform(handle);
-    std::fclose(file);
-    if (code == CURLE_QUOTE_ERROR) return session.failed(kRenameError, code);
-    if (code != CURLE_OK) return session.failed(session.transferFailureName(true), code);
-    return {};
-}
+    // The remote commands, on absolute paths.
+    [[nodiscard]] virtual std::vector<std::string> renameLines(const std::string& from,
+                                                               const std::string& to) const = 0;
+    // Gives a whole upload its own name: `to` may already stand there from an earlier send.
+    [[nodiscard]] virtual std::vector<std::string> replaceLines(const std::string& from,
+                                                                const std::string& to) const = 0;
+    [[nodiscard]] virtual std::string deleteLine(const std::string& path) const = 0;
+    [[nodiscard]] virtual std::string makeFolderLine(const std::string& path) const = 0;
+    [[nodiscard]] virtual std::string removeFolderLine(const std::string& path) const = 0;
+};
 
 }  // namespace ovd::ftp::curl_parts
