@@ -12,6 +12,7 @@
 #include "configuration/file_saves_form.h"
 #include "configuration/format_dialogs.h"
 #include "platform/files.h"
+#include "screenshot_shots.h"
 #include "settings/config_file.h"
 #include "support/scripted_prompts.h"
 #include "support/temp_folder.h"
@@ -23,25 +24,13 @@ namespace {
 
 using namespace ovd;
 
-void save(QWidget& window, const std::string& folder, const char* name) {
-    window.show();
-    for (int i = 0; i < 20; ++i) QApplication::processEvents();
-    const std::string path = platform::joinPath(folder, name);
-    if (!window.grab().save(QString::fromStdString(path)))
-        std::cerr << "can't write " << path << '\n';
-    window.hide();
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
-    if (argc < 2) {
-        std::cerr << "usage: config_screenshots OUTPUT_FOLDER\n";
-        return 2;
-    }
-    const std::string output = argv[1];
-    if (!platform::createFolder(output)) std::cerr << "can't make " << output << '\n';
+    const auto folder = testing::screenshotFolder(argc, argv, "config_screenshots");
+    if (!folder) return 2;
+    const std::string& output = *folder;
     testing::TempFolder data;
     testing::ScriptedPrompts prompts;
     settings::ConfigFile config(data.path());
@@ -76,28 +65,29 @@ int main(int argc, char** argv) {
         form.load();
         ui::FileSavesWindow window(form, nullptr, nullptr);
         if (tabbed) window.findChild<QTabWidget*>("tabControl")->setCurrentIndex(2);
-        save(window, output, tabbed ? "config-file-saves-tabbed.png" : "config-file-saves.png");
+        testing::saveScreenshot(window, output,
+                                tabbed ? "config-file-saves-tabbed.png" : "config-file-saves.png");
     }
     {
         configuration::Mp3OptionsDialog model(data.path(), configuration::WorkingOnDefault::Normal,
                                               nullptr);
         model.settings.vbr = configuration::VbrMethod::Mtrh;
         ui::Mp3OptionsWindow window(model, nullptr);
-        save(window, output, "config-mp3.png");
+        testing::saveScreenshot(window, output, "config-mp3.png");
     }
     {
         ui::LayoutWindow window(ui::LayoutWindow::Kind::Vox, data.path(), nullptr, nullptr);
-        save(window, output, "config-vox.png");
+        testing::saveScreenshot(window, output, "config-vox.png");
     }
     {
         ui::LayoutWindow window(ui::LayoutWindow::Kind::Raw, data.path(), nullptr, nullptr);
-        save(window, output, "config-raw.png");
+        testing::saveScreenshot(window, output, "config-raw.png");
     }
     {
         configuration::EndOfLetterOptions model(config);
         devices::HotKeyOptionsForm hotKeys(config, prompts, "Orvane Voice Desk", "");
         ui::EndOfLetterOptionsWindow window(model, hotKeys, nullptr);
-        save(window, output, "config-end-of-letter.png");
+        testing::saveScreenshot(window, output, "config-end-of-letter.png");
     }
     return 0;
 }

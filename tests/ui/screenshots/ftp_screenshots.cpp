@@ -18,6 +18,7 @@
 
 #include "ftp/ftp_setup_form.h"
 #include "platform/files.h"
+#include "screenshot_shots.h"
 #include "settings/company_records.h"
 #include "settings/transcriber_records.h"
 #include "support/scripted_prompts.h"
@@ -39,15 +40,6 @@ void settle(const std::function<bool()>& done) {
     for (int i = 0; i < 20; ++i) QApplication::processEvents();
 }
 
-void save(QWidget& window, const std::string& folder, const char* name) {
-    window.show();
-    settle([] { return true; });
-    const std::string path = platform::joinPath(folder, name);
-    if (!window.grab().save(QString::fromStdString(path)))
-        std::cerr << "can't write " << path << '\n';
-    window.hide();
-}
-
 void writeFile(const std::string& path, std::size_t size) {
     std::ofstream(path, std::ios::binary) << std::string(size, 'x');
 }
@@ -56,12 +48,9 @@ void writeFile(const std::string& path, std::size_t size) {
 
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
-    if (argc < 2) {
-        std::cerr << "usage: ftp_screenshots OUTPUT_FOLDER\n";
-        return 2;
-    }
-    const std::string output = argv[1];
-    if (!platform::createFolder(output)) std::cerr << "can't make " << output << '\n';
+    const auto folder = testing::screenshotFolder(argc, argv, "ftp_screenshots");
+    if (!folder) return 2;
+    const std::string& output = *folder;
     testing::VsftpdServer server;
     if (!server.running()) {
         std::cerr << server.error() << '\n';
@@ -114,17 +103,17 @@ int main(int argc, char** argv) {
         ui::FtpTransferWindow window(ui::FtpWindowFace::Manual, data.path(), data.path(), prompts);
         window.site().setLocalFolder(upload);
         connectAndOpen(window);
-        save(window, output, "ftp-transfer.png");
+        testing::saveScreenshot(window, output, "ftp-transfer.png");
     }
     {
         ui::FtpTransferWindow window(ui::FtpWindowFace::Automatic, data.path(), data.path(),
                                      prompts);
         connectAndOpen(window);
-        save(window, output, "ftp-automatic.png");
+        testing::saveScreenshot(window, output, "ftp-automatic.png");
     }
     {
         ui::FtpSetupWindow window(ui::FtpWindowFace::Automatic, data.path(), prompts);
-        save(window, output, "ftp-setup.png");
+        testing::saveScreenshot(window, output, "ftp-setup.png");
     }
     return 0;
 }

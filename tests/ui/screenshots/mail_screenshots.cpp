@@ -13,6 +13,7 @@
 #include <iostream>
 
 #include "platform/files.h"
+#include "screenshot_shots.h"
 #include "settings/company_records.h"
 #include "settings/email_sites_tables.h"
 #include "support/scripted_prompts.h"
@@ -24,28 +25,13 @@ namespace {
 
 using namespace ovd;
 
-void save(QWidget& window, const std::string& folder, const char* name) {
-    window.show();
-    for (int i = 0; i < 20; ++i) QApplication::processEvents();
-    const std::string path = platform::joinPath(folder, name);
-    if (!window.grab().save(QString::fromStdString(path)))
-        std::cerr << "can't write " << path << '\n';
-    window.hide();
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
-    if (argc < 2) {
-        std::cerr << "usage: mail_screenshots OUTPUT_FOLDER\n";
-        return 2;
-    }
-    const std::string output = argv[1];
-    if (const auto made = platform::createFolder(output); !made) {
-        std::cerr << made.error() << "\n";
-        return 1;
-    }
+    const auto folder = testing::screenshotFolder(argc, argv, "mail_screenshots");
+    if (!folder) return 2;
+    const std::string& output = *folder;
     testing::TempFolder data;
     testing::ScriptedPrompts prompts;
     const settings::CompanyRecords records(data.path());
@@ -74,11 +60,11 @@ int main(int argc, char** argv) {
         window.form().editMessageText =
             "Please type the attached referral letter today.\n\nThank you,\nAnn";
         window.form().attach(letter);
-        save(window, output, "mail-compose.png");
+        testing::saveScreenshot(window, output, "mail-compose.png");
     }
     {
         ui::MailOptionsWindow window(records, prompts);
-        save(window, output, "mail-options.png");
+        testing::saveScreenshot(window, output, "mail-options.png");
     }
     return 0;
 }

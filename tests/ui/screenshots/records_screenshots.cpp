@@ -11,6 +11,7 @@
 
 #include "crypto/manual_decrypt.h"
 #include "platform/files.h"
+#include "screenshot_shots.h"
 #include "settings/company_records.h"
 #include "settings/email_sites_tables.h"
 #include "settings/our_company_form.h"
@@ -28,14 +29,10 @@ namespace {
 
 using namespace ovd;
 
+// The records windows are pictured at the size their contents ask for.
 void save(QWidget& window, const std::string& folder, const char* name) {
-    window.show();
     window.adjustSize();
-    for (int i = 0; i < 20; ++i) QApplication::processEvents();
-    const std::string path = platform::joinPath(folder, name);
-    if (!window.grab().save(QString::fromStdString(path)))
-        std::cerr << "can't write " << path << '\n';
-    window.hide();
+    testing::saveScreenshot(window, folder, name);
 }
 
 void fill(QLineEdit* edit, const char* text) {
@@ -47,15 +44,9 @@ void fill(QLineEdit* edit, const char* text) {
 
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
-    if (argc < 2) {
-        std::cerr << "usage: records_screenshots OUTPUT_FOLDER\n";
-        return 2;
-    }
-    const std::string output = argv[1];
-    if (const auto done = platform::createFolder(output); !done) {
-        std::cerr << done.error() << "\n";
-        return 1;
-    }
+    const auto folder = testing::screenshotFolder(argc, argv, "records_screenshots");
+    if (!folder) return 2;
+    const std::string& output = *folder;
     testing::TempFolder data;
     testing::ScriptedPrompts prompts;
     const settings::CompanyRecords records(data.path());
