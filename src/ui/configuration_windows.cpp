@@ -6,6 +6,7 @@
 #include "dictation/dictation.h"
 #include "settings/config_file.h"
 #include "station/device_choice.h"
+#include "station/file_saves_hooks.h"
 #include "ui/end_of_letter_options_window.h"
 #include "ui/file_saves_window.h"
 #include "ui/format_windows.h"
@@ -17,17 +18,9 @@
 namespace ovd::ui {
 
 void showFileSaves(StationWindow& window, StationWindowParts& parts) {
-    dictation::Dictation& d = parts.dictation;
     const std::string dataFolder = parts.config.dataFolder();
     FileSavesWindow* shown = nullptr;
-    configuration::FileSavesHooks hooks;
-    hooks.recording = [&d] { return d.state().Recordingstatus; };
-    hooks.saveTakeAndOpenNext = [&d] {
-        d.CaseStop();
-        d.closeFile();
-        d.newLetter();
-    };
-    hooks.fileChanged = [&d] { return d.state().FileChanged; };
+    configuration::FileSavesHooks hooks = station::fileSavesHooksFor(parts.dictation);
     hooks.emailSetup = [&window, &parts, dataFolder] {
         showRecordsWindow(RecordsWindow::EmailReceivers, &window, dataFolder, parts.prompts,
                           parts.config.record);

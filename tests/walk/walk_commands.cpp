@@ -6,6 +6,7 @@
 #include "devices/pedal_events.h"
 #include "platform/files.h"
 #include "platform/text.h"
+#include "station/file_saves_hooks.h"
 
 namespace ovd::walk {
 
@@ -88,6 +89,37 @@ void tamper(WalkStation& s, const Step&) {
     (void)e.Paste();
 }
 
+// The file-save settings changed from their window and saved at any moment, a take
+// included: the naming, the next letter's format, crash protection or recovery.
+void fileSaves(WalkStation& s, const Step& step) {
+    configuration::FileSavesForm form(s.config, s.prompts, station::fileSavesHooksFor(s.d()),
+                                      configuration::FormKind::Scrolling);
+    form.load();
+    const configuration::FileSavesControls& shown = form.controls();
+    switch (step.a % 4) {
+        case 0:
+            if (shown.sequential) {
+                form.chooseDateTimeNaming();
+            } else {
+                form.chooseSequentialNaming();
+                form.setStartingNumber(std::to_string(step.b));
+                form.leaveStartingNumber();
+                form.setPlaces("4");
+            }
+            break;
+        case 1:
+            form.setFormat(false, shown.normal.format == "MP3" ? "WAV" : "MP3");
+            break;
+        case 2:
+            form.setSaveAtStop(!shown.saveAtStop);
+            break;
+        default:
+            form.setRecovery(!shown.recovery);
+            break;
+    }
+    (void)form.save();
+}
+
 #define ROUTE(call) [](WalkStation& s, const Step&) { s.d().call; }
 #define KEY(name) [](WalkStation& s, const Step&) { s.d().toolbarButton(name); }
 
@@ -141,6 +173,7 @@ const std::vector<WalkCommand>& walkCommands() {
         {"button", 3, Control::None, true, false, true, 8, 0, deskButton},
         {"pedal", 12, Control::None, true, false, false, 5, 0,
          [](WalkStation& s, const Step& step) { s.pedal(std::clamp(step.a, 0, 5)); }},
+        {"fileSaves", 2, Control::None, true, false, false, 3, 999, fileSaves},
         {"tamper", 0, Control::None, false, false, false, 0, 0, tamper},
     };
     return commands;
