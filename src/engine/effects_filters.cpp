@@ -1,31 +1,37 @@
 // What each effect's fixed numbers mean here, and the filters that carry it out.
 //
-// | Menu entry      | Numbers              | Meaning |
-// |-----------------|----------------------|---------------------------------------------------------|
-// | Amplify +       | 120                  | every sample times 1.20 (clipped at full scale) | |
-// Amplify -       | 80                   | every sample times 0.80 | | Fade +          | 100 | gain
-// rises in a straight line from 0 to 100 % over the  | |                 |                      |
-// whole stretch                                           | | Fade -          | 100 | gain falls in
-// a straight line from 100 % to 0           | | Stretch +       | 120                  | the
-// stretch lasts 120 % as long, pitch kept             | | Stretch -       | 80                   |
-// the stretch lasts 80 % as long, pitch kept              | | Delay           | 120, 85, 10 | 120
-// ms between repeats, each repeat at 85 % of the one  | |                 |                      |
-// before, 10 repeats; the mix is brought down so that the | |                 | | voice and its
-// first repeat together can't clip          | | DeleteSilence   | 40, 1, 10            | below -40
-// dB full scale is silence; silences of 1 s and | |                 |                      | longer
-// go, anywhere in the stretch, but for 10          | |                 |                      |
-// hundredths of a second left at each                     | | Insert Silence  | 500 | 500 ms of
-// silence in at the cursor                      | | Flanger         | 50, 30, 10, 50, 5    | 50 %
-// of the swept copy mixed in, 30 % fed back, swept   | |                 |                      |
-// up to 10 ms, channels 50 % apart, 5 tenths of a hertz   | | Vibrato         | 25, 3 | pitch swept
-// 25 % of the filter's depth, 3 times a second| | Invert          | -                    | every
-// sample negated (-32768 becomes 32767)             | | Normalize       | -                    |
-// the loudest sample brought to full scale                | | Band pass       | rate / 200, 100 |
-// two-pole band pass at that frequency, 100 Hz wide       | | High pass       | rate / 50, 100 |
-// two-pole high pass there, Q 1.00 (width in hundredths)  | | Low pass        | rate / 100, 50 |
-// two-pole low pass there, Q 0.50                         | | High Shelf      | rate / 50, -10, 100
-// | above that frequency -10 dB, slope 1.00                 | | Low Shelf       | rate / 400, -10,
-// 100 | below that frequency -10 dB, slope 1.00                 |
+// clang-format off
+// | Menu entry     | Numbers          | Meaning                                                  |
+// |----------------|------------------|----------------------------------------------------------|
+// | Amplify +      | 120              | every sample times 1.20, clipped at full scale           |
+// | Amplify -      | 80               | every sample times 0.80                                  |
+// | Fade +         | 100              | gain rises in a straight line from 0 to 100 % over the   |
+// |                |                  | whole stretch                                            |
+// | Fade -         | 100              | gain falls in a straight line from 100 % to 0            |
+// | Stretch +      | 120              | the stretch lasts 120 % as long, its pitch kept          |
+// | Stretch -      | 80               | the stretch lasts 80 % as long, its pitch kept           |
+// | Delay          | 120, 85, 10      | 120 ms between repeats, each repeat at 85 % of the one   |
+// |                |                  | before, 10 repeats; the mix is brought down so that the  |
+// |                |                  | voice and its first repeat together can't clip           |
+// | DeleteSilence  | 40, 1, 10        | below -40 dB full scale, the power measured over 10 ms,  |
+// |                |                  | is silence; silences of 1 s and longer go whole,         |
+// |                |                  | anywhere in the stretch; the pauses of speech stay       |
+// | Insert Silence | 500              | 500 ms of silence in at the cursor                       |
+// | Flanger        | 50, 30, 10,      | 50 % of the swept copy mixed in, 30 % of it fed back,    |
+// |                | 50, 5            | swept up to 10 ms, the channels' sweeps 50 % apart,      |
+// |                |                  | 5 tenths of a sweep a second                             |
+// | Vibrato        | 25, 3            | pitch swept over 25 % of the filter's depth, 3 times a   |
+// |                |                  | second                                                   |
+// | Invert         |                  | every sample negated (-32768 becomes 32767)              |
+// | Normalize      |                  | the loudest sample brought to full scale                 |
+// | Band pass      | rate / 200, 100  | two-pole band pass at that frequency, 100 Hz wide        |
+// | High pass      | rate / 50, 100   | two-pole high pass there, Q 1.00 (width in hundredths)   |
+// | Low pass       | rate / 100, 50   | two-pole low pass there, Q 0.50                          |
+// | High Shelf     | rate / 50, -10,  | -10 dB above that frequency, slope 1.00 (width in        |
+// |                | 100              | hundredths)                                              |
+// | Low Shelf      | rate / 400, -10, | -10 dB below that frequency, slope 1.00                  |
+// |                | 100              |                                                          |
+// clang-format on
 //
 // At 16000 Hz that is a band pass at 80 Hz, a high pass at 320 Hz, a low pass at
 // 160 Hz, a high shelf at 320 Hz and a low shelf at 40 Hz; at 8000 Hz a band pass
@@ -52,7 +58,7 @@ constexpr int kDelayRepeats = 10;
 
 constexpr int kSilenceBelowDb = 40;
 constexpr double kSilenceLongestKeptSeconds = 1.0;
-constexpr double kSilenceLeftSeconds = 10 / 100.0;
+constexpr int kSilenceWindowMs = 10;
 
 std::string number(double value) {
     char text[32];
@@ -80,12 +86,12 @@ std::string delayFilter() {
 std::string silenceFilter() {
     const std::string threshold = "-" + std::to_string(kSilenceBelowDb) + "dB";
     // Silence at the start goes as any other: a stretch is cut wherever it is quiet
-    // for long enough, not only at its ends.
+    // for long enough, not only at its ends. Nothing of a cut silence is left: the
+    // filter's own way of leaving some takes quiet speech with it.
     return "silenceremove=start_periods=1:start_threshold=" + threshold +
-           ":start_duration=0:start_silence=" + number(kSilenceLeftSeconds) +
            ":stop_periods=-1:stop_threshold=" + threshold +
            ":stop_duration=" + number(kSilenceLongestKeptSeconds) +
-           ":stop_silence=" + number(kSilenceLeftSeconds) + ":detection=rms";
+           ":detection=rms:window=" + number(kSilenceWindowMs / 1000.0);
 }
 
 std::string biquad(const char* name, double frequency, const std::string& shape) {

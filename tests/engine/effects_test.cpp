@@ -135,15 +135,18 @@ TEST_F(EffectsTest, DelayFlangerAndVibratoKeepTheLengthAndChangeTheSound) {
 }
 
 TEST_F(EffectsTest, DeleteSilenceRemovesTheGapsInsideSpeech) {
-    loadSpeech({"Dear doctor Smith.", "Thank you for your letter.", "Yours sincerely."}, 2.0);
+    loadSpeech({"Dear doctor Smith.", "Thank you for referring this patient, who was seen today.",
+                "Yours sincerely."},
+               2.0);
     const double before = seconds();
     const double spoken = speechSeconds(all());
     ASSERT_TRUE(apply(Effect::DeleteSilence, 0, editor.Length()).ok());
-    const double after = seconds();
-    // Two gaps of two seconds and more go, each but for the little left of it.
-    EXPECT_LT(after, before - 3.6);
-    // What was said stays.
+    // Three gaps of two seconds go, with the synthesizer's own silence around them.
+    EXPECT_LT(seconds(), before - 3 * 2.0);
+    EXPECT_GT(seconds(), before - 3 * 2.6);
+    // What was said stays, short pauses between words and all.
     EXPECT_NEAR(speechSeconds(all()), spoken, 0.05);
+    EXPECT_GT(seconds(), spoken + 0.5);
 }
 
 TEST_F(EffectsTest, AnEffectOnASelectionLeavesTheRestAndUndoesExactly) {
