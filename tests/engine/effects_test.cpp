@@ -215,6 +215,40 @@ TEST_F(EffectsTest, RefusalsLeaveTheDocumentAsItWas) {
     EXPECT_FALSE(called);
 }
 
+TEST_F(EffectsTest, ClosingOrDroppingTheEditorWhileAnEffectRunsIsSafe) {
+    loadTone(16000, 60.0, 440.0, 8000.0);
+    std::optional<platform::Result<void>> outcome;
+    ASSERT_TRUE(editor
+                    .ApplyEffect(Effect::StretchLonger, 0, editor.Length(),
+                                 [&](platform::Result<void> r) { outcome = std::move(r); })
+                    .ok());
+    editor.Close();
+    waitFor(outcome);
+    EXPECT_FALSE(outcome->ok());
+    EXPECT_EQ(editor.Length(), 0);
+
+    {
+        WaveEditor second(loop, backend, clipboard, "AudioEditor22");
+        second.setTempFileName(folder.path() + "/Temp");
+        ASSERT_TRUE(second.New(16000, 1).ok());
+        clipboard->format = {16000, 1};
+        clipboard->pieces.clear();
+        loadTone(16000, 60.0, 440.0, 8000.0);
+        editor.setSelectionStart(0);
+        editor.setSelectionEnd(editor.Length());
+        editor.setSelectionActive(true);
+        ASSERT_TRUE(editor.Copy().ok());
+        ASSERT_TRUE(second.Paste().ok());
+        bool called = false;
+        ASSERT_TRUE(second
+                        .ApplyEffect(Effect::Vibrato, 0, second.Length(),
+                                     [&](const platform::Result<void>&) { called = true; })
+                        .ok());
+        // Gone before the effect ends: it is stopped, and nothing is told to the editor.
+    }
+    loop.runPending();
+}
+
 TEST_F(EffectsTest, ProgressGoesOutUnderTheMenuTextAndEnds) {
     loadTone(16000, 600.0, 440.0, 8000.0);
     std::vector<BlockOperationEvent> events;
