@@ -30,6 +30,17 @@ struct GainCase {
 TEST_F(EffectsTest, AmplifyChangesTheLevelByItsRatio) {
     for (const GainCase& row : {GainCase{Effect::AmplifyUp, 1.2}, {Effect::AmplifyDown, 0.8}}) {
         SCOPED_TRACE(std::string(effectMenuText(row.effect)));
+        // Stereo: both sides go through the filters, in their order.
+        std::vector<std::int16_t> stereo = testing::toneSamples({16000, 2}, 1.0, 440.0, 8000.0);
+        for (std::size_t i = 1; i < stereo.size(); i += 2)
+            stereo[i] = static_cast<std::int16_t>(stereo[i] / 2);
+        load(16000, stereo, 2);
+        ASSERT_TRUE(apply(row.effect, 0, editor.Length()).ok());
+        const auto after = all();
+        ASSERT_EQ(after.size(), stereo.size());
+        for (std::size_t i = 0; i < after.size(); i += 101)
+            EXPECT_NEAR(after[i], stereo[i] * row.ratio, 1.0);
+
         loadTone(16000, 1.0, 440.0, 8000.0);
         const double before = rms(all());
         ASSERT_TRUE(apply(row.effect, 0, editor.Length()).ok());
