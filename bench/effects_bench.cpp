@@ -134,6 +134,13 @@ int main(int argc, char** argv) {
         editor.Close();
     }
 
+    if (!editor.Open(tenMinutes)) std::abort();
+    const auto spectrumStart = Clock::now();
+    const auto columns = editor.Spectrum(0, editor.Length(), 1920, 256);
+    std::printf("\nSpectral view of 10 minutes, 1920 columns of 256 bins: %.3f s (%zu columns)\n",
+                secondsSince(spectrumStart), columns.size());
+    editor.Close();
+
     std::printf("\nAgainst sox on the same file (target within 2x):\n");
     const std::string out = folder + "/sox.wav";
     const double soxAmplify = timedCommand("sox '" + tenMinutes + "' '" + out + "' vol 1.2");
