@@ -253,6 +253,20 @@ TEST_F(EffectsTest, ClosingOrDroppingTheEditorWhileAnEffectRunsIsSafe) {
     EXPECT_FALSE(outcome->ok());
     EXPECT_EQ(editor.Length(), 0);
 
+    // Done before its document closed, told after: the next document is not touched.
+    ASSERT_TRUE(editor.New(16000, 1).ok());
+    outcome.reset();
+    ASSERT_TRUE(editor
+                    .ApplyEffect(Effect::InsertSilence, 0, 0,
+                                 [&](platform::Result<void> r) { outcome = std::move(r); })
+                    .ok());
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    editor.Close();
+    ASSERT_TRUE(editor.New(16000, 1).ok());
+    waitFor(outcome);
+    EXPECT_FALSE(outcome->ok());
+    EXPECT_EQ(editor.Length(), 0);
+
     {
         WaveEditor second(loop, backend, clipboard, "AudioEditor22");
         second.setTempFileName(folder.path() + "/Temp");
