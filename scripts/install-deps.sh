@@ -11,6 +11,7 @@ packages=(
     libcurl4-openssl-dev curl vsftpd openssh-server
     python3 python3-aiosmtpd dovecot-pop3d dnsmasq-base libhunspell-dev hunspell-en-us
     libsndfile1-dev libavcodec-dev libavformat-dev libavutil-dev libswresample-dev
+    libavfilter-dev
     libpulse-dev pulseaudio pulseaudio-utils
     espeak-ng sox libsox-fmt-all ffmpeg lame
     libgtest-dev libgmock-dev

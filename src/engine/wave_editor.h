@@ -32,6 +32,7 @@
 #include "engine/audio_document.h"
 #include "engine/audio_editor.h"
 #include "engine/clipboard.h"
+#include "engine/effects.h"
 #include "engine/stream_encoder.h"
 #include "platform/event_loop.h"
 #include "platform/locked_file.h"
@@ -104,6 +105,34 @@ class WaveEditor : public AudioEditor {
     // document again.
     void finishSavedFile();
     [[nodiscard]] bool hasDocument() const { return workFile_ != nullptr; }
+
+    // Runs the effect over [from, to) of the document off the loop's thread; its
+    // progress goes out through onBlockOperation under the effect's menu text, and
+    // `done` is called on the loop's thread. The document changes only when the
+    // effect succeeded, as one undo step; a failure leaves it as it was. Refused at
+    // once (and `done` never called) with no document, an empty stretch, or while
+    // recording, playing, saving or another effect runs. Insert Silence puts its
+    // silence in at `from` and needs no stretch.
+    platform::Result<void> ApplyEffect(Effect effect, SampleCount from, SampleCount to,
+                                       std::function<void(platform::Result<void>)> done);
+    [[nodiscard]] bool effectRunning() const { return effect_ != nullptr; }
+    // Mixes a file (any rate and channel count, converted) in at the cursor, as one
+    // undo step; what runs past the end of the document lengthens it.
+    platform::Result<void> MixFile(const std::string& path);
+    // Mixes the clipboard's audio in at the cursor, as MixFile does.
+    platform::Result<void> MixClipboard();
+    // Saves the selection in the chosen format, as SaveAs saves the document.
+    platform::Result<SaveOutcome> SaveSelectionAs(const std::string& path);
+    // The clipboard's audio as the bytes of a wave file ("" when it is empty), for
+    // the desktop's clipboard.
+    [[nodiscard]] std::string ClipboardAsWav() const;
+    // Takes a wave file's bytes from the desktop's clipboard; bytes that are not
+    // such audio are refused with the reason, and the clipboard stays as it was.
+    platform::Result<void> setClipboardFromWav(const std::string& wavBytes);
+    // Magnitudes in dB below full scale of the frames [from, to), `columns` vectors
+    // of `bins` values from 0 Hz up to half the rate, for the spectral view.
+    [[nodiscard]] std::vector<std::vector<float>> Spectrum(SampleCount from, SampleCount to,
+                                                           int columns, int bins) const;
     // The document's frames from a position on, for the waveform view and checks.
     std::size_t readFrames(SampleCount position, std::int16_t* out, std::size_t frameCount) const {
         return document_.read(position, out, frameCount);
@@ -172,6 +201,10 @@ class WaveEditor : public AudioEditor {
     void stopPlaying();
     void stopRecording();
     [[nodiscard]] SampleCount clampToDocument(SampleCount position) const;
+    // Mixes the source (converted to the document's rate and channels) in at the cursor.
+    platform::Result<void> mixSource(PcmSource& source, const char* operation);
+    // Where audio the editor makes itself is kept while it is used.
+    [[nodiscard]] std::string scratchFolder() const;
 
     platform::EventLoop& loop_;
     AudioBackend& backend_;
@@ -221,6 +254,9 @@ class WaveEditor : public AudioEditor {
     std::optional<FileOnDisk> onDisk_;     // the loop's thread's
     std::optional<FileOnDisk> justSaved_;  // under savedFileMutex_
     bool troubleTold_ = false;             // this take's trouble is in the log
+
+    // The running effect; last, so it is stopped before anything it reports to goes.
+    std::unique_ptr<EffectWork> effect_;
 };
 
 }  // namespace ovd::engine
