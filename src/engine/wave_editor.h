@@ -201,6 +201,10 @@ class WaveEditor : public AudioEditor {
     void stopPlaying();
     void stopRecording();
     [[nodiscard]] SampleCount clampToDocument(SampleCount position) const;
+    // Mixes the source (converted to the document's rate and channels) in at the cursor.
+    platform::Result<void> mixSource(PcmSource& source, const char* operation);
+    // Where audio the editor makes itself is kept while it is used.
+    [[nodiscard]] std::string scratchFolder() const;
 
     platform::EventLoop& loop_;
     AudioBackend& backend_;
