@@ -30,9 +30,9 @@
 #include "ui/qt_event_loop.h"
 #include "ui/qt_prompts.h"
 #include "ui/reconnection_dialog.h"
-#include "ui/second_editor_window.h"
 #include "ui/records_windows.h"
 #include "ui/scan_convert_window.h"
+#include "ui/second_editor_window.h"
 #include "ui/station_window.h"
 #include "ui/window_placement.h"
 

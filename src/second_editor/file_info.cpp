@@ -26,7 +26,8 @@ InfoLines fileInformation(const engine::WaveEditor& editor, const std::string& f
                                    : editor.Channels() == 2 ? "Stereo"
                                                             : std::to_string(editor.Channels()));
     const int rate = editor.SamplesPerSecond();
-    lines.emplace_back("Length", lengthText(rate > 0 ? static_cast<double>(editor.Length()) / rate : 0));
+    lines.emplace_back("Length",
+                       lengthText(rate > 0 ? static_cast<double>(editor.Length()) / rate : 0));
     lines.emplace_back("Samples", std::to_string(editor.Length()));
     if (!fileName.empty()) {
         const auto size = platform::fileSize(fileName);

@@ -15,9 +15,9 @@ void Markers::add(std::string name, engine::SampleCount position) {
         while (taken(name + " " + std::to_string(number))) ++number;
         name += " " + std::to_string(number);
     }
-    const auto at = std::upper_bound(
-        markers_.begin(), markers_.end(), position,
-        [](engine::SampleCount p, const Marker& m) { return p < m.position; });
+    const auto at =
+        std::upper_bound(markers_.begin(), markers_.end(), position,
+                         [](engine::SampleCount p, const Marker& m) { return p < m.position; });
     markers_.insert(at, Marker{std::move(name), std::max<engine::SampleCount>(0, position)});
 }
 
@@ -26,7 +26,8 @@ void Markers::remove(std::size_t index) {
 }
 
 void Markers::clampTo(engine::SampleCount length) {
-    for (Marker& m : markers_) m.position = std::min(m.position, std::max<engine::SampleCount>(0, length));
+    for (Marker& m : markers_)
+        m.position = std::min(m.position, std::max<engine::SampleCount>(0, length));
 }
 
 }  // namespace ovd::second_editor

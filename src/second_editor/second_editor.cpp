@@ -64,22 +64,54 @@ SecondEditor::~SecondEditor() {
 
 void SecondEditor::toolbarButton(Key key) {
     switch (key) {
-        case Key::New: newDocument(); break;
-        case Key::Open: open(); break;
-        case Key::Save: save(); break;
-        case Key::Delete: deleteSelection(); break;
-        case Key::Copy: copy(); break;
-        case Key::Cut: cut(); break;
-        case Key::Paste: paste(); break;
-        case Key::Undo: undo(); break;
-        case Key::Redo: redo(); break;
-        case Key::Zoomin: zoomIn(); break;
-        case Key::Zoomout: zoomOut(); break;
-        case Key::Forward: play(0); break;
-        case Key::Stop: stop(); break;
-        case Key::PlayToEnd: play(engine::kPlayToEnd); break;
-        case Key::PlayLooped: play(engine::kPlayLooped); break;
-        case Key::Pause: pause(); break;
+        case Key::New:
+            newDocument();
+            break;
+        case Key::Open:
+            open();
+            break;
+        case Key::Save:
+            save();
+            break;
+        case Key::Delete:
+            deleteSelection();
+            break;
+        case Key::Copy:
+            copy();
+            break;
+        case Key::Cut:
+            cut();
+            break;
+        case Key::Paste:
+            paste();
+            break;
+        case Key::Undo:
+            undo();
+            break;
+        case Key::Redo:
+            redo();
+            break;
+        case Key::Zoomin:
+            zoomIn();
+            break;
+        case Key::Zoomout:
+            zoomOut();
+            break;
+        case Key::Forward:
+            play(0);
+            break;
+        case Key::Stop:
+            stop();
+            break;
+        case Key::PlayToEnd:
+            play(engine::kPlayToEnd);
+            break;
+        case Key::PlayLooped:
+            play(engine::kPlayLooped);
+            break;
+        case Key::Pause:
+            pause();
+            break;
         case Key::Properties:
             if (onProperties) onProperties();
             break;

@@ -126,10 +126,10 @@ class SecondEditor {
 
     // ---- Device panels ----
     enum class Direction { Input, Output };
-    void chooseDevice(Direction direction, int index);  // cmbDevInput, cmbDevOutput
-    void chooseLine(Direction direction, int index);    // cmbSrcInput, cmbSrcOutput
-    void setVolume(Direction direction, int volume);    // sldrVolumeInp, sldrVolumeOut
-    void setBalance(Direction direction, int balance);  // sldrVolBalanceInp, sldrVolBalanceOut
+    void chooseDevice(Direction direction, int index);    // cmbDevInput, cmbDevOutput
+    void chooseLine(Direction direction, int index);      // cmbSrcInput, cmbSrcOutput
+    void setVolume(Direction direction, int volume);      // sldrVolumeInp, sldrVolumeOut
+    void setBalance(Direction direction, int balance);    // sldrVolBalanceInp, sldrVolBalanceOut
     void selectLine(Direction direction, bool selected);  // chSelectInput, chSelectOutput
 
     // Command5 "Work With First File": this editor stops, keeps its document, and

@@ -16,6 +16,9 @@ const std::vector<platform::FileFilter> kOpenFilters{
     {"MP3 Files", {"*.mp3"}},
 };
 
+// TODO(merge with the Ogg Vorbis saving): "Ogg Files" (*.ogg) joins these, and
+// formatForName gives ".ogg" its format word; the window's Ogg Vorbis Options entry
+// (SecondEditorWindow::onOggOptions) is wired in main() to the Ogg options window.
 const std::vector<platform::FileFilter> kSaveFilters{
     {"Wav Files", {"*.wav"}}, {"MP3 Files", {"*.mp3"}}, {"MP2 Files", {"*.mp2"}},
     {"WMA Files", {"*.wma"}}, {"VOX Files", {"*.vox"}}, {"RAW Files", {"*.raw"}},
@@ -379,21 +382,23 @@ bool SecondEditor::applyEffect(engine::Effect effect) {
         return false;
     }
     e.Stop();
-    const bool selected = view_.chSelect && e.SelectionActive() && e.SelectionStart() != e.SelectionEnd();
+    const bool selected =
+        view_.chSelect && e.SelectionActive() && e.SelectionStart() != e.SelectionEnd();
     const engine::SampleCount from = selected ? std::min(e.SelectionStart(), e.SelectionEnd()) : 0;
     const engine::SampleCount to =
         selected ? std::max(e.SelectionStart(), e.SelectionEnd()) : e.Length();
     const std::shared_ptr<bool> alive = alive_;
     effectRunning_ = true;
-    const auto started = e.ApplyEffect(effect, from, to, [this, alive, name](platform::Result<void> done) {
-        if (!*alive) return;
-        effectRunning_ = false;
-        if (!done) {
-            tell(name + " failed: " + done.error());
-            return;
-        }
-        edited(done, name);
-    });
+    const auto started =
+        e.ApplyEffect(effect, from, to, [this, alive, name](platform::Result<void> done) {
+            if (!*alive) return;
+            effectRunning_ = false;
+            if (!done) {
+                tell(name + " failed: " + done.error());
+                return;
+            }
+            edited(done, name);
+        });
     if (!started) {
         effectRunning_ = false;
         tell(name + " failed: " + started.error());

@@ -14,8 +14,8 @@ struct DevicePanel {
     int device = -1;
     std::vector<std::string> lines;  // cmbSrcInput / cmbSrcOutput
     int line = -1;
-    int volume = 0;      // sldrVolumeInp: 0 to 65535
-    int balance = 0;     // sldrVolBalanceInp: -100 to 100
+    int volume = 0;        // sldrVolumeInp: 0 to 65535
+    int balance = 0;       // sldrVolBalanceInp: -100 to 100
     bool selected = true;  // chSelectInput: the line records (plays) rather than being muted
     bool operator==(const DevicePanel&) const = default;
 };
@@ -24,8 +24,8 @@ struct SecondEditorView {
     std::string caption;  // "Insert Recording", then the file's name
     std::string fileName;
     bool documentOpen = false;
-    bool changed = false;  // edited since it was opened or saved
-    int state = 0;         // the editor's State(): 0 stopped, 1 playing, 2 recording, 5 paused
+    bool changed = false;       // edited since it was opened or saved
+    int state = 0;              // the editor's State(): 0 stopped, 1 playing, 2 recording, 5 paused
     double currentSeconds = 0;  // totCurPos
     double totalSeconds = 0;    // lblItot
     bool chSelect = true;       // effects work on the selection, not on the whole file

@@ -13,7 +13,8 @@ constexpr const char* kSecondEditorWorkFolder = "SecondEditor";
 }
 
 void Station::makeSecondEditor() {
-    secondFileEditor_.setTempFileName(platform::joinPath(parts_.dataFolder, kSecondEditorWorkFolder));
+    secondFileEditor_.setTempFileName(
+        platform::joinPath(parts_.dataFolder, kSecondEditorWorkFolder));
     second_editor::SecondEditorParts parts{
         parts_.loop,
         parts_.prompts,

@@ -20,6 +20,7 @@
 #include "platform/event_loop.h"
 #include "platform/prompts.h"
 #include "platform/timer.h"
+#include "second_editor/second_editor.h"
 #include "settings/config_file.h"
 #include "settings/delivery_startup_checks.h"
 #include "settings/event_log.h"
@@ -27,7 +28,6 @@
 #include "station/delivery_wiring.h"
 #include "station/end_of_letter.h"
 #include "station/shared_sound_device.h"
-#include "second_editor/second_editor.h"
 
 namespace ovd::station {
 

@@ -35,9 +35,10 @@ namespace {
 using second_editor::SecondEditor;
 using Direction = SecondEditor::Direction;
 
-constexpr const char* kToolbarKeys[] = {
-    "New",  "Open",    "Save",    "Delete",  "Copy", "Cut",       "Paste",      "Undo",  "Redo",
-    "Zoomin", "Zoomout", "Forward", "Stop", "PlayToEnd", "PlayLooped", "Pause", "Properties"};
+constexpr const char* kToolbarKeys[] = {"New",     "Open",      "Save", "Delete",    "Copy",
+                                        "Cut",     "Paste",     "Undo", "Redo",      "Zoomin",
+                                        "Zoomout", "Forward",   "Stop", "PlayToEnd", "PlayLooped",
+                                        "Pause",   "Properties"};
 
 QStyle::StandardPixmap iconOf(const std::string& key) {
     if (key == "New") return QStyle::SP_FileIcon;
@@ -174,7 +175,8 @@ void SecondEditorWindow::buildMenus() {
     QMenu* view = menuBar()->addMenu(tr("&View"));
     view->setObjectName("mnuView");
     QAction* wave = add(view, "mnuViewWaveForm", tr("&Wave Form"), [this] { showSpectral(false); });
-    QAction* spectral = add(view, "mnuViewSpectral", tr("&Spectral"), [this] { showSpectral(true); });
+    QAction* spectral =
+        add(view, "mnuViewSpectral", tr("&Spectral"), [this] { showSpectral(true); });
     wave->setCheckable(true);
     spectral->setCheckable(true);
     wave->setChecked(true);
@@ -183,8 +185,9 @@ void SecondEditorWindow::buildMenus() {
     operation->setObjectName("mnuOperation");
     for (const auto& entry : second_editor::kOperationMenu) {
         const engine::Effect effect = entry.effect;
-        add(operation, entry.control, QString::fromUtf8(engine::effectMenuText(effect).data(),
-                                                        static_cast<qsizetype>(engine::effectMenuText(effect).size())),
+        add(operation, entry.control,
+            QString::fromUtf8(engine::effectMenuText(effect).data(),
+                              static_cast<qsizetype>(engine::effectMenuText(effect).size())),
             [&e, effect] { e.applyEffect(effect); });
     }
     QMenu* filters = menuBar()->addMenu(tr("F&ilters"));
@@ -214,7 +217,8 @@ void SecondEditorWindow::buildToolbar() {
         const auto which = SecondEditor::keyNamed(key);
         QAction* entry = bar->addAction(QString::fromLatin1(key));
         entry->setObjectName(QString::fromLatin1(key));
-        if (iconOf(key) != QStyle::SP_CustomBase) entry->setIcon(style()->standardIcon(iconOf(key)));
+        if (iconOf(key) != QStyle::SP_CustomBase)
+            entry->setIcon(style()->standardIcon(iconOf(key)));
         connect(entry, &QAction::triggered, this, [this, which] { editor_.toolbarButton(*which); });
         actions_[key] = entry;
     }
@@ -239,7 +243,8 @@ QWidget* SecondEditorWindow::buildFields() {
     verticalZoom_->setRange(10, 1000);
     verticalZoom_->setSuffix(" %");
     verticalZoom_->setKeyboardTracking(false);
-    recordButton_ = new QPushButton(style()->standardIcon(QStyle::SP_DialogYesButton), tr("Record"));
+    recordButton_ =
+        new QPushButton(style()->standardIcon(QStyle::SP_DialogYesButton), tr("Record"));
     recordButton_->setObjectName("cmdRecord");
     backButton_ = new QPushButton(QString::fromLatin1(second_editor::kBackToLetterCaption));
     backButton_->setObjectName("Command5");
@@ -262,7 +267,8 @@ QWidget* SecondEditorWindow::buildFields() {
     const auto numeric = QOverload<double>::of(&QDoubleSpinBox::valueChanged);
     connect(selectionStart_, numeric, this, [this](double v) { editor_.setSelectionStart(v); });
     connect(selectionEnd_, numeric, this, [this](double v) { editor_.setSelectionEnd(v); });
-    connect(selectionOnly_, &QCheckBox::toggled, this, [this](bool on) { editor_.setChSelect(on); });
+    connect(selectionOnly_, &QCheckBox::toggled, this,
+            [this](bool on) { editor_.setChSelect(on); });
     connect(zoomStart_, numeric, this,
             [this](double v) { editor_.setZoom(v, editor_.view().zoomEnd); });
     connect(zoomEnd_, numeric, this,

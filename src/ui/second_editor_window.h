@@ -79,8 +79,8 @@ class SecondEditorWindow : public QMainWindow {
     QStackedWidget* views_ = nullptr;
     WaveformView* waveform_ = nullptr;
     SpectralView* spectral_ = nullptr;
-    QLabel* currentSeconds_ = nullptr;      // totCurPos
-    QLabel* totalSeconds_ = nullptr;        // lblItot
+    QLabel* currentSeconds_ = nullptr;          // totCurPos
+    QLabel* totalSeconds_ = nullptr;            // lblItot
     QDoubleSpinBox* selectionStart_ = nullptr;  // txtSelStart, udSelStart
     QDoubleSpinBox* selectionEnd_ = nullptr;    // txtSelEnd, udSelEnd
     QCheckBox* selectionOnly_ = nullptr;        // chSelect

@@ -11,11 +11,12 @@ namespace {
 
 // Dark blue through red to yellow: the usual colours of a spectrogram.
 QRgb colourOf(float db) {
-    const float t = std::clamp((db - SpectralView::kFloorDb) /
-                                   (SpectralView::kTopDb - SpectralView::kFloorDb),
-                               0.0f, 1.0f);
+    const float t =
+        std::clamp((db - SpectralView::kFloorDb) / (SpectralView::kTopDb - SpectralView::kFloorDb),
+                   0.0f, 1.0f);
     const auto channel = [](float v) { return static_cast<int>(std::clamp(v, 0.0f, 1.0f) * 255); };
-    return qRgb(channel(2.0f * t - 0.4f), channel(2.0f * t - 1.0f), channel(0.5f - std::abs(t - 0.3f) * 1.6f + 0.2f));
+    return qRgb(channel(2.0f * t - 0.4f), channel(2.0f * t - 1.0f),
+                channel(0.5f - std::abs(t - 0.3f) * 1.6f + 0.2f));
 }
 
 }  // namespace

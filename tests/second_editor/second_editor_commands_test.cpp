@@ -57,7 +57,7 @@ INSTANTIATE_TEST_SUITE_P(
                       KeyCase{"PlayLooped", kTwoSeconds, kRate / 4, 1},
                       KeyCase{"Stop", kTwoSeconds, kRate / 4, 0},
                       KeyCase{"Zoomin", kTwoSeconds, kRate / 4, 0}),
-    [](const auto& info) { return std::string(info.param.key); });
+    [](const auto& param) { return std::string(param.param.key); });
 
 TEST_F(SecondEditorTest, UndoRedoPauseAndTheKeysThatOpenSomethingElse) {
     select(0.5, 1.0);

@@ -86,9 +86,12 @@ class SecondEditorTest : public ::testing::Test {
     engine::WaveEditor editor{loop, backend, clipboard, "SecondEditor"};
     FileRequestPrompts prompts;
     bool letterRecording = false;
-    SecondEditor second{SecondEditorParts{
-        loop, prompts, editor, clipboard, [this] { return letterRecording; },
-        [this] { return folder.path(); }, [] { return engine::PcmFormat{kRate, 1}; }}};
+    SecondEditor second{SecondEditorParts{loop, prompts, editor, clipboard,
+                                          [this] { return letterRecording; },
+                                          [this] { return folder.path(); },
+                                          [] {
+                                              return engine::PcmFormat{kRate, 1};
+                                          }}};
     std::string tone;
 };
 

@@ -3,6 +3,8 @@
 // goes back, and the letter's own Paste puts it in at the cursor. The desktop's
 // clipboard carries the audio as WAV data both ways and refuses plain text.
 
+#include "ui/second_editor_window.h"
+
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
@@ -15,7 +17,6 @@
 #include <thread>
 
 #include "second_editor/second_editor.h"
-#include "ui/second_editor_window.h"
 #include "ui/spectral_view.h"
 #include "ui/station_window_fixture.h"
 
@@ -32,8 +33,8 @@ class SecondEditorWindowTest : public StationWindowTest {
     std::string writeTone() {
         std::vector<std::int16_t> samples(2 * kRate);
         for (std::size_t i = 0; i < samples.size(); ++i)
-            samples[i] = static_cast<std::int16_t>(
-                std::lround(16000 * std::sin(2 * std::numbers::pi * 1000.0 * static_cast<double>(i) / kRate)));
+            samples[i] = static_cast<std::int16_t>(std::lround(
+                16000 * std::sin(2 * std::numbers::pi * 1000.0 * static_cast<double>(i) / kRate)));
         return dictation::testing::writeMonoWave(folder.file("tone.wav"), samples);
     }
 
@@ -64,7 +65,10 @@ class SecondEditorWindowTest : public StationWindowTest {
     engine::WaveEditor secondFile{loop, backend, clipboard, "SecondEditor"};
     second_editor::SecondEditor second{second_editor::SecondEditorParts{
         loop, prompts, secondFile, clipboard, [this] { return state().Recordingstatus; },
-        [this] { return recordings; }, [] { return engine::PcmFormat{kRate, 1}; }}};
+        [this] { return recordings; },
+        [] {
+            return engine::PcmFormat{kRate, 1};
+        }}};
 };
 
 TEST_F(SecondEditorWindowTest, APreparedClipGoesIntoTheLetterAtTheCursor) {

@@ -167,8 +167,8 @@ std::optional<Violation> WalkChecks::letterKeepsTheSoundDevice(WalkStation& stat
     if (holds && second == 0) return std::nullopt;
     return Violation{"second", std::string("the letter records while ") +
                                    (holds ? "" : "it does not hold the microphone and ") +
-                                   "the second editor's state is " + std::to_string(second) +
-                                   "; " + describe(now)};
+                                   "the second editor's state is " + std::to_string(second) + "; " +
+                                   describe(now)};
 }
 
 void WalkChecks::watchScreen(WalkStation& station) {

@@ -41,7 +41,8 @@ std::string writePassage(const std::string& path, int seconds) {
                              0.5 * std::sin(2 * std::numbers::pi * 540 * t) +
                              0.25 * std::sin(2 * std::numbers::pi * 1260 * t);
         const double hum = 0.05 * std::sin(2 * std::numbers::pi * 120 * t);
-        const double sweep = t > 2 && t < 4 ? 0.08 * std::sin(2 * std::numbers::pi * (800 + 600 * (t - 2)) * t) : 0;
+        const double sweep =
+            t > 2 && t < 4 ? 0.08 * std::sin(2 * std::numbers::pi * (800 + 600 * (t - 2)) * t) : 0;
         samples[i] = static_cast<std::int16_t>((loud * voice * 0.6 + hum + sweep) * 18000);
     }
     return dictation::testing::writeMonoWave(path, samples);
@@ -87,16 +88,18 @@ int main(int argc, char** argv) {
     }
     const std::string output = argv[1];
     if (!platform::createFolder(output)) std::cerr << "can't make " << output << '\n';
-    testing::TempFolder folder;
-    testing::VirtualEventLoop loop;
-    testing::ScriptedPrompts prompts;
+    ovd::testing::TempFolder folder;
+    ovd::testing::VirtualEventLoop loop;
+    ovd::testing::ScriptedPrompts prompts;
     engine::VirtualBackend backend{loop, {}};
     auto clipboard = std::make_shared<engine::Clipboard>();
     engine::WaveEditor editor{loop, backend, clipboard, "SecondEditor"};
     editor.setTempFileName(folder.file("work"));
     second_editor::SecondEditor second{second_editor::SecondEditorParts{
         loop, prompts, editor, clipboard, [] { return false; }, [&] { return folder.path(); },
-        [] { return engine::PcmFormat{kRate, 1}; }}};
+        [] {
+            return engine::PcmFormat{kRate, 1};
+        }}};
     const std::string passage = writePassage(folder.file("Passage for page 2.wav"), 6);
     if (!second.openFile(passage)) return 1;
     second.setSelectionStart(1.3);
