@@ -366,8 +366,11 @@ void SecondEditor::refresh() {
     SecondEditorView v = view_;
     v.documentOpen = e.hasDocument();
     v.fileName = fileName_;
-    v.caption = fileName_.empty() ? std::string(kWindowTitle)
-                                  : std::string(kWindowTitle) + " - " + fileName_;
+    const auto slash = fileName_.find_last_of('/');
+    v.caption = fileName_.empty()
+                    ? std::string(kWindowTitle)
+                    : std::string(kWindowTitle) + " - " +
+                          (slash == std::string::npos ? fileName_ : fileName_.substr(slash + 1));
     v.changed = changed_;
     v.revision = revision_;
     v.state = e.State();

@@ -397,6 +397,7 @@ void SecondEditorWindow::render() {
         const int rate = editor_.editor().SamplesPerSecond();
         spectral_->show(static_cast<engine::SampleCount>(v.zoomStart * rate),
                         static_cast<engine::SampleCount>(v.zoomEnd * rate), v.revision);
+        spectral_->update();  // the selection and the cursor over it
     }
     rendering_ = false;
 }

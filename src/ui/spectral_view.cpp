@@ -60,6 +60,21 @@ void SpectralView::paintEvent(QPaintEvent*) {
     if (stale_ || picture_.size() != size()) measure();
     QPainter painter(this);
     painter.drawImage(0, 0, picture_);
+    // The selection and the cursor over the picture, as the waveform shows them.
+    const engine::SampleCount span = to_ - from_;
+    if (span <= 0) return;
+    const auto xOf = [&](engine::SampleCount at) {
+        return static_cast<int>((at - from_) * width() / span);
+    };
+    if (editor_.SelectionActive() && editor_.SelectionStart() != editor_.SelectionEnd()) {
+        const int left = xOf(std::min(editor_.SelectionStart(), editor_.SelectionEnd()));
+        const int right = xOf(std::max(editor_.SelectionStart(), editor_.SelectionEnd()));
+        painter.fillRect(QRect(left, 0, std::max(1, right - left), height()),
+                         QColor(255, 255, 255, 60));
+    }
+    painter.setPen(QColor(255, 255, 255, 200));
+    const int cursor = xOf(editor_.CursorPosition());
+    painter.drawLine(cursor, 0, cursor, height());
 }
 
 }  // namespace ovd::ui

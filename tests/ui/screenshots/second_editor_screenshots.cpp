@@ -106,7 +106,7 @@ int main(int argc, char** argv) {
     second.setSelectionEnd(2.2);
 
     ui::SecondEditorWindow window(second);
-    window.resize(820, 560);
+    window.resize(1180, 600);
     window.show();
     bool ok = shoot(window, platform::joinPath(output, "second-editor-waveform.png"));
     window.action("mnuViewSpectral")->trigger();
