@@ -72,6 +72,8 @@ class SecondEditorWindowTest : public StationWindowTest {
 };
 
 TEST_F(SecondEditorWindowTest, APreparedClipGoesIntoTheLetterAtTheCursor) {
+    // Opened from the letter's Tools menu; "Work With First File" brings the letter back.
+    attachSecondEditorWindow(window(), second);
     window().Form_Load();
     dictate(4000);
     const engine::SampleCount letterLength = editor1.Length();
@@ -80,9 +82,11 @@ TEST_F(SecondEditorWindowTest, APreparedClipGoesIntoTheLetterAtTheCursor) {
     editor1.setCursorPosition(cursor);
     const std::vector<std::int16_t> letterAfterCursor = frames(cursor, letterLength - cursor);
 
-    SecondEditorWindow w(second);
-    int backToLetter = 0;
-    w.onBackToLetter = [&] { ++backToLetter; };
+    window().findChild<QAction*>("mnuInsertRecording")->trigger();
+    auto* opened = window().findChild<SecondEditorWindow*>("frmSecFile");
+    ASSERT_NE(opened, nullptr);
+    SecondEditorWindow& w = *opened;
+    EXPECT_TRUE(w.isVisible());
     prompts.answerNextText(writeTone());
     trigger(w, "mnuOpen");
     ASSERT_EQ(secondFile.Length(), 2 * kRate);
@@ -102,7 +106,9 @@ TEST_F(SecondEditorWindowTest, APreparedClipGoesIntoTheLetterAtTheCursor) {
 
     trigger(w, "Copy");
     w.findChild<QPushButton*>("Command5")->click();
-    EXPECT_EQ(backToLetter, 1);
+    EXPECT_TRUE(window().isVisible());
+    // The passage stays in the second editor for another go.
+    EXPECT_EQ(secondFile.Length(), 2 * kRate);
 
     window().findChild<QAction*>("mnuPaste")->trigger();
     runAndRender(100);
