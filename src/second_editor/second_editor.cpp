@@ -47,8 +47,9 @@ SecondEditor::SecondEditor(SecondEditorParts parts)
     timCurPos.setOnTick([this] {
         watchPendingSave();
         refresh();
+        const bool moving = parts_.editor.State() != static_cast<int>(engine::EditorState::Stopped);
+        if (!moving && !pendingSave_ && !effectRunning_) timCurPos.setEnabled(false);
     });
-    timCurPos.setEnabled(true);
     parts_.editor.onViewChange = [this] { refresh(); };
     parts_.editor.onBlockOperation = [this](const engine::BlockOperationEvent& event) {
         blockOperation(event);
@@ -118,6 +119,8 @@ void SecondEditor::toolbarButton(Key key) {
     }
 }
 
+void SecondEditor::watchWhileBusy() { timCurPos.setEnabled(true); }
+
 // ---- Transport ----
 
 bool SecondEditor::refusedForLetter() {
@@ -148,6 +151,7 @@ void SecondEditor::record() {
     }
     changed_ = true;
     markers_.clampTo(parts_.editor.Length());
+    watchWhileBusy();
     showStatus("Recording");
 }
 
@@ -155,6 +159,7 @@ void SecondEditor::play(int mode) {
     if (refusedForLetter() || refusedWhileBusy() || !parts_.editor.hasDocument()) return;
     const auto started = parts_.editor.Play(mode);
     if (!started) showStatus("Playing could not start: " + started.error());
+    watchWhileBusy();
     refresh();
 }
 
@@ -162,6 +167,7 @@ void SecondEditor::pause() {
     if (parts_.editor.State() == static_cast<int>(engine::EditorState::Paused)) {
         if (refusedForLetter()) return;
         parts_.editor.Continue();
+        watchWhileBusy();
     } else {
         parts_.editor.Pause();
     }

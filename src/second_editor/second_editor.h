@@ -157,6 +157,9 @@ class SecondEditor {
     void tell(const std::string& text);
     void showStatus(const std::string& text);
     void watchPendingSave();
+    // The position is read on a timer only while something moves or a save or an
+    // effect runs: an idle window costs nothing.
+    void watchWhileBusy();
     void blockOperation(const engine::BlockOperationEvent& event);
     [[nodiscard]] double seconds(engine::SampleCount samples) const;
     [[nodiscard]] engine::SampleCount samples(double seconds) const;
@@ -177,8 +180,13 @@ class SecondEditor {
     std::string status_;
     int progress_ = 0;
     bool blockRunning_ = false;
-    std::optional<engine::AudioEditor::SaveOutcome> pendingSave_;
-    std::string pendingSavePath_;
+    // A save running on the engine's thread, looked at on each position tick.
+    struct PendingSave {
+        engine::AudioEditor::SaveOutcome outcome;
+        std::string path;
+        bool selectionOnly = false;  // the document itself stays unsaved
+    };
+    std::optional<PendingSave> pendingSave_;
     std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 

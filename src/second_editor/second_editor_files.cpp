@@ -169,26 +169,32 @@ bool SecondEditor::saveTo(const std::string& chosen) {
         tell("The file could not be saved: " + outcome.error());
         return false;
     }
-    pendingSave_ = *outcome;
-    pendingSavePath_ = path;
+    pendingSave_ = PendingSave{*outcome, path, false};
     showStatus("Saving " + baseName(path));
     watchPendingSave();
+    watchWhileBusy();
     return true;
 }
 
 void SecondEditor::watchPendingSave() {
     if (!pendingSave_ ||
-        pendingSave_->wait_for(std::chrono::seconds(0)) != std::future_status::ready)
+        pendingSave_->outcome.wait_for(std::chrono::seconds(0)) != std::future_status::ready)
         return;
-    const platform::Result<void> saved = pendingSave_->get();
+    const PendingSave done = *pendingSave_;
     pendingSave_.reset();
+    const platform::Result<void> saved = done.outcome.get();
     if (!saved) {
-        tell("The file could not be saved: " + saved.error());
+        tell(std::string(done.selectionOnly ? "The selection" : "The file") +
+             " could not be saved: " + saved.error());
         return;
     }
-    fileName_ = pendingSavePath_;
+    if (done.selectionOnly) {
+        showStatus("Saved the selection in " + baseName(done.path));
+        return;
+    }
+    fileName_ = done.path;
     changed_ = false;
-    showStatus("Saved " + baseName(pendingSavePath_));
+    showStatus("Saved " + baseName(done.path));
 }
 
 void SecondEditor::saveSelection() {
@@ -219,13 +225,10 @@ bool SecondEditor::saveSelectionTo(const std::string& chosen) {
         tell("The selection could not be saved: " + outcome.error());
         return false;
     }
-    // The document itself stays unsaved: only its selection went to the file.
-    const platform::Result<void> saved = outcome->get();
-    if (!saved) {
-        tell("The selection could not be saved: " + saved.error());
-        return false;
-    }
-    showStatus("Saved the selection in " + baseName(path));
+    pendingSave_ = PendingSave{*outcome, path, true};
+    showStatus("Saving the selection in " + baseName(path));
+    watchPendingSave();
+    watchWhileBusy();
     return true;
 }
 
@@ -389,6 +392,7 @@ bool SecondEditor::applyEffect(engine::Effect effect) {
         selected ? std::max(e.SelectionStart(), e.SelectionEnd()) : e.Length();
     const std::shared_ptr<bool> alive = alive_;
     effectRunning_ = true;
+    watchWhileBusy();
     const auto started =
         e.ApplyEffect(effect, from, to, [this, alive, name](platform::Result<void> done) {
             if (!*alive) return;

@@ -164,6 +164,19 @@ TEST_F(SecondEditorTest, ClosingAsksAboutChangesAndLeavesAFileOpenedToListenAsIt
     EXPECT_FALSE(editor.hasDocument());
 }
 
+TEST_F(SecondEditorTest, SaveSelectionWritesThePartAndLeavesTheDocumentAsItWas) {
+    const std::string before = platform::readWholeFile(tone).value();
+    select(0.5, 1.0);
+    const std::string part = folder.file("part");  // no extension: saved as WAV
+    ASSERT_TRUE(second.saveSelectionTo(part));
+    editor.finishSaving();
+    loop.advance(platform::Milliseconds(200));
+    EXPECT_EQ(engine::fileLengthMilliseconds(part + ".wav"), 500);
+    EXPECT_EQ(second.view().status, "Saved the selection in part.wav");
+    EXPECT_EQ(second.view().fileName, tone);
+    EXPECT_EQ(platform::readWholeFile(tone).value(), before);
+}
+
 TEST_F(SecondEditorTest, DesktopClipboardCarriesWavAndRefusesWhatIsNotAudio) {
     FakeDesktopClipboard desktop;
     select(0.5, 1.0);
