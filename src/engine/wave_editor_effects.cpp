@@ -48,8 +48,9 @@ platform::Result<void> WaveEditor::ApplyEffect(Effect effect, SampleCount from, 
     EffectWork& work = *effect_;
     // What the effect's result is put into: if the document is anything else by
     // the time it ends (closed, recorded into, edited), the result is dropped.
-    auto started = std::make_shared<const std::pair<const WorkFile*, PieceList>>(
-        workFile_.get(), document_.pieces());
+    // Held weakly: a work file made after this one closed may take its address.
+    auto started = std::make_shared<const std::pair<std::weak_ptr<WorkFile>, PieceList>>(
+        workFile_, document_.pieces());
     work.thread = std::thread([this, alive = alive_, &work, job = std::move(job), name, started,
                                from, to, done = std::move(done)]() mutable {
         auto lastReport = std::chrono::steady_clock::now();
@@ -72,7 +73,7 @@ platform::Result<void> WaveEditor::ApplyEffect(Effect effect, SampleCount from, 
             platform::Result<void> outcome = platform::Result<void>::success();
             if (!*result) {
                 outcome = result->failed();
-            } else if (workFile_.get() != started->first ||
+            } else if (!workFile_ || started->first.lock() != workFile_ ||
                        !sameAudio(document_.pieces(), started->second)) {
                 outcome = platform::failure(
                     "the document changed while the effect ran: the effect was not applied");

@@ -142,6 +142,8 @@ void WaveEditor::Close() { dropDocument(true); }
 
 void WaveEditor::dropDocument(bool removeWorkFile) {
     Stop();
+    // An effect's result has nowhere to go once its document is gone.
+    if (effect_) effect_->cancelled = true;
     // The saved file is completed before the document goes.
     finishSavedFile();
     syncTimer_.setEnabled(false);

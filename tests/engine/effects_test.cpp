@@ -28,13 +28,23 @@ struct GainCase {
 };
 
 TEST_F(EffectsTest, AmplifyChangesTheLevelByItsRatio) {
+    // Stereo, the right side at half the left's level: each side keeps its own.
+    std::vector<std::int16_t> stereo = testing::toneSamples({16000, 2}, 1.0, 440.0, 8000.0);
+    for (std::size_t i = 1; i < stereo.size(); i += 2)
+        stereo[i] = static_cast<std::int16_t>(stereo[i] / 2);
+    const auto side = [](const std::vector<std::int16_t>& samples, std::size_t which) {
+        std::vector<std::int16_t> one;
+        for (std::size_t i = which; i < samples.size(); i += 2) one.push_back(samples[i]);
+        return rms(one);
+    };
     for (const GainCase& row : {GainCase{Effect::AmplifyUp, 1.2}, {Effect::AmplifyDown, 0.8}}) {
         SCOPED_TRACE(std::string(effectMenuText(row.effect)));
-        loadTone(16000, 1.0, 440.0, 8000.0);
-        const double before = rms(all());
+        load(16000, stereo, 2);
         ASSERT_TRUE(apply(row.effect, 0, editor.Length()).ok());
-        EXPECT_NEAR(rms(all()) / before, row.ratio, 0.002);
-        EXPECT_EQ(editor.Length(), 16000);
+        const auto after = all();
+        ASSERT_EQ(after.size(), stereo.size());
+        EXPECT_NEAR(side(after, 0) / side(stereo, 0), row.ratio, 0.002);
+        EXPECT_NEAR(side(after, 1) / side(stereo, 1), row.ratio, 0.002);
     }
 }
 
@@ -166,6 +176,22 @@ TEST_F(EffectsTest, AnEffectOnASelectionLeavesTheRestAndUndoesExactly) {
     EXPECT_EQ(all(), stretched);
 }
 
+// An effect's audio lies in a scratch file of its own, part on disk, part still
+// in memory: a wave save copies it from there.
+TEST_F(EffectsTest, TheEffectsAudioIsSavedAsTheDocumentHoldsIt) {
+    loadTone(16000, 10.0, 440.0, 8000.0);
+    ASSERT_TRUE(apply(Effect::AmplifyUp, 16000, 150000).ok());
+    const auto amplified = all();
+    const std::string path = folder.file("amplified.wav");
+    auto saved = editor.SaveAs(path);
+    ASSERT_TRUE(saved.ok());
+    ASSERT_TRUE(saved->get().ok());
+    editor.finishSaving();
+    auto reader = AudioFileReader::open(path);
+    ASSERT_TRUE(reader.ok());
+    EXPECT_EQ(testing::readAll(**reader), amplified);
+}
+
 TEST_F(EffectsTest, InsertSilencePutsHalfASecondAtThePosition) {
     loadTone(16000, 1.0, 440.0, 8000.0);
     const auto original = all();
@@ -213,6 +239,54 @@ TEST_F(EffectsTest, RefusalsLeaveTheDocumentAsItWas) {
     EXPECT_FALSE(editor.effectRunning());
     EXPECT_EQ(all(), slice(original, 16000, 64000));
     EXPECT_FALSE(called);
+}
+
+TEST_F(EffectsTest, ClosingOrDroppingTheEditorWhileAnEffectRunsIsSafe) {
+    loadTone(16000, 60.0, 440.0, 8000.0);
+    std::optional<platform::Result<void>> outcome;
+    ASSERT_TRUE(editor
+                    .ApplyEffect(Effect::StretchLonger, 0, editor.Length(),
+                                 [&](platform::Result<void> r) { outcome = std::move(r); })
+                    .ok());
+    editor.Close();
+    waitFor(outcome);
+    EXPECT_FALSE(outcome->ok());
+    EXPECT_EQ(editor.Length(), 0);
+
+    // Done before its document closed, told after: the next document is not touched.
+    ASSERT_TRUE(editor.New(16000, 1).ok());
+    outcome.reset();
+    ASSERT_TRUE(editor
+                    .ApplyEffect(Effect::InsertSilence, 0, 0,
+                                 [&](platform::Result<void> r) { outcome = std::move(r); })
+                    .ok());
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    editor.Close();
+    ASSERT_TRUE(editor.New(16000, 1).ok());
+    waitFor(outcome);
+    EXPECT_FALSE(outcome->ok());
+    EXPECT_EQ(editor.Length(), 0);
+
+    {
+        WaveEditor second(loop, backend, clipboard, "AudioEditor22");
+        second.setTempFileName(folder.path() + "/Temp");
+        ASSERT_TRUE(second.New(16000, 1).ok());
+        clipboard->format = {16000, 1};
+        clipboard->pieces.clear();
+        loadTone(16000, 60.0, 440.0, 8000.0);
+        editor.setSelectionStart(0);
+        editor.setSelectionEnd(editor.Length());
+        editor.setSelectionActive(true);
+        ASSERT_TRUE(editor.Copy().ok());
+        ASSERT_TRUE(second.Paste().ok());
+        bool called = false;
+        ASSERT_TRUE(second
+                        .ApplyEffect(Effect::Vibrato, 0, second.Length(),
+                                     [&](const platform::Result<void>&) { called = true; })
+                        .ok());
+        // Gone before the effect ends: it is stopped, and nothing is told to the editor.
+    }
+    loop.runPending();
 }
 
 TEST_F(EffectsTest, ProgressGoesOutUnderTheMenuTextAndEnds) {

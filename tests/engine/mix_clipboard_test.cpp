@@ -80,6 +80,25 @@ TEST_F(MixClipboardTest, ClipboardAudioTravelsAsWaveBytesAndMixesIn) {
         EXPECT_EQ(doubled[i], 2 * original[4000 + i]);
 }
 
+// Other programs put 24-bit or float audio at CD rate on the desktop's clipboard.
+TEST_F(MixClipboardTest, WaveBytesOfOtherSampleTypesArePastedAtTheDocumentsRate) {
+    for (const std::string type : {"-b 24 -e signed-integer", "-b 32 -e floating-point",
+                                   "-b 8 -e unsigned-integer", "-b 32 -e signed-integer"}) {
+        SCOPED_TRACE(type);
+        const std::string path = folder.file("desktop.wav");
+        const std::string command =
+            "sox -n -r 44100 -c 2 " + type + " '" + path + "' synth 0.5 sine 440 vol 0.5";
+        ASSERT_EQ(std::system(command.c_str()), 0);
+        ASSERT_TRUE(editor.New(16000, 1).ok());
+        ASSERT_TRUE(editor.setClipboardFromWav(platform::readWholeFile(path).valueOr("")).ok());
+        ASSERT_TRUE(editor.Paste().ok());
+        EXPECT_NEAR(static_cast<double>(editor.Length()), 8000.0, 16.0);
+        const auto pasted = all();
+        EXPECT_NEAR(testing::toneHertz(pasted, 1, 16000), 440.0, 4.0);
+        EXPECT_NEAR(rms(pasted), 32767 * 0.5 / std::sqrt(2.0), 400.0);
+    }
+}
+
 TEST_F(MixClipboardTest, ClipboardBytesThatAreNotAudioAreRefused) {
     loadTone(16000, 1.0, 440.0, 8000.0);
     editor.setSelectionStart(0);
