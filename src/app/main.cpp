@@ -32,6 +32,7 @@
 #include "ui/reconnection_dialog.h"
 #include "ui/records_windows.h"
 #include "ui/scan_convert_window.h"
+#include "ui/second_editor_window.h"
 #include "ui/station_window.h"
 #include "ui/window_placement.h"
 
@@ -217,6 +218,7 @@ int main(int argc, char** argv) {
         window->onScanConvert = [&station] { station.openScanConvertByHand(); };
         window->onAutoSend = [&station] { station.autoSendMenu().mnAutoSend_Click(); };
         window->autoSendCaption = [&station] { return station.autoSendMenu().Caption; };
+        ovd::ui::attachSecondEditorWindow(*window, station.secondEditor());
         static_cast<ovd::ui::QtPrompts&>(*prompts).setMainWindow(window.get());
         const auto setup = [&window, &config, &prompts, dataFolder](ovd::ui::RecordsWindow which) {
             return [&window, &config, &prompts, dataFolder, which] {

@@ -7,8 +7,10 @@ namespace ovd::station {
 Station::Station(StationParts parts)
     : parts_(std::move(parts)),
       clipboard_(std::make_shared<engine::Clipboard>()),
-      AudioEditor1(parts_.loop, parts_.sound, clipboard_, "AudioEditor1"),
-      AudioEditor21(parts_.loop, parts_.sound, clipboard_, "AudioEditor21"),
+      soundShare_(parts_.sound),
+      AudioEditor1(parts_.loop, soundShare_.mainWindow(), clipboard_, "AudioEditor1"),
+      AudioEditor21(parts_.loop, soundShare_.mainWindow(), clipboard_, "AudioEditor21"),
+      secondFileEditor_(parts_.loop, soundShare_.secondEditor(), clipboard_, "SecondEditor"),
       voice_(parts_.sound, parts_.promptFolder),
       speakers_(parts_.dataFolder),
       companion_(parts_.loop, parts_.log, parts_.binaryFolder, parts_.dataFolder),
@@ -51,11 +53,12 @@ Station::Station(StationParts parts)
     peerLink_.holdTimers = [this] { timersHold_->hold(); };
     peerLink_.releaseTimers = [this] { timersHold_->release(); };
     // A microphone taken away during a take ends the take in order.
-    parts_.sound.onCaptureDeviceLost = [this](const std::string& device) {
+    soundShare_.mainWindow().onCaptureDeviceLost = [this](const std::string& device) {
         dictation_->recordingDeviceLost(device);
     };
+    makeSecondEditor();
 }
 
-Station::~Station() { parts_.sound.onCaptureDeviceLost = nullptr; }
+Station::~Station() { soundShare_.mainWindow().onCaptureDeviceLost = nullptr; }
 
 }  // namespace ovd::station

@@ -20,12 +20,14 @@
 #include "platform/event_loop.h"
 #include "platform/prompts.h"
 #include "platform/timer.h"
+#include "second_editor/second_editor.h"
 #include "settings/config_file.h"
 #include "settings/delivery_startup_checks.h"
 #include "settings/event_log.h"
 #include "settings/passwords_tables.h"
 #include "station/delivery_wiring.h"
 #include "station/end_of_letter.h"
+#include "station/shared_sound_device.h"
 
 namespace ovd::station {
 
@@ -81,6 +83,9 @@ class Station {
     // The two editors, for the window's waveform, level meter and device lists.
     engine::WaveEditor& recordingEditor() { return AudioEditor1; }
     engine::WaveEditor& scratchEditor() { return AudioEditor21; }
+    // The second editor ("Insert Recording"), where a passage is made ready for the letter.
+    second_editor::SecondEditor& secondEditor() { return *secondEditor_; }
+    [[nodiscard]] const SharedSoundDevice& soundDevice() const { return soundShare_; }
     delivery::PeerLink& peerLink() { return peerLink_; }
     delivery::AutoSendMenu& autoSendMenu() { return autoSendMenu_; }
 
@@ -113,11 +118,18 @@ class Station {
     // At the end: the editors let go of their work files unless a take in them
     // could not be saved.
     void closeWorkFiles();
+    // The second editor over its own engine editor, and what it is told of the letter.
+    void makeSecondEditor();
+    // At the end: the second editor's changes are asked about; a document the author
+    // would rather keep open leaves its work file where it is.
+    void closeSecondEditor();
 
     StationParts parts_;
     std::shared_ptr<engine::Clipboard> clipboard_;
+    SharedSoundDevice soundShare_;
     engine::WaveEditor AudioEditor1;
     engine::WaveEditor AudioEditor21;
+    engine::WaveEditor secondFileEditor_;  // the second editor's AudioEditor1
     engine::PromptPlayer voice_;
     settings::SpeakersTable speakers_;
     delivery::AutoSendCompanion companion_;
@@ -132,6 +144,7 @@ class Station {
     std::unique_ptr<EndOfLetter> endOfLetter_;
     std::unique_ptr<devices::HandsFree> handsFree_;
     std::unique_ptr<conversion::ScanConvert> scanConvert_;
+    std::unique_ptr<second_editor::SecondEditor> secondEditor_;
     platform::Timer loadOnAfterRecovery_;
     bool unloaded_ = false;
 };

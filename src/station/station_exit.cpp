@@ -53,6 +53,7 @@ void Station::Form_Unload() {
     }
     dictation::Dictation& d = *dictation_;
     d.stopForExit();
+    closeSecondEditor();
     peerLink_.stop();
     autoSendMenu_.tmchkAutoSend.setEnabled(false);
     companion_.stop();

@@ -251,6 +251,9 @@ void StationMenus::buildTools() {
     };
     add(tools, "mnFTPTransfer", QObject::tr("FTP Transfer..."), ftpWindow(FtpWindowFace::Manual));
     add(tools, "mnAutoFTP", QObject::tr("Automatic FTP..."), ftpWindow(FtpWindowFace::Automatic));
+    add(tools, "mnuInsertRecording", QObject::tr("Insert Recording..."), [this] {
+        if (window_.onSecondEditor) window_.onSecondEditor();
+    });
     tools->addSeparator();
     add(tools, "mnuDebugTrace", QObject::tr("Debug Trace"), [this] {
         parts_.debugTrace.DebugOn = true;
@@ -288,6 +291,7 @@ void StationMenus::refresh(const dictation::MainView& view) {
         ->setEnabled(view.mnuScanConvertEnabled && window_.onScanConvert != nullptr);
     QAction* autoSend = action("mnAutoSend");
     autoSend->setEnabled(window_.onAutoSend != nullptr);
+    action("mnuInsertRecording")->setEnabled(window_.onSecondEditor != nullptr);
     if (window_.autoSendCaption)
         autoSend->setText(QString::fromStdString(window_.autoSendCaption()));
     action(std::string("mnu") + faceSetting(window_.face()) + "Face")->setChecked(true);

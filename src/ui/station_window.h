@@ -117,6 +117,8 @@ class StationWindow : public QMainWindow {
     // greyed while unset.
     std::function<void()> onAutoSend;
     std::function<std::string()> autoSendCaption;
+    // Tools > Insert Recording: the second editor's window; greyed while unset.
+    std::function<void()> onSecondEditor;
     // The device lists failed too often: the station ends.
     std::function<void()> onRestartNeeded;
 

@@ -153,8 +153,22 @@ std::optional<Violation> WalkChecks::afterStep(WalkStation& station, const Step&
     if (!found) found = savedFileIsWhole(station, now);
     if (!found) found = listenedFileUntouched(station, step, now);
     if (!found) found = everyChangeAnnounced(station);
+    if (!found) found = letterKeepsTheSoundDevice(station, now);
     before_ = now;
     return found;
+}
+
+std::optional<Violation> WalkChecks::letterKeepsTheSoundDevice(WalkStation& station,
+                                                               const Observation& now) {
+    if (!station.running() || !now.engineRecords() || !checking("second")) return std::nullopt;
+    const bool holds = station.station().soundDevice().captureHolder() ==
+                       station::SharedSoundDevice::Holder::MainWindow;
+    const int second = station.station().secondEditor().editor().State();
+    if (holds && second == 0) return std::nullopt;
+    return Violation{"second", std::string("the letter records while ") +
+                                   (holds ? "" : "it does not hold the microphone and ") +
+                                   "the second editor's state is " + std::to_string(second) + "; " +
+                                   describe(now)};
 }
 
 void WalkChecks::watchScreen(WalkStation& station) {

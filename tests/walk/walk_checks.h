@@ -10,6 +10,8 @@
 //   saved      a saved file decodes to the document's length (one encoder frame);
 //   listen     a file opened to listen is byte for byte the same when it goes;
 //   workfiles  no work file is left in Temp after the program ends in order;
+//   second     while the letter's engine records, it holds the microphone and
+//              the second editor neither plays nor records;
 //   announced  once the loop turned, every change of the view was announced, and
 //              a window redrawn on the announcements shows the view as it is.
 // Each can be left out by name while diagnosing (OVD_WALK_SKIP).
@@ -79,6 +81,8 @@ class WalkChecks {
     std::optional<Violation> savedFileIsWhole(WalkStation& station, const Observation& now);
     std::optional<Violation> listenedFileUntouched(WalkStation& station, const Step& step,
                                                    const Observation& now);
+    std::optional<Violation> letterKeepsTheSoundDevice(WalkStation& station,
+                                                       const Observation& now);
     // Redraws a window's copy of the view on each announcement, as the window does.
     void watchScreen(WalkStation& station);
     std::optional<Violation> everyChangeAnnounced(WalkStation& station);

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <thread>
 
 #include "devices/pedal_events.h"
 #include "platform/files.h"
@@ -120,6 +122,36 @@ void fileSaves(WalkStation& s, const Step& step) {
     (void)form.save();
 }
 
+// ---- The second editor, beside the letter ----
+
+second_editor::SecondEditor& second(WalkStation& s) { return s.station().secondEditor(); }
+
+void secondOpen(WalkStation& s, const Step& step) {
+    const SeedFiles& seeds = seedFiles();
+    second(s).openFile(step.a % 2 == 0 ? seeds.shortWave : seeds.rampMp3);
+}
+
+void secondSelect(WalkStation& s, const Step& step) {
+    const double total = second(s).view().totalSeconds;
+    second(s).setSelectionStart(total * std::min(step.a, step.b) / 1000.0);
+    second(s).setSelectionEnd(total * std::max(step.a, step.b) / 1000.0);
+}
+
+// The effect runs on its own thread; the walk waits for it so that a seed replays
+// the same steps whatever the machine's speed.
+void secondEffect(WalkStation& s, const Step& step) {
+    second(s).setChSelect(step.b % 2 == 0);
+    const auto effect =
+        static_cast<engine::Effect>(step.a % (static_cast<int>(engine::Effect::LowShelf) + 1));
+    if (!second(s).applyEffect(effect)) return;
+    engine::WaveEditor& e = second(s).editor();
+    for (int i = 0; i < 4000 && e.effectRunning(); ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        s.loop.runPending();
+    }
+    s.loop.runPending();
+}
+
 #define ROUTE(call) [](WalkStation& s, const Step&) { s.d().call; }
 #define KEY(name) [](WalkStation& s, const Step&) { s.d().toolbarButton(name); }
 
@@ -174,6 +206,21 @@ const std::vector<WalkCommand>& walkCommands() {
         {"pedal", 12, Control::None, true, false, false, 5, 0,
          [](WalkStation& s, const Step& step) { s.pedal(std::clamp(step.a, 0, 5)); }},
         {"fileSaves", 2, Control::None, true, false, false, 3, 999, fileSaves},
+        // The second editor: none of these is an edit of the letter. Its passage
+        // reaches the letter only through the letter's own paste above.
+        {"secondOpen", 1, Control::None, false, false, false, 1, 0, secondOpen},
+        {"secondRecord", 2, Control::None, false, false, false, 0, 0,
+         [](WalkStation& s, const Step&) { second(s).record(); }},
+        {"secondPlay", 1, Control::None, false, false, false, 0, 0,
+         [](WalkStation& s, const Step&) { second(s).play(); }},
+        {"secondStop", 2, Control::None, false, false, false, 0, 0,
+         [](WalkStation& s, const Step&) { second(s).stop(); }},
+        {"secondSelect", 1, Control::None, false, false, false, 1000, 1000, secondSelect},
+        {"secondEffect", 2, Control::None, false, false, false, 17, 1, secondEffect},
+        {"secondCopy", 2, Control::None, false, false, false, 0, 0,
+         [](WalkStation& s, const Step&) { second(s).copy(); }},
+        {"secondBack", 1, Control::None, false, false, false, 0, 0,
+         [](WalkStation& s, const Step&) { second(s).backToLetter(); }},
         {"tamper", 0, Control::None, false, false, false, 0, 0, tamper},
     };
     return commands;
