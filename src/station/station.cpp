@@ -54,6 +54,14 @@ Station::Station(StationParts parts)
     parts_.sound.onCaptureDeviceLost = [this](const std::string& device) {
         dictation_->recordingDeviceLost(device);
     };
+    housekeeping_ = std::make_unique<housekeeping::Housekeeping>(housekeeping::HousekeepingParts{
+        parts_.loop, parts_.config, parts_.log, parts_.dataFolder, [this] {
+            // The letter in hand, the takes of both editors and a file named to be opened.
+            return housekeeping::KeptPaths{
+                {dictation_->state().Filename, AudioEditor1.TempFileName(),
+                 AudioEditor21.TempFileName(), parts_.commandFileName},
+                {}};
+        }});
 }
 
 Station::~Station() { parts_.sound.onCaptureDeviceLost = nullptr; }
