@@ -29,8 +29,9 @@ bool fits(const settings::ConfigVariant& value, std::size_t longest) {
     return true;
 }
 
-// The reason the content is not a record of this file, or nothing when it is.
-std::optional<std::string> takeRecord(const std::string& content, ScanSettings& out) {
+}  // namespace
+
+std::optional<std::string> readScanRecord(const std::string& content, ScanSettings& out) {
     if (content.size() > kLongestRecord)
         return "it holds " + std::to_string(content.size()) + " bytes, not one short record";
     const auto tokens = settings::tokenizeRecord(content);
@@ -55,7 +56,17 @@ std::optional<std::string> takeRecord(const std::string& content, ScanSettings& 
     return std::nullopt;
 }
 
-}  // namespace
+std::string formatScanRecord(ScanSettings settings) {
+    if (settings.FileScanAMPM.isBlank()) settings.FileScanAMPM = "PM";
+    std::string line = settings::formatTextField(settings.UserPath);
+    for (const settings::ConfigVariant* field :
+         {&settings.DestPath, &settings.FileScanDay, &settings.FileScanHour,
+          &settings.FileScanMinute, &settings.FileScanAMPM, &settings.FileScanFlag,
+          &settings.DeleteDays}) {
+        line += ',' + settings::formatVariantField(*field);
+    }
+    return line + "\r\n";
+}
 
 std::string scanSettingsPath(const std::string& dataFolder) {
     return platform::joinPath(dataFolder, kScanSettingsFileName);
@@ -73,7 +84,7 @@ LoadedScanSettings LoadScanSettings(const std::string& dataFolder) {
         const auto content = platform::readWholeFile(path);
         if (!content) {
             loaded.damage = content.error();
-        } else if (auto wrong = takeRecord(*content, loaded.settings)) {
+        } else if (auto wrong = readScanRecord(*content, loaded.settings)) {
             loaded.damage = *wrong;
         }
     }
@@ -82,16 +93,8 @@ LoadedScanSettings LoadScanSettings(const std::string& dataFolder) {
 }
 
 platform::Result<void> SaveScanSettings(const std::string& dataFolder, ScanSettings settings) {
-    if (settings.FileScanAMPM.isBlank()) settings.FileScanAMPM = "PM";
-    std::string line = settings::formatTextField(settings.UserPath);
-    for (const settings::ConfigVariant* field :
-         {&settings.DestPath, &settings.FileScanDay, &settings.FileScanHour,
-          &settings.FileScanMinute, &settings.FileScanAMPM, &settings.FileScanFlag,
-          &settings.DeleteDays}) {
-        line += ',' + settings::formatVariantField(*field);
-    }
-    line += "\r\n";
-    return platform::replaceFile(scanSettingsPath(dataFolder), line);
+    return platform::replaceFile(scanSettingsPath(dataFolder),
+                                 formatScanRecord(std::move(settings)));
 }
 
 std::optional<int> daysToKeep(const settings::ConfigVariant& DeleteDays) {

@@ -46,6 +46,12 @@ struct LoadedScanSettings {
 // Writes the record; an empty FileScanAMPM is written as "PM".
 platform::Result<void> SaveScanSettings(const std::string& dataFolder, ScanSettings settings);
 
+// The record in a file's content; the reason it is not one, or nothing when it is.
+[[nodiscard]] std::optional<std::string> readScanRecord(const std::string& content,
+                                                        ScanSettings& out);
+// The record as one line, CR LF included; an empty FileScanAMPM is written as "PM".
+[[nodiscard]] std::string formatScanRecord(ScanSettings settings);
+
 // The number of days to keep, when DeleteDays holds a whole number of 0 or more;
 // nothing otherwise.
 [[nodiscard]] std::optional<int> daysToKeep(const settings::ConfigVariant& DeleteDays);
