@@ -129,22 +129,5 @@ TEST_F(DriveScanTest, TheDataFolderItselfIsNeverScanned) {
     EXPECT_TRUE(platform::fileExists(config.path()));
 }
 
-TEST_F(DriveScanTest, TheWindowAndTheTranscribersRefuseEachOther) {
-    OpenWindows& windows = house.windows;
-    ASSERT_TRUE(windows.openTranscribers(prompts));
-    EXPECT_FALSE(windows.openDriveScan(prompts));
-    windows.transcribersClosed();
-    ASSERT_TRUE(windows.openDriveScan(prompts));
-    EXPECT_FALSE(windows.openTranscribers(prompts));
-    windows.driveScanClosed();
-    EXPECT_TRUE(windows.openTranscribers(prompts));
-    EXPECT_EQ(prompts.texts(),
-              (std::vector<std::string>{
-                  "Transcribers Information can not be opened at the same time as the Drive Scan "
-                  "Scheduler program.",
-                  "Transcribers Information can not be opened at the same time as the Drive Scan "
-                  "Scheduler program.Transcribers Information program will close."}));
-}
-
 }  // namespace
 }  // namespace ovd::housekeeping::testing

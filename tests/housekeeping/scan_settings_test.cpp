@@ -45,13 +45,6 @@ TEST_F(ScanSettingsTest, EmptyFieldsTakeTheirDefaults) {
               "\"\",,,,,\"PM\",,\r\n");
 }
 
-TEST_F(ScanSettingsTest, NoFileIsTheDefaultsAndNoDamage) {
-    const LoadedScanSettings loaded = LoadScanSettings(data.path());
-    EXPECT_FALSE(loaded.fileFound);
-    EXPECT_TRUE(loaded.damage.empty());
-    EXPECT_EQ(loaded.settings.DestPath.toText(), data.path() + "/Recordings");
-}
-
 TEST_F(ScanSettingsTest, GarbageGivesTheDefaultsAndSaysWhy) {
     const struct {
         std::string content;

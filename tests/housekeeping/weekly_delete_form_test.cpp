@@ -34,18 +34,6 @@ TEST_F(WeeklyDeleteFormTest, FieldsNeverSetAreWrittenWithTheDefaultsAtOnce) {
     EXPECT_EQ(form.clockText, "03/02/2026 09:01:01 AM");
 }
 
-TEST_F(WeeklyDeleteFormTest, SetFieldsAreShownAndNotWrittenAgain) {
-    schedule(5, 11, 59, "AM");
-    config.WriteConfig();
-    const int writes = config.writeCount();
-    form.Form_Load();
-    EXPECT_EQ(config.writeCount(), writes);
-    EXPECT_EQ(form.dayIndex, 5);
-    EXPECT_EQ(form.hourIndex, 10);
-    EXPECT_EQ(form.minuteIndex, 59);
-    EXPECT_TRUE(form.morning);
-}
-
 TEST_F(WeeklyDeleteFormTest, DaysAreHeldBetweenZeroAndOneHundredTwenty) {
     const std::pair<const char*, const char*> cases[] = {
         {"abc", "0"}, {"-5", "0"}, {"500", "120"}, {"120", "120"},
