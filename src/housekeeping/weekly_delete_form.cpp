@@ -89,8 +89,12 @@ void WeeklyDeleteForm::showClock() {
     const std::time_t seconds = platform::WallClock::to_time_t(loop_.now());
     std::tm parts{};
     ::localtime_r(&seconds, &parts);
-    char text[64];
-    std::strftime(text, sizeof text, "%m/%d/%Y %I:%M:%S %p", &parts);
+    // Spelt out rather than by the locale, which may have no AM and PM at all.
+    const int hour12 = parts.tm_hour % 12 == 0 ? 12 : parts.tm_hour % 12;
+    char text[96];
+    std::snprintf(text, sizeof text, "%02d/%02d/%04d %02d:%02d:%02d %s", parts.tm_mon + 1,
+                  parts.tm_mday, parts.tm_year + 1900, hour12, parts.tm_min, parts.tm_sec,
+                  parts.tm_hour < 12 ? "AM" : "PM");
     clockText = text;
     if (onClockChanged) onClockChanged();
 }
