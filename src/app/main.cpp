@@ -212,7 +212,7 @@ int main(int argc, char** argv) {
         window = std::make_unique<ovd::ui::StationWindow>(ovd::ui::StationWindowParts{
             config, eventLog, station.dictation(), station.recordingEditor(),
             station.scratchEditor(), debugTrace, *prompts, programFolder, sound.backend->name(),
-            &station.handsFree()});
+            &station.handsFree(), &station.housekeeping()});
         window->onExit = [&station] { station.exitFromMenu(); };
         window->onRestartNeeded = [&station] { station.exitFromMenu(); };
         window->onScanConvert = [&station] { station.openScanConvertByHand(); };

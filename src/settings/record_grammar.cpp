@@ -223,4 +223,16 @@ std::string formatRecord(const SettingsRecord& record) {
     return line;
 }
 
+std::optional<std::string> readTextField(const RecordToken& token, std::size_t longest) {
+    auto text = readText(token);
+    if (!text || !fitsField(*text, longest)) return std::nullopt;
+    return text;
+}
+
+ConfigVariant readVariantField(const RecordToken& token) { return readVariant(token); }
+
+std::string formatTextField(const std::string& text) { return "\"" + text + "\""; }
+
+std::string formatVariantField(const ConfigVariant& value) { return writeVariant(value); }
+
 }  // namespace ovd::settings

@@ -7,6 +7,7 @@
 // ends at the next quote, an unquoted one at the next comma or line end, and a
 // field that does not fit its kind leaves the setting as it was.
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -42,5 +43,13 @@ RecordDamage applyRecord(SettingsRecord& record, const std::vector<RecordToken>&
 
 // The whole record as one line, CR LF included.
 std::string formatRecord(const SettingsRecord& record);
+
+// One field read and written by the rules above, for the smaller records kept in
+// the same grammar. Text that does not fit a text field gives nothing back.
+[[nodiscard]] std::optional<std::string> readTextField(const RecordToken& token,
+                                                       std::size_t longest);
+[[nodiscard]] ConfigVariant readVariantField(const RecordToken& token);
+[[nodiscard]] std::string formatTextField(const std::string& text);
+[[nodiscard]] std::string formatVariantField(const ConfigVariant& value);
 
 }  // namespace ovd::settings

@@ -57,6 +57,16 @@ Station::Station(StationParts parts)
         dictation_->recordingDeviceLost(device);
     };
     makeSecondEditor();
+    housekeeping_ = std::make_unique<housekeeping::Housekeeping>(housekeeping::HousekeepingParts{
+        parts_.loop, parts_.config, parts_.log, parts_.dataFolder, [this] {
+            // The letter in hand, the takes of both editors, a file named to be opened
+            // and the file open in the second editor.
+            return housekeeping::KeptPaths{
+                {dictation_->state().Filename, AudioEditor1.TempFileName(),
+                 AudioEditor21.TempFileName(), parts_.commandFileName,
+                 secondEditor_->view().fileName},
+                {}};
+        }});
 }
 
 Station::~Station() { soundShare_.mainWindow().onCaptureDeviceLost = nullptr; }

@@ -17,6 +17,7 @@
 #include "engine/clipboard.h"
 #include "engine/prompt_player.h"
 #include "engine/wave_editor.h"
+#include "housekeeping/housekeeping.h"
 #include "platform/event_loop.h"
 #include "platform/prompts.h"
 #include "platform/timer.h"
@@ -98,6 +99,8 @@ class Station {
     std::function<void(conversion::ScanConvert&)> onShowScanConvert;
     // The setup windows the start-up checks of delivery open on Yes; none headless.
     settings::SetupWindows setupWindows;
+    // The weekly purge, the drive scan and their windows' refusal of each other.
+    housekeeping::Housekeeping& housekeeping() { return *housekeeping_; }
 
   private:
     bool loadRecordingDevice();
@@ -147,6 +150,8 @@ class Station {
     std::unique_ptr<second_editor::SecondEditor> secondEditor_;
     platform::Timer loadOnAfterRecovery_;
     bool unloaded_ = false;
+    // Last, so it goes first: it asks the dictation and the editors what they hold.
+    std::unique_ptr<housekeeping::Housekeeping> housekeeping_;
 };
 
 }  // namespace ovd::station

@@ -126,6 +126,9 @@ void Station::loadPedalsAndDelivery() {
     settings::SettingsRecord& record = parts_.config.record;
     settings::EventLog& log = parts_.log;
 
+    // Only now, with the work files of a crashed run recovered: the cleans keep
+    // away from takes, and a take still waiting to be recovered is one.
+    housekeeping_->runAtStart();
     d.beforePedalsStart();
     handsFree_->start();
     log.trace("Loading: pedals USB " + platform::boolText(record.UserSelectUSB) + ", game port " +
@@ -140,6 +143,7 @@ void Station::loadPedalsAndDelivery() {
     if (record.QDUDisconnected) d.showDeskUnitMissing();
     d.finishLoad(record.HandsFreeEdition);
     d.naming.ComboFill();
+    housekeeping_->startClock();
     log.trace("Loading: done, view " + record.ScreenSize);
     if (onLoadDone) onLoadDone();
 }

@@ -13,7 +13,8 @@
 namespace ovd::ui {
 
 void showRecordsWindow(RecordsWindow which, QWidget* parent, const std::string& dataFolder,
-                       platform::Prompts& prompts, const settings::SettingsRecord& record) {
+                       platform::Prompts& prompts, const settings::SettingsRecord& record,
+                       housekeeping::OpenWindows* openWindows) {
     const settings::CompanyRecords records(dataFolder);
     const auto openOurCompany = [&] { OurCompanyWindow(records, prompts, parent).exec(); };
     switch (which) {
@@ -24,12 +25,17 @@ void showRecordsWindow(RecordsWindow which, QWidget* parent, const std::string& 
             CompanyInfoWindow(records, prompts, parent).exec();
             return;
         case RecordsWindow::Transcribers:
-            if (!settings::ensureOurCompany(records, prompts, openOurCompany)) return;
+            if (openWindows != nullptr && !openWindows->openTranscribers(prompts)) return;
+            if (!settings::ensureOurCompany(records, prompts, openOurCompany)) {
+                if (openWindows != nullptr) openWindows->transcribersClosed();
+                return;
+            }
             TranscriberWindow(records, prompts,
                               {record.AutoEmail, record.TCP,
                                settings::LoadDefaultEmail(records).ChkEncryptDecrypt},
                               parent)
                 .exec();
+            if (openWindows != nullptr) openWindows->transcribersClosed();
             return;
         case RecordsWindow::EmailReceivers:
             if (!settings::ensureOurCompany(records, prompts, openOurCompany)) return;

@@ -5,6 +5,7 @@
 #include <QWidget>
 #include <string>
 
+#include "housekeeping/open_windows.h"
 #include "platform/prompts.h"
 #include "settings/settings_record.h"
 
@@ -19,8 +20,10 @@ enum class RecordsWindow {
     ManualDecrypt,   // frmManuallyDecrypt
 };
 
-// Returns when the window closes.
+// Returns when the window closes. With the station's open windows given, the
+// transcriber records refuse to open beside the drive scan scheduler.
 void showRecordsWindow(RecordsWindow which, QWidget* parent, const std::string& dataFolder,
-                       platform::Prompts& prompts, const settings::SettingsRecord& record);
+                       platform::Prompts& prompts, const settings::SettingsRecord& record,
+                       housekeeping::OpenWindows* openWindows = nullptr);
 
 }  // namespace ovd::ui

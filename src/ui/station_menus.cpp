@@ -9,12 +9,14 @@
 #include "settings/config_file.h"
 #include "ui/compose_mail_window.h"
 #include "ui/configuration_windows.h"
+#include "ui/drive_scan_window.h"
 #include "ui/ftp_setup_window.h"
 #include "ui/ftp_transfer_window.h"
 #include "ui/hot_key_options_window.h"
 #include "ui/pedal_windows.h"
 #include "ui/records_windows.h"
 #include "ui/station_window.h"
+#include "ui/weekly_delete_window.h"
 
 namespace ovd::ui {
 
@@ -138,12 +140,21 @@ void StationMenus::buildConfiguration() {
     addGreyed(configuration, "mnuButtons", QObject::tr("Desk Unit Buttons..."));
     add(configuration, "mnuHotKeys", QObject::tr("Hot Keys..."), [this] { showHotKeyOptions(); });
     addGreyed(configuration, "mnuSpeakers", QObject::tr("Speakers..."));
-    addGreyed(configuration, "mnuFilePurge", QObject::tr("Scheduled Deletion..."));
+    if (parts_.housekeeping == nullptr) {
+        addGreyed(configuration, "mnuFilePurge", QObject::tr("Scheduled Deletion..."));
+        addGreyed(configuration, "mnuDriveScan", QObject::tr("Drive Scan Scheduler..."));
+    } else {
+        add(configuration, "mnuFilePurge", QObject::tr("Scheduled Deletion..."),
+            [this] { WeeklyDeleteWindow(*parts_.housekeeping, &window_).exec(); });
+        add(configuration, "mnuDriveScan", QObject::tr("Drive Scan Scheduler..."),
+            [this] { showDriveScanWindow(*parts_.housekeeping, parts_.prompts, &window_); });
+    }
     configuration->addSeparator();
     const auto records = [this](RecordsWindow which) {
         return [this, which] {
             showRecordsWindow(which, &window_, parts_.config.dataFolder(), parts_.prompts,
-                              parts_.config.record);
+                              parts_.config.record,
+                              parts_.housekeeping ? &parts_.housekeeping->windows : nullptr);
         };
     };
     add(configuration, "mnCompanyInfo", QObject::tr("Company Information..."),

@@ -31,6 +31,9 @@ class QVBoxLayout;
 namespace ovd::devices {
 class HandsFree;
 }
+namespace ovd::housekeeping {
+class Housekeeping;
+}
 namespace ovd::dictation {
 class Dictation;
 struct MainView;
@@ -76,6 +79,8 @@ struct StationWindowParts {
     std::string programFolder;                // the shipped help pages
     std::string soundSystem;                  // named in the about box
     devices::HandsFree* handsFree = nullptr;  // the pedal menus; greyed without
+    // The scheduled deletion and drive scan windows; greyed without.
+    housekeeping::Housekeeping* housekeeping = nullptr;
 };
 
 class StationWindow : public QMainWindow {
