@@ -7,8 +7,10 @@
 namespace ovd::dictation {
 
 bool Dictation::hasUnsavedTake() const {
+    // A new letter counts as changed from the moment it is named; only audio in it
+    // makes a take worth asking about.
     return state_.flgfileOpen1 && !state_.Filename.empty() &&
-           (state_.Recordingstatus || state_.FileChanged);
+           (state_.Recordingstatus || (state_.FileChanged && AudioEditor1.Length() > 0));
 }
 
 void Dictation::saveAndCloseLetter() {

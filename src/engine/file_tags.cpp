@@ -1,5 +1,6 @@
 #include "engine/file_tags.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <memory>
 
@@ -185,6 +186,14 @@ platform::Result<void> copyDetailsFile(const std::string& letter, const std::str
     const auto text = platform::readWholeFile(detailsFilePath(letter));
     if (!text || detailsFromText(*text).empty()) return platform::Result<void>::success();
     return platform::copyFileOver(detailsFilePath(letter), detailsFilePath(copy));
+}
+
+platform::Result<void> moveDetailsFile(const std::string& letter, const std::string& renamed) {
+    const auto text = platform::readWholeFile(detailsFilePath(letter));
+    if (!text || detailsFromText(*text).empty()) return platform::Result<void>::success();
+    if (std::rename(detailsFilePath(letter).c_str(), detailsFilePath(renamed).c_str()) != 0)
+        return platform::systemFailure("can't rename " + detailsFilePath(letter), errno);
+    return platform::Result<void>::success();
 }
 
 std::vector<unsigned char> id3v2Tag(const FileTags& tags) {

@@ -67,6 +67,9 @@ platform::Result<void> writeDetailsFile(const std::string& letter, const LetterD
 // has one of the station's; nothing to do otherwise.
 platform::Result<void> copyDetailsFile(const std::string& letter, const std::string& copy);
 
+// The same when the letter has been renamed: the details file takes the new name too.
+platform::Result<void> moveDetailsFile(const std::string& letter, const std::string& renamed);
+
 // An ID3v2.4 tag holding the comment and details as text frames, for a stream
 // (MP2) whose writer puts none at its front.
 [[nodiscard]] std::vector<unsigned char> id3v2Tag(const FileTags& tags);

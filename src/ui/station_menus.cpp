@@ -14,6 +14,7 @@
 #include "ui/hot_key_options_window.h"
 #include "ui/pedal_windows.h"
 #include "ui/records_windows.h"
+#include "ui/speaker_list_window.h"
 #include "ui/station_window.h"
 
 namespace ovd::ui {
@@ -137,7 +138,8 @@ void StationMenus::buildConfiguration() {
         ->setCheckable(true);
     addGreyed(configuration, "mnuButtons", QObject::tr("Desk Unit Buttons..."));
     add(configuration, "mnuHotKeys", QObject::tr("Hot Keys..."), [this] { showHotKeyOptions(); });
-    addGreyed(configuration, "mnuSpeakers", QObject::tr("Speakers..."));
+    add(configuration, "mnuSpeakers", QObject::tr("Speakers..."),
+        [this] { showSpeakerList(window_, parts_); });
     addGreyed(configuration, "mnuFilePurge", QObject::tr("Scheduled Deletion..."));
     configuration->addSeparator();
     const auto records = [this](RecordsWindow which) {

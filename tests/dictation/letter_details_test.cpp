@@ -14,6 +14,9 @@ const engine::LetterDetails kDetails = {{"Y-Author", "Ames"}, {"Y-TaskId", "T-19
 
 TEST_F(DictationTest, LetterDetailsAreSavedWithTheLetterAndComeBackWhenItIsOpened) {
     EXPECT_FALSE(d().setLetterDetails(kDetails)) << "no letter open";
+    d().newLetter();
+    EXPECT_FALSE(d().hasUnsavedTake()) << "a letter named but not spoken into";
+    d().closeFile();
 
     dictate(2000);
     const std::string letter = state().Filename;
