@@ -1,5 +1,6 @@
 #include "delivery/auto_send.h"
 
+#include "engine/file_tags.h"
 #include "platform/files.h"
 #include "platform/system_queries.h"
 #include "platform/text.h"
@@ -248,6 +249,10 @@ AutoSend::CopyOutcome AutoSend::copyStep(int n, const std::string& source,
                           " Does NOT Exist or NOT Available-Bypassing step: " + target);
         }
         lblReady(std::string("Sending File to Destination ") + kNumberWords[index(n)]);
+        // The details of a letter without tags go first, so the letter never
+        // stands in the folder without them.
+        if (auto details = engine::copyDetailsFile(source, target); !details)
+            trace(baseName + " details not copied: " + details.error());
         // A copy that fails shows as a copy that never becomes available.
         (void)platform::copyFileOver(source, target);
         const bool copied = waitForCopy(target, kCopyTags[index(n)]);
@@ -307,7 +312,13 @@ void AutoSend::stage(Staging staging, const std::string& source) {
     const std::string baseName = platform::withoutFolder(source);
     // A copy that fails leaves nothing for the companion to send; the letter itself stays.
     platform::Result<void> staged = platform::createFolder(folder);
-    if (staged) staged = platform::copyFileOver(source, platform::joinPath(folder, baseName));
+    if (staged) {
+        // The details first, as at a destination; without them the letter still goes.
+        if (auto details = engine::copyDetailsFile(source, platform::joinPath(folder, baseName));
+            !details)
+            trace(baseName + " details not staged: " + details.error());
+        staged = platform::copyFileOver(source, platform::joinPath(folder, baseName));
+    }
     if (!staged) trace(baseName + " could not be staged in " + folder + ": " + staged.error());
     screen_.showStatusText(email ? "File is ready to EMail" : "File is ready to FTP");
     trace(baseName + (email ? " File is ready to Email" : " File is ready to FTP"));

@@ -109,6 +109,8 @@ bool Dictation::renameToHandedOffName(const std::string& moment) {
             trace("Next File Name = " + renamed + " could not be given: " + error.message());
             return false;
         }
+        if (auto details = engine::moveDetailsFile(state_.Filename, renamed); !details)
+            trace("Letter details not renamed: " + details.error());
     }
     state_.Filename = renamed;
     state_.CommandFileName = stem;

@@ -281,6 +281,21 @@ class Dictation : private NamingHooks {
     // with all that was said kept, and the author is told why it stopped.
     void recordingDeviceLost(const std::string& device);
 
+    // ---- The letter in hand, as other windows see it ----
+    // A letter is open and holds a take not saved yet.
+    [[nodiscard]] bool hasUnsavedTake() const;
+    // The letter in hand is saved and closed, as the close button does it; a take
+    // under way ends first.
+    void saveAndCloseLetter();
+    // What the letter in hand says about itself (author, priority, meeting...):
+    // an opened letter brings its own, a new letter starts without any.
+    [[nodiscard]] const engine::LetterDetails& letterDetails() const {
+        return AudioEditor1.details();
+    }
+    // The author edits the letter's details: they go into the file at its next save,
+    // which writes the file whole, during a take too. False with no letter open.
+    bool setLetterDetails(const engine::LetterDetails& details);
+
     // ---- Saving and closing ----
     void SaveFile();
     void SaveFileAs();

@@ -245,6 +245,8 @@ void Dictation::SaveFileAs() {
     if (!copied) {
         std::remove(partial.c_str());
         trace("Save As copy to " + *chosen + " failed: " + reason);
+    } else if (auto details = engine::copyDetailsFile(state_.SaveOldFileName, *chosen); !details) {
+        trace("Letter details not copied to " + *chosen + ": " + details.error());
     }
     openRecentFile(*chosen);
     CaseEnd();

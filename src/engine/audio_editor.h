@@ -14,6 +14,7 @@
 #include <string>
 
 #include "engine/audio_format.h"
+#include "engine/file_tags.h"
 #include "platform/result.h"
 
 namespace ovd::engine {
@@ -91,6 +92,10 @@ class AudioEditor {
     // Empty while nothing has been recorded or loaded.
     [[nodiscard]] virtual std::string FormatName() const = 0;
     virtual void setComment(const std::string& comment) = 0;
+    // The letter's details, written with the document at its next save; an opened
+    // file brings its own, and a new or closed document has none.
+    virtual void setDetails(const LetterDetails& details) = 0;
+    [[nodiscard]] virtual const LetterDetails& details() const = 0;
 
     virtual DeviceList& RecordingDevices() = 0;
     virtual DeviceList& PlaybackDevices() = 0;

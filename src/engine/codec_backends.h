@@ -9,6 +9,7 @@
 #include <string>
 
 #include "engine/codecs.h"
+#include "engine/file_tags.h"
 #include "platform/locked_file.h"
 
 namespace ovd::engine {
@@ -17,7 +18,7 @@ namespace ovd::engine {
 struct EncodeJob {
     PcmSource& pcm;
     const TargetFormat& target;
-    const std::string& comment;
+    const FileTags& tags;
     // Called after every block written; false means the user gave up.
     std::function<bool()> keepGoing;
 };
@@ -48,22 +49,22 @@ class EncodedStream {
     virtual platform::Result<void> finish() = 0;
 };
 
-// 16-bit PCM in a wave file with the comment in its LIST chunk.
+// 16-bit PCM in a wave file with the comment and details in its LIST chunk.
 platform::Result<std::unique_ptr<EncodedStream>> openWaveStream(int fd, const std::string& path,
                                                                 const PcmFormat& format,
-                                                                const std::string& comment);
+                                                                const FileTags& tags);
 // WAV at 8, 24 or 32 bits, VOX, RAW or GSM through the sound-file library,
 // with the comment where the format has a field for it.
 platform::Result<std::unique_ptr<EncodedStream>> openSndfileStream(int fd, const std::string& path,
                                                                    const TargetFormat& target,
                                                                    const PcmFormat& format,
-                                                                   const std::string& comment);
+                                                                   const FileTags& tags);
 // MP3 or MP2 through the codec library. An MP3 stream rewrites its Info frame at
 // every sync, so readers that trust it find every frame written so far.
 platform::Result<std::unique_ptr<EncodedStream>> openFfmpegStream(int fd, const std::string& path,
                                                                   const TargetFormat& target,
                                                                   const PcmFormat& format,
-                                                                  const std::string& comment);
+                                                                  const FileTags& tags);
 
 // The rate and channels a format is written at, for audio given in `source`:
 // what the user chose, brought to what the codec can carry.
@@ -85,7 +86,7 @@ std::string ffmpegErrorText(int code);
 // a LockedFile; the lock stays the caller's. On failure or cancel the file is
 // emptied and unlinked from path before this returns.
 platform::Result<void> encodeIntoLockedFile(PcmSource& source, int fd, const std::string& path,
-                                            const TargetFormat& target, const std::string& comment,
+                                            const TargetFormat& target, const FileTags& tags,
                                             const ProgressCallback& progress);
 
 // Opens path for writing and takes an exclusive lock at once; the failure says

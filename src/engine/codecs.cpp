@@ -78,7 +78,7 @@ platform::Result<platform::LockedFile> openLockedForWriting(const std::string& p
 }
 
 platform::Result<void> encodeIntoLockedFile(PcmSource& source, int fd, const std::string& path,
-                                            const TargetFormat& target, const std::string& comment,
+                                            const TargetFormat& target, const FileTags& tags,
                                             const ProgressCallback& progress) {
     const auto giveUp = [&](platform::Result<void> failed) {
         // Readers that still have the file open must not find half a recording either.
@@ -95,7 +95,7 @@ platform::Result<void> encodeIntoLockedFile(PcmSource& source, int fd, const std
     std::unique_ptr<ConvertingSource> pcm = std::move(*converting);
 
     const SampleCount total = source.frames();
-    const EncodeJob job{*pcm, target, comment, [&] {
+    const EncodeJob job{*pcm, target, tags, [&] {
                             if (!progress) return true;
                             const double fraction =
                                 total > 0 ? static_cast<double>(pcm->sourceFramesRead()) /
@@ -116,12 +116,12 @@ platform::Result<void> encodeIntoLockedFile(PcmSource& source, int fd, const std
 }
 
 platform::Result<void> encodeFile(PcmSource& source, const std::string& path,
-                                  const TargetFormat& target, const std::string& comment,
+                                  const TargetFormat& target, const FileTags& tags,
                                   const ProgressCallback& progress) {
     auto locked = openLockedForWriting(path);
     if (!locked) return locked.failed();
     // The lock goes as this returns: the file is complete, or gone.
-    return encodeIntoLockedFile(source, locked->fd(), path, target, comment, progress);
+    return encodeIntoLockedFile(source, locked->fd(), path, target, tags, progress);
 }
 
 }  // namespace ovd::engine

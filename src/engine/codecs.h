@@ -12,6 +12,7 @@
 
 #include "engine/audio_backend.h"
 #include "engine/audio_format.h"
+#include "engine/file_tags.h"
 #include "platform/result.h"
 
 namespace ovd::engine {
@@ -39,10 +40,10 @@ class AudioFileReader : public PcmSource {
 // Called with the fraction done (0 to 1); returning false cancels.
 using ProgressCallback = std::function<bool(double fraction)>;
 
-// Writes the whole source to path in the target format, with the comment where
-// the format has a comment field. A cancelled or failed write removes the file.
+// Writes the whole source to path in the target format, with the comment and the
+// details where the format has fields for them. A cancelled or failed write removes the file.
 platform::Result<void> encodeFile(PcmSource& source, const std::string& path,
-                                  const TargetFormat& target, const std::string& comment,
+                                  const TargetFormat& target, const FileTags& tags,
                                   const ProgressCallback& progress = {});
 
 // Length of an audio file in milliseconds, or -1 when it can't be read. RAW and

@@ -135,14 +135,20 @@ struct IoCloser {
 class FfmpegStream final : public EncodedStream {
   public:
     FfmpegStream(int fd, const std::string& path, const TargetFormat& target, const PcmFormat& pcm,
-                 const std::string& comment, bool growing)
-        : fd_(fd), path_(path), target_(target), pcm_(pcm), comment_(comment), growing_(growing) {}
+                 const FileTags& tags, bool growing)
+        : fd_(fd), path_(path), target_(target), pcm_(pcm), tags_(tags), growing_(growing) {}
 
     platform::Result<void> open() {
         if (platform::Result<void> prepared = prepare(); !prepared) return prepared;
         frame_.reset(av_frame_alloc());
         packet_.reset(av_packet_alloc());
         if (!frame_ || !packet_) return platform::failure("out of memory preparing " + path_);
+        // A plain MP2 stream's writer puts no tag at its front: ours goes there first.
+        // Without details the stream stays as it always was.
+        if (target_.word == FormatWord::MP2 && !tidyDetails(tags_.details).empty()) {
+            const std::vector<unsigned char> tag = id3v2Tag(tags_);
+            if (!tag.empty()) avio_write(io_.get(), tag.data(), static_cast<int>(tag.size()));
+        }
         const int code = avformat_write_header(output_.get(), nullptr);
         if (code < 0) return failure("can't write the header of", code);
         if (growing_ && target_.word == FormatWord::MP3) return findInfoFrame();
@@ -277,8 +283,13 @@ class FfmpegStream final : public EncodedStream {
         code = avcodec_parameters_from_context(stream_->codecpar, codec_.get());
         if (code < 0) return failure("can't prepare", code);
         stream_->time_base = codec_->time_base;
-        // MP3 keeps it in its ID3 tag, ASF in its description; a plain MP2 stream has nowhere.
-        if (!comment_.empty()) av_dict_set(&output_->metadata, "comment", comment_.c_str(), 0);
+        // MP3 keeps them in its ID3 tag, ASF in its description; MP2 in the tag put in front.
+        if (target_.word != FormatWord::MP2) {
+            if (!tags_.comment.empty())
+                av_dict_set(&output_->metadata, "comment", tags_.comment.c_str(), 0);
+            for (const FileTag& tag : tidyDetails(tags_.details))
+                av_dict_set(&output_->metadata, tag.key.c_str(), tag.value.c_str(), 0);
+        }
 
         // Written through our own descriptor, which carries the caller's lock (or
         // stays open for the next stretch of a growing file).
@@ -402,7 +413,7 @@ class FfmpegStream final : public EncodedStream {
     const std::string path_;
     const TargetFormat target_;
     const PcmFormat pcm_;
-    const std::string comment_;
+    const FileTags tags_;
     const bool growing_;
     std::unique_ptr<AVIOContext, IoCloser> io_;  // outlives the muxer that writes through it
     std::unique_ptr<AVFormatContext, OutputCloser> output_;
@@ -429,7 +440,7 @@ std::string ffmpegErrorText(int code) {
 
 platform::Result<void> encodeWithFfmpeg(const EncodeJob& job, int fd, const std::string& path) {
     const PcmFormat pcm = job.pcm.format();
-    FfmpegStream stream(fd, path, job.target, pcm, job.comment, false);
+    FfmpegStream stream(fd, path, job.target, pcm, job.tags, false);
     if (platform::Result<void> opened = stream.open(); !opened) return opened;
     std::vector<std::int16_t> block(kBlockFrames * static_cast<std::size_t>(pcm.channels));
     while (const std::size_t got = job.pcm.read(block.data(), kBlockFrames)) {
@@ -443,8 +454,8 @@ platform::Result<void> encodeWithFfmpeg(const EncodeJob& job, int fd, const std:
 platform::Result<std::unique_ptr<EncodedStream>> openFfmpegStream(int fd, const std::string& path,
                                                                   const TargetFormat& target,
                                                                   const PcmFormat& format,
-                                                                  const std::string& comment) {
-    auto stream = std::make_unique<FfmpegStream>(fd, path, target, format, comment, true);
+                                                                  const FileTags& tags) {
+    auto stream = std::make_unique<FfmpegStream>(fd, path, target, format, tags, true);
     if (platform::Result<void> opened = stream->open(); !opened) return opened.failed();
     return std::unique_ptr<EncodedStream>(std::move(stream));
 }

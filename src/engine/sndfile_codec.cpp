@@ -162,8 +162,10 @@ platform::Result<void> encodeWithSndfile(const EncodeJob& job, int fd, const std
     if (!file)
         return platform::failure("can't write " + path + " as " + word + ": " +
                                  sf_strerror(nullptr));
-    if (!job.comment.empty() && sndfileCarriesComment(job.target.word) &&
-        sf_set_string(file.get(), SF_STR_COMMENT, job.comment.c_str()) != 0) {
+    // The letter's details of these formats travel in the text file beside them.
+    const std::string& comment = job.tags.comment;
+    if (!comment.empty() && sndfileCarriesComment(job.target.word) &&
+        sf_set_string(file.get(), SF_STR_COMMENT, comment.c_str()) != 0) {
         return platform::failure("can't write the comment into " + path + ": " +
                                  sf_strerror(file.get()));
     }

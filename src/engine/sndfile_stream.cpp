@@ -193,9 +193,10 @@ class SndfileStream final : public EncodedStream {
 platform::Result<std::unique_ptr<EncodedStream>> openSndfileStream(int fd, const std::string& path,
                                                                    const TargetFormat& target,
                                                                    const PcmFormat& format,
-                                                                   const std::string& comment) {
+                                                                   const FileTags& tags) {
     auto stream = std::make_unique<SndfileStream>(fd, path, target, format);
-    if (platform::Result<void> opened = stream->open(comment); !opened) return opened.failed();
+    // The letter's details of these formats travel in the text file beside them.
+    if (platform::Result<void> opened = stream->open(tags.comment); !opened) return opened.failed();
     return std::unique_ptr<EncodedStream>(std::move(stream));
 }
 

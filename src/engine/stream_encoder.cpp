@@ -26,15 +26,15 @@ class WaveStream final : public EncodedStream {
     static_assert(std::endian::native == std::endian::little,
                   "wave data are written as the samples lie in memory");
 
-    WaveStream(int fd, const std::string& path, const PcmFormat& format, const std::string& comment)
+    WaveStream(int fd, const std::string& path, const PcmFormat& format, const FileTags& tags)
         : fd_(fd),
           path_(path),
           format_(format),
-          comment_(comment),
+          tags_(tags),
           frameBytes_(static_cast<std::size_t>(format.channels) * sizeof(std::int16_t)) {}
 
     platform::Result<void> open() {
-        const std::vector<std::uint8_t> header = pcmWaveHeader(format_, comment_, 0);
+        const std::vector<std::uint8_t> header = pcmWaveHeader(format_, tags_, 0);
         if (auto written = writeAll(fd_, header.data(), header.size()); !written)
             return platform::failure("can't write " + path_ + ": " + written.error());
         return platform::Result<void>::success();
@@ -63,7 +63,7 @@ class WaveStream final : public EncodedStream {
     platform::Result<void> sync() override {
         // The frames reach the disk before the header that counts them.
         if (::fdatasync(fd_) != 0) return platform::systemFailure("can't sync " + path_, errno);
-        const std::vector<std::uint8_t> header = pcmWaveHeader(format_, comment_, dataBytes_);
+        const std::vector<std::uint8_t> header = pcmWaveHeader(format_, tags_, dataBytes_);
         if (::pwrite(fd_, header.data(), header.size(), 0) != static_cast<ssize_t>(header.size())) {
             return platform::systemFailure("can't write the header of " + path_, errno);
         }
@@ -76,7 +76,7 @@ class WaveStream final : public EncodedStream {
     const int fd_;
     const std::string path_;
     const PcmFormat format_;
-    const std::string comment_;
+    const FileTags tags_;
     const std::size_t frameBytes_;
     std::uint64_t dataBytes_ = 0;
 };
@@ -90,18 +90,15 @@ platform::Result<void> EncodedStream::appendCopied(
 
 platform::Result<std::unique_ptr<EncodedStream>> openWaveStream(int fd, const std::string& path,
                                                                 const PcmFormat& format,
-                                                                const std::string& comment) {
-    auto stream = std::make_unique<WaveStream>(fd, path, format, comment);
+                                                                const FileTags& tags) {
+    auto stream = std::make_unique<WaveStream>(fd, path, format, tags);
     if (platform::Result<void> opened = stream->open(); !opened) return opened.failed();
     return std::unique_ptr<EncodedStream>(std::move(stream));
 }
 
 namespace {
 
-bool writtenByUs(const TargetFormat& target) {
-    return target.word == FormatWord::WAV && target.bitsPerSample != 8 &&
-           target.bitsPerSample != 24 && target.bitsPerSample != 32;
-}
+bool writtenByUs(const TargetFormat& target) { return waveWrittenByUs(target); }
 
 bool writtenByTheSoundFileLibrary(const TargetFormat& target) {
     return (target.word == FormatWord::WAV && !writtenByUs(target)) ||
@@ -123,7 +120,7 @@ platform::Result<std::unique_ptr<StreamEncoder>> StreamEncoder::open(int fd,
                                                                      const std::string& path,
                                                                      const TargetFormat& target,
                                                                      const PcmFormat& source,
-                                                                     const std::string& comment) {
+                                                                     const FileTags& tags) {
     const PcmFormat encoded = encodedPcmFormat(target, source);
     std::unique_ptr<StreamEncoder> encoder(new StreamEncoder(fd, source, encoded));
     if (source.sampleRate <= 0 || source.channels < 1) {
@@ -135,10 +132,10 @@ platform::Result<std::unique_ptr<StreamEncoder>> StreamEncoder::open(int fd,
         if (!resampler) return resampler.failed();
         encoder->resampler_ = std::move(*resampler);
     }
-    auto stream = writtenByUs(target) ? openWaveStream(fd, path, encoded, comment)
+    auto stream = writtenByUs(target) ? openWaveStream(fd, path, encoded, tags)
                   : writtenByTheSoundFileLibrary(target)
-                      ? openSndfileStream(fd, path, target, encoded, comment)
-                      : openFfmpegStream(fd, path, target, encoded, comment);
+                      ? openSndfileStream(fd, path, target, encoded, tags)
+                      : openFfmpegStream(fd, path, target, encoded, tags);
     if (!stream) return stream.failed();
     encoder->stream_ = std::move(*stream);
     return encoder;

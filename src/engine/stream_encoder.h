@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "engine/codecs.h"
+#include "engine/file_tags.h"
 
 namespace ovd::engine {
 
@@ -27,7 +28,7 @@ class StreamEncoder {
     static platform::Result<std::unique_ptr<StreamEncoder>> open(int fd, const std::string& path,
                                                                  const TargetFormat& target,
                                                                  const PcmFormat& source,
-                                                                 const std::string& comment);
+                                                                 const FileTags& tags);
     // Closes the descriptor; an unfinished file stays as the last sync left it.
     ~StreamEncoder();
     StreamEncoder(const StreamEncoder&) = delete;

@@ -63,6 +63,8 @@ class WaveEditor : public AudioEditor {
     [[nodiscard]] int Channels() const override { return document_.format().channels; }
     [[nodiscard]] std::string FormatName() const override { return formatName_; }
     void setComment(const std::string& comment) override { comment_ = comment; }
+    void setDetails(const LetterDetails& details) override { details_ = tidyDetails(details); }
+    [[nodiscard]] const LetterDetails& details() const override { return details_; }
 
     DeviceList& RecordingDevices() override { return backend_.recordingDevices(); }
     DeviceList& PlaybackDevices() override { return backend_.playbackDevices(); }
@@ -152,12 +154,13 @@ class WaveEditor : public AudioEditor {
         ino_t inode = 0;
         off_t size = 0;
         std::int64_t changedNs = 0;
+        LetterDetails details;
     };
     // The file the last save wrote, still open so the next save can add to it.
     struct SaveSession {
         std::string path;
         TargetFormat target;
-        std::string comment;
+        FileTags tags;
         PcmFormat format;
         PieceList saved;  // the document as the file holds it
         std::unique_ptr<StreamEncoder> encoder;
@@ -166,7 +169,7 @@ class WaveEditor : public AudioEditor {
     struct SaveJob {
         std::string path;
         TargetFormat target;
-        std::string comment;
+        FileTags tags;
         PcmFormat format;
         PieceList pieces;                // the whole document
         std::optional<PieceList> added;  // set when the job adds these to the session's file
@@ -189,7 +192,7 @@ class WaveEditor : public AudioEditor {
     // What the save thread found on disk after its last save, taken over by the loop's thread.
     void takeOverSavedFile();
     static void rememberFileOnDisk(const std::string& path, const PieceList& pieces,
-                                   std::optional<FileOnDisk>& into);
+                                   const LetterDetails& details, std::optional<FileOnDisk>& into);
     void reportTrouble(const std::string& text);
     void emitBlock(BlockOperationEvent::Phase phase, const std::string& operation,
                    SampleCount position, SampleCount range);
@@ -217,6 +220,7 @@ class WaveEditor : public AudioEditor {
     AudioDocument document_;
     std::string formatName_;
     std::string comment_;
+    LetterDetails details_;
     TargetFormat chosen_;
     int viewValue_ = 0;
 

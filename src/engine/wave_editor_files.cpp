@@ -50,6 +50,8 @@ platform::Result<void> WaveEditor::New(int samplesPerSecond, int channels) {
     if (samplesPerSecond <= 0 || channels < 1 || channels > 2) {
         return platform::failure("a new document needs a rate and one or two channels");
     }
+    // A new letter starts without details: what the last letter was about is not this one's.
+    details_.clear();
     return startDocument({samplesPerSecond, channels});
 }
 
@@ -132,8 +134,9 @@ platform::Result<void> WaveEditor::Open(const std::string& path) {
     }
     document_.replaceAll(added);
     cursor_ = 0;
+    details_ = readLetterDetails(path);
     // Until the author changes it, a save leaves this file as it is.
-    rememberFileOnDisk(path, document_.pieces(), onDisk_);
+    rememberFileOnDisk(path, document_.pieces(), details_, onDisk_);
     viewChanged();
     return platform::Result<void>::success();
 }
@@ -155,6 +158,7 @@ void WaveEditor::dropDocument(bool removeWorkFile) {
     }
     document_ = AudioDocument();
     formatName_.clear();
+    details_.clear();
     undo_.clear();
     redo_.clear();
     onDisk_.reset();

@@ -93,16 +93,17 @@ std::int64_t changedNs(const struct stat& status) {
 }  // namespace
 
 void WaveEditor::rememberFileOnDisk(const std::string& path, const PieceList& pieces,
-                                    std::optional<FileOnDisk>& into) {
+                                    const LetterDetails& details, std::optional<FileOnDisk>& into) {
     into.reset();
     const auto status = statOf(path);
     if (!status) return;
-    into = FileOnDisk{path,           pieces,          status->st_dev,
-                      status->st_ino, status->st_size, changedNs(*status)};
+    into = FileOnDisk{
+        path, pieces, status->st_dev, status->st_ino, status->st_size, changedNs(*status), details};
 }
 
 bool WaveEditor::documentIsOnDisk(const std::string& path) const {
-    if (!onDisk_ || onDisk_->path != path || !sameAudio(onDisk_->pieces, document_.pieces()))
+    if (!onDisk_ || onDisk_->path != path || !sameAudio(onDisk_->pieces, document_.pieces()) ||
+        onDisk_->details != details_)
         return false;
     const auto status = statOf(path);
     return status && status->st_dev == onDisk_->device && status->st_ino == onDisk_->inode &&
@@ -145,7 +146,7 @@ platform::Result<AudioEditor::SaveOutcome> WaveEditor::SaveAs(const std::string&
     }
     SaveJob job{path,
                 chosen_,
-                comment_,
+                FileTags(comment_, details_),
                 document_.format(),
                 document_.pieces(),
                 std::nullopt,
@@ -154,7 +155,7 @@ platform::Result<AudioEditor::SaveOutcome> WaveEditor::SaveAs(const std::string&
     if (session_) {
         if (session_->path == path && job.lock.held() &&
             session_->encoder->sameFileAs(job.lock.fd()) && session_->target == job.target &&
-            session_->comment == job.comment && session_->format == job.format) {
+            session_->tags == job.tags && session_->format == job.format) {
             job.added = piecesAddedTo(session_->saved, job.pieces);
         }
         // Saved whole, here or elsewhere: the file the session grew is completed first.
@@ -176,7 +177,7 @@ platform::Result<AudioEditor::SaveOutcome> WaveEditor::SaveAs(const std::string&
             job.added ? addToSavedFile(job, progress) : saveWhole(job, progress);
         if (result) {
             const std::lock_guard lock(savedFileMutex_);
-            rememberFileOnDisk(job.path, job.pieces, justSaved_);
+            rememberFileOnDisk(job.path, job.pieces, job.tags.details, justSaved_);
         }
         // Known before the file is free: whoever waits for the file reads the outcome.
         settled.set_value(std::move(result));
@@ -217,7 +218,7 @@ platform::Result<void> WaveEditor::saveWhole(const SaveJob& job, const SaveProgr
     // A file that can't be started to grow is written whole below, which says why if it fails too.
     if (const int fd = ::open(partial.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
         fd >= 0) {
-        auto opened = StreamEncoder::open(fd, partial, job.target, job.format, job.comment);
+        auto opened = StreamEncoder::open(fd, partial, job.target, job.format, job.tags);
         if (opened) encoder = std::move(*opened);
     }
     platform::Result<void> result = platform::Result<void>::success();
@@ -232,7 +233,7 @@ platform::Result<void> WaveEditor::saveWhole(const SaveJob& job, const SaveProgr
     } else {
         DocumentSource source(job.format, job.pieces);
         const SampleCount range = source.frames();
-        result = encodeFile(source, partial, job.target, job.comment, [&](double fraction) {
+        result = encodeFile(source, partial, job.target, job.tags, [&](double fraction) {
             progress(static_cast<SampleCount>(fraction * static_cast<double>(range)));
             return true;
         });
@@ -241,9 +242,15 @@ platform::Result<void> WaveEditor::saveWhole(const SaveJob& job, const SaveProgr
         result = platform::failure("can't replace " + job.path + ": " + std::strerror(errno));
         std::remove(partial.c_str());
     }
+    // A format without room for the details carries them in the text file beside it.
+    // The audio is safe whatever becomes of that file; details it could not take are
+    // still the document's and go out with the next save.
+    if (result && !formatCarriesDetails(job.target)) {
+        (void)writeDetailsFile(job.path, job.tags.details);
+    }
     if (result && encoder && job.keepGrowing) {
         session_ = std::make_unique<SaveSession>(SaveSession{
-            job.path, job.target, job.comment, job.format, job.pieces, std::move(encoder)});
+            job.path, job.target, job.tags, job.format, job.pieces, std::move(encoder)});
     }
     return result;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace ovd::engine {
 
@@ -30,12 +31,20 @@ class HeaderWriter {
 
 }  // namespace
 
-std::vector<std::uint8_t> pcmWaveHeader(const PcmFormat& format, const std::string& comment,
+std::vector<std::uint8_t> pcmWaveHeader(const PcmFormat& format, const FileTags& tags,
                                         std::uint64_t dataBytes) {
-    // The comment is stored with its terminating zero and padded to an even
-    // length, the pad counted in the chunk's size, as the sound-file library does.
-    const std::size_t commentBytes = comment.empty() ? 0 : (comment.size() + 2) & ~std::size_t{1};
-    const std::size_t listBytes = comment.empty() ? 0 : 8 + 4 + 8 + commentBytes;
+    // Each field is stored with its terminating zero and padded to an even length,
+    // the pad counted in the field's size, as the sound-file library does.
+    std::vector<std::pair<std::string, const std::string*>> fields;
+    if (!tags.comment.empty()) fields.emplace_back("ICMT", &tags.comment);
+    const LetterDetails details = tidyDetails(tags.details);
+    for (const FileTag& tag : details) fields.emplace_back(riffInfoId(tag.key), &tag.value);
+    const auto paddedSize = [](const std::string& value) {
+        return (value.size() + 2) & ~std::size_t{1};
+    };
+    std::size_t fieldBytes = 0;
+    for (const auto& field : fields) fieldBytes += 8 + paddedSize(*field.second);
+    const std::size_t listBytes = fields.empty() ? 0 : 8 + 4 + fieldBytes;
     const auto data = static_cast<std::uint32_t>(
         std::min<std::uint64_t>(dataBytes, 0xFFFFFFFFu - 36 - listBytes));
 
@@ -53,19 +62,27 @@ std::vector<std::uint8_t> pcmWaveHeader(const PcmFormat& format, const std::stri
     write.u32(static_cast<std::uint32_t>(format.sampleRate) * blockAlign);
     write.u16(blockAlign);
     write.u16(16);
-    if (!comment.empty()) {
+    if (!fields.empty()) {
         write.tag("LIST");
         write.u32(static_cast<std::uint32_t>(listBytes - 8));
         write.tag("INFO");
-        write.tag("ICMT");
-        write.u32(static_cast<std::uint32_t>(commentBytes));
-        write.bytes(comment.data(), comment.size());
         const std::uint8_t zeros[2] = {0, 0};
-        write.bytes(zeros, commentBytes - comment.size());
+        for (const auto& [id, value] : fields) {
+            const std::size_t bytes = paddedSize(*value);
+            write.tag(id.c_str());
+            write.u32(static_cast<std::uint32_t>(bytes));
+            write.bytes(value->data(), value->size());
+            write.bytes(zeros, bytes - value->size());
+        }
     }
     write.tag("data");
     write.u32(data);
     return out;
+}
+
+bool waveWrittenByUs(const TargetFormat& target) {
+    return target.word == FormatWord::WAV && target.bitsPerSample != 8 &&
+           target.bitsPerSample != 24 && target.bitsPerSample != 32;
 }
 
 }  // namespace ovd::engine

@@ -141,7 +141,7 @@ platform::Result<void> WorkFile::writeHeader() {
         const std::lock_guard lock(mutex_);
         dataBytes = static_cast<std::uint64_t>(framesOnDisk_) * frameBytes_;
     }
-    const auto header = pcmWaveHeader(format_, "", dataBytes);
+    const auto header = pcmWaveHeader(format_, FileTags{}, dataBytes);
     if (::pwrite(fd_, header.data(), header.size(), 0) != static_cast<ssize_t>(header.size())) {
         return platform::systemFailure("can't write the work file's header " + path_, errno);
     }

@@ -15,6 +15,7 @@
 #include "ui/hot_key_options_window.h"
 #include "ui/pedal_windows.h"
 #include "ui/records_windows.h"
+#include "ui/speaker_list_window.h"
 #include "ui/station_window.h"
 #include "ui/weekly_delete_window.h"
 
@@ -139,7 +140,8 @@ void StationMenus::buildConfiguration() {
         ->setCheckable(true);
     addGreyed(configuration, "mnuButtons", QObject::tr("Desk Unit Buttons..."));
     add(configuration, "mnuHotKeys", QObject::tr("Hot Keys..."), [this] { showHotKeyOptions(); });
-    addGreyed(configuration, "mnuSpeakers", QObject::tr("Speakers..."));
+    add(configuration, "mnuSpeakers", QObject::tr("Speakers..."),
+        [this] { showSpeakerList(window_, parts_); });
     if (parts_.housekeeping == nullptr) {
         addGreyed(configuration, "mnuFilePurge", QObject::tr("Scheduled Deletion..."));
         addGreyed(configuration, "mnuDriveScan", QObject::tr("Drive Scan Scheduler..."));

@@ -34,6 +34,7 @@
 #include "ui/desk_unit_panel.h"
 #include "ui/device_box.h"
 #include "ui/event_log_window.h"
+#include "ui/letter_details_panel.h"
 #include "ui/level_meter.h"
 #include "ui/on_air_lamps.h"
 #include "ui/station_menus.h"
@@ -111,6 +112,8 @@ StationWindow::StationWindow(StationWindowParts parts) : parts_(std::move(parts)
     column_->addWidget(editRow_);
     optionsRow_ = buildOptionsRow();
     column_->addWidget(optionsRow_);
+    detailsPanel_ = new LetterDetailsPanel(parts_.dictation, central);
+    column_->addWidget(detailsPanel_);
     deviceBox_ = new DeviceBox(*deviceChoice_, central);
     column_->addWidget(deviceBox_);
     setCentralWidget(central);

@@ -60,6 +60,7 @@ class DebugWindow;
 class DeskUnitPanel;
 class DeviceBox;
 class EventLogWindow;
+class LetterDetailsPanel;
 class LevelMeter;
 class OnAirLamps;
 class StationMenus;
@@ -181,6 +182,7 @@ class StationWindow : public QMainWindow {
     QWidget* formatBox_ = nullptr;   // frRec
     QWidget* speakerBox_ = nullptr;  // frameSpeaker
     QWidget* optionsRow_ = nullptr;
+    LetterDetailsPanel* detailsPanel_ = nullptr;
     DeskUnitPanel* deskUnit_ = nullptr;
     QToolBar* toolIcons_ = nullptr;
     QVBoxLayout* column_ = nullptr;

@@ -25,6 +25,7 @@
 #include "ui/device_box.h"
 #include "ui/event_log_window.h"
 #include "ui/help_window.h"
+#include "ui/letter_details_panel.h"
 #include "ui/on_air_lamps.h"
 #include "ui/station_menus.h"
 #include "ui/station_window.h"
@@ -141,6 +142,13 @@ void StationWindow::renderOptions(const dictation::MainView& v) {
         otherConditionsOption_->setChecked(other);
     }
     speakerBox_->setEnabled(v.frameSpeakerEnabled);
+    // The speaker list's tick shows or hides the box while the window is up.
+    const bool speakerShown = partsOf(face_).speakerBox && parts_.config.record.AddNameToFile;
+    if (speakerBox_->isHidden() == speakerShown) {
+        speakerBox_->setVisible(speakerShown);
+        optionsRow_->setVisible(partsOf(face_).formatBox || partsOf(face_).speakerBox);
+    }
+    if (detailsPanel_ != nullptr) detailsPanel_->refresh();
     const auto& names = parts_.dictation.naming.dictatorNames();
     if (speakerNames_->count() != static_cast<int>(names.size()) ||
         (speakerNames_->count() > 0 && speakerNames_->itemText(0) != text(names.front()))) {

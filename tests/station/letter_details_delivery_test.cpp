@@ -1,0 +1,96 @@
+// A letter's details go wherever the letter goes at the end of letter: inside a
+// wave file's own tags, and in the text file beside a RAW letter, in both
+// destination folders and in the e-mail staging folder.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "delivery/auto_send.h"
+#include "dictation/dictation_fixture.h"
+#include "engine/file_tags.h"
+#include "settings/encoder_options.h"
+#include "station/delivery_wiring.h"
+#include "station/end_of_letter.h"
+
+namespace ovd::station {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct CompanionSeam : delivery::CompanionSender {
+    int starts = 0;
+    [[nodiscard]] bool running() const override { return starts > 0; }
+    void start() override { ++starts; }
+    void stop() override {}
+};
+
+const engine::LetterDetails kDetails = {{"Y-Author", "Dr Brown"},
+                                        {"SF-Meeting Name", "Ward round"}};
+
+class LetterDetailsDeliveryTest : public dictation::testing::DictationTest {
+  protected:
+    LetterDetailsDeliveryTest() {
+        auto& r = config.record;
+        r.AutoSend1 = r.AutoSend2 = true;
+        r.SendToOne = folder.file("One");
+        r.SendToTwo = folder.file("Two");
+        r.AutoEmail = true;
+        EXPECT_TRUE(platform::createFolder(r.SendToOne));
+        EXPECT_TRUE(platform::createFolder(r.SendToTwo));
+    }
+
+    // A letter dictated with its details, then the end of letter; its name.
+    std::string dictateWithDetails() {
+        d().newLetter();
+        d().recordTake();
+        run(1500);
+        EXPECT_TRUE(d().setLetterDetails(kDetails));
+        run(1500);
+        d().stop();
+        const std::string name = fs::path(state().Filename).filename();
+        eol.startEndOfLetter();
+        return name;
+    }
+
+    std::vector<std::string> copiesOf(const std::string& name) {
+        return {config.record.SendToOne + "/" + name, config.record.SendToTwo + "/" + name,
+                recordings + "/EmailTemp/" + name};
+    }
+
+    ::ovd::testing::ScriptedPrompts boxes;
+    delivery::PeerLink link{{loop, config, log, boxes, 0}};
+    CompanionSeam companion;
+    delivery::AutoSendMenu menu{loop, config.record, companion};
+    ViewStatusLines screen{d()};
+    delivery::AutoSend pipeline{
+        {loop, config, log, boxes, link, voice, menu, companion, screen, ""}};
+    PipelineDelivery delivery{pipeline};
+    EndOfLetter eol{d(), config, log, loop, voice, delivery};
+};
+
+TEST_F(LetterDetailsDeliveryTest, AWaveLetterCarriesItsDetailsInsideEveryCopy) {
+    const std::string name = dictateWithDetails();
+    for (const std::string& copy : copiesOf(name)) {
+        SCOPED_TRACE(copy);
+        EXPECT_EQ(engine::readLetterDetails(copy), kDetails);
+        EXPECT_FALSE(platform::fileExists(engine::detailsFilePath(copy)));
+    }
+    EXPECT_TRUE(d().letterDetails().empty()) << "the next letter starts without details";
+}
+
+TEST_F(LetterDetailsDeliveryTest, ARawLetterTakesItsDetailsFileAlongToEveryCopy) {
+    config.record.FormatType = "RAW";
+    ASSERT_TRUE(settings::storeRawLayout(folder.path(), {2, 1, 4}));
+    const std::string name = dictateWithDetails();
+    for (const std::string& copy : copiesOf(name)) {
+        SCOPED_TRACE(copy);
+        ASSERT_TRUE(platform::fileExists(copy));
+        const auto text = platform::readWholeFile(engine::detailsFilePath(copy));
+        ASSERT_TRUE(text);
+        EXPECT_EQ(engine::detailsFromText(*text), kDetails);
+    }
+}
+
+}  // namespace
+}  // namespace ovd::station
