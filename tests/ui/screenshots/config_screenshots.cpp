@@ -86,6 +86,13 @@ int main(int argc, char** argv) {
         save(window, output, "config-mp3.png");
     }
     {
+        configuration::OggOptionsDialog model(data.path());
+        model.settings.qualityEnabled = false;
+        model.settings.vbrEnabled = true;
+        ui::OggOptionsWindow window(model, nullptr);
+        save(window, output, "config-ogg.png");
+    }
+    {
         ui::LayoutWindow window(ui::LayoutWindow::Kind::Vox, data.path(), nullptr, nullptr);
         save(window, output, "config-vox.png");
     }
