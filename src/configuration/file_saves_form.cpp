@@ -90,6 +90,9 @@ void FileSavesForm::load() {
 
     c.recordingVolume = storedVolume(r.sldrVolumeInpSelStart);
     c.playingVolume = storedVolume(r.sldrVolumeOutSelStart);
+    // The colour scheme would follow the main window's colouring, which the
+    // station's load always leaves off and nothing turns on: the form keeps the
+    // colours of every other window.
     c.destinations = {DestinationControls{r.AutoSend1, r.SendToOne},
                       DestinationControls{r.AutoSend2, r.SendToTwo},
                       DestinationControls{r.AutoSend3, r.SendToThree}};

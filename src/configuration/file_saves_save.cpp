@@ -11,6 +11,7 @@
 #include "settings/company_records.h"
 #include "settings/delivery_defaults.h"
 #include "settings/delivery_startup_checks.h"
+#include "settings/email_receivers_form.h"
 #include "settings/email_sites_tables.h"
 
 namespace ovd::configuration {
@@ -25,6 +26,25 @@ void warn(platform::Prompts& prompts, const std::string& text) {
 // digit it was loaded with stays mono.
 std::string storedChannels(const std::string& box) {
     return box == "MONO" || box == "1" ? "1" : "2";
+}
+
+// The receiver chosen for the e-mail delivery becomes the default one: its
+// address and the key its files are enciphered with.
+void writeDefaultReceiver(const std::string& dataFolder, const settings::CompanyRecords& records,
+                          const std::string& company) {
+    for (const settings::EmailReceiver& receiver :
+         settings::EmailReceiversTable(dataFolder).receivers()) {
+        if (receiver.EmailCompanyName != company) continue;
+        const settings::IniStore defaults = records.defaults();
+        (void)defaults.WriteKey(settings::kDefaultEmailSection, "DefaultRecEMail",
+                                receiver.EmailEmailAddress);
+        // The key agreed with the transcriber of that address, as delivery reads
+        // it back; the receiver's own key where no transcriber has the address.
+        std::string key = settings::LoadDefaultEmail(records).RECEncryptKey;
+        if (key.empty()) key = receiver.EmailEncryptKey;
+        (void)defaults.WriteKey(settings::kDefaultEmailSection, "RECEncryptKey", key);
+        return;
+    }
 }
 
 }  // namespace
@@ -64,6 +84,7 @@ bool FileSavesForm::emailStep() {
     if (!c.chosenReceiverCompany.empty()) {
         r.AutoEmailName = c.chosenReceiverCompany;
         c.autoEmailName = c.chosenReceiverCompany;
+        writeDefaultReceiver(config_.dataFolder(), records, c.chosenReceiverCompany);
         return true;
     }
     // CheckDefaultReceiver decides whether the option stays.

@@ -35,4 +35,14 @@ std::optional<int> convertRate(const ConvertChoice& choice) {
     return kDialogFrequencies[static_cast<std::size_t>(*choice.frequencyIndex)];
 }
 
+ConvertDialog::ConvertDialog(int samplesPerSecond, int channels, Convert convert)
+    : choice(convertChoiceFor(samplesPerSecond, channels)), convert_(std::move(convert)) {}
+
+bool ConvertDialog::ok() {
+    const std::optional<int> rate = convertRate(choice);
+    if (!rate) return false;
+    if (convert_) convert_(*rate, choice.channels);
+    return true;
+}
+
 }  // namespace ovd::configuration

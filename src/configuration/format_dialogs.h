@@ -72,4 +72,21 @@ ConvertChoice convertChoiceFor(int samplesPerSecond, int channels);
 // The rate of a choice; nothing when no rate button is chosen.
 std::optional<int> convertRate(const ConvertChoice& choice);
 
+// The window's logic, for whichever editor opens it: it knows the current file's
+// rate and channels and hands the choice to the conversion it is given.
+class ConvertDialog {
+  public:
+    using Convert = std::function<void(int samplesPerSecond, int channels)>;
+    ConvertDialog(int samplesPerSecond, int channels, Convert convert);
+
+    ConvertChoice choice;  // the controls
+
+    // OK: the conversion gets the choice; false, with nothing done, while no
+    // rate is chosen.
+    bool ok();
+
+  private:
+    Convert convert_;
+};
+
 }  // namespace ovd::configuration

@@ -3,23 +3,16 @@
 #include <algorithm>
 
 #include "configuration/number_text.h"
-#include "platform/files.h"
-#include "settings/encoder_options.h"
-#include "settings/ini_store.h"
 
 namespace ovd::configuration {
 
 namespace {
-
-constexpr const char* kMp3Section = "MP3";
 
 template <typename Array>
 int clampIndex(long long index, const Array& list) {
     return static_cast<int>(
         std::clamp<long long>(index, 0, static_cast<long long>(list.size()) - 1));
 }
-
-std::string onOff(bool on) { return on ? "1" : "0"; }
 
 // lame's own words for the presets of the window.
 const char* presetArgument(int preset) {
@@ -89,85 +82,6 @@ std::string kiloHertz(int hz) {
 }
 
 }  // namespace
-
-Mp3Settings loadMp3Settings(const std::string& dataFolder) {
-    const settings::IniStore store(platform::joinPath(dataFolder, settings::kEncoderOptionsFile));
-    Mp3Settings s;
-    const auto number = [&store](const char* key, int fallback) {
-        return static_cast<int>(wholeNumber(store.ReadKey(kMp3Section, key)).value_or(fallback));
-    };
-    const auto flag = [&store](const char* key, bool fallback) {
-        const std::string text = store.ReadKey(kMp3Section, key);
-        return text.empty() ? fallback : text == "1";
-    };
-    s.frequencyIndex = clampIndex(number("Frequency", s.frequencyIndex), kMp3Frequencies);
-    s.mode = static_cast<ChannelMode>(
-        clampIndex(number("ChannelMode", static_cast<int>(s.mode)), kChannelModeNames));
-    s.bitRateIndex = clampIndex(number("BitRate", s.bitRateIndex), kMp3SliderBitRates);
-    s.quality = std::clamp(number("Quality", s.quality), 0, 9);
-    s.preset = clampIndex(number("Preset", s.preset), kPresetNames);
-    s.altPreset = clampIndex(number("AltPreset", s.altPreset), kAltPresetNames);
-    s.vbr = static_cast<VbrMethod>(
-        clampIndex(number("VbrMethod", static_cast<int>(s.vbr)), kVbrMethodNames));
-    s.vbrQuality = std::clamp(number("VbrQuality", s.vbrQuality), 0, 9);
-    s.vbrMaxBitRateIndex =
-        clampIndex(number("VbrMaxBitRate", s.vbrMaxBitRateIndex), kMp3SliderBitRates);
-    s.abrBitRate = std::clamp(number("AbrBitRate", s.abrBitRate), 8, 320);
-    s.writeVbrHeader = flag("WriteVbrHeader", s.writeVbrHeader);
-    s.strictlyEnforceMinBitRate = flag("StrictMinBitRate", s.strictlyEnforceMinBitRate);
-    s.athControl = clampIndex(number("AthControl", s.athControl), kAthControlNames);
-    s.emphasis = clampIndex(number("Emphasis", s.emphasis), kEmphasisNames);
-    s.strictIso = flag("StrictIso", s.strictIso);
-    s.shortBlocks = flag("ShortBlocks", s.shortBlocks);
-    s.bitReservoir = flag("BitReservoir", s.bitReservoir);
-    s.blockType = flag("BlockType", s.blockType);
-    s.errorProtection = flag("ErrorProtection", s.errorProtection);
-    s.highPass = flag("HighPass", s.highPass);
-    s.highPassFrequency = number("HighPassFrequency", s.highPassFrequency);
-    s.highPassWidth = number("HighPassWidth", s.highPassWidth);
-    s.lowPass = flag("LowPass", s.lowPass);
-    s.lowPassFrequency = number("LowPassFrequency", s.lowPassFrequency);
-    s.lowPassWidth = number("LowPassWidth", s.lowPassWidth);
-    return s;
-}
-
-bool storeMp3Settings(const std::string& dataFolder, const Mp3Settings& s) {
-    const std::string path = platform::joinPath(dataFolder, settings::kEncoderOptionsFile);
-    // The VOX and RAW layouts share the file and stay as they are.
-    std::string before;
-    if (auto text = platform::readWholeFile(path)) before = std::string(*text);
-    settings::IniDocument document = settings::IniDocument::parse(before);
-    const auto put = [&document](const char* key, const std::string& value) {
-        document.setValue(kMp3Section, key, value);
-    };
-    put("Frequency", std::to_string(s.frequencyIndex));
-    put("ChannelMode", std::to_string(static_cast<int>(s.mode)));
-    put("BitRate", std::to_string(s.bitRateIndex));
-    put("Quality", std::to_string(s.quality));
-    put("Preset", std::to_string(s.preset));
-    put("AltPreset", std::to_string(s.altPreset));
-    put("VbrMethod", std::to_string(static_cast<int>(s.vbr)));
-    put("VbrQuality", std::to_string(s.vbrQuality));
-    put("VbrMaxBitRate", std::to_string(s.vbrMaxBitRateIndex));
-    put("AbrBitRate", std::to_string(s.abrBitRate));
-    put("WriteVbrHeader", onOff(s.writeVbrHeader));
-    put("StrictMinBitRate", onOff(s.strictlyEnforceMinBitRate));
-    put("AthControl", std::to_string(s.athControl));
-    put("Emphasis", std::to_string(s.emphasis));
-    put("StrictIso", onOff(s.strictIso));
-    put("ShortBlocks", onOff(s.shortBlocks));
-    put("BitReservoir", onOff(s.bitReservoir));
-    put("BlockType", onOff(s.blockType));
-    put("ErrorProtection", onOff(s.errorProtection));
-    put("HighPass", onOff(s.highPass));
-    put("HighPassFrequency", std::to_string(s.highPassFrequency));
-    put("HighPassWidth", std::to_string(s.highPassWidth));
-    put("LowPass", onOff(s.lowPass));
-    put("LowPassFrequency", std::to_string(s.lowPassFrequency));
-    put("LowPassWidth", std::to_string(s.lowPassWidth));
-    // Written beside and renamed, so a crash never leaves half of the options.
-    return static_cast<bool>(platform::replaceFile(path, document.serialise()));
-}
 
 std::string bitRateCaption(int bitRateIndex) {
     return "Current bitrate: " +

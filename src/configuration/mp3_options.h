@@ -7,65 +7,26 @@
 #include <string>
 #include <string_view>
 
+#include "settings/encoder_options.h"
+
 namespace ovd::configuration {
 
-inline constexpr std::array<int, 9> kMp3Frequencies = {8000,  11025, 12000, 16000, 22050,
-                                                       24000, 32000, 44100, 48000};
-inline constexpr std::array<const char*, 9> kMp3FrequencyNames = {
-    "8 000 Hz",  "11 025 Hz", "12 000 Hz", "16 000 Hz", "22 050 Hz",
-    "24 000 Hz", "32 000 Hz", "44 100 Hz", "48 000 Hz"};
-// The slider's own rates: unlike the format boxes it has no 40 or 80.
-inline constexpr std::array<int, 15> kMp3SliderBitRates = {8,   16,  24,  32,  48,  56,  64, 96,
-                                                           112, 128, 160, 192, 224, 256, 320};
-inline constexpr std::array<const char*, 5> kChannelModeNames = {
-    "Mono", "Stereo", "Joint Stereo", "Forced Joint Stereo", "Dual Channels"};
-inline constexpr std::array<const char*, 8> kPresetNames = {"None", "R3Mix", "Studio", "HiFi",
-                                                            "Tape", "Radio", "Voice",  "Phone"};
-inline constexpr std::array<const char*, 6> kAltPresetNames = {
-    "None", "Fast Standard", "Standard", "Fast Extreme", "Extrene", "Insane"};
-inline constexpr std::array<const char*, 4> kVbrMethodNames = {"None", "Default", "MTRH", "ABR"};
-inline constexpr std::array<const char*, 4> kAthControlNames = {"default", "only", "disabled",
-                                                                "only for short blocks"};
-inline constexpr std::array<const char*, 3> kEmphasisNames = {"default", "0/15 microseconds",
-                                                              "citt j.17"};
-
-enum class ChannelMode { Mono, Stereo, JointStereo, ForcedJointStereo, DualChannels };
-enum class VbrMethod { None, Default, Mtrh, Abr };
-
-struct Mp3Settings {
-    int frequencyIndex = 3;                  // cmbFrequency: 16 000 Hz
-    ChannelMode mode = ChannelMode::Mono;    // cmbChMode
-    int bitRateIndex = 3;                    // sldrBitrate: 32 kbit
-    int quality = 5;                         // sldrQuality, 0 better .. 9 faster
-    int preset = 0;                          // opPreset
-    int altPreset = 0;                       // opAltPreset
-    VbrMethod vbr = VbrMethod::None;         // cmbVBRCodingMethod
-    int vbrQuality = 4;                      // txtVbrQuality, 0..9
-    int vbrMaxBitRateIndex = 14;             // sldrVbrBitrate
-    int abrBitRate = 64;                     // txtAbrBitrate, kbit
-    bool writeVbrHeader = true;              // chWriteVBRHeader
-    bool strictlyEnforceMinBitRate = false;  // chStrictlyEnforceMinBitrate
-    int athControl = 0;                      // cmbATHControl
-    int emphasis = 0;                        // cmbEmphasis
-    bool strictIso = false;                  // chStrictlyISOCompliance
-    bool shortBlocks = true;                 // chShortBlocks
-    bool bitReservoir = true;                // chBitReservoir
-    bool blockType = false;                  // chBlockType: all blocks of one type
-    bool errorProtection = false;            // chErrorProtection
-    bool highPass = false;                   // chHFilt
-    int highPassFrequency = 100;
-    int highPassWidth = 0;
-    bool lowPass = false;  // chLFilt
-    int lowPassFrequency = 7000;
-    int lowPassWidth = 0;
-
-    bool operator==(const Mp3Settings&) const = default;
-};
-
-// The encoder settings kept in the data folder; defaults when there are none.
-Mp3Settings loadMp3Settings(const std::string& dataFolder);
-// False when the file could not be written.
-bool storeMp3Settings(const std::string& dataFolder, const Mp3Settings& settings);
+// The options themselves are kept by the settings, where the format in force
+// is worked out from them too.
+using settings::ChannelMode;
+using settings::kAltPresetNames;
+using settings::kAthControlNames;
+using settings::kChannelModeNames;
+using settings::kEmphasisNames;
+using settings::kMp3Frequencies;
+using settings::kMp3FrequencyNames;
+using settings::kMp3SliderBitRates;
+using settings::kPresetNames;
+using settings::kVbrMethodNames;
+using settings::loadMp3Settings;
+using settings::Mp3Settings;
+using settings::storeMp3Settings;
+using settings::VbrMethod;
 
 // "Current bitrate: 32 kbit"
 std::string bitRateCaption(int bitRateIndex);

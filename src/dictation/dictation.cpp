@@ -164,7 +164,8 @@ void Dictation::ResetRecorderState() {
 
 void Dictation::prepareFormat(const engine::FormatGroup& group) {
     const engine::FormatChoice choice =
-        engine::FigureOutFileFormats(group, conversion::rawLayoutInForce(dataFolder_));
+        engine::FigureOutFileFormats(group, conversion::rawLayoutInForce(dataFolder_),
+                                     conversion::mp3EncodingInForce(dataFolder_));
     state_.CurrentFormatType = choice.CurrentFormatType;
     state_.TrueSpeech = choice.TrueSpeech;
     AudioEditor1.setTempFileName(temporaryFolder());

@@ -159,6 +159,9 @@ class Dictation : private NamingHooks {
     void CaseUndo();
     void CaseRedo();
     void CaseInsSilence();
+    // The letter resampled and remixed to the rate and channels given, and saved
+    // in them from then on; refused while a take records.
+    void CaseConvertSampleType(int samplesPerSecond, int channels);
     void CaseInsertAppend();
     void CasePlayRec();
     void CaseSave();

@@ -57,6 +57,28 @@ void Dictation::CaseRedo() {
     state_.FileChanged = true;
 }
 
+void Dictation::CaseConvertSampleType(int samplesPerSecond, int channels) {
+    trace("File Convert: " + state_.Filename);
+    if (refusedWhileRecording("CaseConvertSampleType")) return;
+    if (!state_.flgfileOpen1) return;
+    state_.WhichBut = "Convert";
+    // Listening ends here: the document is rebuilt under the player.
+    AudioEditor1.Stop();
+    if (auto converted = AudioEditor1.ConvertSampleType(samplesPerSecond, channels); !converted) {
+        prompts_.showMessage("The recording could not be converted: " + converted.error(),
+                             settings::kProductTitle);
+        return;
+    }
+    engine::TargetFormat target = AudioEditor1.chosenFormat();
+    target.sampleRate = AudioEditor1.SamplesPerSecond();
+    target.channels = AudioEditor1.Channels();
+    AudioEditor1.chooseFormat(target);
+    state_.FileChanged = true;
+    state_.iTotalSecFile = secondsOf(AudioEditor1.Length());
+    screen().statusPanel2 = sizeText();
+    changed();
+}
+
 void Dictation::CaseInsSilence() {
     trace("File Insert Silence: " + state_.Filename);
     if (refusedWhileRecording("CaseInsSilence")) return;

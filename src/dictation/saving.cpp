@@ -293,7 +293,8 @@ void Dictation::OpenFile() {
     // Later saves keep the file's own format, at its own rate and channels.
     engine::TargetFormat target =
         engine::FigureOutFileFormats(chosenFormatGroup(record),
-                                     conversion::rawLayoutInForce(dataFolder_))
+                                     conversion::rawLayoutInForce(dataFolder_),
+                                     conversion::mp3EncodingInForce(dataFolder_))
             .target;
     const auto dot = state_.Filename.find_last_of('.');
     if (dot != std::string::npos) {

@@ -137,6 +137,9 @@ class AudioEditor {
     // Replaces the selection, or inserts at the cursor when there is none.
     virtual platform::Result<void> Paste() = 0;
     virtual platform::Result<void> PasteFile(const std::string& path) = 0;
+    // The whole document resampled and remixed to a new rate and channel count,
+    // as a fresh document: what was undoable before is gone. Only when stopped.
+    virtual platform::Result<void> ConvertSampleType(int samplesPerSecond, int channels) = 0;
 
     // Events.
     std::function<void(const BlockOperationEvent&)> onBlockOperation;

@@ -6,7 +6,7 @@
 namespace ovd::engine {
 
 namespace {
-constexpr std::array<std::pair<FormatWord, std::string_view>, 7> kWords = {{
+constexpr std::array<std::pair<FormatWord, std::string_view>, 8> kWords = {{
     {FormatWord::WAV, "WAV"},
     {FormatWord::MP3, "MP3"},
     {FormatWord::MP2, "MP2"},
@@ -14,6 +14,7 @@ constexpr std::array<std::pair<FormatWord, std::string_view>, 7> kWords = {{
     {FormatWord::VOX, "VOX"},
     {FormatWord::RAW, "RAW"},
     {FormatWord::DSP, "DSP"},
+    {FormatWord::OGG, "OGG"},
 }};
 }  // namespace
 

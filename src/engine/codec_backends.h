@@ -27,7 +27,7 @@ inline constexpr const char* kCancelledText = "cancelled";
 
 // WAV, VOX, RAW and DSP, written through fd (open, locked and empty).
 platform::Result<void> encodeWithSndfile(const EncodeJob& job, int fd, const std::string& path);
-// MP3, MP2 and WMA, written through fd (open, locked and empty).
+// MP3, MP2, WMA and Ogg Vorbis, written through fd (open, locked and empty).
 platform::Result<void> encodeWithFfmpeg(const EncodeJob& job, int fd, const std::string& path);
 
 // A file written a block at a time, from audio already at the rate and channels
@@ -59,7 +59,8 @@ platform::Result<std::unique_ptr<EncodedStream>> openSndfileStream(int fd, const
                                                                    const TargetFormat& target,
                                                                    const PcmFormat& format,
                                                                    const FileTags& tags);
-// MP3 or MP2 through the codec library. An MP3 stream rewrites its Info frame at
+// MP3, MP2, WMA or Ogg Vorbis through the codec library; an Ogg stream puts out
+// its page at every sync. An MP3 stream rewrites its Info frame at
 // every sync, so readers that trust it find every frame written so far.
 platform::Result<std::unique_ptr<EncodedStream>> openFfmpegStream(int fd, const std::string& path,
                                                                   const TargetFormat& target,

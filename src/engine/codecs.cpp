@@ -37,7 +37,8 @@ int nearestRate(int wanted, const std::array<int, N>& rates) {
 }
 
 bool throughFfmpeg(FormatWord word) {
-    return word == FormatWord::MP3 || word == FormatWord::MP2 || word == FormatWord::WMA;
+    return word == FormatWord::MP3 || word == FormatWord::MP2 || word == FormatWord::WMA ||
+           word == FormatWord::OGG;
 }
 
 }  // namespace
@@ -64,6 +65,7 @@ PcmFormat encodedPcmFormat(const TargetFormat& target, const PcmFormat& source) 
             break;
         case FormatWord::WAV:
         case FormatWord::RAW:
+        case FormatWord::OGG:
             break;
     }
     return out;

@@ -2,7 +2,7 @@
 // Audio files in and out: reading any recording format into 16-bit frames, and
 // writing frames in a chosen format, resampled and remixed as the format needs.
 // WAV, RAW, VOX and GSM ("DSP") are written by the sound-file library; MP3, MP2
-// and WMA by the codec library. Reading tries the sound-file library first.
+// WMA and Ogg Vorbis by the codec library. Reading tries the sound-file library first.
 // Nothing of either library shows here.
 
 #include <cstdint>

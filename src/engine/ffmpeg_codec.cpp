@@ -1,9 +1,9 @@
-// MP3, MP2 and WMA through the codec library: MP3 by LAME in a stream that
-// opens with an Info frame, MPEG layer II in a plain .mp2 stream, and WMA
-// version 2 in an ASF file. MP3 goes this way rather than through the sound-file
-// library because LAME alone leaves the Info frame out when a frame is too small
-// to hold it (32 kbit at 16 kHz): without it every reader hears the encoder's
-// start-up and padding, a tenth of a second more than was dictated.
+// MP3, MP2, WMA and Ogg Vorbis through the codec library: MP3 by LAME in a
+// stream that opens with an Info frame, MPEG layer II in a plain .mp2 stream, WMA
+// version 2 in an ASF file and Vorbis in Ogg pages. MP3 goes this way rather than through the
+// sound-file library because LAME alone leaves the Info frame out when a frame is too small to hold
+// it (32 kbit at 16 kHz): without it every reader hears the encoder's start-up and padding, a tenth
+// of a second more than was dictated.
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -55,8 +55,31 @@ Recipe recipeFor(FormatWord word) {
             return {"libmp3lame", "mp3"};
         case FormatWord::MP2:
             return {"mp2", "mp2"};
+        case FormatWord::OGG:
+            return {"libvorbis", "ogg"};
         default:
             return {"wmav2", "asf"};
+    }
+}
+
+// The Ogg options in the Vorbis encoder's terms: a quality (which the codec
+// library takes in tenths), or a nominal rate held between two bounds; without a
+// variable rate the bounds close on the nominal rate.
+void applyOggEncoding(AVCodecContext* codec, const OggEncoding& ogg) {
+    if (ogg.byQuality) {
+        codec->flags |= AV_CODEC_FLAG_QSCALE;
+        codec->global_quality = std::clamp(ogg.quality, 0, 10) * FF_QP2LAMBDA;
+        codec->bit_rate = 0;
+        return;
+    }
+    const std::int64_t nominal = std::max(ogg.nominalKbps, 8) * std::int64_t{1000};
+    codec->bit_rate = nominal;
+    if (ogg.variable) {
+        codec->rc_min_rate = std::min<std::int64_t>(ogg.minKbps * std::int64_t{1000}, nominal);
+        codec->rc_max_rate = std::max<std::int64_t>(ogg.maxKbps * std::int64_t{1000}, nominal);
+    } else {
+        codec->rc_min_rate = nominal;
+        codec->rc_max_rate = nominal;
     }
 }
 
@@ -76,7 +99,7 @@ int nearestKbps(int wanted, const std::array<int, N>& rates) {
 
 // The bit rate sent to the encoder, in bit/s; 0 leaves the choice to it.
 std::int64_t encoderBitRate(const TargetFormat& target, int sampleRate) {
-    if (target.bitrateKbps <= 0) return 0;
+    if (target.bitrateKbps <= 0 || target.word == FormatWord::OGG) return 0;
     const bool mpeg1 = sampleRate > 24000;
     int kbps = target.bitrateKbps;
     switch (target.word) {
@@ -91,6 +114,29 @@ std::int64_t encoderBitRate(const TargetFormat& target, int sampleRate) {
             break;
     }
     return static_cast<std::int64_t>(kbps) * 1000;
+}
+
+// What the MP3 options say about how the bits are spent, in the encoder's own
+// options. A variable rate asks for a quality rather than a rate; an average
+// rate keeps to the mean it is given whatever the format group's bit rate.
+void applyMp3Encoding(AVCodecContext* codec, const Mp3Encoding& mp3, AVDictionary** options) {
+    switch (mp3.rate) {
+        case Mp3Encoding::Rate::Constant:
+            break;
+        case Mp3Encoding::Rate::Variable:
+            codec->flags |= AV_CODEC_FLAG_QSCALE;
+            codec->global_quality = std::clamp(mp3.variableQuality, 0, 9) * FF_QP2LAMBDA;
+            codec->bit_rate = 0;
+            break;
+        case Mp3Encoding::Rate::Average:
+            av_dict_set(options, "abr", "1", 0);
+            codec->bit_rate = static_cast<std::int64_t>(std::clamp(mp3.averageKbps, 8, 320)) * 1000;
+            break;
+    }
+    av_dict_set(options, "joint_stereo", mp3.jointStereo ? "1" : "0", 0);
+    av_dict_set(options, "reservoir", mp3.bitReservoir ? "1" : "0", 0);
+    if (mp3.quality >= 0) codec->compression_level = std::clamp(mp3.quality, 0, 9);
+    if (mp3.lowPassHz > 0) codec->cutoff = mp3.lowPassHz;
 }
 
 bool supportsSampleFormat(AVSampleFormat format) {
@@ -171,6 +217,12 @@ class FfmpegStream final : public EncodedStream {
     }
 
     platform::Result<void> sync() override {
+        // An Ogg muxer holds packets until a page is full: the page goes out now,
+        // so what is saved so far reads back.
+        if (target_.word == FormatWord::OGG) {
+            const int code = av_write_frame(output_.get(), nullptr);
+            if (code < 0) return failure("can't write", code);
+        }
         avio_flush(io_.get());
         if (io_->error < 0) return failure("can't write", io_->error);
         if (!info_ && !asf_) return platform::Result<void>::success();
@@ -182,6 +234,7 @@ class FfmpegStream final : public EncodedStream {
         // The encoder's start-up as the muxer counts it: what it reports less the decoder's delay.
         tally.startPadding = std::max(codec_->initial_padding - kDecoderDelaySamples, 0);
         tally.endPadding = kDecoderDelaySamples;
+        tally.frameStarts = frameStarts_;
         const std::vector<std::uint8_t> frame = info_->describing(tally);
         const auto written =
             ::pwrite(fd_, frame.data(), frame.size(), static_cast<off_t>(info_->offset()));
@@ -272,7 +325,11 @@ class FfmpegStream final : public EncodedStream {
         codec_->time_base = AVRational{1, pcm_.sampleRate};
         if (output_->oformat->flags & AVFMT_GLOBALHEADER)
             codec_->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
-        code = avcodec_open2(codec_.get(), codec, nullptr);
+        AVDictionary* options = nullptr;
+        if (target_.word == FormatWord::MP3) applyMp3Encoding(codec_.get(), target_.mp3, &options);
+        if (target_.word == FormatWord::OGG) applyOggEncoding(codec_.get(), target_.ogg);
+        code = avcodec_open2(codec_.get(), codec, &options);
+        av_dict_free(&options);
         if (code < 0)
             return failure("can't start the " + formatWordText(target_.word) + " encoder for",
                            code);
@@ -400,6 +457,7 @@ class FfmpegStream final : public EncodedStream {
     void count(const AVPacket& packet) {
         const auto size = static_cast<std::size_t>(packet.size);
         ++tally_.frames;
+        frameStarts_.push_back(tally_.bytes);
         tally_.bytes += size;
         tally_.crc = mp3Crc16(tally_.crc, packet.data, size);
         if (size >= 3) {
@@ -427,6 +485,7 @@ class FfmpegStream final : public EncodedStream {
     std::optional<Mp3InfoFrame> info_;
     std::optional<AsfCounts> asf_;
     Mp3Tally tally_;
+    std::vector<std::uint64_t> frameStarts_;  // of every frame after the Info frame
     int firstBitrateIndex_ = -1;
 };
 

@@ -58,7 +58,8 @@ std::string fileFilterFor(std::string_view formatWord) {
     return {};
 }
 
-FormatChoice FigureOutFileFormats(const FormatGroup& group, const RawSettings& raw) {
+FormatChoice FigureOutFileFormats(const FormatGroup& group, const RawSettings& raw,
+                                  const Mp3Encoding& mp3) {
     FormatChoice choice;
     choice.normalised = group;
     const int bits = parseInt(group.FileBit);
@@ -77,7 +78,10 @@ FormatChoice FigureOutFileFormats(const FormatGroup& group, const RawSettings& r
     choice.recording = {takeRate, channels};
     choice.CurrentFormatType = group.FormatType;
 
-    const auto word = parseFormatWord(group.FormatType).value_or(FormatWord::RAW);
+    auto word = parseFormatWord(group.FormatType).value_or(FormatWord::RAW);
+    // Ogg is saved from the editor only: as a recording format it is a word the
+    // lists don't have, and goes the way of every other such word.
+    if (word == FormatWord::OGG) word = FormatWord::RAW;
     target.word = word;
     switch (word) {
         case FormatWord::DSP:
@@ -95,6 +99,7 @@ FormatChoice FigureOutFileFormats(const FormatGroup& group, const RawSettings& r
         case FormatWord::MP3:
             // The encoder takes the stored bit rate as it stands, listed or not.
             target.bitrateKbps = bits;
+            target.mp3 = mp3;
             break;
         case FormatWord::VOX:
             target.channels = 1;
@@ -103,6 +108,7 @@ FormatChoice FigureOutFileFormats(const FormatGroup& group, const RawSettings& r
         case FormatWord::WAV:
             target.bitsPerSample = bits == 8 || bits == 24 || bits == 32 ? bits : 16;
             break;
+        case FormatWord::OGG:
         case FormatWord::RAW:
             // Anything not a known word is saved raw, as the RAW options say.
             target.word = FormatWord::RAW;

@@ -36,7 +36,10 @@ struct FormatChoice {
     TargetFormat target;  // what SaveAs writes
 };
 
-FormatChoice FigureOutFileFormats(const FormatGroup& group, const RawSettings& raw = {});
+// An MP3 takes its rate, channels and bit rate from the group and the rest of
+// its encoding from mp3.
+FormatChoice FigureOutFileFormats(const FormatGroup& group, const RawSettings& raw = {},
+                                  const Mp3Encoding& mp3 = {});
 
 // The lists the format boxes offer, in their order.
 inline constexpr std::array<std::string_view, 7> kFormatNames = {"DSP", "MP2", "MP3", "RAW",

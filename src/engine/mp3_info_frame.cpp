@@ -119,8 +119,11 @@ std::vector<std::uint8_t> Mp3InfoFrame::describing(const Mp3Tally& tally) const 
     writeU32(tag + 8, tally.frames);
     writeU32(tag + 12, total32);
     std::uint8_t* toc = tag + 16;
+    const std::size_t starts = tally.frameStarts.size();
     for (std::size_t i = 0; i < kTocEntries; ++i) {
-        const std::uint64_t position = frame.size() + tally.bytes * i / kTocEntries;
+        const std::uint64_t into = starts > 0 ? tally.frameStarts[i * starts / kTocEntries]
+                                              : tally.bytes * i / kTocEntries;
+        const std::uint64_t position = frame.size() + into;
         toc[i] = static_cast<std::uint8_t>(
             std::min<std::uint64_t>(255, total ? 256 * position / total : 0));
     }

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -20,6 +21,10 @@ struct Mp3Tally {
     // Decoded samples at the start and at the end that are not part of the recording.
     int startPadding = 0;
     int endPadding = 0;
+    // Where each frame starts, counted from the first after the Info frame; the
+    // table of contents follows them, so a reader seeks right in a file whose
+    // frames differ in length. Empty: frames of one length.
+    std::span<const std::uint64_t> frameStarts;
 };
 
 class Mp3InfoFrame {

@@ -137,6 +137,7 @@ int sndfileFormatOf(const TargetFormat& target) {
         case FormatWord::MP3:
         case FormatWord::MP2:
         case FormatWord::WMA:
+        case FormatWord::OGG:
             break;
     }
     return 0;

@@ -97,7 +97,7 @@ class WaveEditor : public AudioEditor {
 
     // Brings the whole document to another rate and channel count (the "convert
     // sample type" choice). The document gets a new work file; undo starts afresh.
-    platform::Result<void> ConvertSampleType(int samplesPerSecond, int channels);
+    platform::Result<void> ConvertSampleType(int samplesPerSecond, int channels) override;
 
     [[nodiscard]] bool saving() const override { return saving_.load(); }
     // Waits for a running save to end (the station's exit).

@@ -350,4 +350,140 @@ void LayoutWindow::apply() {
     }
 }
 
+OggOptionsWindow::OggOptionsWindow(configuration::OggOptionsDialog& model, QWidget* parent)
+    : QDialog(parent), model_(model) {
+    setObjectName("frmOgg");
+    setWindowTitle(tr("Ogg Vorbis Options"));
+    setModal(true);
+    configuration::OggSettings& s = model_.settings;
+    const int lastRate = static_cast<int>(configuration::kOggBitRates.size()) - 1;
+    const auto slider = [lastRate](const char* name, int last) {
+        auto* made = named(new QSlider(Qt::Horizontal), name);
+        made->setRange(0, last < 0 ? lastRate : last);
+        made->setMinimumWidth(220);
+        return made;
+    };
+    auto* frequency = listBox("cmbFrequency", configuration::kMp3FrequencyNames);
+    auto* mode = listBox("cmbChMode", configuration::kOggChannelModeNames);
+    auto* qualityOn = named(new QCheckBox(tr("Quality Enabled")), "chQuality");
+    auto* quality = slider("sldrQuality", 10);
+    auto* vbrOn = named(new QCheckBox(tr("VBR Enabled")), "chVbr");
+    auto* nominal = slider("sldrBitrate", -1);
+    auto* minimum = slider("sldrMinBitrate", -1);
+    auto* maximum = slider("sldrMaxBitrate", -1);
+    auto* nominalLabel = named(new QLabel, "lblBitrate");
+    auto* minLabel = named(new QLabel, "lblMinBitrate");
+    auto* maxLabel = named(new QLabel, "lblMaxBitrate");
+
+    auto* column = new QVBoxLayout(this);
+    auto* general = new QGridLayout;
+    general->addWidget(new QLabel(tr("Frequency")), 0, 0);
+    general->addWidget(frequency, 0, 1);
+    general->addWidget(new QLabel(tr("Channel mode")), 1, 0);
+    general->addWidget(mode, 1, 1);
+    column->addLayout(general);
+    auto* qualityBox = new QGroupBox(tr("Quality"));
+    auto* qualityGrid = new QGridLayout(qualityBox);
+    qualityGrid->addWidget(qualityOn, 0, 0, 1, 3);
+    qualityGrid->addWidget(new QLabel(tr("smaller")), 1, 0);
+    qualityGrid->addWidget(quality, 1, 1);
+    qualityGrid->addWidget(new QLabel(tr("better")), 1, 2);
+    column->addWidget(qualityBox);
+    auto* rateBox = new QGroupBox(tr("Bit rate"));
+    auto* rateGrid = new QGridLayout(rateBox);
+    rateGrid->addWidget(nominalLabel, 0, 0);
+    rateGrid->addWidget(nominal, 0, 1);
+    rateGrid->addWidget(vbrOn, 1, 0, 1, 2);
+    rateGrid->addWidget(minLabel, 2, 0);
+    rateGrid->addWidget(minimum, 2, 1);
+    rateGrid->addWidget(maxLabel, 3, 0);
+    rateGrid->addWidget(maximum, 3, 1);
+    column->addWidget(rateBox);
+
+    const auto changed = [this] { refresh(); };
+    connect(frequency, &QComboBox::activated, this, [&s, changed](int i) {
+        s.frequencyIndex = i;
+        changed();
+    });
+    connect(mode, &QComboBox::activated, this, [&s, changed](int i) {
+        s.stereo = i == 1;
+        changed();
+    });
+    connect(qualityOn, &QCheckBox::toggled, this, [&s, changed](bool on) {
+        s.qualityEnabled = on;
+        changed();
+    });
+    connect(quality, &QSlider::valueChanged, this, [&s, changed](int v) {
+        s.quality = v;
+        changed();
+    });
+    connect(vbrOn, &QCheckBox::toggled, this, [&s, changed](bool on) {
+        s.vbrEnabled = on;
+        changed();
+    });
+    connect(nominal, &QSlider::valueChanged, this, [&s, changed](int v) {
+        s.bitRateIndex = v;
+        changed();
+    });
+    connect(minimum, &QSlider::valueChanged, this, [this, changed](int v) {
+        model_.setMinBitRateIndex(v);
+        changed();
+    });
+    connect(maximum, &QSlider::valueChanged, this, [this, changed](int v) {
+        model_.setMaxBitRateIndex(v);
+        changed();
+    });
+    refreshers_.push_back([this, frequency, mode, qualityOn, quality, vbrOn, nominal, minimum,
+                           maximum, nominalLabel, minLabel, maxLabel] {
+        const configuration::OggSettings& now = model_.settings;
+        const QSignalBlocker b1(frequency), b2(mode), b3(qualityOn), b4(quality), b5(vbrOn),
+            b6(nominal), b7(minimum), b8(maximum);
+        frequency->setCurrentIndex(now.frequencyIndex);
+        mode->setCurrentIndex(now.stereo ? 1 : 0);
+        qualityOn->setChecked(now.qualityEnabled);
+        quality->setValue(now.quality);
+        vbrOn->setChecked(now.vbrEnabled);
+        nominal->setValue(now.bitRateIndex);
+        minimum->setValue(now.minBitRateIndex);
+        maximum->setValue(now.maxBitRateIndex);
+        quality->setEnabled(model_.qualitySliderEnabled());
+        nominal->setEnabled(model_.bitRateSlidersEnabled());
+        vbrOn->setEnabled(model_.bitRateSlidersEnabled());
+        minimum->setEnabled(model_.boundSlidersEnabled());
+        maximum->setEnabled(model_.boundSlidersEnabled());
+        nominalLabel->setText(QString::fromStdString(model_.nominalLabel()));
+        minLabel->setText(QString::fromStdString(model_.minLabel()));
+        maxLabel->setText(QString::fromStdString(model_.maxLabel()));
+    });
+
+    auto* buttons = new QHBoxLayout;
+    auto* ok = named(new QPushButton(tr("OK")), "cmdOK");
+    auto* apply = named(new QPushButton(tr("Apply")), "cmdApply");
+    auto* cancel = named(new QPushButton(tr("Cancel")), "cmdCancel");
+    buttons->addStretch();
+    buttons->addWidget(ok);
+    buttons->addWidget(apply);
+    buttons->addWidget(cancel);
+    column->addLayout(buttons);
+    // Options that can't be kept still go to this save; they are kept again at the next apply.
+    connect(apply, &QPushButton::clicked, this, [this] { (void)model_.apply(); });
+    connect(ok, &QPushButton::clicked, this, [this] {
+        (void)model_.apply();
+        accept();
+    });
+    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    refresh();
+}
+
+void OggOptionsWindow::refresh() {
+    for (const auto& refresher : refreshers_) refresher();
+}
+
+std::optional<engine::TargetFormat> askOggOptions(const std::string& dataFolder, QWidget* parent) {
+    configuration::OggOptionsDialog model(dataFolder);
+    OggOptionsWindow window(model, parent);
+    if (window.exec() != QDialog::Accepted) return std::nullopt;
+    return model.target();
+}
+
 }  // namespace ovd::ui

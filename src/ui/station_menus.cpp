@@ -6,9 +6,11 @@
 
 #include "devices/hands_free.h"
 #include "dictation/dictation.h"
+#include "engine/wave_editor.h"
 #include "settings/config_file.h"
 #include "ui/compose_mail_window.h"
 #include "ui/configuration_windows.h"
+#include "ui/convert_window.h"
 #include "ui/drive_scan_window.h"
 #include "ui/ftp_setup_window.h"
 #include "ui/ftp_transfer_window.h"
@@ -100,6 +102,12 @@ void StationMenus::buildEdit() {
     add(edit, "mnuCopy", QObject::tr("&Copy"), key("Copy"))->setShortcut(QKeySequence::Copy);
     add(edit, "mnuPaste", QObject::tr("&Paste"), key("Paste"))->setShortcut(QKeySequence::Paste);
     add(edit, "mnuInsSilence", QObject::tr("Insert &Silence"), key("InsSilence"));
+    add(edit, "mnuConvert", QObject::tr("Con&vert Sample Type..."), [this, &d] {
+        const engine::WaveEditor& editor = parts_.recordingEditor;
+        askConvertSampleType(
+            editor.SamplesPerSecond(), editor.Channels(),
+            [&d](int rate, int channels) { d.CaseConvertSampleType(rate, channels); }, &window_);
+    });
 }
 
 void StationMenus::buildView() {

@@ -167,6 +167,25 @@ TEST_F(EmailAtSaveTest, TheChosenCompanyNamesTheEmailDelivery) {
     EXPECT_EQ(stored().AutoEmailName, "Typing Co");
 }
 
+TEST_F(EmailAtSaveTest, TheChosenCompanyBecomesTheDefaultReceiverWithItsKey) {
+    emailSetUp();
+    defaultReceiver();  // typing@example.org until now
+    settings::EmailReceiversTable table(folder.path());
+    ASSERT_TRUE(table.saveReceiver({"Scribe Ltd", "scribe@example.org", "RXKEY7", "", false}));
+    FileSavesForm& f = open();
+    f.setAutoEmail(true);
+    f.chooseReceiverCompany("Scribe Ltd");
+    ASSERT_EQ(f.save(), SaveOutcome::Saved);
+    const auto defaults = platform::readWholeFile(folder.file(settings::kDefaultsFileName));
+    ASSERT_TRUE(defaults);
+    const auto document = settings::IniDocument::parse(*defaults);
+    EXPECT_EQ(document.value(settings::kDefaultEmailSection, "DefaultRecEMail"),
+              "scribe@example.org");
+    EXPECT_EQ(document.value(settings::kDefaultEmailSection, "RECEncryptKey"), "RXKEY7");
+    EXPECT_EQ(settings::LoadDefaultEmail(settings::CompanyRecords(folder.path())).DefaultRecEMail,
+              "scribe@example.org");
+}
+
 TEST_F(FileSavesTest, FtpWithoutADefaultSiteIsAskedAbout) {
     FileSavesForm& f = open();
     f.setAutoFtp(true);

@@ -144,8 +144,8 @@ TEST_P(FileSavesWindowTest, ALetterComesOutAsTheWindowSetIt) {
     EXPECT_TRUE(disk.AutoSend1);
     EXPECT_EQ(disk.SendToOne, destination);
 
-    // The first letter of the run opens in the new settings; 7 was the number in
-    // use, so this one is the next.
+    // The first letter of the run opens in the new settings. "starting at" holds
+    // the last number used, not the next one: starting at 7 makes this letter 0008.
     s.advance(3000);
     window->render();
     const std::string name = "AB0008.MP3";

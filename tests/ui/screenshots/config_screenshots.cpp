@@ -76,6 +76,13 @@ int main(int argc, char** argv) {
         testing::saveScreenshot(window, output, "config-mp3.png");
     }
     {
+        configuration::OggOptionsDialog model(data.path());
+        model.settings.qualityEnabled = false;
+        model.settings.vbrEnabled = true;
+        ui::OggOptionsWindow window(model, nullptr);
+        save(window, output, "config-ogg.png");
+    }
+    {
         ui::LayoutWindow window(ui::LayoutWindow::Kind::Vox, data.path(), nullptr, nullptr);
         testing::saveScreenshot(window, output, "config-vox.png");
     }
