@@ -162,6 +162,9 @@ void Dictation::timSave_Timer() {
 
 void Dictation::timsync_Timer() {
     timsync.setEnabled(false);
+    // A take stopped before this tick is over: lamps or its opening sound now would
+    // show a take while nothing records.
+    if (!state_.Recordingstatus) return;
     timLight_Timer();
     timLight.setEnabled(true);
     if (config_.record.VoicePrompts) {

@@ -65,6 +65,21 @@ TEST_F(DictationTest, NewRecordStopPlayPauseContinueToTheEnd) {
     EXPECT_EQ(prompts.transcript().size(), 0u);
 }
 
+// A take stopped before its opening sound is due: the lamps don't light afterwards
+// for a take that is over, and the sound that opens a take is not heard.
+TEST_F(DictationTest, ATakeStoppedAtOnceLeavesTheLampsDarkAndSilent) {
+    d().newLetter();
+    d().recordTake();
+    run(100);
+    d().stop();
+    const std::size_t soundsAtStop = backend.promptsPlayed().size();
+    run(1000);
+    EXPECT_FALSE(state().Recordingstatus);
+    EXPECT_FALSE(view().onAirLamp1 || view().onAirLamp2) << "the lamps are off";
+    EXPECT_FALSE(view().lblOnAirVisible && view().lblOnAir == "ON AIR");
+    EXPECT_EQ(backend.promptsPlayed().size(), soundsAtStop);
+}
+
 TEST_F(DictationTest, StopDuringPlaybackPausesAndASecondStopEnds) {
     dictate(2000);
     d().goToBeginning();

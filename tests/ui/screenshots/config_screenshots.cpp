@@ -80,7 +80,7 @@ int main(int argc, char** argv) {
         model.settings.qualityEnabled = false;
         model.settings.vbrEnabled = true;
         ui::OggOptionsWindow window(model, nullptr);
-        save(window, output, "config-ogg.png");
+        testing::saveScreenshot(window, output, "config-ogg.png");
     }
     {
         ui::LayoutWindow window(ui::LayoutWindow::Kind::Vox, data.path(), nullptr, nullptr);

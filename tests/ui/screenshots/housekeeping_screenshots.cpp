@@ -10,6 +10,7 @@
 #include "housekeeping/housekeeping.h"
 #include "housekeeping/scan_settings.h"
 #include "platform/files.h"
+#include "screenshot_shots.h"
 #include "settings/config_file.h"
 #include "settings/event_log.h"
 #include "support/scripted_prompts.h"
@@ -22,25 +23,14 @@ namespace {
 
 using namespace ovd;
 
-void save(QWidget& window, const std::string& folder, const char* name) {
-    window.show();
-    for (int i = 0; i < 20; ++i) QApplication::processEvents();
-    const std::string path = platform::joinPath(folder, name);
-    if (!window.grab().save(QString::fromStdString(path)))
-        std::cerr << "can't write " << path << '\n';
-    window.hide();
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
-    if (argc < 2) {
-        std::cerr << "usage: housekeeping_screenshots OUTPUT_FOLDER\n";
-        return 2;
-    }
-    const std::string output = argv[1];
-    if (!platform::createFolder(output)) std::cerr << "can't make " << output << '\n';
+    const auto outputFolder =
+        ovd::testing::screenshotFolder(argc, argv, "housekeeping_screenshots");
+    if (!outputFolder) return 2;
+    const std::string& output = *outputFolder;
     testing::TempFolder data;
     testing::ScriptedPrompts prompts;
     testing::VirtualEventLoop loop(testing::localTime(2026, 3, 2, 16, 45, 10));
@@ -68,11 +58,11 @@ int main(int argc, char** argv) {
 
     {
         ui::WeeklyDeleteWindow window(house);
-        save(window, output, "scheduled-deletion.png");
+        testing::saveScreenshot(window, output, "scheduled-deletion.png");
     }
     {
         ui::DriveScanWindow window(house, prompts);
-        save(window, output, "drive-scan-scheduler.png");
+        testing::saveScreenshot(window, output, "drive-scan-scheduler.png");
     }
     return 0;
 }

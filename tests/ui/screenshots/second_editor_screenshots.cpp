@@ -18,6 +18,7 @@
 #include "engine/virtual_backend.h"
 #include "engine/wave_editor.h"
 #include "platform/files.h"
+#include "screenshot_shots.h"
 #include "second_editor/second_editor.h"
 #include "support/scripted_prompts.h"
 #include "support/temp_folder.h"
@@ -82,12 +83,10 @@ bool shoot(QWidget& window, const std::string& path) {
 
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
-    if (argc < 2) {
-        std::cerr << "usage: second_editor_screenshots OUTPUT_FOLDER\n";
-        return 2;
-    }
-    const std::string output = argv[1];
-    if (!platform::createFolder(output)) std::cerr << "can't make " << output << '\n';
+    const auto outputFolder =
+        ovd::testing::screenshotFolder(argc, argv, "second_editor_screenshots");
+    if (!outputFolder) return 2;
+    const std::string& output = *outputFolder;
     ovd::testing::TempFolder folder;
     ovd::testing::VirtualEventLoop loop;
     ovd::testing::ScriptedPrompts prompts;

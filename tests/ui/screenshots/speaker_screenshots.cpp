@@ -16,6 +16,7 @@
 #include "engine/virtual_backend.h"
 #include "engine/wave_editor.h"
 #include "platform/files.h"
+#include "screenshot_shots.h"
 #include "settings/debug_trace.h"
 #include "support/scripted_prompts.h"
 #include "support/temp_folder.h"
@@ -53,15 +54,9 @@ bool shoot(QWidget& window, const std::string& path) {
 
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
-    if (argc < 2) {
-        std::cerr << "usage: speaker_screenshots OUTPUT_FOLDER\n";
-        return 2;
-    }
-    const std::string out = argv[1];
-    if (const auto done = platform::createFolder(out); !done) {
-        std::cerr << done.error() << "\n";
-        return 1;
-    }
+    const auto outputFolder = ovd::testing::screenshotFolder(argc, argv, "speaker_screenshots");
+    if (!outputFolder) return 2;
+    const std::string& out = *outputFolder;
     ovd::testing::TempFolder folder;
     ovd::testing::VirtualEventLoop loop{ovd::testing::localTime(2026, 3, 9, 9, 30, 0)};
     settings::ConfigFile config{folder.path()};
