@@ -218,7 +218,7 @@ int main(int argc, char** argv) {
         window->onScanConvert = [&station] { station.openScanConvertByHand(); };
         window->onAutoSend = [&station] { station.autoSendMenu().mnAutoSend_Click(); };
         window->autoSendCaption = [&station] { return station.autoSendMenu().Caption; };
-        ovd::ui::attachSecondEditorWindow(*window, station.secondEditor());
+        ovd::ui::attachSecondEditorWindow(*window, station.secondEditor(), dataFolder);
         static_cast<ovd::ui::QtPrompts&>(*prompts).setMainWindow(window.get());
         const auto setup = [&window, &config, &prompts, dataFolder](ovd::ui::RecordsWindow which) {
             return [&window, &config, &prompts, dataFolder, which] {

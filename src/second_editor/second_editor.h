@@ -44,6 +44,8 @@ struct SecondEditorParts {
     std::function<std::string()> recordingsFolder;
     // The rate and channels of a new document: the letter's.
     std::function<engine::PcmFormat()> newDocumentFormat;
+    // How a file named ".ogg" is written: the Ogg Vorbis options as they stand.
+    std::function<engine::TargetFormat()> oggFormat;
 };
 
 class SecondEditor {
@@ -95,6 +97,8 @@ class SecondEditor {
     void deleteSelection();  // Delete: the clipboard keeps what it held
     void undo();
     void redo();
+    // mnuConvert: the whole document to another rate and channel count.
+    void convertSampleType(int samplesPerSecond, int channels);
     void pasteFile();  // mnuPasteFile: asks for the file
     bool pasteFileFrom(const std::string& path);
     void mixClipboard();  // mnuMix
@@ -150,6 +154,9 @@ class SecondEditor {
     platform::Result<void> ensureDocument(const engine::PcmFormat& format);
     bool refusedForLetter();
     bool refusedWhileBusy();
+    // The format a Save As writes for a chosen name (".wav" added to a name without a
+    // known extension), at the document's rate and channels but for Ogg Vorbis.
+    [[nodiscard]] engine::TargetFormat targetFor(std::string& path) const;
     // Unsaved changes: saved, dropped, or kept with the window open (false).
     bool settleChanges();
     std::optional<std::string> askForAudioFile(const std::string& title);

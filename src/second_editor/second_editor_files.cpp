@@ -16,12 +16,10 @@ const std::vector<platform::FileFilter> kOpenFilters{
     {"MP3 Files", {"*.mp3"}},
 };
 
-// TODO(merge with the Ogg Vorbis saving): "Ogg Files" (*.ogg) joins these, and
-// formatForName gives ".ogg" its format word; the window's Ogg Vorbis Options entry
-// (SecondEditorWindow::onOggOptions) is wired in main() to the Ogg options window.
 const std::vector<platform::FileFilter> kSaveFilters{
     {"Wav Files", {"*.wav"}}, {"MP3 Files", {"*.mp3"}}, {"MP2 Files", {"*.mp2"}},
     {"WMA Files", {"*.wma"}}, {"VOX Files", {"*.vox"}}, {"RAW Files", {"*.raw"}},
+    {"Ogg Files", {"*.ogg"}},
 };
 
 std::string lowerExtension(const std::string& path) {
@@ -42,6 +40,7 @@ engine::FormatWord formatForName(std::string& path) {
     if (ext == "wma") return engine::FormatWord::WMA;
     if (ext == "vox") return engine::FormatWord::VOX;
     if (ext == "raw") return engine::FormatWord::RAW;
+    if (ext == "ogg") return engine::FormatWord::OGG;
     if (ext != "wav") path += ".wav";
     return engine::FormatWord::WAV;
 }
@@ -63,6 +62,16 @@ platform::Result<void> SecondEditor::ensureDocument(const engine::PcmFormat& for
         ++revision_;
     }
     return made;
+}
+
+engine::TargetFormat SecondEditor::targetFor(std::string& path) const {
+    engine::TargetFormat target;
+    target.word = formatForName(path);
+    // The Ogg Vorbis options choose the rate and channels too.
+    if (target.word == engine::FormatWord::OGG && parts_.oggFormat) return parts_.oggFormat();
+    target.sampleRate = parts_.editor.SamplesPerSecond();
+    target.channels = parts_.editor.Channels();
+    return target;
 }
 
 bool SecondEditor::settleChanges() {
@@ -159,11 +168,7 @@ bool SecondEditor::saveTo(const std::string& chosen) {
     if (!parts_.editor.hasDocument() || refusedWhileBusy()) return false;
     parts_.editor.Stop();
     std::string path = chosen;
-    engine::TargetFormat target;
-    target.word = formatForName(path);
-    target.sampleRate = parts_.editor.SamplesPerSecond();
-    target.channels = parts_.editor.Channels();
-    parts_.editor.chooseFormat(target);
+    parts_.editor.chooseFormat(targetFor(path));
     auto outcome = parts_.editor.SaveAs(path);
     if (!outcome) {
         tell("The file could not be saved: " + outcome.error());
@@ -215,11 +220,7 @@ bool SecondEditor::saveSelectionTo(const std::string& chosen) {
         return false;
     }
     std::string path = chosen;
-    engine::TargetFormat target;
-    target.word = formatForName(path);
-    target.sampleRate = e.SamplesPerSecond();
-    target.channels = e.Channels();
-    e.chooseFormat(target);
+    e.chooseFormat(targetFor(path));
     auto outcome = e.SaveSelectionAs(path);
     if (!outcome) {
         tell("The selection could not be saved: " + outcome.error());
@@ -288,6 +289,11 @@ void SecondEditor::deleteSelection() {
 void SecondEditor::undo() {
     if (refusedWhileBusy() || !parts_.editor.hasDocument()) return;
     edited(parts_.editor.Undo(), "Undo");
+}
+
+void SecondEditor::convertSampleType(int samplesPerSecond, int channels) {
+    if (refusedWhileBusy() || !parts_.editor.hasDocument()) return;
+    edited(parts_.editor.ConvertSampleType(samplesPerSecond, channels), "Convert Sample Type");
 }
 
 void SecondEditor::redo() {

@@ -3,6 +3,7 @@
 // and its work files kept apart from the letter's so the recovery never takes
 // them for a crashed letter.
 
+#include "configuration/ogg_options.h"
 #include "platform/files.h"
 #include "station/station.h"
 
@@ -33,6 +34,9 @@ void Station::makeSecondEditor() {
             if (AudioEditor1.hasDocument())
                 return engine::PcmFormat{AudioEditor1.SamplesPerSecond(), AudioEditor1.Channels()};
             return engine::PcmFormat{};
+        },
+        [this] {
+            return configuration::oggTargetOf(settings::loadOggSettings(parts_.dataFolder));
         }};
     secondEditor_ = std::make_unique<second_editor::SecondEditor>(std::move(parts));
     soundShare_.stopSecondEditor = [this] { secondEditor_->stopForLetter(); };

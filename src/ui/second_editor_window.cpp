@@ -22,6 +22,8 @@
 
 #include "second_editor/effect_menus.h"
 #include "second_editor/second_editor.h"
+#include "ui/convert_window.h"
+#include "ui/format_windows.h"
 #include "ui/qt_desktop_clipboard.h"
 #include "ui/second_editor_dialogs.h"
 #include "ui/spectral_view.h"
@@ -410,8 +412,9 @@ void SecondEditorWindow::closeEvent(QCloseEvent* event) {
     event->accept();
 }
 
-void attachSecondEditorWindow(StationWindow& station, second_editor::SecondEditor& editor) {
-    station.onSecondEditor = [&station, &editor] {
+void attachSecondEditorWindow(StationWindow& station, second_editor::SecondEditor& editor,
+                              const std::string& dataFolder) {
+    station.onSecondEditor = [&station, &editor, dataFolder] {
         auto* window = station.findChild<SecondEditorWindow*>("frmSecFile");
         if (!window) {
             window = new SecondEditorWindow(editor, &station);
@@ -420,6 +423,16 @@ void attachSecondEditorWindow(StationWindow& station, second_editor::SecondEdito
                 station.show();
                 station.raise();
                 station.activateWindow();
+            };
+            window->onOggOptions = [window, dataFolder] {
+                (void)askOggOptions(dataFolder, window);
+            };
+            window->onConvert = [window, &editor] {
+                const engine::WaveEditor& e = editor.editor();
+                askConvertSampleType(
+                    e.SamplesPerSecond(), e.Channels(),
+                    [&editor](int rate, int channels) { editor.convertSampleType(rate, channels); },
+                    window);
             };
         }
         window->show();

@@ -99,7 +99,9 @@ class StationWindow;
 
 // The main window's Insert Recording entry opens the second editor's window
 // (made the first time, owned by the main window from then on); "Work With
-// First File" brings the main window back to the front.
-void attachSecondEditorWindow(StationWindow& station, second_editor::SecondEditor& editor);
+// First File" brings the main window back to the front. The Ogg Vorbis options are
+// kept in the data folder.
+void attachSecondEditorWindow(StationWindow& station, second_editor::SecondEditor& editor,
+                              const std::string& dataFolder);
 
 }  // namespace ovd::ui

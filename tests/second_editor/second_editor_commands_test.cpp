@@ -270,4 +270,27 @@ TEST(EffectMenus, EveryEffectHasOneEntryWithAMenuText) {
 }
 
 }  // namespace
+// An ".ogg" name is written as the Ogg Vorbis options stand, their rate included;
+// a conversion changes the whole document and can be undone no further.
+TEST_F(SecondEditorTest, OggIsSavedAsItsOptionsSayAndAConversionTakesTheWholeDocument) {
+    oggChoice.word = engine::FormatWord::OGG;
+    oggChoice.sampleRate = 22050;
+    oggChoice.ogg.byQuality = true;
+    oggChoice.ogg.quality = 3;
+    const std::string ogg = folder.file("passage.ogg");
+    ASSERT_TRUE(second.saveTo(ogg));
+    editor.finishSaving();
+    loop.advance(platform::Milliseconds(200));
+    EXPECT_EQ(platform::readWholeFile(ogg).valueOr("").substr(0, 4), "OggS");
+    auto read = engine::AudioFileReader::open(ogg);
+    ASSERT_TRUE(read) << read.error();
+    EXPECT_EQ((*read)->format().sampleRate, 22050);
+
+    second.convertSampleType(8000, 2);
+    EXPECT_EQ(editor.SamplesPerSecond(), 8000);
+    EXPECT_EQ(editor.Channels(), 2);
+    EXPECT_EQ(editor.Length(), 2 * 8000);
+    EXPECT_TRUE(second.view().changed);
+}
+
 }  // namespace ovd::second_editor::testing

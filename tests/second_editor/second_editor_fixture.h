@@ -91,7 +91,9 @@ class SecondEditorTest : public ::testing::Test {
                                           [this] { return folder.path(); },
                                           [] {
                                               return engine::PcmFormat{kRate, 1};
-                                          }}};
+                                          },
+                                          [this] { return oggChoice; }}};
+    engine::TargetFormat oggChoice;
     std::string tone;
 };
 

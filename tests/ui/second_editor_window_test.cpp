@@ -63,17 +63,22 @@ class SecondEditorWindowTest : public StationWindowTest {
     }
 
     engine::WaveEditor secondFile{loop, backend, clipboard, "SecondEditor"};
-    second_editor::SecondEditor second{second_editor::SecondEditorParts{
-        loop, prompts, secondFile, clipboard, [this] { return state().Recordingstatus; },
-        [this] { return recordings; },
-        [] {
-            return engine::PcmFormat{kRate, 1};
-        }}};
+    second_editor::SecondEditor second{
+        second_editor::SecondEditorParts{loop,
+                                         prompts,
+                                         secondFile,
+                                         clipboard,
+                                         [this] { return state().Recordingstatus; },
+                                         [this] { return recordings; },
+                                         [] {
+                                             return engine::PcmFormat{kRate, 1};
+                                         },
+                                         {}}};
 };
 
 TEST_F(SecondEditorWindowTest, APreparedClipGoesIntoTheLetterAtTheCursor) {
     // Opened from the letter's Tools menu; "Work With First File" brings the letter back.
-    attachSecondEditorWindow(window(), second);
+    attachSecondEditorWindow(window(), second, folder.path());
     window().Form_Load();
     dictate(4000);
     const engine::SampleCount letterLength = editor1.Length();

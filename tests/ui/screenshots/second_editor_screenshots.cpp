@@ -94,11 +94,17 @@ int main(int argc, char** argv) {
     auto clipboard = std::make_shared<engine::Clipboard>();
     engine::WaveEditor editor{loop, backend, clipboard, "SecondEditor"};
     editor.setTempFileName(folder.file("work"));
-    second_editor::SecondEditor second{second_editor::SecondEditorParts{
-        loop, prompts, editor, clipboard, [] { return false; }, [&] { return folder.path(); },
-        [] {
-            return engine::PcmFormat{kRate, 1};
-        }}};
+    second_editor::SecondEditor second{
+        second_editor::SecondEditorParts{loop,
+                                         prompts,
+                                         editor,
+                                         clipboard,
+                                         [] { return false; },
+                                         [&] { return folder.path(); },
+                                         [] {
+                                             return engine::PcmFormat{kRate, 1};
+                                         },
+                                         {}}};
     const std::string passage = writePassage(folder.file("Passage for page 2.wav"), 6);
     if (!second.openFile(passage)) return 1;
     second.setSelectionStart(1.3);
