@@ -40,6 +40,8 @@
 
 namespace ovd::engine {
 
+class ConvertingSource;
+
 class WaveEditor : public AudioEditor {
   public:
     WaveEditor(platform::EventLoop& loop, AudioBackend& backend,
@@ -183,6 +185,13 @@ class WaveEditor : public AudioEditor {
                                       PieceList& added);
     // Copies audio into the work file, converted to the document's rate and channels.
     platform::Result<void> appendSource(PcmSource& source, const char* operation, PieceList& added);
+    // The source itself when it is in the document's rate and channels, else a
+    // conversion of it kept alive by `holder`.
+    platform::Result<PcmSource*> inDocumentFormat(PcmSource& source,
+                                                  std::unique_ptr<ConvertingSource>& holder) const;
+    // An existing file at path, locked so whoever waits for it to be free waits for
+    // the save about to start; nothing held when there is no file yet.
+    static platform::Result<platform::LockedFile> lockExistingFile(const std::string& path);
     void rememberForUndo();
     void restore(const Snapshot& snapshot);
     void insertPieces(SampleCount at, const PieceList& pieces);

@@ -80,17 +80,22 @@ platform::Result<void> WaveEditor::ConvertSampleType(int samplesPerSecond, int c
     return platform::Result<void>::success();
 }
 
+platform::Result<PcmSource*> WaveEditor::inDocumentFormat(
+    PcmSource& source, std::unique_ptr<ConvertingSource>& holder) const {
+    if (source.format() == document_.format()) return &source;
+    auto created = ConvertingSource::create(source, document_.format());
+    if (!created) return created.failed();
+    holder = std::move(*created);
+    return static_cast<PcmSource*>(holder.get());
+}
+
 platform::Result<void> WaveEditor::appendSource(PcmSource& source, const char* operation,
                                                 PieceList& added) {
     // Audio of another rate or channel count is brought to the document's on the way in.
     std::unique_ptr<ConvertingSource> converted;
-    PcmSource* input = &source;
-    if (!(source.format() == document_.format())) {
-        auto created = ConvertingSource::create(source, document_.format());
-        if (!created) return created.failed();
-        converted = std::move(*created);
-        input = converted.get();
-    }
+    auto converting = inDocumentFormat(source, converted);
+    if (!converting) return converting.failed();
+    PcmSource* input = *converting;
     const SampleCount range = input->frames();
     emitBlock(BlockOperationEvent::Phase::Start, operation, 0, range);
     const SampleCount first = workFile_->frames();

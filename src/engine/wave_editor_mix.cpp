@@ -38,13 +38,9 @@ std::string WaveEditor::scratchFolder() const {
 
 platform::Result<void> WaveEditor::mixSource(PcmSource& source, const char* operation) {
     std::unique_ptr<ConvertingSource> converted;
-    PcmSource* input = &source;
-    if (!(source.format() == document_.format())) {
-        auto created = ConvertingSource::create(source, document_.format());
-        if (!created) return created.failed();
-        converted = std::move(*created);
-        input = converted.get();
-    }
+    auto converting = inDocumentFormat(source, converted);
+    if (!converting) return converting.failed();
+    PcmSource* input = *converting;
     const SampleCount at = cursor_;
     const auto channels = static_cast<std::size_t>(document_.format().channels);
     DocumentSource under(document_.format(), document_.slice(at, document_.length()));
@@ -105,14 +101,8 @@ platform::Result<AudioEditor::SaveOutcome> WaveEditor::SaveSelectionAs(const std
     finishSaving();
     // The file a take has been growing is completed before anything else is written there.
     if (session_ && session_->path == path) finishSavedFile();
-    platform::LockedFile existing;
-    if (platform::fileExists(path)) {
-        const int fd = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
-        if (fd < 0) return platform::failure("can't write " + path + ": " + std::strerror(errno));
-        auto locked = platform::LockedFile::lock(fd);
-        if (!locked) return platform::failure(path + " is in use");
-        existing = std::move(*locked);
-    }
+    auto existing = lockExistingFile(path);
+    if (!existing) return existing.failed();
     const SampleCount range = to - from;
     emitBlock(BlockOperationEvent::Phase::Start, kSavingSelection, 0, range);
     saving_ = true;
@@ -120,7 +110,7 @@ platform::Result<AudioEditor::SaveOutcome> WaveEditor::SaveSelectionAs(const std
     SaveOutcome outcome = settled.get_future().share();
     saveThread_ = std::thread([this, alive = alive_, path, target = chosen_, comment = comment_,
                                format = document_.format(), pieces = document_.slice(from, to),
-                               lock = std::move(existing), range,
+                               lock = std::move(*existing), range,
                                settled = std::move(settled)]() mutable {
         // Written beside the target and moved over it once complete, as every save is.
         const std::string partial = path + kPartialSuffix;

@@ -122,6 +122,15 @@ void WaveEditor::finishSavedFile() {
     if (!session->encoder->finish().ok()) session->encoder->rollBack();
 }
 
+platform::Result<platform::LockedFile> WaveEditor::lockExistingFile(const std::string& path) {
+    if (!platform::fileExists(path)) return platform::LockedFile{};
+    const int fd = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+    if (fd < 0) return platform::failure("can't write " + path + ": " + std::strerror(errno));
+    auto locked = platform::LockedFile::lock(fd);
+    if (!locked) return platform::failure(path + " is in use");
+    return locked;
+}
+
 platform::Result<AudioEditor::SaveOutcome> WaveEditor::SaveAs(const std::string& path) {
     if (!workFile_) return platform::failure("no document to save");
     finishSaving();
@@ -136,21 +145,15 @@ platform::Result<AudioEditor::SaveOutcome> WaveEditor::SaveAs(const std::string&
     // An existing file is locked before this call returns, so whoever waits for it
     // to be free waits for this save, not for the one before it. A new file is not
     // made here: until the save is complete only the file beside it exists.
-    platform::LockedFile existing;
-    if (platform::fileExists(path)) {
-        const int fd = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
-        if (fd < 0) return platform::failure("can't write " + path + ": " + std::strerror(errno));
-        auto locked = platform::LockedFile::lock(fd);
-        if (!locked) return platform::failure(path + " is in use");
-        existing = std::move(*locked);
-    }
+    auto existing = lockExistingFile(path);
+    if (!existing) return existing.failed();
     SaveJob job{path,
                 chosen_,
                 FileTags(comment_, details_),
                 document_.format(),
                 document_.pieces(),
                 std::nullopt,
-                std::move(existing),
+                std::move(*existing),
                 state_ == EditorState::Recording};
     if (session_) {
         if (session_->path == path && job.lock.held() &&

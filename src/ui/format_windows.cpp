@@ -15,6 +15,7 @@
 #include <QSpinBox>
 #include <QTabWidget>
 #include <QVBoxLayout>
+#include <functional>
 
 namespace ovd::ui {
 
@@ -33,6 +34,26 @@ QComboBox* listBox(const char* name, const std::array<const char*, N>& items) {
     auto* box = named(new QComboBox, name);
     for (const char* item : items) box->addItem(QString::fromLatin1(item));
     return box;
+}
+
+// cmdOK, cmdApply and cmdCancel at the foot of a format window: Apply hands the
+// encoder the choice, OK hands it over and closes, Cancel closes.
+void addOkApplyCancel(QDialog& dialog, QBoxLayout* column, const std::function<void()>& apply) {
+    auto* buttons = new QHBoxLayout;
+    auto* ok = named(new QPushButton(QObject::tr("OK")), "cmdOK");
+    auto* applyButton = named(new QPushButton(QObject::tr("Apply")), "cmdApply");
+    auto* cancel = named(new QPushButton(QObject::tr("Cancel")), "cmdCancel");
+    buttons->addStretch();
+    buttons->addWidget(ok);
+    buttons->addWidget(applyButton);
+    buttons->addWidget(cancel);
+    column->addLayout(buttons);
+    QObject::connect(applyButton, &QPushButton::clicked, &dialog, apply);
+    QObject::connect(ok, &QPushButton::clicked, &dialog, [&dialog, apply] {
+        apply();
+        dialog.accept();
+    });
+    QObject::connect(cancel, &QPushButton::clicked, &dialog, &QDialog::reject);
 }
 
 }  // namespace
@@ -55,21 +76,7 @@ Mp3OptionsWindow::Mp3OptionsWindow(configuration::Mp3OptionsDialog& model, QWidg
     refreshers_.push_back([this, commandLine] {
         commandLine->setText(QString::fromStdString(model_.commandLine()));
     });
-    auto* buttons = new QHBoxLayout;
-    auto* ok = named(new QPushButton(tr("OK")), "cmdOK");
-    auto* apply = named(new QPushButton(tr("Apply")), "cmdApply");
-    auto* cancel = named(new QPushButton(tr("Cancel")), "cmdCancel");
-    buttons->addStretch();
-    buttons->addWidget(ok);
-    buttons->addWidget(apply);
-    buttons->addWidget(cancel);
-    column->addLayout(buttons);
-    connect(apply, &QPushButton::clicked, this, [this] { model_.apply(); });
-    connect(ok, &QPushButton::clicked, this, [this] {
-        model_.ok();
-        accept();
-    });
-    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    addOkApplyCancel(*this, column, [this] { (void)model_.apply(); });
     refresh();
 }
 
@@ -456,22 +463,8 @@ OggOptionsWindow::OggOptionsWindow(configuration::OggOptionsDialog& model, QWidg
         maxLabel->setText(QString::fromStdString(model_.maxLabel()));
     });
 
-    auto* buttons = new QHBoxLayout;
-    auto* ok = named(new QPushButton(tr("OK")), "cmdOK");
-    auto* apply = named(new QPushButton(tr("Apply")), "cmdApply");
-    auto* cancel = named(new QPushButton(tr("Cancel")), "cmdCancel");
-    buttons->addStretch();
-    buttons->addWidget(ok);
-    buttons->addWidget(apply);
-    buttons->addWidget(cancel);
-    column->addLayout(buttons);
     // Options that can't be kept still go to this save; they are kept again at the next apply.
-    connect(apply, &QPushButton::clicked, this, [this] { (void)model_.apply(); });
-    connect(ok, &QPushButton::clicked, this, [this] {
-        (void)model_.apply();
-        accept();
-    });
-    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    addOkApplyCancel(*this, column, [this] { (void)model_.apply(); });
     refresh();
 }
 
