@@ -16,6 +16,7 @@
 #include "engine/wave_editor.h"
 #include "platform/files.h"
 #include "platform/system_queries.h"
+#include "save_and_wait.h"
 #include "support/temp_folder.h"
 #include "support/virtual_event_loop.h"
 #include "test_signal.h"
@@ -75,14 +76,8 @@ class FormatGrowthTest : public ::testing::TestWithParam<Growth> {
     FormatGrowthTest() { dictation.setTempFileName(folder.path() + "/Temp"); }
 
     void save(const std::string& path) {
-        const auto saved = dictation.SaveAs(path);
-        ASSERT_TRUE(saved.ok());
-        while (dictation.saving() || !platform::FileAvailable(path)) {
-            loop.runPending();
-            ::usleep(1000);
-        }
-        loop.runPending();
-        EXPECT_TRUE(saved->get()) << saved->get().error();
+        const auto saved = testing::saveAndWait(dictation, loop, path);
+        EXPECT_TRUE(saved) << saved.error();
     }
 
     std::string contents(const std::string& path) {

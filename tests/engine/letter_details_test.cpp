@@ -15,6 +15,7 @@
 #include "engine/wave_editor.h"
 #include "platform/files.h"
 #include "platform/system_queries.h"
+#include "save_and_wait.h"
 #include "support/temp_folder.h"
 #include "support/virtual_event_loop.h"
 #include "test_signal.h"
@@ -62,14 +63,8 @@ class LetterDetailsTest : public ::testing::TestWithParam<Container> {
     LetterDetailsTest() { editor.setTempFileName(folder.path() + "/Temp"); }
 
     void save(WaveEditor& e, const std::string& path) {
-        const auto saved = e.SaveAs(path);
-        ASSERT_TRUE(saved.ok()) << saved.error();
-        while (e.saving() || !platform::FileAvailable(path)) {
-            loop.runPending();
-            ::usleep(1000);
-        }
-        loop.runPending();
-        EXPECT_TRUE(saved->get()) << saved->get().error();
+        const auto saved = testing::saveAndWait(e, loop, path);
+        EXPECT_TRUE(saved) << saved.error();
     }
 
     std::string probed(const std::string& path) {

@@ -18,6 +18,7 @@
 #include "mp3_frames.h"
 #include "platform/files.h"
 #include "platform/system_queries.h"
+#include "save_and_wait.h"
 #include "support/temp_folder.h"
 #include "support/virtual_event_loop.h"
 #include "test_signal.h"
@@ -154,14 +155,8 @@ TEST(Mp3EncodingTest, AVariableRateTakeCutBetweenTwoSavesStillReadsWhole) {
     ASSERT_TRUE(recording.ok()) << recording.error();
 
     const auto save = [&] {
-        const auto saved = dictation.SaveAs(path);
-        ASSERT_TRUE(saved.ok());
-        while (dictation.saving() || !platform::FileAvailable(path)) {
-            loop.runPending();
-            ::usleep(1000);
-        }
-        loop.runPending();
-        EXPECT_TRUE(saved->get()) << saved->get().error();
+        const auto saved = testing::saveAndWait(dictation, loop, path);
+        EXPECT_TRUE(saved) << saved.error();
     };
     std::size_t framesBefore = 0;
     for (const int seconds : {12, 9}) {

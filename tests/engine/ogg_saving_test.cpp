@@ -9,6 +9,7 @@
 #include "engine/wave_editor.h"
 #include "platform/files.h"
 #include "platform/system_queries.h"
+#include "save_and_wait.h"
 #include "support/temp_folder.h"
 #include "support/virtual_event_loop.h"
 #include "test_signal.h"
@@ -36,14 +37,8 @@ TEST(OggSavingTest, AnOggTakeCutBetweenTwoSavesReadsToTheLastSave) {
     editor.chooseFormat(target);
     ASSERT_TRUE(editor.Record().ok());
     const auto save = [&] {
-        const auto saved = editor.SaveAs(path);
-        ASSERT_TRUE(saved.ok());
-        while (editor.saving() || !platform::FileAvailable(path)) {
-            loop.runPending();
-            ::usleep(1000);
-        }
-        loop.runPending();
-        EXPECT_TRUE(saved->get()) << saved->get().error();
+        const auto saved = testing::saveAndWait(editor, loop, path);
+        EXPECT_TRUE(saved) << saved.error();
     };
     for (const int seconds : {10, 7}) {
         loop.advance(Milliseconds(seconds * 1000));
