@@ -38,7 +38,7 @@ struct SecondEditorParts {
     platform::Prompts& prompts;
     engine::WaveEditor& editor;
     std::shared_ptr<engine::Clipboard> clipboard;  // the letter's and this editor's
-    // True while a take of the letter records, is paused, or an insert runs.
+    // True while a take of the letter records or an insert or overwrite runs.
     std::function<bool()> letterTakeUnderWay;
     // Where the file dialogs start: the recordings folder.
     std::function<std::string()> recordingsFolder;

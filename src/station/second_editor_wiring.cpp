@@ -24,9 +24,11 @@ void Station::makeSecondEditor() {
         [this] {
             const dictation::DictationState& s = dictation_->state();
             const int recording = static_cast<int>(engine::EditorState::Recording);
-            return s.Recordingstatus || s.RecordingstatusPaused || s.DoingInsertUpdate ||
-                   s.OverWriteFile || AudioEditor1.State() == recording ||
-                   AudioEditor21.State() == recording;
+            // A letter merely armed for its next take ("in Recording Mode but is
+            // Stopped", which every new letter is) leaves the microphone free: its take,
+            // when it starts, stops the second editor first.
+            return s.Recordingstatus || s.DoingInsertUpdate || s.OverWriteFile ||
+                   AudioEditor1.State() == recording || AudioEditor21.State() == recording;
         },
         [this] { return parts_.config.record.CaptureFilePath.toText(); },
         [this] {

@@ -211,5 +211,29 @@ TEST(StationPedalMenuTest, ChoosingUsbOrGamePortPedalsTakesTheTickOffTheSerialEn
     EXPECT_FALSE(pedals.serial.serialPedalsChecked());
 }
 
+// The second editor records beside a letter that waits for its next take, or was
+// stopped after one; only a take under way keeps the microphone from it.
+TEST(StationSecondEditorTest, ItRecordsBesideALetterThatIsNotRecording) {
+    VirtualStation s;
+    s.make();
+    ASSERT_EQ(s.station->Form_Load(), LoadResult::Ready) << s.log.text();
+    s.advance(2000);
+    ASSERT_TRUE(s.station->dictation().state().RecordingstatusPaused) << "a new letter is armed";
+    second_editor::SecondEditor& second = s.station->secondEditor();
+    const auto recording = static_cast<int>(engine::EditorState::Recording);
+
+    second.record();
+    EXPECT_EQ(second.editor().State(), recording) << second.view().status;
+    second.stop();
+
+    s.station->dictation().recordTake();
+    s.advance(1000);
+    second.record();
+    EXPECT_NE(second.editor().State(), recording) << "the letter's take keeps the microphone";
+    s.station->dictation().stop();
+    second.record();
+    EXPECT_EQ(second.editor().State(), recording) << second.view().status;
+}
+
 }  // namespace
 }  // namespace ovd::station
