@@ -3,7 +3,10 @@
 // output folder from the command line, and a window shown, painted and written.
 
 #include <QApplication>
+#include <QElapsedTimer>
+#include <QPainter>
 #include <QPixmap>
+#include <QThread>
 #include <QWidget>
 #include <iostream>
 #include <optional>
@@ -37,6 +40,38 @@ inline void saveScreenshot(QWidget& window, const std::string& folder, const cha
         std::cerr << "can't write " << path << '\n';
     }
     window.hide();
+}
+
+// Lets the window system and the windows catch up, in real time.
+inline void settleWindows(int milliseconds) {
+    QElapsedTimer clock;
+    clock.start();
+    while (clock.elapsed() < milliseconds) {
+        QApplication::processEvents(QEventLoop::AllEvents, 20);
+        QThread::msleep(10);
+    }
+}
+
+// The window under a strip with its caption, as a desktop's title bar shows it:
+// the caption is where the station says what it is doing.
+inline bool saveWithCaption(QWidget& window, const std::string& path) {
+    settleWindows(200);
+    const QPixmap body = window.grab();
+    const int strip = 26;
+    QPixmap picture(body.width(), body.height() + strip);
+    picture.fill(QColor(48, 56, 66));
+    QPainter painter(&picture);
+    painter.drawPixmap(0, strip, body);
+    painter.setPen(Qt::white);
+    QFont font = window.font();
+    font.setBold(true);
+    painter.setFont(font);
+    painter.drawText(QRect(10, 0, body.width() - 20, strip), Qt::AlignVCenter | Qt::AlignLeft,
+                     window.windowTitle());
+    painter.end();
+    const bool saved = picture.save(QString::fromStdString(path));
+    std::cout << (saved ? "wrote " : "could not write ") << path << '\n';
+    return saved;
 }
 
 }  // namespace ovd::testing

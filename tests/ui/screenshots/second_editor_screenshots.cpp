@@ -49,36 +49,6 @@ std::string writePassage(const std::string& path, int seconds) {
     return dictation::testing::writeMonoWave(path, samples);
 }
 
-void settle(int milliseconds) {
-    QElapsedTimer clock;
-    clock.start();
-    while (clock.elapsed() < milliseconds) {
-        QApplication::processEvents(QEventLoop::AllEvents, 20);
-        QThread::msleep(10);
-    }
-}
-
-// The window under a strip with its caption, as a desktop's title bar shows it.
-bool shoot(QWidget& window, const std::string& path) {
-    settle(200);
-    const QPixmap body = window.grab();
-    const int strip = 26;
-    QPixmap picture(body.width(), body.height() + strip);
-    picture.fill(QColor(48, 56, 66));
-    QPainter painter(&picture);
-    painter.drawPixmap(0, strip, body);
-    painter.setPen(Qt::white);
-    QFont font = window.font();
-    font.setBold(true);
-    painter.setFont(font);
-    painter.drawText(QRect(10, 0, body.width() - 20, strip), Qt::AlignVCenter | Qt::AlignLeft,
-                     window.windowTitle());
-    painter.end();
-    if (picture.save(QString::fromStdString(path))) return true;
-    std::cerr << "can't write " << path << '\n';
-    return false;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -113,8 +83,11 @@ int main(int argc, char** argv) {
     ui::SecondEditorWindow window(second);
     window.resize(1180, 600);
     window.show();
-    bool ok = shoot(window, platform::joinPath(output, "second-editor-waveform.png"));
+    bool ok = ovd::testing::saveWithCaption(
+        window, platform::joinPath(output, "second-editor-waveform.png"));
     window.action("mnuViewSpectral")->trigger();
-    ok = shoot(window, platform::joinPath(output, "second-editor-spectral.png")) && ok;
+    ok = ovd::testing::saveWithCaption(window,
+                                       platform::joinPath(output, "second-editor-spectral.png")) &&
+         ok;
     return ok ? 0 : 1;
 }

@@ -34,17 +34,8 @@ struct NoPeer : dictation::PeerNotices {
     bool send(const std::string&, const std::string&) override { return false; }
 };
 
-void settle(int milliseconds) {
-    QElapsedTimer clock;
-    clock.start();
-    while (clock.elapsed() < milliseconds) {
-        QApplication::processEvents(QEventLoop::AllEvents, 20);
-        QThread::msleep(10);
-    }
-}
-
 bool shoot(QWidget& window, const std::string& path) {
-    settle(200);
+    ovd::testing::settleWindows(200);
     const bool saved = window.grab().save(QString::fromStdString(path));
     std::cout << (saved ? "wrote " : "could not write ") << path << '\n';
     return saved;
@@ -99,7 +90,7 @@ int main(int argc, char** argv) {
     ui::StationWindow window({config, log, dictation, editor1, editor21, trace, prompts,
                               OVD_TEST_ASSETS, backend.name()});
     window.Form_Load();
-    settle(800);
+    ovd::testing::settleWindows(800);
 
     bool allSaved = true;
     {
@@ -122,7 +113,7 @@ int main(int argc, char** argv) {
     auto* panel = window.findChild<ui::LetterDetailsPanel*>("frameLetterDetails");
     if (panel != nullptr) panel->setOpen(true);
     window.render();
-    settle(400);
+    ovd::testing::settleWindows(400);
     window.adjustSize();
     allSaved = shoot(window, out + "/letter-details.png") && allSaved;
     return allSaved ? 0 : 1;

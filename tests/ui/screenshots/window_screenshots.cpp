@@ -19,6 +19,7 @@
 #include "engine/virtual_backend.h"
 #include "engine/wave_editor.h"
 #include "platform/files.h"
+#include "screenshot_shots.h"
 #include "settings/debug_trace.h"
 #include "support/scripted_prompts.h"
 #include "support/temp_folder.h"
@@ -51,38 +52,6 @@ struct NoPeer : dictation::PeerNotices {
     [[nodiscard]] bool linkOn() const override { return false; }
     bool send(const std::string&, const std::string&) override { return false; }
 };
-
-// Lets the window manager and the window catch up, in real time.
-void settle(int milliseconds) {
-    QElapsedTimer clock;
-    clock.start();
-    while (clock.elapsed() < milliseconds) {
-        QApplication::processEvents(QEventLoop::AllEvents, 20);
-        QThread::msleep(10);
-    }
-}
-
-// The window as grabbed, under a strip with its caption as a desktop's title bar
-// shows it: the caption is where the station says what it is doing.
-bool shoot(QWidget& window, const std::string& path) {
-    settle(150);
-    const QPixmap body = window.grab();
-    const int strip = 26;
-    QPixmap picture(body.width(), body.height() + strip);
-    picture.fill(QColor(48, 56, 66));
-    QPainter painter(&picture);
-    painter.drawPixmap(0, strip, body);
-    painter.setPen(Qt::white);
-    QFont font = window.font();
-    font.setBold(true);
-    painter.setFont(font);
-    painter.drawText(QRect(10, 0, body.width() - 20, strip), Qt::AlignVCenter | Qt::AlignLeft,
-                     window.windowTitle());
-    painter.end();
-    const bool saved = picture.save(QString::fromStdString(path));
-    std::cout << (saved ? "wrote " : "could not write ") << path << '\n';
-    return saved;
-}
 
 }  // namespace
 
@@ -139,7 +108,7 @@ int main(int argc, char** argv) {
                               OVD_TEST_ASSETS, backend.name()});
     window.addDeskUnit(new ui::DeskUnitPanel(switchModel, dictation.view(), config.record));
     window.Form_Load();
-    settle(800);
+    ovd::testing::settleWindows(800);
 
     const auto run = [&](int milliseconds) {
         for (int done = 0; done < milliseconds; done += 50) {
@@ -150,22 +119,22 @@ int main(int argc, char** argv) {
     bool allSaved = true;
     for (const ui::Face face : {ui::Face::Regular, ui::Face::Thin, ui::Face::SuperThin}) {
         window.setFace(face);
-        settle(600);
+        ovd::testing::settleWindows(600);
         const std::string stem = out + "/" + ui::faceSetting(face);
         window.render();
-        allSaved = shoot(window, stem + "-no-file.png") && allSaved;
+        allSaved = ovd::testing::saveWithCaption(window, stem + "-no-file.png") && allSaved;
 
         dictation.newLetter();
         dictation.recordTake();
         run(7200);  // the lamps are lit in the second half of each second
-        allSaved = shoot(window, stem + "-recording.png") && allSaved;
+        allSaved = ovd::testing::saveWithCaption(window, stem + "-recording.png") && allSaved;
 
         dictation.stop();
         dictation.goToBeginning();
         dictation.CaseStepForward();  // a few seconds in, where the author listens back
         dictation.CaseStepForward();
         run(100);
-        allSaved = shoot(window, stem + "-stopped.png") && allSaved;
+        allSaved = ovd::testing::saveWithCaption(window, stem + "-stopped.png") && allSaved;
         dictation.closeFile();
         run(100);
     }
