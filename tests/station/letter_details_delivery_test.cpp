@@ -6,40 +6,20 @@
 
 #include <filesystem>
 
-#include "delivery/auto_send.h"
-#include "dictation/dictation_fixture.h"
 #include "engine/file_tags.h"
+#include "letter_delivery_fixture.h"
 #include "settings/encoder_options.h"
-#include "station/delivery_wiring.h"
-#include "station/end_of_letter.h"
 
 namespace ovd::station {
 namespace {
 
 namespace fs = std::filesystem;
 
-struct CompanionSeam : delivery::CompanionSender {
-    int starts = 0;
-    [[nodiscard]] bool running() const override { return starts > 0; }
-    void start() override { ++starts; }
-    void stop() override {}
-};
-
 const engine::LetterDetails kDetails = {{"Y-Author", "Dr Brown"},
                                         {"SF-Meeting Name", "Ward round"}};
 
-class LetterDetailsDeliveryTest : public dictation::testing::DictationTest {
+class LetterDetailsDeliveryTest : public testing::LetterDeliveryFixture {
   protected:
-    LetterDetailsDeliveryTest() {
-        auto& r = config.record;
-        r.AutoSend1 = r.AutoSend2 = true;
-        r.SendToOne = folder.file("One");
-        r.SendToTwo = folder.file("Two");
-        r.AutoEmail = true;
-        EXPECT_TRUE(platform::createFolder(r.SendToOne));
-        EXPECT_TRUE(platform::createFolder(r.SendToTwo));
-    }
-
     // A letter dictated with its details, then the end of letter; its name.
     std::string dictateWithDetails() {
         d().newLetter();
@@ -57,16 +37,6 @@ class LetterDetailsDeliveryTest : public dictation::testing::DictationTest {
         return {config.record.SendToOne + "/" + name, config.record.SendToTwo + "/" + name,
                 recordings + "/EmailTemp/" + name};
     }
-
-    ::ovd::testing::ScriptedPrompts boxes;
-    delivery::PeerLink link{{loop, config, log, boxes, 0}};
-    CompanionSeam companion;
-    delivery::AutoSendMenu menu{loop, config.record, companion};
-    ViewStatusLines screen{d()};
-    delivery::AutoSend pipeline{
-        {loop, config, log, boxes, link, voice, menu, companion, screen, ""}};
-    PipelineDelivery delivery{pipeline};
-    EndOfLetter eol{d(), config, log, loop, voice, delivery};
 };
 
 TEST_F(LetterDetailsDeliveryTest, AWaveLetterCarriesItsDetailsInsideEveryCopy) {
